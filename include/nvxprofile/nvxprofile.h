@@ -1,0 +1,15 @@
+// All published headers.
+#pragma once
+
+#include <nvxprofile/cursor_list.h>
+#include <nvxprofile/data_object.h>
+#include <nvxprofile/diagnosis.h>
+#include <nvxprofile/error.h>
+#include <nvxprofile/export.h>
+#include <nvxprofile/file.h>
+#include <nvxprofile/profile_access.h>
+#include <nvxprofile/profile_data.h>
+#include <nvxprofile/profile_entry.h>
+#include <nvxprofile/profile_file.h>
+#include <nvxprofile/profile_info.h>
+#include <nvxprofile/system_time.h>

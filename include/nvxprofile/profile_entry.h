@@ -1,0 +1,144 @@
+// An entry of a profile: raw bytes, a few flags, and in its subclasses the typed payload behind the bytes.
+#pragma once
+
+#include <nvxprofile/data_object.h>
+#include <nvxprofile/export.h>
+
+#include <cstdint>
+
+namespace nvx {
+class Diagnosis;
+}
+
+// The base of all entries. The buffer comes from malloc and is released with free; blocks that a CNvxMemFile grew can
+// be attached to it. Buffer and payload are two forms of the same thing: BufferToData parses the one into the other,
+// DataToBuffer serializes back, and neither happens by itself.
+class NVX_EXPORT CProfileDataEntry {
+ public:
+  // The entry type codes. CreateDataEntry knows a class for each of them.
+  enum UsedType : std::uint32_t {
+    kModel = 1,
+    kInkLimit = 2,
+    kVariableInkLimit = 3,
+    kVariable = 4,
+    kSeparateLight = 5,
+    kLinearization = 6,
+    kGrayBalance = 7,
+    kSeparateChroma = 8,
+    kUcr = 9,
+    kIcm = 10,
+    kInfo = 14,
+    kMediaProperty = 16,
+    kMultiInkLimit = 17,
+    kReplaceProfile = 18,
+    kCalibrationHistory = 19,
+    kCalibrationContainer = 20,
+    kCalibrationTarget = 21,
+    kCalibrationInfo = 22,
+    kCalibrationInklimit = 23,
+    kCalibrationLinearization = 24,
+    kCalibrationGrayBalance = 25,
+    kCalibrationTarget2 = 26,
+    kMaskDownload = 27,
+    kLargeParameter = 28,
+    kMaskDownloadIncludePattern = 29,
+    kSpecialColorInfo = 30,
+  };
+
+  // The kinds of binary form.
+  enum FormatType : std::uint32_t {
+    kFormatModel = 2,
+    kFormatIcc = 3,
+    kFormatLut = 5,
+    kFormatCurve = 6,
+    kFormatInfo = 7,
+    kFormatKeyed = 8,
+    kFormatCalibrationTarget = 9,
+    kFormatContainer = 10,
+    kFormatCalibrationInfo = 11,
+    kFormatMaskDownload = 12,
+    kFormatMaskDownloadIncludePattern = 13,
+  };
+
+  // Characters of a label, the terminator included.
+  static constexpr std::uint32_t kLabelLength = 256;
+
+  // A new entry of the class that belongs to the type, or null for a type without one. The caller owns it, until it is
+  // given to a profile or a container.
+  static CProfileDataEntry* CreateDataEntry(UsedType usedType);
+
+  CProfileDataEntry() = default;
+  CProfileDataEntry(const CProfileDataEntry&) = delete;
+  CProfileDataEntry& operator=(const CProfileDataEntry&) = delete;
+
+  virtual ~CProfileDataEntry();
+
+  // The payload, which stays the entry's; null for entries that have none.
+  virtual CDataObject* GetFormatData();
+
+  // Takes over the payload of another entry of the same kind; false if this entry imports nothing.
+  virtual bool DoImport(CProfileDataEntry* source);
+
+  // Destroys this object.
+  virtual void Delete();
+
+  // Parses the buffer into the payload. The buffer stays as it is.
+  virtual bool BufferToData();
+
+  // Serializes the payload into a new buffer. On false the buffer stays as it was.
+  virtual bool DataToBuffer();
+
+  // Copies flags, types, option info and label, calls DataToBuffer on this entry and copies the buffer if it is not
+  // empty. The payload of the target stays; BufferToData on the target renews it.
+  virtual void Copy(CProfileDataEntry& target);
+
+  // Frees the present buffer and takes over a malloc'ed block.
+  virtual void AttachBuffer(std::uint8_t* buffer, std::uint32_t size);
+
+  virtual void SetOptionInfo(std::uint32_t optionInfo);
+  virtual std::uint32_t GetOptionInfo();
+
+  // Frees the present buffer and allocates one of `size` bytes, uninitialised. Null for size 0.
+  virtual std::uint8_t* GetBuffer(std::uint32_t size);
+
+  // Bytes in the buffer.
+  virtual std::uint32_t GetSize();
+
+  virtual void SetComplete(bool complete);
+  virtual bool IsComplete();
+  virtual bool IsDisplayEnable();
+  virtual void DeleteBuffer();
+
+  // The buffer, which stays the entry's and is valid until it is replaced; null when there is none.
+  virtual std::uint8_t* GetRefBuffer();
+
+  virtual std::uint32_t GetFormatType() const;
+  virtual void SetFormatType(std::uint32_t formatType);
+  virtual std::uint32_t GetUsedType() const;
+  virtual void SetUsedType(std::uint32_t usedType);
+
+  void SetDisplay(bool display) { display_ = display; }
+  const char* GetLabelString() const { return label_; }
+
+  // Copies the text, cut to 255 bytes. Always true; null counts as empty.
+  bool SetLabelString(const char* label);
+
+  // Where BufferToData records what it finds wrong, or null; see CNvxFile::SetDiagnosis. Not owned.
+  void SetDiagnosis(nvx::Diagnosis* diagnosis) { diagnosis_ = diagnosis; }
+  nvx::Diagnosis* GetDiagnosis() const { return diagnosis_; }
+
+ protected:
+  // For the subclasses: the values of their row in the table of entry types.
+  CProfileDataEntry(UsedType usedType, FormatType formatType, bool display);
+
+ private:
+  std::uint32_t formatType_ = 0;
+  std::uint32_t usedType_ = 0;
+  bool complete_ = false;
+  bool display_ = false;
+  std::uint8_t* buffer_ = nullptr;
+  std::uint32_t size_ = 0;
+  std::uint32_t optionInfo_ = 0;
+  char label_[kLabelLength] = {};
+  nvx::Diagnosis* diagnosis_ = nullptr;
+};

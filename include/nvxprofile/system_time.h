@@ -1,0 +1,17 @@
+// Broken-down time, as the information records hold it.
+#pragma once
+
+#include <cstdint>
+
+struct _SYSTEMTIME {
+  std::uint16_t wYear = 0;
+  std::uint16_t wMonth = 0;  // 1 to 12
+  std::uint16_t wDayOfWeek = 0;
+  std::uint16_t wDay = 0;
+  std::uint16_t wHour = 0;
+  std::uint16_t wMinute = 0;
+  std::uint16_t wSecond = 0;
+  std::uint16_t wMilliseconds = 0;
+};
+
+using SYSTEMTIME = _SYSTEMTIME;

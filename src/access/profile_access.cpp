@@ -1,0 +1,91 @@
+// Loading, and what the information record answers.
+#include "core/report.h"
+#include "core/text.h"
+
+#include <nvxprofile/profile_access.h>
+#include <nvxprofile/profile_file.h>
+
+#include <algorithm>
+
+namespace {
+
+constexpr const char* kSource = "ProfileAccess";
+
+bool FailWithPath(CError* error, int line, std::u16string_view format, const char16_t* path) {
+  return nvx::Fail(error, nvx::kReasonNotFound, kSource, line, nvx::Message(format).Put(nvx::TextOf(path)));
+}
+
+}  // namespace
+
+CProfileAccess::CProfileAccess() = default;
+CProfileAccess::~CProfileAccess() = default;
+
+bool CProfileAccess::Init(const char16_t* path, CError* error) {
+  profile_.reset();
+  const std::unique_ptr<CProfileFile> file(CProfileFile::CreateProfileFile(path, true));
+  if (!file) return FailWithPath(error, __LINE__, u"Profile: File Format Error (file name:%s)", path);
+  profile_ = std::make_unique<CProfileData>();
+  if (!file->LoadData(path, profile_.get(), false)) {
+    profile_.reset();
+    return FailWithPath(error, __LINE__, u"Profile: Load Error (file name:%s)", path);
+  }
+  format_ = file->GetMyFormat();
+  SetupProfileInfoStructure();
+  return true;
+}
+
+void CProfileAccess::SetupProfileInfoStructure() {
+  _tagDeviceProfileInfo& info = *profile_->GetProfileInfo();
+  info.OutputFourthValue = -1;
+  info.OutputCodeA = 255;
+  info.OutputCodeB = 255;
+  nvx::CopyText(info.OutputText, std::u16string_view());
+}
+
+_tagDeviceProfileInfo* CProfileAccess::GetProfileInfo() { return profile_ ? profile_->GetProfileInfo() : nullptr; }
+
+CProfileDataInfo* CProfileAccess::GetProfileInfoObject() {
+  return profile_ ? profile_->GetProfileInfoObject() : nullptr;
+}
+
+bool CProfileAccess::IsICCRoot() { return profile_ && profile_->IsICCRoot(); }
+bool CProfileAccess::IsGrayBalanceRoot() { return profile_ && profile_->IsGrayBalance(); }
+bool CProfileAccess::IsV3Route() { return profile_ && profile_->IsV3(); }
+bool CProfileAccess::IsSpecifiedRoute(std::uint32_t route) { return profile_ && profile_->IsSpecifiedRoute(route); }
+
+bool CProfileAccess::GetOutputInfo(_tagOutputInfo* info) {
+  if (info == nullptr || !profile_) return false;
+  const _tagDeviceProfileInfo& from = *profile_->GetProfileInfo();
+  std::copy_n(from.ModelCode, std::size(from.ModelCode), info->ModelCode);
+  std::copy_n(from.ModelSubCode, std::size(from.ModelSubCode), info->ModelSubCode);
+  std::copy_n(from.InternalCode, std::size(from.InternalCode), info->InternalCode);
+  info->ScanResolution = from.ScanResolution;
+  info->FeedResolution = from.FeedResolution;
+  info->RenderingScan = from.RenderingScan;
+  info->RenderingFeed = from.RenderingFeed;
+  info->Expand = from.Expand;
+  info->ColorsetCode = from.ColorsetCode;
+  info->InkTypeCode = from.InkTypeCode;
+  info->DotType = from.DotType;
+  return true;
+}
+
+bool CProfileAccess::GetOutputResolution(std::uint32_t& scan, std::uint32_t& feed, std::uint32_t& third,
+                                         std::uint32_t& fourth) {
+  if (!profile_) return false;
+  const _tagDeviceProfileInfo& info = *profile_->GetProfileInfo();
+  scan = info.ScanResolution;
+  feed = info.FeedResolution;
+  third = info.OutputThirdValue;
+  fourth = static_cast<std::uint32_t>(info.OutputFourthValue);
+  return true;
+}
+
+bool CProfileAccess::GetRenderingResolution(std::uint32_t& scan, std::uint32_t& feed, std::uint32_t& expand) {
+  if (!profile_) return false;
+  const _tagDeviceProfileInfo& info = *profile_->GetProfileInfo();
+  scan = info.RenderingScan;
+  feed = info.RenderingFeed;
+  expand = info.Expand;
+  return true;
+}

@@ -1,0 +1,174 @@
+// Records of fixed size. A record describes its fields once, in the order of the file, and this header derives its
+// size, its reading and its writing from that:
+//
+//   struct Example {
+//     std::uint32_t count = 0;
+//     char name[64] = {};
+//     template <class Self, class Codec>
+//     static constexpr void Describe(Self& record, Codec& codec) {
+//       codec.Constant(Magic("ABCD"), record.magic);
+//       codec.Number(record.count);
+//       codec.Text(record.name, 40);
+//       codec.Reserved(12);
+//     }
+//   };
+//
+// Numbers are little-endian.
+#pragma once
+
+#include "core/byte_order.h"
+#include "core/text.h"
+
+#include <nvxprofile/file.h>
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <type_traits>
+#include <vector>
+
+namespace nvx {
+
+class RecordSizer {
+ public:
+  template <class T>
+  constexpr void Number(const T&) {
+    size_ += sizeof(T);
+  }
+  template <class Char>
+  constexpr void Text(const Char*, std::size_t width) {
+    size_ += width * sizeof(Char);
+  }
+  constexpr void Bytes(const std::uint8_t*, std::size_t size) { size_ += size; }
+  constexpr void Reserved(std::size_t size) { size_ += size; }
+  constexpr std::size_t Size() const { return size_; }
+
+ private:
+  std::size_t size_ = 0;
+};
+
+// Bytes of a record in its file.
+template <class Record>
+inline constexpr std::uint32_t kRecordSize = [] {
+  RecordSizer sizer;
+  const Record record{};
+  Record::Describe(record, sizer);
+  return static_cast<std::uint32_t>(sizer.Size());
+}();
+
+class RecordEncoder {
+ public:
+  explicit RecordEncoder(std::uint8_t* out) : out_(out) {}
+
+  template <class T>
+  void Number(T value) {
+    using U = std::make_unsigned_t<T>;
+    StoreLittle<U>(out_, static_cast<U>(value));
+    out_ += sizeof(T);
+  }
+  // A field of `width` characters: cut, and zero behind the text. A text that fills the field has no terminator.
+  void Text(const char* text, std::size_t width) {
+    const std::size_t length = ::strnlen(text, width);
+    std::memcpy(out_, text, length);
+    std::memset(out_ + length, 0, width - length);
+    out_ += width;
+  }
+  void Text(const char16_t* text, std::size_t width) {
+    std::size_t length = 0;
+    while (length < width && text[length] != 0) ++length;
+    for (std::size_t i = 0; i < width; ++i) Number<std::uint16_t>(i < length ? text[i] : std::uint16_t{0});
+  }
+  void Bytes(const std::uint8_t* bytes, std::size_t size) {
+    std::memcpy(out_, bytes, size);
+    out_ += size;
+  }
+  void Reserved(std::size_t size) {
+    std::memset(out_, 0, size);
+    out_ += size;
+  }
+
+ private:
+  std::uint8_t* out_;
+};
+
+class RecordDecoder {
+ public:
+  explicit RecordDecoder(const std::uint8_t* in) : in_(in) {}
+
+  template <class T>
+  void Number(T& value) {
+    value = static_cast<T>(LoadLittle<std::make_unsigned_t<T>>(in_));
+    in_ += sizeof(T);
+  }
+  // Cut to the target's room and terminated, whatever the field holds. Fields without room for a terminator in the
+  // target lose their last character.
+  template <std::size_t N>
+  void Text(char (&text)[N], std::size_t width) {
+    const std::size_t length = ::strnlen(reinterpret_cast<const char*>(in_), width);
+    CopyText(text, N, std::string_view(reinterpret_cast<const char*>(in_), length));
+    in_ += width;
+  }
+  template <std::size_t N>
+  void Text(char16_t (&text)[N], std::size_t width) {
+    std::size_t length = 0;
+    for (; length < width && length < N - 1; ++length) {
+      text[length] = static_cast<char16_t>(LoadLittle<std::uint16_t>(in_ + 2 * length));
+      if (text[length] == 0) break;
+    }
+    std::fill(text + length, text + N, u'\0');
+    in_ += 2 * width;
+  }
+  void Bytes(std::uint8_t* bytes, std::size_t size) {
+    std::memcpy(bytes, in_, size);
+    in_ += size;
+  }
+  void Reserved(std::size_t size) { in_ += size; }
+
+ private:
+  const std::uint8_t* in_;
+};
+
+template <class Record>
+using RecordBytes = std::array<std::uint8_t, kRecordSize<Record>>;
+
+template <class Record>
+void EncodeRecord(const Record& record, std::uint8_t* out) {
+  RecordEncoder encoder(out);
+  Record::Describe(record, encoder);
+}
+
+// `in` holds kRecordSize<Record> bytes.
+template <class Record>
+Record DecodeRecord(const std::uint8_t* in) {
+  Record record{};
+  RecordDecoder decoder(in);
+  Record::Describe(record, decoder);
+  return record;
+}
+
+template <class Record>
+bool WriteRecord(CNvxFile& file, const Record& record) {
+  RecordBytes<Record> bytes;
+  EncodeRecord(record, bytes.data());
+  return file.Write(bytes.data(), kRecordSize<Record>) == kRecordSize<Record>;
+}
+
+// False, with the record as it was, if the stream ends early.
+template <class Record>
+bool ReadRecord(CNvxFile& file, Record& record) {
+  RecordBytes<Record> bytes;
+  if (file.Read(bytes.data(), kRecordSize<Record>) != kRecordSize<Record>) return false;
+  record = DecodeRecord<Record>(bytes.data());
+  return true;
+}
+
+// What the stream does not hold reads as zero; for forms of which shorter records are in use.
+template <class Record>
+Record ReadRecordPadded(CNvxFile& file) {
+  RecordBytes<Record> bytes{};
+  file.Read(bytes.data(), kRecordSize<Record>);
+  return DecodeRecord<Record>(bytes.data());
+}
+
+}  // namespace nvx

@@ -1,0 +1,31 @@
+#include "core/stream.h"
+
+namespace nvx {
+
+bool RefuseAt(CNvxFile& file, std::uint64_t offset, std::string_view rule) {
+  if (Diagnosis* const diagnosis = file.GetDiagnosis()) diagnosis->Report(Severity::kError, offset, rule);
+  return false;
+}
+
+bool Refuse(CNvxFile& file, std::string_view rule) {
+  return file.GetDiagnosis() != nullptr && RefuseAt(file, file.GetPosition(), rule);
+}
+
+void Warn(CNvxFile& file, std::uint64_t offset, std::string_view rule) {
+  if (Diagnosis* const diagnosis = file.GetDiagnosis()) diagnosis->Report(Severity::kWarning, offset, rule);
+}
+
+StreamBlock::StreamBlock(CNvxFile& file, std::uint32_t count) {
+  if (!Holds(file, count, 1)) return;
+  if (auto* const memory = dynamic_cast<CNvxMemFile*>(&file)) {
+    data_ = memory->Buffer + memory->Position;
+    memory->Position += count;
+    whole_ = true;
+    return;
+  }
+  copy_.resize(count);
+  whole_ = ReadExact(file, copy_.data(), count);
+  if (whole_) data_ = copy_.data();
+}
+
+}  // namespace nvx

@@ -1,0 +1,68 @@
+// What readers and writers of forms need of a stream beside its published operations.
+#pragma once
+
+#include "core/byte_order.h"
+
+#include <nvxprofile/diagnosis.h>
+#include <nvxprofile/file.h>
+
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+namespace nvx {
+
+// Bytes from the position to the end.
+inline std::uint32_t Remaining(CNvxFile& file) {
+  const std::uint32_t length = file.GetLength();
+  const std::uint32_t position = file.GetPosition();
+  return position < length ? length - position : 0;
+}
+
+// True if the stream still holds `count` records of `size` bytes. Every stored count passes here, or through an equal
+// test, before it sizes anything.
+inline bool Holds(CNvxFile& file, std::uint64_t count, std::uint64_t size) {
+  return size == 0 || count <= Remaining(file) / size;
+}
+
+inline bool ReadExact(CNvxFile& file, void* buffer, std::uint32_t count) { return file.Read(buffer, count) == count; }
+
+inline bool WriteExact(CNvxFile& file, const void* buffer, std::uint32_t count) {
+  return count == 0 || file.Write(buffer, count) == count;
+}
+
+inline bool ReadMagic(CNvxFile& file, std::uint32_t magic) {
+  std::uint8_t bytes[4];
+  return ReadExact(file, bytes, sizeof bytes) && LoadLittle<std::uint32_t>(bytes) == magic;
+}
+
+inline bool WriteMagic(CNvxFile& file, std::uint32_t magic) {
+  std::uint8_t bytes[4];
+  StoreLittle(bytes, magic);
+  return WriteExact(file, bytes, sizeof bytes);
+}
+
+// The way out of a reader: records the broken rule for whoever attached a diagnosis, at the given offset of the stream
+// or where it stands, and gives false.
+bool Refuse(CNvxFile& file, std::string_view rule);
+bool RefuseAt(CNvxFile& file, std::uint64_t offset, std::string_view rule);
+
+// What is odd but does not stop a reader.
+void Warn(CNvxFile& file, std::uint64_t offset, std::string_view rule);
+
+// The next `count` bytes of a stream: a view of the block of a memory stream, or a copy of a file's bytes. The stream
+// moves behind them. Empty with `count` above 0 if the stream holds fewer.
+class StreamBlock {
+ public:
+  StreamBlock(CNvxFile& file, std::uint32_t count);
+
+  bool IsWhole() const { return whole_; }
+  const std::uint8_t* Data() const { return data_; }
+
+ private:
+  std::vector<std::uint8_t> copy_;
+  const std::uint8_t* data_ = nullptr;
+  bool whole_ = false;
+};
+
+}  // namespace nvx

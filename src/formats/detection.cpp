@@ -1,0 +1,29 @@
+// Which format a file has. Each format takes its place in the order of the tests here.
+#include "core/stream.h"
+#include "formats/container_records.h"
+#include "platform/file_system.h"
+
+#include <nvxprofile/profile_file.h>
+
+#include <string_view>
+
+namespace {
+
+bool HasIccExtension(const char16_t* path) {
+  const std::u16string_view extension = nvx::platform::SplitFileName(path).extension;
+  return extension == u".icc" || extension == u".icm";
+}
+
+}  // namespace
+
+CProfileFile* CProfileFile::CreateProfileFile(const char16_t* path, bool readOnly) {
+  if (path == nullptr) return nullptr;
+  if (HasIccExtension(path)) return CreateICCProfileFile(path);
+  CNvxFile file;
+  const std::uint32_t access = readOnly ? nvx::kGenericRead : nvx::kGenericRead | nvx::kGenericWrite;
+  if (!file.Open(path, access, nvx::kShareRead, nvx::kOpenExisting)) return nullptr;
+  if (nvx::ReadMagic(file, nvx::ContainerHeader::kMagic)) return new CProfileFileQCT;
+  return CreateICCProfileFile(path);
+}
+
+CProfileFile* CProfileFile::CreateICCProfileFile(const char16_t*) { return nullptr; }

@@ -1,0 +1,18 @@
+// The current time and local time. Nothing here is cached: TZ and SOURCE_DATE_EPOCH count at each call.
+#pragma once
+
+#include <nvxprofile/system_time.h>
+
+#include <cstdint>
+#include <optional>
+
+namespace nvx::platform {
+
+// Seconds since 1970: SOURCE_DATE_EPOCH where it is set to a number, else the clock.
+std::int64_t CurrentTime();
+
+// Local broken-down time without day of week and milliseconds, which stay 0. Nothing for a negative time and for one
+// beyond the year 3000, which the conversion refuses.
+std::optional<SYSTEMTIME> LocalTime(std::int64_t seconds);
+
+}  // namespace nvx::platform

@@ -1,0 +1,71 @@
+// Files by UTF-16 path. This folder is the only one that knows the operating system.
+#pragma once
+
+#include <nvxprofile/system_time.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace nvx::platform {
+
+using FileHandle = std::intptr_t;
+inline constexpr FileHandle kNoFile = -1;
+
+// What a path's end splits into; the extension starts with its point and is empty without one.
+struct FileNameParts {
+  std::u16string_view name;
+  std::u16string_view extension;
+};
+FileNameParts SplitFileName(std::u16string_view path);
+
+// Opens with the flags of nvxprofile/file.h; kNoFile on failure and for folders.
+FileHandle OpenFile(std::u16string_view path, std::uint32_t access, std::uint32_t creation);
+void CloseFile(FileHandle file);
+
+// Transfer as many bytes as the file gives or takes, going on after interruptions and short transfers. The count
+// that was transferred; fewer than asked at the end of the file or on an error.
+std::size_t ReadFile(FileHandle file, void* buffer, std::size_t count);
+std::size_t WriteFile(FileHandle file, const void* buffer, std::size_t count);
+
+enum class Origin { kBegin, kPosition, kEnd };
+// The new position, or -1 if the target lies before the start or the file cannot seek.
+std::int64_t SeekFile(FileHandle file, std::int64_t offset, Origin origin);
+// -1 on failure.
+std::int64_t FileSize(FileHandle file);
+
+bool FileExists(std::u16string_view path);
+// When the file came into being, in UTC; the time of its last change where the file system keeps no other.
+std::optional<SYSTEMTIME> FileCreationTime(std::u16string_view path);
+// Error number of the last failed call of this thread.
+std::uint32_t LastError();
+
+// A new file beside a target, which takes the target's place all at once or leaves it alone. Where the file system can,
+// the new file has no name until the very end, so that not even a killed process leaves one behind; and what is left by
+// one killed in the last two calls is taken away by the next save of the same target.
+class ReplacementFile {
+ public:
+  ReplacementFile() = default;
+  ReplacementFile(const ReplacementFile&) = delete;
+  ReplacementFile& operator=(const ReplacementFile&) = delete;
+  // Without a Commit the new file is removed.
+  ~ReplacementFile();
+
+  // Makes the new file in the folder of the target, with the target's owner and permissions where it exists. A link is
+  // followed. A target that is no plain file, such as a device, is opened itself. kNoFile on failure; the handle is the
+  // caller's.
+  FileHandle Create(std::u16string_view target);
+
+  // Puts the bytes of `file` on the disk and renames it over the target.
+  bool Commit(FileHandle file);
+
+ private:
+  bool GiveName(FileHandle file);
+
+  std::string target_;
+  std::string temporary_;  // name of the new file; empty when there is nothing to rename
+  bool named_ = false;     // the new file has that name already
+};
+
+}  // namespace nvx::platform

@@ -1,0 +1,203 @@
+#include "platform/locale.h"
+
+#include <iconv.h>
+
+#include <array>
+#include <bit>
+#include <cerrno>
+#include <charconv>
+#include <cstdlib>
+#include <cstring>
+
+namespace nvx::platform {
+namespace {
+
+constexpr char16_t kReplacement = 0xFFFD;
+constexpr const char* kWideName = std::endian::native == std::endian::little ? "UTF-16LE" : "UTF-16BE";
+
+struct Language {
+  std::string_view code;
+  std::uint16_t number;
+};
+
+// ISO 639 codes and primary language numbers.
+constexpr std::array<Language, 70> kLanguages{{
+    {"ar", 1},  {"bg", 2},  {"ca", 3},  {"zh", 4},  {"cs", 5},  {"da", 6},  {"de", 7},  {"el", 8},  {"en", 9},
+    {"es", 10}, {"fi", 11}, {"fr", 12}, {"he", 13}, {"iw", 13}, {"hu", 14}, {"is", 15}, {"it", 16}, {"ja", 17},
+    {"ko", 18}, {"nl", 19}, {"nb", 20}, {"nn", 20}, {"no", 20}, {"pl", 21}, {"pt", 22}, {"rm", 23}, {"ro", 24},
+    {"ru", 25}, {"hr", 26}, {"sr", 26}, {"bs", 26}, {"sk", 27}, {"sq", 28}, {"sv", 29}, {"th", 30}, {"tr", 31},
+    {"ur", 32}, {"id", 33}, {"uk", 34}, {"be", 35}, {"sl", 36}, {"et", 37}, {"lv", 38}, {"lt", 39}, {"tg", 40},
+    {"fa", 41}, {"vi", 42}, {"hy", 43}, {"az", 44}, {"eu", 45}, {"mk", 47}, {"af", 54}, {"ka", 55}, {"fo", 56},
+    {"hi", 57}, {"mt", 58}, {"ms", 62}, {"kk", 63}, {"ky", 64}, {"sw", 65}, {"uz", 67}, {"bn", 69}, {"pa", 70},
+    {"gu", 71}, {"ta", 73}, {"te", 74}, {"kn", 75}, {"mr", 78}, {"mn", 80}, {"cy", 82},
+}};
+
+std::string_view LocaleName() {
+  for (const char* const variable : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
+    const char* const value = std::getenv(variable);
+    if (value != nullptr && *value != 0) return value;
+  }
+  return {};
+}
+
+class Converter {
+ public:
+  Converter(const char* to, const char* from) : handle_(::iconv_open(to, from)) {}
+  Converter(const Converter&) = delete;
+  Converter& operator=(const Converter&) = delete;
+  ~Converter() {
+    if (IsOpen()) ::iconv_close(handle_);
+  }
+
+  bool IsOpen() const { return handle_ != reinterpret_cast<::iconv_t>(-1); }
+
+  // Converts all that can be converted; bad(out, in, end) writes a substitute and moves `in` past what is bad.
+  template <class Bad>
+  std::string Convert(const char* in, std::size_t size, Bad bad) {
+    std::string out;
+    std::array<char, 1024> chunk;
+    const char* const end = in + size;
+    while (in < end) {
+      char* from = const_cast<char*>(in);
+      std::size_t left = static_cast<std::size_t>(end - in);
+      char* to = chunk.data();
+      std::size_t room = chunk.size();
+      const std::size_t result = ::iconv(handle_, &from, &left, &to, &room);
+      out.append(chunk.data(), chunk.size() - room);
+      in = from;
+      if (result != static_cast<std::size_t>(-1) || errno == E2BIG) continue;
+      bad(out, in, end);
+    }
+    return out;
+  }
+
+ private:
+  ::iconv_t handle_;
+};
+
+std::string CodePageName() {
+  const std::uint32_t page = AnsiCodePage();
+  return page == 65001 ? "UTF-8" : "CP" + std::to_string(page);
+}
+
+}  // namespace
+
+std::uint16_t PrimaryLanguage() {
+  const std::string_view locale = LocaleName();
+  const std::string_view code = locale.substr(0, locale.find_first_of("_.@-"));
+  for (const Language& language : kLanguages) {
+    if (language.code == code) return language.number;
+  }
+  return kLanguageEnglish;
+}
+
+std::uint32_t AnsiCodePage() {
+  if (const char* const text = std::getenv("NVXPROFILE_CODEPAGE")) {
+    std::uint32_t page = 0;
+    const char* const end = text + std::strlen(text);
+    const auto [rest, error] = std::from_chars(text, end, page);
+    if (error == std::errc() && rest == end && rest != text) return page;
+  }
+  switch (PrimaryLanguage()) {
+    case kLanguageJapanese:
+      return 932;
+    case 4:
+      return 936;
+    case 18:
+      return 949;
+    case 25:
+      return 1251;
+    default:
+      return 1252;
+  }
+}
+
+std::u16string AnsiToWide(std::string_view text) {
+  Converter converter(kWideName, CodePageName().c_str());
+  if (!converter.IsOpen()) return Utf8ToWide(text);
+  const std::string bytes =
+      converter.Convert(text.data(), text.size(), [](std::string& out, const char*& in, const char*) {
+        out.append(reinterpret_cast<const char*>(&kReplacement), sizeof kReplacement);
+        ++in;
+      });
+  std::u16string wide(bytes.size() / sizeof(char16_t), u'\0');
+  std::memcpy(wide.data(), bytes.data(), wide.size() * sizeof(char16_t));
+  return wide;
+}
+
+std::string WideToAnsi(std::u16string_view text) {
+  Converter converter(CodePageName().c_str(), kWideName);
+  if (!converter.IsOpen()) return WideToUtf8(text);
+  return converter.Convert(reinterpret_cast<const char*>(text.data()), text.size() * sizeof(char16_t),
+                           [](std::string& out, const char*& in, const char* end) {
+                             out += '?';
+                             char16_t unit;
+                             std::memcpy(&unit, in, sizeof unit);
+                             const bool pair = unit >= 0xD800 && unit < 0xDC00 && end - in >= 4;
+                             in += pair ? 4 : 2;
+                           });
+}
+
+std::string WideToUtf8(std::u16string_view text) {
+  std::string out;
+  out.reserve(text.size());
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    char32_t point = text[i];
+    if (point >= 0xD800 && point < 0xE000) {
+      const bool pair = point < 0xDC00 && i + 1 < text.size() && text[i + 1] >= 0xDC00 && text[i + 1] < 0xE000;
+      point = pair ? 0x10000 + ((point - 0xD800) << 10) + (text[++i] - 0xDC00u) : char32_t{kReplacement};
+    }
+    if (point < 0x80) {
+      out += static_cast<char>(point);
+    } else if (point < 0x800) {
+      out += static_cast<char>(0xC0 | point >> 6);
+      out += static_cast<char>(0x80 | (point & 0x3F));
+    } else if (point < 0x10000) {
+      out += static_cast<char>(0xE0 | point >> 12);
+      out += static_cast<char>(0x80 | (point >> 6 & 0x3F));
+      out += static_cast<char>(0x80 | (point & 0x3F));
+    } else {
+      out += static_cast<char>(0xF0 | point >> 18);
+      out += static_cast<char>(0x80 | (point >> 12 & 0x3F));
+      out += static_cast<char>(0x80 | (point >> 6 & 0x3F));
+      out += static_cast<char>(0x80 | (point & 0x3F));
+    }
+  }
+  return out;
+}
+
+std::u16string Utf8ToWide(std::string_view text) {
+  std::u16string out;
+  out.reserve(text.size());
+  for (std::size_t i = 0; i < text.size();) {
+    const unsigned char lead = static_cast<unsigned char>(text[i]);
+    const std::size_t length = lead < 0x80                   ? 1
+                               : lead >= 0xC2 && lead < 0xE0 ? 2
+                               : lead < 0xF0                 ? 3
+                               : lead < 0xF5                 ? 4
+                                                             : 0;
+    char32_t point = length == 1 ? lead : lead & (0x7Fu >> length);
+    std::size_t used = 1;
+    bool valid = length != 0 && !(lead >= 0x80 && lead < 0xC2);
+    for (; valid && used < length; ++used) {
+      const unsigned char next = i + used < text.size() ? static_cast<unsigned char>(text[i + used]) : 0;
+      if ((next & 0xC0) != 0x80) break;
+      point = point << 6 | (next & 0x3Fu);
+    }
+    constexpr std::array<char32_t, 5> kLeast{0, 0, 0x80, 0x800, 0x10000};
+    valid =
+        valid && used == length && point >= kLeast[length] && point < 0x110000 && !(point >= 0xD800 && point < 0xE000);
+    if (!valid) {
+      out += kReplacement;
+    } else if (point < 0x10000) {
+      out += static_cast<char16_t>(point);
+    } else {
+      out += static_cast<char16_t>(0xD800 + ((point - 0x10000) >> 10));
+      out += static_cast<char16_t>(0xDC00 + ((point - 0x10000) & 0x3FF));
+    }
+    i += used;
+  }
+  return out;
+}
+
+}  // namespace nvx::platform

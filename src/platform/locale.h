@@ -1,0 +1,28 @@
+// Language and code page of the system, looked up at each call, and text conversion.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace nvx::platform {
+
+inline constexpr std::uint16_t kLanguageJapanese = 17;
+inline constexpr std::uint16_t kLanguageEnglish = 9;
+
+// Primary language number: from LC_ALL, LC_MESSAGES or LANG, whichever is set first. C, POSIX, nothing at all and
+// unknown languages count as English.
+std::uint16_t PrimaryLanguage();
+
+// NVXPROFILE_CODEPAGE where it is a number; else by language: ja 932, zh 936, ko 949, ru 1251, others 1252.
+std::uint32_t AnsiCodePage();
+
+// Conversion between the ANSI code page and UTF-16. What cannot be converted becomes U+FFFD or a question mark.
+std::u16string AnsiToWide(std::string_view text);
+std::string WideToAnsi(std::u16string_view text);
+
+// Paths and messages: UTF-8 on the outside of a POSIX system. A half of a surrogate pair alone becomes U+FFFD.
+std::string WideToUtf8(std::u16string_view text);
+std::u16string Utf8ToWide(std::string_view text);
+
+}  // namespace nvx::platform

@@ -1,0 +1,88 @@
+// Payloads as JSON, both ways. Each family of entries has one file below payloads/; payload.cpp finds the right one by
+// entry type. Keys are named after the getters of the payload classes, in lower camel case (GetInkName is "inkName").
+#pragma once
+
+#include <nvxprofile/profile_entry.h>
+
+#include <nlohmann/json.hpp>
+
+#include <cstdint>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace nvx::tool {
+
+// Keeps keys in the order of writing.
+using Json = nlohmann::ordered_json;
+
+// A document that cannot be built from: what() says why, Place() is the JSON pointer of the culprit.
+class DocumentError : public std::runtime_error {
+ public:
+  DocumentError(std::string place, const std::string& why) : std::runtime_error(why), place_(std::move(place)) {}
+  const std::string& Place() const { return place_; }
+
+ private:
+  std::string place_;
+};
+
+// A value of a document together with the JSON pointer at which it stands, so that every complaint names its place.
+class Node {
+ public:
+  Node(const Json& value, std::string place) : value_(&value), place_(std::move(place)) {}
+
+  const Json& Value() const { return *value_; }
+  const std::string& Place() const { return place_; }
+  bool Has(const char* key) const;
+  Node At(const char* key) const;   // DocumentError if this is no object or has no such key
+  std::vector<Node> Items() const;  // DocumentError if this is no array
+  std::int64_t Integer(std::int64_t least, std::int64_t greatest) const;
+  std::uint32_t U32() const { return static_cast<std::uint32_t>(Integer(0, 0xFFFFFFFFLL)); }
+  std::int32_t I32() const { return static_cast<std::int32_t>(Integer(-0x80000000LL, 0x7FFFFFFFLL)); }
+  bool Bool() const;
+  std::string Text(std::size_t longest) const;  // bytes of narrow text
+  std::vector<std::uint8_t> Base64() const;
+  [[noreturn]] void Fail(const std::string& why) const;
+
+ private:
+  const Json* value_;
+  std::string place_;
+};
+
+// The payload of an entry; null for entries without one and for those whose payload did not parse.
+Json PayloadToJson(CProfileDataEntry& entry);
+
+// Fills the payload of an entry of the right type and rebuilds the entry's buffer. Throws DocumentError.
+void PayloadFromJson(const Node& node, CProfileDataEntry& entry);
+
+// Narrow payload text is ANSI code page text in files and UTF-8 in documents; bytes that do not convert to and fro
+// unchanged travel as {"base64": "..."}.
+Json NarrowToJson(const std::string& text);
+std::string NarrowFromJson(const Node& node, std::size_t longest);
+Json WideToJson(const std::u16string& text);
+std::u16string WideFromJson(const Node& node, std::size_t longest);
+std::string ToBase64(const std::uint8_t* bytes, std::size_t size);
+
+// The families, one file each below payloads/.
+Json CurvesToJson(CProfileDataEntry& entry);
+void CurvesFromJson(const Node& node, CProfileDataEntry& entry);
+Json ModelToJson(CProfileDataEntry& entry);
+void ModelFromJson(const Node& node, CProfileDataEntry& entry);
+Json InfoToJson(CProfileDataEntry& entry);
+void InfoFromJson(const Node& node, CProfileDataEntry& entry);
+Json MediaToJson(CProfileDataEntry& entry);
+void MediaFromJson(const Node& node, CProfileDataEntry& entry);
+Json LutToJson(CProfileDataEntry& entry);
+void LutFromJson(const Node& node, CProfileDataEntry& entry);
+Json MaskDownloadToJson(CProfileDataEntry& entry);
+void MaskDownloadFromJson(const Node& node, CProfileDataEntry& entry);
+Json MaskPatternsToJson(CProfileDataEntry& entry);
+void MaskPatternsFromJson(const Node& node, CProfileDataEntry& entry);
+Json LargeParameterToJson(CProfileDataEntry& entry);
+void LargeParameterFromJson(const Node& node, CProfileDataEntry& entry);
+Json SpecialColorToJson(CProfileDataEntry& entry);
+void SpecialColorFromJson(const Node& node, CProfileDataEntry& entry);
+Json CalibrationToJson(CProfileDataEntry& entry);  // types 19 to 22 and 26, nested
+void CalibrationFromJson(const Node& node, CProfileDataEntry& entry);
+
+}  // namespace nvx::tool
