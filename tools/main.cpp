@@ -1,0 +1,28 @@
+#include "command.h"
+
+#include <cstdio>
+
+int main(int argc, char** argv) {
+  using namespace nvx::tool;
+  CLI::App app("Reads, converts and writes device profiles of inkjet printers.", "nvxprofile");
+  app.set_version_flag("--version", "nvxprofile " NVXPROFILE_VERSION);
+  app.require_subcommand(1);
+  int status = kSuccess;
+  using AddCommand = void(CLI::App&, int&);
+  // A command whose file is not there yet is left out.
+  for (AddCommand* const add :
+       {AddInfoCommand, AddCurvesCommand, AddMediaCommand, AddLutCommand, AddMasksCommand, AddLampCommand,
+        AddSpecialCommand, AddHistoryCommand, AddExtractCommand, AddConvertCommand, AddImportHistoryCommand,
+        AddAdjustCommand, AddDumpCommand, AddBuildCommand, AddDiffCommand, AddValidateCommand}) {
+    if (add != nullptr) add(app, status);
+  }
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error) == 0 ? kSuccess : kUsage;
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "nvxprofile: %s\n", error.what());
+    return kFailure;
+  }
+  return status;
+}
