@@ -7,6 +7,8 @@
 #include <nvxprofile/error.h>
 #include <nvxprofile/export.h>
 #include <nvxprofile/file.h>
+#include <nvxprofile/icc_header.h>
+#include <nvxprofile/icc_profile.h>
 #include <nvxprofile/profile_access.h>
 #include <nvxprofile/profile_data.h>
 #include <nvxprofile/profile_entry.h>
