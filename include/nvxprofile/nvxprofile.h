@@ -18,3 +18,4 @@
 #include <nvxprofile/profile_file_icc.h>
 #include <nvxprofile/profile_info.h>
 #include <nvxprofile/system_time.h>
+#include <nvxprofile/text_conversion.h>
