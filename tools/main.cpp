@@ -1,4 +1,6 @@
 #include "command.h"
+#include "manual.h"
+#include "terminal.h"
 
 #include <cstdio>
 
@@ -16,12 +18,25 @@ int main(int argc, char** argv) {
         AddAdjustCommand, AddDumpCommand, AddBuildCommand, AddDiffCommand, AddValidateCommand}) {
     if (add != nullptr) add(app, status);
   }
+  // For the build, which installs both beside the tool.
+  app.add_flag_callback("--man-page",
+                        [&] {
+                          std::fputs(ManualPage(app).c_str(), stdout);
+                          throw CLI::Success();
+                        })
+      ->group("");
+  app.add_flag_callback("--bash-completion",
+                        [&] {
+                          std::fputs(BashCompletion(app).c_str(), stdout);
+                          throw CLI::Success();
+                        })
+      ->group("");
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? kSuccess : kUsage;
   } catch (const std::exception& error) {
-    std::fprintf(stderr, "nvxprofile: %s\n", error.what());
+    PrintError(error.what());
     return kFailure;
   }
   return status;

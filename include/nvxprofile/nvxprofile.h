@@ -7,10 +7,15 @@
 #include <nvxprofile/error.h>
 #include <nvxprofile/export.h>
 #include <nvxprofile/file.h>
+#include <nvxprofile/icc_header.h>
+#include <nvxprofile/icc_profile.h>
+#include <nvxprofile/icm_entry.h>
+#include <nvxprofile/input_profile.h>
 #include <nvxprofile/profile_access.h>
 #include <nvxprofile/profile_data.h>
 #include <nvxprofile/profile_entry.h>
 #include <nvxprofile/profile_file.h>
+#include <nvxprofile/profile_file_icc.h>
 #include <nvxprofile/profile_info.h>
 #include <nvxprofile/system_time.h>
 #include <nvxprofile/text_conversion.h>

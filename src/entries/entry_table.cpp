@@ -1,14 +1,13 @@
 // Which class belongs to an entry type: one row each.
+#include <nvxprofile/icm_entry.h>
 #include <nvxprofile/profile_entry.h>
-
-#include <array>
 
 namespace {
 
 using Make = CProfileDataEntry* (*)();
 
 template <class Entry>
-[[maybe_unused]] CProfileDataEntry* New() {
+CProfileDataEntry* New() {
   return new Entry;
 }
 
@@ -17,7 +16,10 @@ struct Row {
   Make make;
 };
 
-constexpr std::array<Row, 0> kRows{};
+constexpr Row kRows[] = {
+    {CProfileDataEntry::kIcm, New<CICMEntry>},
+    {CProfileDataEntry::kReplaceProfile, New<CReplaceProfileEntry>},
+};
 
 }  // namespace
 
