@@ -2,6 +2,8 @@
 #pragma once
 
 #include <nvxprofile/cursor_list.h>
+#include <nvxprofile/curve.h>
+#include <nvxprofile/curve_entry.h>
 #include <nvxprofile/data_object.h>
 #include <nvxprofile/diagnosis.h>
 #include <nvxprofile/error.h>
