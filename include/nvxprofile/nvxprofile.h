@@ -7,6 +7,8 @@
 #include <nvxprofile/error.h>
 #include <nvxprofile/export.h>
 #include <nvxprofile/file.h>
+#include <nvxprofile/mask.h>
+#include <nvxprofile/mask_download.h>
 #include <nvxprofile/profile_access.h>
 #include <nvxprofile/profile_data.h>
 #include <nvxprofile/profile_entry.h>

@@ -1,4 +1,5 @@
 // Which class belongs to an entry type: one row each.
+#include <nvxprofile/mask_download.h>
 #include <nvxprofile/profile_entry.h>
 
 #include <array>
@@ -17,7 +18,10 @@ struct Row {
   Make make;
 };
 
-constexpr std::array<Row, 0> kRows{};
+constexpr std::array kRows{
+    Row{CProfileDataEntry::kMaskDownload, New<CMaskDownLoadEntry>},
+    Row{CProfileDataEntry::kMaskDownloadIncludePattern, New<CMaskDownloadIncludePatternEntry>},
+};
 
 }  // namespace
 
