@@ -15,3 +15,4 @@
 #include <nvxprofile/profile_file.h>
 #include <nvxprofile/profile_info.h>
 #include <nvxprofile/system_time.h>
+#include <nvxprofile/text_conversion.h>
