@@ -28,9 +28,9 @@ constexpr BlockKind kBlockKinds[] = {
     {3, 0, 1, 1},  {0, 2, 2, 0}, {0, nvx::kRecordSize<WeftOutputRecord>, 3, 0},
 };
 
-constexpr std::uint32_t kDefaultType = 3;
+constexpr std::uint32_t kMaskType = 3;  // also what type 0 stands for
+constexpr std::uint32_t kPrinterMaskType = 4;
 constexpr std::uint32_t kIncludePatternType = 5;
-constexpr std::uint32_t kOutputType = 6;
 
 // Null for a type without a row.
 constexpr const BlockKind* KindOf(std::uint32_t type) {
@@ -82,7 +82,7 @@ void CMaskDownLoadEntry::Initialize() {
 }
 
 void CMaskDownLoadEntry::SetWeftDataParameter(std::uint32_t index, std::uint32_t type) {
-  if (type == 0) type = kDefaultType;
+  if (type == 0) type = kMaskType;
   if (index >= header_.DataCount || index >= blocks_.size()) index = 0;
   const BlockKind* const kind = KindOf(type);
   if (kind == nullptr || blocks_.empty()) return;
@@ -117,7 +117,7 @@ bool CMaskDownLoadEntry::DoImport(CProfileDataEntry* source) {
   if (from == nullptr) return false;
   from->BufferToData();
   if (from == this) return true;
-  for (const std::uint32_t type : {kDefaultType, std::uint32_t{4}, kOutputType}) {
+  for (const std::uint32_t type : {kMaskType, kPrinterMaskType, WeftOutputRecord::kBlockType}) {
     const tagWeftDatas* const theirs = from->GetWeftData(type);
     tagWeftDatas* const ours = GetWeftData(type);
     if (theirs == nullptr || ours == nullptr || !IsSound(*theirs) || !IsSound(*ours)) continue;
@@ -166,7 +166,7 @@ bool CMaskDownLoadEntry::LoadWeftData(CNvxFile& file) {
 
 bool CMaskDownLoadEntry::LoadBlock(CNvxFile& file, std::uint32_t index) {
   const std::uint32_t stored = blockHeaders_[index].blockType;
-  const BlockKind* const kind = KindOf(stored != 0 ? stored : kDefaultType);
+  const BlockKind* const kind = KindOf(stored != 0 ? stored : kMaskType);
   if (kind == nullptr) return nvx::Refuse(file, "mask download block: unknown type");
   if (!nvx::ReadMagic(file, WeftBlockHeader::kBodyMagic)) return nvx::Refuse(file, "mask download block: wrong magic");
   const std::uint32_t valueBytes = kind->valueCount * std::uint32_t{sizeof(std::uint32_t)};

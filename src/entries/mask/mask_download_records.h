@@ -46,6 +46,8 @@ struct WeftBlockHeader {
 
 // The bytes of a block of type 6.
 struct WeftOutputRecord {
+  static constexpr std::uint32_t kBlockType = 6;
+
   std::uint16_t fourthValue = 0;
   std::uint8_t codeA = 0;
   std::uint8_t codeB = 0;
