@@ -13,6 +13,8 @@
 #include <nvxprofile/icc_profile.h>
 #include <nvxprofile/icm_entry.h>
 #include <nvxprofile/input_profile.h>
+#include <nvxprofile/mask.h>
+#include <nvxprofile/mask_download.h>
 #include <nvxprofile/profile_access.h>
 #include <nvxprofile/profile_data.h>
 #include <nvxprofile/profile_entry.h>

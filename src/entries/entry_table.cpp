@@ -1,6 +1,7 @@
 // Which class belongs to an entry type: one row each.
 #include <nvxprofile/curve_entry.h>
 #include <nvxprofile/icm_entry.h>
+#include <nvxprofile/mask_download.h>
 #include <nvxprofile/profile_entry.h>
 
 namespace {
@@ -28,6 +29,8 @@ constexpr Row kRows[] = {
     {CProfileDataEntry::kIcm, New<CICMEntry>},
     {CProfileDataEntry::kMultiInkLimit, New<CMultiInkLimitEntry>},
     {CProfileDataEntry::kReplaceProfile, New<CReplaceProfileEntry>},
+    {CProfileDataEntry::kMaskDownload, New<CMaskDownLoadEntry>},
+    {CProfileDataEntry::kMaskDownloadIncludePattern, New<CMaskDownloadIncludePatternEntry>},
 };
 
 }  // namespace
