@@ -2,6 +2,8 @@
 #pragma once
 
 #include <nvxprofile/cursor_list.h>
+#include <nvxprofile/curve.h>
+#include <nvxprofile/curve_entry.h>
 #include <nvxprofile/data_object.h>
 #include <nvxprofile/diagnosis.h>
 #include <nvxprofile/error.h>
@@ -11,6 +13,8 @@
 #include <nvxprofile/icc_profile.h>
 #include <nvxprofile/icm_entry.h>
 #include <nvxprofile/input_profile.h>
+#include <nvxprofile/mask.h>
+#include <nvxprofile/mask_download.h>
 #include <nvxprofile/profile_access.h>
 #include <nvxprofile/profile_data.h>
 #include <nvxprofile/profile_entry.h>

@@ -1,5 +1,7 @@
 // Which class belongs to an entry type: one row each.
+#include <nvxprofile/curve_entry.h>
 #include <nvxprofile/icm_entry.h>
+#include <nvxprofile/mask_download.h>
 #include <nvxprofile/profile_entry.h>
 
 namespace {
@@ -17,8 +19,18 @@ struct Row {
 };
 
 constexpr Row kRows[] = {
+    {CProfileDataEntry::kInkLimit, New<CInkLimitEntry>},
+    {CProfileDataEntry::kVariableInkLimit, New<CVariableInkLimitEntry>},
+    {CProfileDataEntry::kVariable, New<CVariableEntry>},
+    {CProfileDataEntry::kSeparateLight, New<CSeparateLightEntry>},
+    {CProfileDataEntry::kLinearization, New<CLinearizationEntry>},
+    {CProfileDataEntry::kGrayBalance, New<CGrayBalanceEntry>},
+    {CProfileDataEntry::kUcr, New<CUcrEntry>},
     {CProfileDataEntry::kIcm, New<CICMEntry>},
+    {CProfileDataEntry::kMultiInkLimit, New<CMultiInkLimitEntry>},
     {CProfileDataEntry::kReplaceProfile, New<CReplaceProfileEntry>},
+    {CProfileDataEntry::kMaskDownload, New<CMaskDownLoadEntry>},
+    {CProfileDataEntry::kMaskDownloadIncludePattern, New<CMaskDownloadIncludePatternEntry>},
 };
 
 }  // namespace
