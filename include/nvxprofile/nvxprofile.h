@@ -7,6 +7,9 @@
 #include <nvxprofile/error.h>
 #include <nvxprofile/export.h>
 #include <nvxprofile/file.h>
+#include <nvxprofile/lut.h>
+#include <nvxprofile/media_property.h>
+#include <nvxprofile/model_info.h>
 #include <nvxprofile/profile_access.h>
 #include <nvxprofile/profile_data.h>
 #include <nvxprofile/profile_entry.h>

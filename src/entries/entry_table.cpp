@@ -1,4 +1,7 @@
 // Which class belongs to an entry type: one row each.
+#include <nvxprofile/lut.h>
+#include <nvxprofile/media_property.h>
+#include <nvxprofile/model_info.h>
 #include <nvxprofile/profile_entry.h>
 
 #include <array>
@@ -8,7 +11,7 @@ namespace {
 using Make = CProfileDataEntry* (*)();
 
 template <class Entry>
-[[maybe_unused]] CProfileDataEntry* New() {
+CProfileDataEntry* New() {
   return new Entry;
 }
 
@@ -17,7 +20,12 @@ struct Row {
   Make make;
 };
 
-constexpr std::array<Row, 0> kRows{};
+constexpr std::array kRows{
+    Row{CProfileDataEntry::kModel, New<CModelEntry>},
+    Row{CProfileDataEntry::kSeparateChroma, New<CSeparateChromaEntry>},
+    Row{CProfileDataEntry::kInfo, New<CInfoEntry>},
+    Row{CProfileDataEntry::kMediaProperty, New<CMediaPropertyEntry>},
+};
 
 }  // namespace
 
