@@ -1,7 +1,6 @@
 // Which class belongs to an entry type: one row each.
+#include <nvxprofile/large_parameter.h>
 #include <nvxprofile/profile_entry.h>
-
-#include <array>
 
 namespace {
 
@@ -17,7 +16,9 @@ struct Row {
   Make make;
 };
 
-constexpr std::array<Row, 0> kRows{};
+constexpr Row kRows[] = {
+    {CProfileDataEntry::kLargeParameter, New<CLargeParameterEntry>},
+};
 
 }  // namespace
 
