@@ -1,5 +1,8 @@
 // Which class belongs to an entry type: one row each.
+#include <nvxprofile/curve_entry.h>
+#include <nvxprofile/icm_entry.h>
 #include <nvxprofile/large_parameter.h>
+#include <nvxprofile/mask_download.h>
 #include <nvxprofile/profile_entry.h>
 
 namespace {
@@ -7,7 +10,7 @@ namespace {
 using Make = CProfileDataEntry* (*)();
 
 template <class Entry>
-[[maybe_unused]] CProfileDataEntry* New() {
+CProfileDataEntry* New() {
   return new Entry;
 }
 
@@ -17,7 +20,19 @@ struct Row {
 };
 
 constexpr Row kRows[] = {
+    {CProfileDataEntry::kInkLimit, New<CInkLimitEntry>},
+    {CProfileDataEntry::kVariableInkLimit, New<CVariableInkLimitEntry>},
+    {CProfileDataEntry::kVariable, New<CVariableEntry>},
+    {CProfileDataEntry::kSeparateLight, New<CSeparateLightEntry>},
+    {CProfileDataEntry::kLinearization, New<CLinearizationEntry>},
+    {CProfileDataEntry::kGrayBalance, New<CGrayBalanceEntry>},
+    {CProfileDataEntry::kUcr, New<CUcrEntry>},
+    {CProfileDataEntry::kIcm, New<CICMEntry>},
+    {CProfileDataEntry::kMultiInkLimit, New<CMultiInkLimitEntry>},
+    {CProfileDataEntry::kReplaceProfile, New<CReplaceProfileEntry>},
+    {CProfileDataEntry::kMaskDownload, New<CMaskDownLoadEntry>},
     {CProfileDataEntry::kLargeParameter, New<CLargeParameterEntry>},
+    {CProfileDataEntry::kMaskDownloadIncludePattern, New<CMaskDownloadIncludePatternEntry>},
 };
 
 }  // namespace

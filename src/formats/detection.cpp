@@ -1,9 +1,11 @@
 // Which format a file has. Each format takes its place in the order of the tests here.
 #include "core/stream.h"
 #include "formats/container_records.h"
+#include "icc/icc_directory.h"
 #include "platform/file_system.h"
 
 #include <nvxprofile/profile_file.h>
+#include <nvxprofile/profile_file_icc.h>
 
 #include <string_view>
 
@@ -13,6 +15,9 @@ bool HasIccExtension(const char16_t* path) {
   const std::u16string_view extension = nvx::platform::SplitFileName(path).extension;
   return extension == u".icc" || extension == u".icm";
 }
+
+// The format of an ICC profile whose private data starts at `tag`: the version word there decides.
+CProfileFile* CreateContainer(CNvxFile&, const nvx::IccTag&) { return nullptr; }
 
 }  // namespace
 
@@ -26,4 +31,11 @@ CProfileFile* CProfileFile::CreateProfileFile(const char16_t* path, bool readOnl
   return CreateICCProfileFile(path);
 }
 
-CProfileFile* CProfileFile::CreateICCProfileFile(const char16_t*) { return nullptr; }
+CProfileFile* CProfileFile::CreateICCProfileFile(const char16_t* path) {
+  CNvxFile file;
+  nvx::IccDirectory directory;
+  if (!file.Open(path, nvx::kGenericRead, nvx::kShareRead, nvx::kOpenExisting)) return nullptr;
+  if (!nvx::ReadIccDirectory(file, directory)) return nullptr;
+  if (const nvx::IccTag* const tag = directory.Find(nvx::Signature("NVX1"))) return CreateContainer(file, *tag);
+  return new CProfileFileICC;
+}
