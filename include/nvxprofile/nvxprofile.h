@@ -11,5 +11,6 @@
 #include <nvxprofile/profile_data.h>
 #include <nvxprofile/profile_entry.h>
 #include <nvxprofile/profile_file.h>
+#include <nvxprofile/profile_file_text.h>
 #include <nvxprofile/profile_info.h>
 #include <nvxprofile/system_time.h>
