@@ -13,7 +13,7 @@
 //     }
 //   };
 //
-// Numbers are little-endian.
+// Numbers are little-endian, unless a record is passed through the big-endian codecs.
 #pragma once
 
 #include "core/byte_order.h"
@@ -88,7 +88,7 @@ class RecordEncoder {
     out_ += size;
   }
 
- private:
+ protected:
   std::uint8_t* out_;
 };
 
@@ -125,8 +125,34 @@ class RecordDecoder {
   }
   void Reserved(std::size_t size) { in_ += size; }
 
- private:
+ protected:
   const std::uint8_t* in_;
+};
+
+// The same for the big-endian numbers of ICC records, which hold no text.
+class BigRecordEncoder : public RecordEncoder {
+ public:
+  using RecordEncoder::RecordEncoder;
+  void Text(const void*, std::size_t) = delete;
+
+  template <class T>
+  void Number(T value) {
+    using U = std::make_unsigned_t<T>;
+    StoreBig<U>(out_, static_cast<U>(value));
+    out_ += sizeof(T);
+  }
+};
+
+class BigRecordDecoder : public RecordDecoder {
+ public:
+  using RecordDecoder::RecordDecoder;
+  void Text(void*, std::size_t) = delete;
+
+  template <class T>
+  void Number(T& value) {
+    value = static_cast<T>(LoadBig<std::make_unsigned_t<T>>(in_));
+    in_ += sizeof(T);
+  }
 };
 
 template <class Record>

@@ -1,14 +1,15 @@
 // Which class belongs to an entry type: one row each.
+#include <nvxprofile/curve_entry.h>
+#include <nvxprofile/icm_entry.h>
+#include <nvxprofile/mask_download.h>
 #include <nvxprofile/profile_entry.h>
-
-#include <array>
 
 namespace {
 
 using Make = CProfileDataEntry* (*)();
 
 template <class Entry>
-[[maybe_unused]] CProfileDataEntry* New() {
+CProfileDataEntry* New() {
   return new Entry;
 }
 
@@ -17,7 +18,20 @@ struct Row {
   Make make;
 };
 
-constexpr std::array<Row, 0> kRows{};
+constexpr Row kRows[] = {
+    {CProfileDataEntry::kInkLimit, New<CInkLimitEntry>},
+    {CProfileDataEntry::kVariableInkLimit, New<CVariableInkLimitEntry>},
+    {CProfileDataEntry::kVariable, New<CVariableEntry>},
+    {CProfileDataEntry::kSeparateLight, New<CSeparateLightEntry>},
+    {CProfileDataEntry::kLinearization, New<CLinearizationEntry>},
+    {CProfileDataEntry::kGrayBalance, New<CGrayBalanceEntry>},
+    {CProfileDataEntry::kUcr, New<CUcrEntry>},
+    {CProfileDataEntry::kIcm, New<CICMEntry>},
+    {CProfileDataEntry::kMultiInkLimit, New<CMultiInkLimitEntry>},
+    {CProfileDataEntry::kReplaceProfile, New<CReplaceProfileEntry>},
+    {CProfileDataEntry::kMaskDownload, New<CMaskDownLoadEntry>},
+    {CProfileDataEntry::kMaskDownloadIncludePattern, New<CMaskDownloadIncludePatternEntry>},
+};
 
 }  // namespace
 

@@ -2,9 +2,11 @@
 #include "core/stream.h"
 #include "formats/container_records.h"
 #include "formats/legacy_header.h"
+#include "icc/icc_directory.h"
 #include "platform/file_system.h"
 
 #include <nvxprofile/profile_file.h>
+#include <nvxprofile/profile_file_icc.h>
 #include <nvxprofile/profile_file_text.h>
 
 #include <string_view>
@@ -21,6 +23,9 @@ bool StartsWithTextHeader(CNvxFile& file) {
   file.SeekToBegin();
   return nvx::ReadExact(file, start, sizeof start) && std::string_view(start, sizeof start) == nvx::kTextHeaderStart;
 }
+
+// The format of an ICC profile whose private data starts at `tag`: the version word there decides.
+CProfileFile* CreateContainer(CNvxFile&, const nvx::IccTag&) { return nullptr; }
 
 }  // namespace
 
@@ -43,4 +48,11 @@ CProfileFile* CProfileFile::CreateProfileFile(const char16_t* path, bool readOnl
   return CreateICCProfileFile(path);
 }
 
-CProfileFile* CProfileFile::CreateICCProfileFile(const char16_t*) { return nullptr; }
+CProfileFile* CProfileFile::CreateICCProfileFile(const char16_t* path) {
+  CNvxFile file;
+  nvx::IccDirectory directory;
+  if (!file.Open(path, nvx::kGenericRead, nvx::kShareRead, nvx::kOpenExisting)) return nullptr;
+  if (!nvx::ReadIccDirectory(file, directory)) return nullptr;
+  if (const nvx::IccTag* const tag = directory.Find(nvx::Signature("NVX1"))) return CreateContainer(file, *tag);
+  return new CProfileFileICC;
+}

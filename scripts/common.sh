@@ -1,0 +1,28 @@
+# Sourced by the other scripts: says what is done, and installs what is missing.
+
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+jobs=$(nproc)
+
+say() { printf '\n== %s\n' "$*"; }
+
+# Debian packages: each is installed only if it is not there yet.
+need() {
+  local missing=()
+  local package
+  for package in "$@"; do
+    dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q 'ok installed' || missing+=("$package")
+  done
+  [ ${#missing[@]} -eq 0 ] && return 0
+  say "Installing ${missing[*]}"
+  local sudo=
+  [ "$(id -u)" -eq 0 ] || sudo=sudo
+  $sudo apt-get update -qq
+  DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+}
+
+build_packages=(g++ cmake ninja-build pkg-config libcli11-dev nlohmann-json3-dev libfmt-dev)
+profile_packages=(icc-profiles-free colord-data libgs-common)
+test_packages=(libgtest-dev libgmock-dev liblcms2-dev)
+
+# Every real ICC profile of the profile packages.
+profiles() { find /usr/share/color/icc -type f \( -name '*.icc' -o -name '*.icm' \) | sort; }

@@ -1,0 +1,111 @@
+// The image of one ICC profile and the edits of its tags.
+#pragma once
+
+#include "core/payload.h"
+#include "icc/icc_directory.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <vector>
+
+namespace nvx {
+
+// Holds one copy of the opened bytes; each tag is a view of that copy or of a block of its own, and setting or removing
+// tags moves nothing else. The image is composed when it is taken out:
+//
+// - as the very bytes that were opened, if no tag was changed;
+// - else header, tag table, the data that was there, in the order of its old offsets, and new data in the order of the
+//   table, all on 4-byte boundaries with zeros between. The table keeps its order and new tags stand at its end; a tag
+//   that is removed and set again has its old place. Bytes that no tag names do not come along.
+//
+// Tags that name the same bytes go on sharing them. Tags whose bytes overlap in part are taken for sharing, too: the
+// run of bytes that they cover together is moved as one, so that no image grows by being taken out, and only its first
+// byte is sure to lie on a 4-byte boundary.
+//
+// A Profile ID of zero stays zero, another one is computed anew when a tag was changed.
+class IccImage {
+ public:
+  // Null for what is no ICC profile. Bytes behind the size that the header gives are no part of the image.
+  static std::unique_ptr<IccImage> Open(std::span<const std::uint8_t> bytes, Diagnosis* diagnosis = nullptr);
+  // The same for a stream that holds a profile from its beginning, read without a copy in between.
+  static std::unique_ptr<IccImage> Open(CNvxFile& file);
+
+  // The header as an image taken out now would have it, but with the Profile ID that was opened.
+  IccHeader Header() const;
+
+  // The bytes of a tag, valid until that tag is set or removed; nothing if there is none.
+  std::optional<std::span<const std::uint8_t>> Tag(std::uint32_t signature) const;
+
+  // Copies the bytes. Bytes equal to those that the tag has change nothing; none at all remove the tag.
+  void SetTag(std::uint32_t signature, std::span<const std::uint8_t> bytes);
+  void RemoveTag(std::uint32_t signature);
+
+  // Signatures in the order of the table.
+  std::vector<std::uint32_t> Signatures() const;
+
+  // Bytes of the image, which cannot be taken out if they are more than 2^32 - 1.
+  std::uint64_t Size() const;
+
+  // False if `out` is too small or the image too large.
+  bool CopyTo(std::span<std::uint8_t> out) const;
+
+  // Runs use(image) over the whole image and gives its result: without a copy if nothing was changed. False if the
+  // image is too large.
+  template <class Use>
+  bool Take(Use&& use) const {
+    if (!changed_) return use(std::span<const std::uint8_t>(opened_.get(), openedSize_));
+    const Layout layout = Arrange();
+    if (layout.size > kLargestImage) return false;
+    const auto size = static_cast<std::size_t>(layout.size);
+    const Block image = AllocateBlock(size);
+    Compose(layout, image.get());
+    return use(std::span<const std::uint8_t>(image.get(), size));
+  }
+
+ private:
+  static constexpr std::uint64_t kLargestImage = 0xFFFFFFFF;
+
+  struct Entry {
+    std::uint32_t signature = 0;
+    std::uint32_t size = 0;
+    const std::uint8_t* data = nullptr;  // null for a tag that was removed
+    Block block;                         // null for a view of the opened bytes
+
+    bool IsPresent() const { return data != nullptr; }
+  };
+
+  // A run of bytes and its place in the image.
+  struct Piece {
+    const std::uint8_t* data = nullptr;
+    std::size_t size = 0;
+    std::uint64_t offset = 0;
+  };
+
+  struct Layout {
+    std::uint64_t size = 0;
+    std::vector<Piece> pieces;
+    std::vector<std::uint64_t> tagOffsets;  // one for each entry
+  };
+
+  IccImage(Block opened, const IccDirectory& directory);
+
+  const Entry* Find(std::uint32_t signature) const;
+  Entry& FindOrAdd(std::uint32_t signature);
+  std::size_t CountPresent() const;
+  Layout Arrange() const;
+  void ArrangeOpened(Layout& layout) const;
+  void Compose(const Layout& layout, std::uint8_t* out) const;
+  void ComposeHeader(const Layout& layout, std::uint8_t* out) const;
+
+  Block opened_;
+  std::size_t openedSize_ = 0;
+  IccHeader header_;
+  std::vector<Entry> entries_;         // in the order of the table
+  std::vector<std::uint32_t> sorted_;  // indices of entries_ by signature
+  bool changed_ = false;
+};
+
+}  // namespace nvx

@@ -1,0 +1,255 @@
+#include "core/replacing_file.h"
+#include "core/stream.h"
+#include "support/temp_folder.h"
+
+#include <nvxprofile/file.h>
+
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <numeric>
+
+namespace {
+
+using nvx::test::Bytes;
+using nvx::test::ReadBytes;
+using nvx::test::TempFolder;
+using nvx::test::WriteBytes;
+
+Bytes Ramp(std::size_t size) {
+  Bytes bytes(size);
+  std::iota(bytes.begin(), bytes.end(), std::uint8_t{0});
+  return bytes;
+}
+
+TEST(File, ClosedStreamDoesNothing) {
+  CNvxFile file;
+  char byte = 'x';
+  EXPECT_EQ(file.Read(&byte, 1), 0u);
+  EXPECT_EQ(file.Write(&byte, 1), 0u);
+  EXPECT_EQ(file.Seek(5, nvx::kFromBegin), 0u);
+  EXPECT_EQ(file.GetLength(), 0u);
+  EXPECT_EQ(reinterpret_cast<std::intptr_t>(file.GetHandle()), -1);
+}
+
+TEST(File, OpenRefusesWhatIsNoFileAndKeepsTheOldOne) {
+  const TempFolder folder;
+  WriteBytes(folder.File("a.bin"), Ramp(3));
+  CNvxFile file;
+  ASSERT_TRUE(file.Open(folder.WideFile("a.bin").c_str(), nvx::kGenericRead, nvx::kShareRead, nvx::kOpenExisting));
+  EXPECT_FALSE(file.Open(folder.WideFile("none").c_str(), nvx::kGenericRead, nvx::kShareRead, nvx::kOpenExisting));
+  EXPECT_FALSE(file.Open(nvx::platform::Utf8ToWide(folder.Path().string()).c_str(), nvx::kGenericRead, nvx::kShareRead,
+                         nvx::kOpenExisting));
+  const std::u16string longPath = folder.WideFile(std::string(260, 'x'));
+  EXPECT_FALSE(file.Open(longPath.c_str(), nvx::kGenericRead, nvx::kShareRead, nvx::kOpenExisting));
+  char16_t name[256];
+  file.GetFileName(name);
+  EXPECT_EQ(std::u16string(name), u"a.bin");
+  file.GetPathName(name);
+  EXPECT_EQ(std::u16string(name), folder.WideFile("a.bin"));
+  EXPECT_EQ(file.GetLength(), 3u);
+  file.Close();
+  file.GetPathName(name);
+  EXPECT_EQ(std::u16string(name), u"");
+}
+
+// A mix of small and large transfers and seeks, against a plain array that does the same.
+TEST(File, BufferedTransfersAgreeWithAnArray) {
+  const TempFolder folder;
+  const std::u16string path = folder.WideFile("mix.bin");
+  CNvxFile file;
+  ASSERT_TRUE(file.Open(path.c_str(), nvx::kGenericRead | nvx::kGenericWrite, 0, nvx::kCreateAlways));
+  Bytes expected;
+  std::size_t position = 0;
+  std::srand(7);
+  const auto random = [](std::size_t below) { return static_cast<std::size_t>(std::rand()) % below; };
+  for (int step = 0; step < 3000; ++step) {
+    const std::size_t count = random(10) == 0 ? random(90'000) : random(300);
+    switch (random(4)) {
+      case 0: {
+        Bytes bytes(count, static_cast<std::uint8_t>(random(256)));
+        ASSERT_EQ(file.Write(bytes.data(), static_cast<std::uint32_t>(count)), count);
+        if (count != 0) expected.resize(std::max(expected.size(), position + count));
+        std::copy(bytes.begin(), bytes.end(), expected.begin() + static_cast<std::ptrdiff_t>(position));
+        position += count;
+        break;
+      }
+      case 1: {
+        Bytes bytes(count);
+        const std::size_t there = position < expected.size() ? expected.size() - position : 0;
+        const std::size_t got = file.Read(bytes.data(), static_cast<std::uint32_t>(count));
+        ASSERT_EQ(got, std::min(there, count));
+        ASSERT_TRUE(std::equal(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(got),
+                               expected.begin() + static_cast<std::ptrdiff_t>(position)));
+        position += got;
+        break;
+      }
+      case 2: {
+        position = random(expected.size() + 1);
+        ASSERT_EQ(file.Seek(static_cast<std::uint32_t>(position), nvx::kFromBegin), position);
+        break;
+      }
+      default: {
+        const std::size_t back = std::min(position, random(200));
+        position -= back;
+        ASSERT_EQ(file.Seek(static_cast<std::uint32_t>(-static_cast<std::int64_t>(back)), nvx::kFromPosition),
+                  position);
+        ASSERT_EQ(file.GetLength(), expected.size());
+      }
+    }
+    if (expected.size() > 1'000'000) break;
+  }
+  EXPECT_TRUE(file.Flush());
+  file.Close();
+  EXPECT_EQ(ReadBytes(folder.File("mix.bin")), expected);
+}
+
+TEST(File, SeekFromEndGoesForwardsAndStopsAtTheStart) {
+  const TempFolder folder;
+  WriteBytes(folder.File("a.bin"), Ramp(10));
+  CNvxFile file;
+  ASSERT_TRUE(file.Open(folder.WideFile("a.bin").c_str(), nvx::kGenericRead, 1, nvx::kOpenExisting));
+  EXPECT_EQ(file.SeekToEnd(), 10u);
+  EXPECT_EQ(file.Seek(static_cast<std::uint32_t>(-4), nvx::kFromEnd), 6u);
+  EXPECT_EQ(file.Seek(2, nvx::kFromEnd), 12u);
+  EXPECT_EQ(file.Seek(static_cast<std::uint32_t>(-20), nvx::kFromPosition), 12u);
+  std::uint8_t byte = 0;
+  EXPECT_EQ(file.Read(&byte, 1), 0u);
+  EXPECT_EQ(file.SeekToBegin(), 0u);
+  EXPECT_EQ(file.Read(&byte, 1), 1u);
+}
+
+TEST(File, FlushTellsThatADeviceIsFull) {
+  CNvxFile file;
+  ASSERT_TRUE(file.Open(u"/dev/full", nvx::kGenericWrite, 0, nvx::kOpenExisting));
+  EXPECT_EQ(file.Write("abcd", 4), 4u);
+  EXPECT_FALSE(file.Flush());
+  EXPECT_EQ(file.Write("abcd", 4), 0u);
+}
+
+TEST(MemoryFile, GrowsInSteps) {
+  CNvxMemFile file;
+  char bytes[1025] = {};
+  EXPECT_EQ(file.Read(bytes, 4), 0u);
+  EXPECT_EQ(file.GetLength(), 0u);
+  EXPECT_EQ(file.Write("0123456789", 10), 10u);
+  EXPECT_EQ(file.GetLength(), 1024u);
+  EXPECT_EQ(file.GetPosition(), 10u);
+  EXPECT_EQ(file.Buffer[10], 0u);
+  EXPECT_EQ(file.Write(bytes, 1014), 1014u);
+  EXPECT_EQ(file.GetLength(), 1024u);
+  EXPECT_EQ(file.Write(bytes, 1), 1u);
+  EXPECT_EQ(file.GetLength(), 2048u);
+  EXPECT_EQ(file.SeekToEnd(), 2048u);
+  std::free(file.Buffer);
+
+  CNvxMemFile large;
+  EXPECT_EQ(large.Write(bytes, 1025), 1025u);
+  EXPECT_EQ(large.GetLength(), 2049u);
+  std::free(large.Buffer);
+}
+
+TEST(MemoryFile, SeeksInsideItsBlock) {
+  Bytes block(1024);
+  CNvxMemFile file(block.data(), 1024);
+  EXPECT_EQ(file.Seek(5, nvx::kFromEnd), 1019u);
+  EXPECT_EQ(file.Seek(2000, nvx::kFromEnd), 0u);
+  EXPECT_EQ(file.Seek(2000, nvx::kFromBegin), 1024u);
+  EXPECT_EQ(file.Seek(static_cast<std::uint32_t>(-24), nvx::kFromPosition), 1000u);
+  EXPECT_EQ(file.Seek(static_cast<std::uint32_t>(-1001), nvx::kFromPosition), 1024u);
+  EXPECT_EQ(file.Seek(3, 7), 1024u);
+  file.SeekToBegin();
+  EXPECT_EQ(file.Write("ab", 2), 2u);
+  EXPECT_EQ(file.Buffer, block.data());
+  EXPECT_EQ(block[1], 'b');
+}
+
+TEST(Stream, ABlockIsAViewOrACopyAndNeverBeyondTheEnd) {
+  const TempFolder folder;
+  Bytes bytes = Ramp(100);
+  WriteBytes(folder.File("a.bin"), bytes);
+  CNvxMemFile memory(bytes.data(), 100);
+  CNvxFile disk;
+  ASSERT_TRUE(disk.Open(folder.WideFile("a.bin").c_str(), nvx::kGenericRead, 1, nvx::kOpenExisting));
+  for (CNvxFile* const file : {static_cast<CNvxFile*>(&memory), &disk}) {
+    file->Seek(40, nvx::kFromBegin);
+    const nvx::StreamBlock block(*file, 60);
+    ASSERT_TRUE(block.IsWhole());
+    EXPECT_TRUE(std::equal(block.Data(), block.Data() + 60, bytes.begin() + 40));
+    EXPECT_EQ(file->GetPosition(), 100u);
+    file->Seek(40, nvx::kFromBegin);
+    EXPECT_FALSE(nvx::StreamBlock(*file, 61).IsWhole());
+    EXPECT_FALSE(nvx::Holds(*file, 0xFFFFFFFF, 292));
+    EXPECT_TRUE(nvx::Holds(*file, 15, 4));
+  }
+}
+
+std::size_t FilesIn(const TempFolder& folder) {
+  return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(folder.Path()), {}));
+}
+
+TEST(ReplacingFile, PutsTheNewFileInPlaceOrLeavesTheOldOne) {
+  const TempFolder folder;
+  const std::u16string path = folder.WideFile("p.icc");
+  const auto save = [&](const Bytes& bytes, bool good) {
+    return nvx::SaveByReplacing(path.c_str(), [&](CNvxFile& file) {
+      char16_t name[256];
+      file.GetFileName(name);
+      EXPECT_EQ(std::u16string(name), u"p.icc");
+      return file.Write(bytes.data(), static_cast<std::uint32_t>(bytes.size())) == bytes.size() && good;
+    });
+  };
+  EXPECT_FALSE(save(Ramp(10), false));
+  EXPECT_EQ(FilesIn(folder), 0u);
+  EXPECT_TRUE(save(Ramp(100'000), true));
+  std::filesystem::permissions(folder.File("p.icc"), std::filesystem::perms::owner_all);
+  EXPECT_FALSE(save(Ramp(7), false));
+  EXPECT_EQ(ReadBytes(folder.File("p.icc")), Ramp(100'000));
+  EXPECT_TRUE(save(Ramp(7), true));
+  EXPECT_EQ(ReadBytes(folder.File("p.icc")), Ramp(7));
+  EXPECT_EQ(std::filesystem::status(folder.File("p.icc")).permissions(), std::filesystem::perms::owner_all);
+  EXPECT_EQ(FilesIn(folder), 1u);
+
+  // A link keeps leading to the file.
+  std::filesystem::create_symlink(folder.File("p.icc"), folder.File("link.icc"));
+  EXPECT_TRUE(nvx::SaveByReplacing(folder.WideFile("link.icc").c_str(),
+                                   [](CNvxFile& file) { return file.Write("xyz", 3) == 3; }));
+  EXPECT_TRUE(std::filesystem::is_symlink(folder.File("link.icc")));
+  EXPECT_EQ(ReadBytes(folder.File("p.icc")).size(), 3u);
+  EXPECT_FALSE(nvx::SaveByReplacing(folder.WideFile("no/such/folder").c_str(), [](CNvxFile&) { return true; }));
+}
+
+TEST(ReplacingFile, AFullDiskLeavesTheOldFileAndNothingElse) {
+  const TempFolder folder;
+  WriteBytes(folder.File("p.icc"), Ramp(50));
+  const auto writes = [](std::uint32_t pieces, std::uint32_t size) {
+    return [=](CNvxFile& file) {
+      const Bytes bytes(size, 7);
+      for (std::uint32_t i = 0; i < pieces; ++i) {
+        if (file.Write(bytes.data(), size) != size) return false;
+      }
+      return true;
+    };
+  };
+  std::signal(SIGXFSZ, SIG_IGN);
+  ::rlimit old{};
+  ::getrlimit(RLIMIT_FSIZE, &old);
+  ::rlimit small = old;
+  for (const ::rlim_t limit : {::rlim_t{0}, ::rlim_t{1}, ::rlim_t{32767}, ::rlim_t{32768}, ::rlim_t{99'999}}) {
+    small.rlim_cur = limit;
+    ::setrlimit(RLIMIT_FSIZE, &small);
+    EXPECT_FALSE(nvx::SaveByReplacing(folder.WideFile("p.icc").c_str(), writes(100, 1000)));
+    EXPECT_FALSE(nvx::SaveByReplacing(folder.WideFile("p.icc").c_str(), writes(1, 100'000)));
+    ::setrlimit(RLIMIT_FSIZE, &old);
+    EXPECT_EQ(ReadBytes(folder.File("p.icc")), Ramp(50));
+    EXPECT_EQ(FilesIn(folder), 1u);
+  }
+  EXPECT_FALSE(nvx::SaveByReplacing(u"/dev/full", writes(3, 100)));
+  EXPECT_TRUE(std::filesystem::is_character_file("/dev/full"));
+}
+
+}  // namespace

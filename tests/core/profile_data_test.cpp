@@ -1,0 +1,190 @@
+#include "core/payload.h"
+#include "core/text.h"
+
+#include <nvxprofile/profile_data.h>
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <memory>
+
+namespace {
+
+// An entry of any type that tells when it is destroyed.
+class TestEntry : public CProfileDataEntry {
+ public:
+  explicit TestEntry(std::uint32_t usedType, int* destroyed = nullptr) : destroyed_(destroyed) {
+    SetUsedType(usedType);
+  }
+  ~TestEntry() override {
+    if (destroyed_ != nullptr) ++*destroyed_;
+  }
+
+ private:
+  int* destroyed_;
+};
+
+TEST(ProfileData, AnEmptyProfileHasNothingAndLookupsAddNothing) {
+  CProfileData data;
+  EXPECT_FALSE(data.GetEntryStartPos());
+  EXPECT_FALSE(data.GetRouteStartPos());
+  EXPECT_EQ(data.GetEntryCount(4), -1);
+  EXPECT_EQ(data.GetProfileRoute(4), nullptr);
+  EXPECT_EQ(data.GetProfileDataEntry(4, 6), nullptr);
+  EXPECT_EQ(data.RemoveProfileDataEntry(6, 4), nullptr);
+  data.SetProfileDataEntry(nullptr, 4);
+  EXPECT_FALSE(data.IsV3());
+  EXPECT_EQ(data.CreateMediaInfoArray(0), nullptr);
+}
+
+TEST(ProfileData, TheFirstEntryOfATypeWinsAndStandsOnBothRoutes) {
+  int destroyed = 0;
+  CProfileData data;
+  auto* const first = new TestEntry(7, &destroyed);
+  data.SetProfileDataEntry(first, 1);
+  data.SetProfileDataEntry(new TestEntry(7, &destroyed), 2);
+  EXPECT_EQ(destroyed, 1);
+  EXPECT_EQ(data.GetProfileDataEntry(2, 7), first);
+  EXPECT_EQ(data.GetEntryCount(1), 1);
+  EXPECT_EQ(data.GetEntryCount(2), 1);
+  EXPECT_TRUE(data.IsICCRoot());
+  EXPECT_TRUE(data.IsGrayBalance());
+
+  EXPECT_EQ(data.RemoveProfileDataEntry(7, 1), first);
+  EXPECT_FALSE(data.IsSpecifiedRoute(1));
+  EXPECT_EQ(data.GetProfileDataEntryFromList(7), first);
+  EXPECT_EQ(data.RemoveProfileDataEntry(7, 2), first);
+  EXPECT_EQ(data.GetProfileDataEntryFromList(7), nullptr);
+  first->Delete();
+  EXPECT_EQ(destroyed, 2);
+}
+
+TEST(ProfileData, WalksEntriesByArrivalAndRoutesByNumber) {
+  int destroyed = 0;
+  {
+    CProfileData data;
+    data.SetProfileDataEntry(new TestEntry(16, &destroyed), 2048);
+    data.SetProfileDataEntry(new TestEntry(2, &destroyed), 4);
+    data.SetProfileDataEntry(new TestEntry(16, &destroyed), 4);
+    data.SetProfileDataEntry(data.GetProfileDataEntryFromList(16), 4);
+    std::vector<std::uint32_t> types;
+    std::vector<std::uint32_t> routes;
+    bool more = data.GetEntryStartPos();
+    while (more) types.push_back(data.GetNextEntry(more)->GetUsedType());
+    more = data.GetRouteStartPos();
+    while (more) routes.push_back(data.GetNextRoute(more)->GetRouteType());
+    EXPECT_EQ(types, (std::vector<std::uint32_t>{16, 2}));
+    EXPECT_EQ(routes, (std::vector<std::uint32_t>{4, 2048}));
+    EXPECT_EQ(data.GetEntryCount(4), 3);
+    EXPECT_EQ(data.GetNextEntry(more), nullptr);
+
+    CProfileRoute* const route = data.GetProfileRoute(4);
+    CProfileDataEntry* const twice = data.GetProfileDataEntryFromList(16);
+    EXPECT_TRUE(route->IsExistEntry(twice));
+    EXPECT_EQ(data.RemoveProfileDataEntry(16, 4), twice);
+    EXPECT_EQ(data.GetEntryCount(4), 1);
+    EXPECT_EQ(destroyed, 1);
+  }
+  EXPECT_EQ(destroyed, 3);
+}
+
+TEST(ProfileData, InnerNamesOfRoutes) {
+  char name[17];
+  CProfileRoute(1).GetQctInnerName(name);
+  EXPECT_STREQ(name, "QctIcmForUse.qct");
+  CProfileRoute(2).GetQctInnerName(name);
+  EXPECT_STREQ(name, "QctGryForUse.qct");
+  CProfileRoute(4).GetQctInnerName(name);
+  EXPECT_STREQ(name, "");
+}
+
+TEST(ProfileDataEntry, BuffersAreReplacedAndTextIsCut) {
+  TestEntry entry(6);
+  ASSERT_NE(entry.GetBuffer(10), nullptr);
+  EXPECT_EQ(entry.GetSize(), 10u);
+  EXPECT_EQ(entry.GetBuffer(0), nullptr);
+  EXPECT_EQ(entry.GetSize(), 0u);
+  entry.AttachBuffer(static_cast<std::uint8_t*>(std::malloc(4)), 4);
+  EXPECT_EQ(entry.GetSize(), 4u);
+  EXPECT_TRUE(entry.SetLabelString(std::string(300, 'x').c_str()));
+  EXPECT_EQ(std::strlen(entry.GetLabelString()), 255u);
+  EXPECT_TRUE(entry.SetLabelString(nullptr));
+  EXPECT_STREQ(entry.GetLabelString(), "");
+}
+
+TEST(ProfileDataEntry, CopyTakesFlagsAndBytes) {
+  TestEntry source(6);
+  source.SetComplete(true);
+  source.SetDisplay(true);
+  source.SetFormatType(6);
+  source.SetOptionInfo(77);
+  source.SetLabelString("label");
+  std::memcpy(source.GetBuffer(3), "abc", 3);
+  TestEntry target(1);
+  source.Copy(target);
+  EXPECT_EQ(target.GetUsedType(), 6u);
+  EXPECT_EQ(target.GetOptionInfo(), 77u);
+  EXPECT_TRUE(target.IsComplete());
+  EXPECT_TRUE(target.IsDisplayEnable());
+  EXPECT_STREQ(target.GetLabelString(), "label");
+  ASSERT_EQ(target.GetSize(), 3u);
+  EXPECT_EQ(std::memcmp(target.GetRefBuffer(), "abc", 3), 0);
+  target.Copy(target);
+  EXPECT_EQ(target.GetSize(), 3u);
+  TestEntry(6).Copy(target);
+  EXPECT_EQ(target.GetSize(), 3u) << "an empty source leaves the target's bytes";
+}
+
+TEST(ProfileDataEntry, ARebuiltBufferHasTheAskedLengthOrStaysAsItWas) {
+  TestEntry entry(6);
+  const auto write = [](std::uint32_t count) {
+    return [count](CNvxFile& file) {
+      const std::vector<char> bytes(count, 'x');
+      return nvx::WriteExact(file, bytes.data(), count);
+    };
+  };
+  EXPECT_TRUE(nvx::RebuildBuffer(entry, 276, nvx::BufferLength::kCapacity, write(276)));
+  EXPECT_EQ(entry.GetSize(), 1024u);
+  EXPECT_EQ(entry.GetRefBuffer()[275], 'x');
+  EXPECT_EQ(entry.GetRefBuffer()[276], 0);
+  EXPECT_EQ(entry.GetRefBuffer()[1023], 0);
+  EXPECT_TRUE(nvx::RebuildBuffer(entry, 1024, nvx::BufferLength::kCapacity, write(1024)));
+  EXPECT_EQ(entry.GetSize(), 1024u);
+  EXPECT_TRUE(nvx::RebuildBuffer(entry, 1025, nvx::BufferLength::kExact, write(1025)));
+  EXPECT_EQ(entry.GetSize(), 1025u);
+  EXPECT_FALSE(nvx::RebuildBuffer(entry, 10, nvx::BufferLength::kExact, write(9)));
+  EXPECT_FALSE(nvx::RebuildBuffer(entry, 10, nvx::BufferLength::kExact, [](CNvxFile&) { return false; }));
+  EXPECT_FALSE(nvx::RebuildBuffer(entry, 0x1'0000'0000, nvx::BufferLength::kExact, write(0)));
+  EXPECT_EQ(entry.GetSize(), 1025u);
+}
+
+TEST(ProfileDataInfo, VersionsAndOrder) {
+  CProfileDataInfo info;
+  const auto versions = [&](std::uint32_t major, std::uint32_t minor) {
+    info.Info.ProfileMajorVersion = major;
+    info.Info.ProfileMinorVersion = minor;
+    return std::pair(info.IsKnownVersion(), info.IsNotVersion2());
+  };
+  EXPECT_EQ(versions(2, 0), std::pair(true, false));
+  EXPECT_EQ(versions(2, 1), std::pair(false, true));
+  EXPECT_EQ(versions(3, 5), std::pair(true, true));
+  EXPECT_EQ(versions(3, 6), std::pair(false, true));
+  EXPECT_EQ(versions(0, 0), std::pair(false, true));
+
+  CProfileDataInfo other;
+  const auto set = [](char16_t(&key)[256], std::u16string_view text) { nvx::CopyText(key, text); };
+  set(info.Info.ListKeys[0], u"a");
+  set(other.Info.ListKeys[0], u"b");
+  EXPECT_TRUE(info.IsOrderedBefore(other));
+  nvx::CopyText(info.Info.MediaName, std::u16string_view(u"z"));
+  EXPECT_FALSE(info.IsOrderedBefore(other));
+  set(info.Info.ListKeys[4], u"A");
+  set(other.Info.ListKeys[4], u"B");
+  EXPECT_TRUE(info.IsOrderedBefore(other));
+  set(info.Info.ListKeys[1], u"y");
+  EXPECT_FALSE(info.IsOrderedBefore(other));
+  EXPECT_TRUE(other.IsOrderedBefore(info));
+  EXPECT_FALSE(info.IsOrderedBefore(info));
+}
+
+}  // namespace

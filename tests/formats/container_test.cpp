@@ -1,0 +1,188 @@
+#include "support/byte_builder.h"
+#include "support/temp_folder.h"
+
+#include <nvxprofile/diagnosis.h>
+#include <nvxprofile/profile_access.h>
+#include <nvxprofile/profile_file.h>
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <memory>
+
+namespace {
+
+using nvx::test::ByteBuilder;
+using nvx::test::Bytes;
+using nvx::test::ReadBytes;
+using nvx::test::TempFolder;
+using nvx::test::WriteBytes;
+
+struct Entry {
+  std::uint32_t usedType = 6;
+  std::uint32_t formatType = 6;
+  Bytes bytes;
+  std::uint32_t complete = 1;
+  std::uint32_t optionInfo = 0;
+  std::string label;
+};
+
+Bytes Container(const std::vector<Entry>& entries, std::uint32_t route = 4, std::uint32_t version = 0x00010000) {
+  ByteBuilder file;
+  file.U8(0x20).U8(0x54).U8(0x43).U8(0x51).U32(32).U32(version).U32(11).U32(route).U32(22);
+  file.U32(static_cast<std::uint32_t>(entries.size())).U32(0);
+  for (const Entry& entry : entries) {
+    file.Text("IHEP").U32(292).U32(entry.usedType).U32(entry.formatType);
+    file.U32(static_cast<std::uint32_t>(entry.bytes.size() + 4)).U32(entry.complete).U32(entry.optionInfo);
+    file.Text(entry.label, 264);
+  }
+  for (const Entry& entry : entries) file.Text("SDEP").Append(entry.bytes);
+  return file;
+}
+
+bool Load(Bytes bytes, CProfileData& data, nvx::Diagnosis* diagnosis = nullptr) {
+  CNvxMemFile stream(bytes.data(), static_cast<std::uint32_t>(bytes.size()));
+  stream.SetDiagnosis(diagnosis);
+  return CProfileFileQCT().LoadData(stream, &data, false);
+}
+
+TEST(Container, LoadsEntriesWithTheirFlagsAndSavesTheSameBytes) {
+  const std::vector<Entry> entries{
+      {6, 6, {1, 2, 3}, 1, 0x01020304, "first"}, {14, 7, {}, 1, 0, ""}, {3, 6, {9}, 0, 5, ""}};
+  const Bytes bytes = Container(entries);
+  EXPECT_EQ(bytes.size(), 32u + 3 * 292 + 3 * 4 + 4);
+  CProfileData data;
+  ASSERT_TRUE(Load(bytes, data));
+  EXPECT_EQ(data.GetEntryCount(4), 3);
+  CProfileDataEntry* const first = data.GetProfileDataEntry(4, 6);
+  ASSERT_NE(first, nullptr);
+  EXPECT_EQ(first->GetOptionInfo(), 0x01020304u);
+  EXPECT_STREQ(first->GetLabelString(), "first");
+  ASSERT_EQ(first->GetSize(), 3u) << "a payload that does not parse keeps its bytes";
+  EXPECT_EQ(std::memcmp(first->GetRefBuffer(), "\1\2\3", 3), 0);
+  EXPECT_EQ(data.GetProfileDataEntry(4, 14)->GetSize(), 0u);
+
+  data.SetTargetType(11);
+  data.SetDeviceType(22);
+  CNvxMemFile saved;
+  EXPECT_TRUE(CProfileFileQCT().SaveData(saved, &data, 4));
+  EXPECT_EQ(Bytes(saved.Buffer, saved.Buffer + saved.Position), bytes);
+  EXPECT_EQ(CProfileFileQCT::GetSavedSize(data, 4), bytes.size());
+  std::free(saved.Buffer);
+  CNvxMemFile none;
+  EXPECT_FALSE(CProfileFileQCT().SaveData(none, &data, 8));
+  EXPECT_FALSE(CProfileFileQCT().SaveData(none, nullptr, 4));
+  std::free(none.Buffer);
+}
+
+TEST(Container, StartsAtItsLoadPoint) {
+  Bytes bytes(100, 0xEE);
+  const Bytes container = Container({{6, 6, {1, 2, 3}, 1, 0, ""}});
+  EXPECT_EQ(container.size(), 331u);
+  bytes.insert(bytes.end(), container.begin(), container.end());
+  CNvxMemFile stream(bytes.data(), static_cast<std::uint32_t>(bytes.size()));
+  CProfileFileQCT format;
+  format.SetOffsetLoadPoint(100);
+  CProfileData data;
+  EXPECT_TRUE(format.LoadData(stream, &data, false));
+  EXPECT_EQ(stream.GetPosition(), 431u);
+  CProfileData headerOnly;
+  EXPECT_TRUE(format.LoadData(stream, &headerOnly, true));
+  EXPECT_FALSE(headerOnly.GetRouteStartPos());
+  format.SetOffsetLoadPoint(99);
+  EXPECT_FALSE(format.LoadData(stream, &data, false));
+}
+
+TEST(Container, AnEmptyTableLoadsWithoutARoute) {
+  CProfileData data;
+  EXPECT_TRUE(Load(Container({}), data));
+  EXPECT_FALSE(data.GetRouteStartPos());
+}
+
+TEST(Container, RefusesWhatIsBrokenAndSaysWhere) {
+  struct Case {
+    Bytes bytes;
+    std::uint64_t offset;
+    std::string rule;
+  };
+  const Bytes good = Container({{6, 6, {1, 2, 3}, 1, 0, ""}});
+  const auto patched = [&](std::size_t offset, std::uint32_t value) {
+    Bytes bytes = good;
+    std::memcpy(bytes.data() + offset, &value, 4);
+    return bytes;
+  };
+  const std::vector<Case> cases{
+      {patched(0, 1), 32, "container header: wrong magic"},
+      {Container({}, 4, 0x00020000), 32, "container header: wrong version"},
+      {patched(24, 2), 324, "entry header: wrong magic"},
+      {patched(24, 0xFFFFFFFF), 32, "entry table: count beyond the end"},
+      {patched(32, 0), 32, "entry header: wrong magic"},
+      {patched(324, 0), 328, "entry body: wrong magic"},
+      {patched(40, 11), 328, "entry header: unknown used type"},
+      {patched(40, 0xFFFFFFFF), 328, "entry header: unknown used type"},
+      {patched(44, 5), 328, "entry header: format type does not belong to the used type"},
+      {patched(48, 3), 328, "entry header: body size below 4"},
+      {patched(48, 8), 328, "entry header: body size beyond the end"},
+      {patched(48, 0xFFFFFFFF), 328, "entry header: body size beyond the end"},
+  };
+  for (const Case& c : cases) {
+    CProfileData data;
+    nvx::Diagnosis diagnosis;
+    EXPECT_FALSE(Load(c.bytes, data, &diagnosis)) << c.rule;
+    EXPECT_FALSE(Load(c.bytes, data)) << c.rule;
+    if (c.rule == "entry header: wrong magic" && c.offset == 324) {
+      EXPECT_TRUE(diagnosis.HasErrors());
+      continue;
+    }
+    ASSERT_EQ(diagnosis.Findings().size(), 1u) << c.rule;
+    EXPECT_EQ(diagnosis.Findings()[0].rule, c.rule);
+    EXPECT_EQ(diagnosis.Findings()[0].offset, c.offset) << c.rule;
+  }
+  for (std::size_t size = 0; size < good.size(); ++size) {
+    CProfileData data;
+    EXPECT_FALSE(Load(Bytes(good.begin(), good.begin() + static_cast<std::ptrdiff_t>(size)), data)) << size;
+  }
+}
+
+TEST(ProfileAccess, InitLoadsReplacesAndWordsItsFailures) {
+  const TempFolder folder;
+  WriteBytes(folder.File("a.QCT"), Container({{6, 6, {1}, 1, 0, ""}}, 1));
+  WriteBytes(folder.File("bad.qct"), Container({{11, 6, {1}, 1, 0, ""}}));
+  WriteBytes(folder.File("a.icc"), Container({{6, 6, {1}, 1, 0, ""}}));
+  CProfileAccess access;
+  CError error;
+  EXPECT_EQ(access.GetProfileInfo(), nullptr);
+  EXPECT_EQ(access.GetProfileInfoObject(), nullptr);
+  EXPECT_FALSE(access.IsICCRoot());
+  ASSERT_TRUE(access.Init(folder.WideFile("a.QCT").c_str(), &error));
+  EXPECT_EQ(error.GetErrorReason(), 0u);
+  EXPECT_EQ(access.GetProfileLoadFormat(), 1);
+  EXPECT_TRUE(access.IsICCRoot());
+  EXPECT_FALSE(access.IsV3Route());
+  EXPECT_EQ(std::u16string(access.GetProfileInfo()->FileName), u"a.QCT");
+  EXPECT_EQ(access.GetProfileInfo()->OutputFourthValue, -1);
+  EXPECT_EQ(access.GetProfileInfo()->OutputCodeB, 255);
+  EXPECT_FALSE(access.GetOutputInfo(nullptr));
+  access.GetProfileInfo()->ScanResolution = 720;
+  access.GetProfileInfo()->DotType = 2;
+  _tagOutputInfo info;
+  EXPECT_TRUE(access.GetOutputInfo(&info));
+  EXPECT_EQ(info.ScanResolution, 720u);
+  EXPECT_EQ(info.DotType, 2);
+
+  EXPECT_FALSE(access.Init(folder.WideFile("bad.qct").c_str(), &error));
+  EXPECT_EQ(error.GetErrorReason(), 0x08008001u);
+  EXPECT_EQ(std::u16string(error.GetErrorCommentW()),
+            u"Profile: Load Error (file name:" + folder.WideFile("bad.qct") + u")");
+  EXPECT_EQ(access.GetProfileData(), nullptr);
+  std::uint32_t scan = 1, feed = 2, third = 3, fourth = 4;
+  EXPECT_FALSE(access.GetOutputResolution(scan, feed, third, fourth));
+  EXPECT_EQ(scan + feed + third + fourth, 10u);
+
+  for (const std::u16string& path : {folder.WideFile("none"), folder.WideFile("a.icc"), std::u16string(u"/")}) {
+    EXPECT_FALSE(access.Init(path.c_str(), &error));
+    EXPECT_EQ(std::u16string(error.GetErrorCommentW()), u"Profile: File Format Error (file name:" + path + u")");
+  }
+}
+
+}  // namespace

@@ -1,0 +1,144 @@
+// nvxprofile info: what a profile is and what it holds.
+#include "command.h"
+#include "loading.h"
+#include "record_json.h"
+#include "terminal.h"
+
+#include <nvxprofile/text_conversion.h>
+
+#include <fmt/format.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace nvx::tool {
+namespace {
+
+struct Options {
+  std::vector<std::string> files;
+  bool json = false;
+};
+
+Json EntryToJson(CProfileDataEntry& entry) {
+  const std::string className(ClassName(entry.GetUsedType()));
+  Json json = {{"usedType", entry.GetUsedType()},
+               {"class", className},
+               {"formatType", entry.GetFormatType()},
+               {"complete", entry.IsComplete()},
+               {"display", entry.IsDisplayEnable()},
+               {"optionInfo", entry.GetOptionInfo()},
+               {"label", NarrowToJson(entry.GetLabelString())},
+               {"size", entry.GetSize()}};
+  Json payload = PayloadToJson(entry);
+  if (!payload.is_null()) json["payload"] = std::move(payload);
+  return json;
+}
+
+Json ToJson(const std::string& path, CProfileAccess& access) {
+  Json json = {{"file", path},
+               {"format", access.GetProfileLoadFormat()},
+               {"formatName", std::string(FormatName(access.GetProfileLoadFormat()))},
+               {"info", RecordToJson(*access.GetProfileInfo())}};
+  Json routes = Json::array();
+  for (CProfileRoute* const route : RoutesOf(*access.GetProfileData())) {
+    Json entries = Json::array();
+    for (CProfileDataEntry* const entry : EntriesOf(*route)) entries.push_back(EntryToJson(*entry));
+    routes.push_back({{"route", route->GetRouteType()}, {"entries", std::move(entries)}});
+  }
+  json["routes"] = std::move(routes);
+  return json;
+}
+
+void PrintPair(std::string_view name, const std::string& value) {
+  if (!value.empty()) PrintLine(fmt::format("  {:<18}{}", name, value));
+}
+
+std::string TimeText(const SYSTEMTIME& time) {
+  if (time.wYear == 0) return {};
+  return fmt::format("{:04}-{:02}-{:02} {:02}:{:02}:{:02}", time.wYear, time.wMonth, time.wDay, time.wHour,
+                     time.wMinute, time.wSecond);
+}
+
+void PrintRecord(const _tagDeviceProfileInfo& info) {
+  const auto wide = [](const char16_t* text) { return WideToUtf8(text); };
+  if (info.ModelCode[0] != 0) {
+    PrintPair("model",
+              fmt::format("{} / {} / {}", wide(info.ModelCode), wide(info.ModelSubCode), wide(info.InternalCode)));
+  }
+  PrintPair("printer", wide(info.PrinterComment));
+  if (info.MediaName[0] != 0) PrintPair("media", fmt::format("{} ({})", wide(info.MediaName), wide(info.MediaCode)));
+  if (info.ScanResolution != 0) {
+    PrintPair("resolution", fmt::format("{} x {} dpi, rendered at {} x {}", info.ScanResolution, info.FeedResolution,
+                                        info.RenderingScan, info.RenderingFeed));
+  }
+  if (info.LayoutNumber != 0) {
+    PrintPair("ink", fmt::format("maker {}, type {}, colour set {}, version {}", info.InkMakerCode, info.InkTypeCode,
+                                 info.ColorsetCode, info.InkVersion));
+    PrintPair("version", fmt::format("{}.{}", info.ProfileMajorVersion, info.ProfileMinorVersion));
+  }
+  PrintPair("created", TimeText(info.CreateTime));
+  PrintPair("updated", TimeText(info.UpdateTime));
+  if (info.LayoutNumber == 3) {
+    PrintPair("made by", fmt::format("{} {}", wide(info.Binary.MakerText), wide(info.Binary.CreateModule)));
+    for (std::uint32_t i = 0; info.Binary.MediaInfo != nullptr && i < info.Binary.MediaInfoCount; ++i) {
+      const tagMedia& media = info.Binary.MediaInfo[i];
+      PrintPair(fmt::format("media name {}", media.Language), wide(media.Name));
+    }
+  }
+}
+
+std::string FlagsOf(CProfileDataEntry& entry) {
+  std::string flags = entry.IsComplete() ? "complete" : "";
+  if (entry.IsDisplayEnable()) flags += flags.empty() ? "display" : ", display";
+  return flags;
+}
+
+void Print(const std::string& path, CProfileAccess& access) {
+  PrintLine(Styled(Style::kHeading, path) + ": " + std::string(FormatName(access.GetProfileLoadFormat())));
+  PrintRecord(*access.GetProfileInfo());
+  for (CProfileRoute* const route : RoutesOf(*access.GetProfileData())) {
+    PrintLine(fmt::format("  route {}", route->GetRouteType()));
+    Table table({{"type", Table::Align::kRight},
+                 {"entry"},
+                 {"class"},
+                 {"bytes", Table::Align::kRight},
+                 {"option"},
+                 {"flags"},
+                 {"label"}});
+    for (CProfileDataEntry* const entry : EntriesOf(*route)) {
+      table.Add({std::to_string(entry->GetUsedType()), std::string(EntryName(entry->GetUsedType())),
+                 std::string(ClassName(entry->GetUsedType())), std::to_string(entry->GetSize()),
+                 fmt::format("{:#x}", entry->GetOptionInfo()), FlagsOf(*entry),
+                 WideToUtf8(AnsiToWide(entry->GetLabelString()))});
+    }
+    table.Print(4);
+  }
+}
+
+int Run(const Options& options) {
+  int status = kSuccess;
+  for (const std::string& file : options.files) {
+    CProfileAccess access;
+    if (!LoadProfile(file, access)) {
+      status = kFailure;
+    } else if (options.json) {
+      PrintJson(ToJson(file, access));
+    } else {
+      Print(file, access);
+    }
+  }
+  return status;
+}
+
+}  // namespace
+
+void AddInfoCommand(CLI::App& app, int& status) {
+  CLI::App* const command = app.add_subcommand("info", "Tell what profiles are and what they hold");
+  const auto options = std::make_shared<Options>();
+  command->add_option("FILE", options->files, "Profiles of any format")->required();
+  command->add_flag("--json", options->json, "Write one JSON document for each file");
+  command->callback([options, &status] { status = Run(*options); });
+}
+
+}  // namespace nvx::tool

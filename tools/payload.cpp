@@ -1,0 +1,193 @@
+#include "payload.h"
+
+#include <nvxprofile/text_conversion.h>
+
+#include <algorithm>
+#include <cstdint>
+
+namespace nvx::tool {
+namespace {
+
+constexpr std::string_view kBase64 = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+
+struct Codec {
+  Json (*toJson)(CProfileDataEntry& entry);
+  void (*fromJson)(const Node& node, CProfileDataEntry& entry);
+};
+
+Codec CodecOf(std::uint32_t usedType) {
+  switch (usedType) {
+    case CProfileDataEntry::kModel:
+      return {ModelToJson, ModelFromJson};
+    case CProfileDataEntry::kInkLimit:
+    case CProfileDataEntry::kVariableInkLimit:
+    case CProfileDataEntry::kVariable:
+    case CProfileDataEntry::kSeparateLight:
+    case CProfileDataEntry::kLinearization:
+    case CProfileDataEntry::kGrayBalance:
+    case CProfileDataEntry::kUcr:
+    case CProfileDataEntry::kMultiInkLimit:
+    case CProfileDataEntry::kCalibrationInklimit:
+    case CProfileDataEntry::kCalibrationLinearization:
+    case CProfileDataEntry::kCalibrationGrayBalance:
+      return {CurvesToJson, CurvesFromJson};
+    case CProfileDataEntry::kSeparateChroma:
+      return {LutToJson, LutFromJson};
+    case CProfileDataEntry::kInfo:
+      return {InfoToJson, InfoFromJson};
+    case CProfileDataEntry::kMediaProperty:
+      return {MediaToJson, MediaFromJson};
+    case CProfileDataEntry::kCalibrationHistory:
+    case CProfileDataEntry::kCalibrationContainer:
+    case CProfileDataEntry::kCalibrationTarget:
+    case CProfileDataEntry::kCalibrationTarget2:
+    case CProfileDataEntry::kCalibrationInfo:
+      return {CalibrationToJson, CalibrationFromJson};
+    case CProfileDataEntry::kMaskDownload:
+      return {MaskDownloadToJson, MaskDownloadFromJson};
+    case CProfileDataEntry::kMaskDownloadIncludePattern:
+      return {MaskPatternsToJson, MaskPatternsFromJson};
+    case CProfileDataEntry::kLargeParameter:
+      return {LargeParameterToJson, LargeParameterFromJson};
+    case CProfileDataEntry::kSpecialColorInfo:
+      return {SpecialColorToJson, SpecialColorFromJson};
+    default:
+      return {nullptr, nullptr};
+  }
+}
+
+}  // namespace
+
+bool Node::Has(const char* key) const { return value_->is_object() && value_->contains(key); }
+
+Node Node::At(const char* key) const {
+  if (!value_->is_object()) Fail("an object is expected");
+  const auto found = value_->find(key);
+  if (found == value_->end()) Fail("the key \"" + std::string(key) + "\" is missing");
+  return Node(*found, place_ + "/" + key);
+}
+
+std::vector<Node> Node::Items() const {
+  if (!value_->is_array()) Fail("an array is expected");
+  std::vector<Node> items;
+  items.reserve(value_->size());
+  for (const Json& item : *value_) items.emplace_back(item, place_ + "/" + std::to_string(items.size()));
+  return items;
+}
+
+std::int64_t Node::Integer(std::int64_t least, std::int64_t greatest) const {
+  if (!value_->is_number_integer()) Fail("a whole number is expected");
+  const bool tooLarge =
+      value_->is_number_unsigned() && value_->get<std::uint64_t>() > static_cast<std::uint64_t>(INT64_MAX);
+  const std::int64_t number = tooLarge ? INT64_MAX : value_->get<std::int64_t>();
+  if (tooLarge || number < least || number > greatest) {
+    Fail("the number must lie between " + std::to_string(least) + " and " + std::to_string(greatest));
+  }
+  return number;
+}
+
+bool Node::Bool() const {
+  if (!value_->is_boolean()) Fail("true or false is expected");
+  return value_->get<bool>();
+}
+
+std::string Node::Text(std::size_t longest) const {
+  if (!value_->is_string()) Fail("a text is expected");
+  std::string text = value_->get<std::string>();
+  if (text.size() > longest) Fail("the text is longer than " + std::to_string(longest) + " bytes");
+  return text;
+}
+
+std::vector<std::uint8_t> Node::Base64() const {
+  const std::string text = Text(SIZE_MAX);
+  std::vector<std::uint8_t> bytes;
+  bytes.reserve(text.size() / 4 * 3);
+  std::uint32_t bits = 0;
+  std::size_t digits = 0;
+  std::size_t padding = 0;
+  for (const char c : text) {
+    const std::size_t value = kBase64.find(c);
+    if (c == '=' && padding < 2) {
+      ++padding;
+    } else if (value == kBase64.npos || padding != 0) {
+      Fail("base64 is expected");
+    } else {
+      bits = bits << 6 | static_cast<std::uint32_t>(value);
+      if (++digits % 4 == 0) {
+        for (const int shift : {16, 8, 0}) bytes.push_back(static_cast<std::uint8_t>(bits >> shift));
+        bits = 0;
+      }
+    }
+  }
+  if ((digits + padding) % 4 != 0) Fail("base64 is expected");
+  if (digits % 4 == 2) bytes.push_back(static_cast<std::uint8_t>(bits >> 4));
+  if (digits % 4 == 3) {
+    bytes.push_back(static_cast<std::uint8_t>(bits >> 10));
+    bytes.push_back(static_cast<std::uint8_t>(bits >> 2));
+  }
+  return bytes;
+}
+
+void Node::Fail(const std::string& why) const { throw DocumentError(place_, why); }
+
+std::string ToBase64(const std::uint8_t* bytes, std::size_t size) {
+  std::string text;
+  text.reserve((size + 2) / 3 * 4);
+  for (std::size_t i = 0; i < size; i += 3) {
+    const std::size_t count = std::min<std::size_t>(3, size - i);
+    std::uint32_t bits = 0;
+    for (std::size_t j = 0; j < 3; ++j) bits = bits << 8 | (j < count ? bytes[i + j] : 0u);
+    for (std::size_t j = 0; j < 4; ++j) text += j <= count ? kBase64[bits >> (18 - 6 * j) & 0x3F] : '=';
+  }
+  return text;
+}
+
+Json NarrowToJson(const std::string& text) {
+  const std::u16string wide = AnsiToWide(text);
+  if (WideToAnsi(wide) == text && Utf8ToWide(WideToUtf8(wide)) == wide) return WideToUtf8(wide);
+  return {{"base64", ToBase64(reinterpret_cast<const std::uint8_t*>(text.data()), text.size())}};
+}
+
+std::string NarrowFromJson(const Node& node, std::size_t longest) {
+  std::string text;
+  if (node.Has("base64")) {
+    const std::vector<std::uint8_t> bytes = node.At("base64").Base64();
+    text.assign(bytes.begin(), bytes.end());
+  } else {
+    text = WideToAnsi(Utf8ToWide(node.Text(SIZE_MAX)));
+  }
+  if (text.size() > longest) node.Fail("the text is longer than " + std::to_string(longest) + " bytes");
+  return text;
+}
+
+Json WideToJson(const std::u16string& text) {
+  std::string utf8 = WideToUtf8(text);
+  if (Utf8ToWide(utf8) == text) return utf8;
+  Json units = Json::array();
+  for (const char16_t unit : text) units.push_back(static_cast<std::uint16_t>(unit));
+  return {{"utf16", std::move(units)}};
+}
+
+std::u16string WideFromJson(const Node& node, std::size_t longest) {
+  std::u16string text;
+  if (node.Has("utf16")) {
+    for (const Node& unit : node.At("utf16").Items()) text += static_cast<char16_t>(unit.Integer(0, 0xFFFF));
+  } else {
+    text = Utf8ToWide(node.Text(SIZE_MAX));
+  }
+  if (text.size() > longest) node.Fail("the text is longer than " + std::to_string(longest) + " characters");
+  return text;
+}
+
+Json PayloadToJson(CProfileDataEntry& entry) {
+  const Codec codec = CodecOf(entry.GetUsedType());
+  return codec.toJson != nullptr ? codec.toJson(entry) : Json(nullptr);
+}
+
+void PayloadFromJson(const Node& node, CProfileDataEntry& entry) {
+  const Codec codec = CodecOf(entry.GetUsedType());
+  if (codec.fromJson == nullptr) node.Fail("entries of this type have no payload");
+  codec.fromJson(node, entry);
+}
+
+}  // namespace nvx::tool

@@ -1,0 +1,108 @@
+#include "terminal.h"
+
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+
+namespace nvx::tool {
+namespace {
+
+// Columns that a text takes on a terminal: continuation bytes take none, East Asian characters two.
+std::size_t Width(std::string_view text) {
+  std::size_t width = 0;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const unsigned char lead = static_cast<unsigned char>(text[i]);
+    if ((lead & 0xC0) == 0x80) continue;
+    const unsigned char next = i + 1 < text.size() ? static_cast<unsigned char>(text[i + 1]) : 0;
+    const bool wide =
+        (lead == 0xE3 && next >= 0x80) || (lead >= 0xE4 && lead <= 0xED) || (lead == 0xEF && next >= 0xBC);
+    width += wide ? 2 : 1;
+  }
+  return width;
+}
+
+std::string Utf8(char32_t point) {
+  std::string text;
+  text += static_cast<char>(0xE0 | point >> 12);
+  text += static_cast<char>(0x80 | (point >> 6 & 0x3F));
+  text += static_cast<char>(0x80 | (point & 0x3F));
+  return text;
+}
+
+}  // namespace
+
+bool IsTerminal() { return ::isatty(STDOUT_FILENO) == 1; }
+
+std::string Styled(Style style, std::string_view text) {
+  const char* const plain = std::getenv("NO_COLOR");
+  if (!IsTerminal() || (plain != nullptr && *plain != 0)) return std::string(text);
+  const char* code = "1";
+  if (style == Style::kDim) code = "2";
+  if (style == Style::kGood) code = "32";
+  if (style == Style::kWarning) code = "33";
+  if (style == Style::kBad) code = "31";
+  return fmt::format("\033[{}m{}\033[0m", code, text);
+}
+
+void PrintLine(std::string_view line) {
+  std::fwrite(line.data(), 1, line.size(), stdout);
+  std::fputc('\n', stdout);
+}
+
+void PrintError(std::string_view message) {
+  const std::string line = fmt::format("nvxprofile: {}\n", message);
+  std::fwrite(line.data(), 1, line.size(), stderr);
+}
+
+void Table::Print(int indent) const {
+  std::vector<std::size_t> widths;
+  for (const Column& column : columns_) widths.push_back(Width(column.title));
+  for (const auto& row : rows_) {
+    for (std::size_t i = 0; i < row.size() && i < widths.size(); ++i) widths[i] = std::max(widths[i], Width(row[i]));
+  }
+  const auto line = [&](const auto& cellOf, std::size_t count) {
+    std::string text(static_cast<std::size_t>(indent), ' ');
+    for (std::size_t i = 0; i < count; ++i) {
+      const std::string& cell = cellOf(i);
+      const std::string pad(widths[i] - std::min(widths[i], Width(cell)), ' ');
+      text += columns_[i].align == Align::kRight ? pad + cell : cell + pad;
+      text += "  ";
+    }
+    text.erase(text.find_last_not_of(' ') + 1);
+    return text;
+  };
+  PrintLine(Styled(Style::kHeading,
+                   line([&](std::size_t i) -> const std::string& { return columns_[i].title; }, columns_.size())));
+  for (const auto& row : rows_) {
+    PrintLine(line([&](std::size_t i) -> const std::string& { return row[i]; }, std::min(row.size(), columns_.size())));
+  }
+}
+
+std::vector<std::string> Plot(std::span<const std::uint32_t> samples, std::uint32_t greatest, int width, int height) {
+  // Braille characters hold two by four dots; the bit of each, by row and column.
+  constexpr std::uint8_t kDots[4][2] = {{0x01, 0x08}, {0x02, 0x10}, {0x04, 0x20}, {0x40, 0x80}};
+  const std::size_t dotsAcross = static_cast<std::size_t>(width) * 2;
+  const std::size_t dotsDown = static_cast<std::size_t>(height) * 4;
+  std::vector<std::uint8_t> cells(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
+  for (std::size_t x = 0; x < dotsAcross && !samples.empty(); ++x) {
+    const std::size_t index = samples.size() == 1 ? 0 : x * (samples.size() - 1) / (dotsAcross - 1);
+    const std::uint64_t value = std::min(samples[index], greatest);
+    const std::size_t up = greatest == 0 ? 0 : static_cast<std::size_t>(value * (dotsDown - 1) / greatest);
+    const std::size_t y = dotsDown - 1 - up;
+    cells[y / 4 * static_cast<std::size_t>(width) + x / 2] |= kDots[y % 4][x % 2];
+  }
+  std::vector<std::string> lines;
+  for (std::size_t row = 0; row < static_cast<std::size_t>(height); ++row) {
+    std::string line;
+    for (std::size_t column = 0; column < static_cast<std::size_t>(width); ++column) {
+      line += Utf8(0x2800u + cells[row * static_cast<std::size_t>(width) + column]);
+    }
+    lines.push_back(std::move(line));
+  }
+  return lines;
+}
+
+}  // namespace nvx::tool

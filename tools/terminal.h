@@ -1,0 +1,50 @@
+// Output for people: aligned tables, small plots, and colours where a terminal shows them.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace nvx::tool {
+
+// True if standard output is a terminal.
+bool IsTerminal();
+
+enum class Style { kHeading, kDim, kGood, kWarning, kBad };
+
+// The text in a style on a terminal, unless NO_COLOR is set; the bare text elsewhere.
+std::string Styled(Style style, std::string_view text);
+
+// Writes a line to standard output.
+void PrintLine(std::string_view line = {});
+// Writes "nvxprofile: message" to standard error.
+void PrintError(std::string_view message);
+
+// Columns of text, as wide as their widest cell. Numbers stand to the right.
+class Table {
+ public:
+  enum class Align { kLeft, kRight };
+  struct Column {
+    std::string title;
+    Align align = Align::kLeft;
+  };
+
+  explicit Table(std::vector<Column> columns) : columns_(std::move(columns)) {}
+  void Add(std::vector<std::string> cells) { rows_.push_back(std::move(cells)); }
+  bool IsEmpty() const { return rows_.empty(); }
+  // Writes the rows with the titles above, each line behind `indent` blanks.
+  void Print(int indent = 0) const;
+
+ private:
+  std::vector<Column> columns_;
+  std::vector<std::vector<std::string>> rows_;
+};
+
+// A plot of samples against their index, `width` by `height` characters, lines from top to bottom. Values above
+// `greatest` stand at the top.
+std::vector<std::string> Plot(std::span<const std::uint32_t> samples, std::uint32_t greatest, int width = 48,
+                              int height = 8);
+
+}  // namespace nvx::tool
