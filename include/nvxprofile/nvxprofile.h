@@ -22,6 +22,7 @@
 #include <nvxprofile/profile_file.h>
 #include <nvxprofile/profile_file_icc.h>
 #include <nvxprofile/profile_info.h>
+#include <nvxprofile/special_color.h>
 #include <nvxprofile/system_time.h>
 #include <nvxprofile/text_conversion.h>
 #include <nvxprofile/word_arrays.h>

@@ -4,6 +4,7 @@
 #include <nvxprofile/large_parameter.h>
 #include <nvxprofile/mask_download.h>
 #include <nvxprofile/profile_entry.h>
+#include <nvxprofile/special_color.h>
 
 namespace {
 
@@ -33,6 +34,7 @@ constexpr Row kRows[] = {
     {CProfileDataEntry::kMaskDownload, New<CMaskDownLoadEntry>},
     {CProfileDataEntry::kLargeParameter, New<CLargeParameterEntry>},
     {CProfileDataEntry::kMaskDownloadIncludePattern, New<CMaskDownloadIncludePatternEntry>},
+    {CProfileDataEntry::kSpecialColorInfo, New<CSpecialColorInfoEntry>},
 };
 
 }  // namespace
