@@ -14,13 +14,17 @@
 #include <nvxprofile/icm_entry.h>
 #include <nvxprofile/input_profile.h>
 #include <nvxprofile/large_parameter.h>
+#include <nvxprofile/lut.h>
 #include <nvxprofile/mask.h>
 #include <nvxprofile/mask_download.h>
+#include <nvxprofile/media_property.h>
+#include <nvxprofile/model_info.h>
 #include <nvxprofile/profile_access.h>
 #include <nvxprofile/profile_data.h>
 #include <nvxprofile/profile_entry.h>
 #include <nvxprofile/profile_file.h>
 #include <nvxprofile/profile_file_icc.h>
+#include <nvxprofile/profile_file_text.h>
 #include <nvxprofile/profile_info.h>
 #include <nvxprofile/special_color.h>
 #include <nvxprofile/system_time.h>
