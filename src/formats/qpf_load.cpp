@@ -12,6 +12,7 @@
 #include <nvxprofile/icm_entry.h>
 #include <nvxprofile/mask_download.h>
 #include <nvxprofile/profile_file_qpf.h>
+#include <nvxprofile/special_color.h>
 
 #include <algorithm>
 #include <cstring>
@@ -289,6 +290,8 @@ bool CProfileFileQPFv3::LoadNVX7Tag(CICCProfile& profile, CProfileData* data) {
   CProfileDataEntry* const entry =
       LoadRouteTag(stream, *data, nvx::kSpecialColorTag, CProfileDataEntry::kSpecialColorInfo, Payload::kParse);
   if (entry == nullptr) return false;
+  const auto* const colors = dynamic_cast<CSpecialColorInfoData*>(entry->GetFormatData());
+  if (colors != nullptr && colors->GetProfileColorType() == 1) data->GetProfileInfo()->SeparateWayCode = 3;
   return true;
 }
 
