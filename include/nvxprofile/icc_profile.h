@@ -44,6 +44,14 @@ class CICCProfile {
   // Writes the image beside `path` and replaces the file at the end; after a false the old file is as it was.
   virtual bool WriteToPath(const char16_t* path);
 
+  // The same as OpenPath for an open stream that holds a profile from its beginning.
+  bool OpenStream(CNvxFile& file);
+
+  // Hands the image over as a malloc'ed block of `size` bytes that the caller owns, and ends the working copy. This
+  // copies no more than what a removed tag makes room for. Null without a working copy and for an image beyond 4 GiB;
+  // `size` is then 0.
+  std::uint8_t* DetachImage(std::uint32_t& size);
+
   // Ends the working copy. The header copy stays.
   void Close();
 

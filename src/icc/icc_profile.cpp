@@ -33,6 +33,11 @@ bool CICCProfile::OpenPath(const char16_t* path, bool headerOnly) {
   return true;
 }
 
+bool CICCProfile::OpenStream(CNvxFile& file) {
+  Close();
+  return Keep(nvx::IccImage::Open(file));
+}
+
 bool CICCProfile::Keep(std::unique_ptr<nvx::IccImage> image) {
   if (!image) return false;
   handle_ = std::move(image);
@@ -89,6 +94,15 @@ bool CICCProfile::SetTag(const char* tag, const void* data, std::uint32_t size) 
 
 bool CICCProfile::CopyImage(std::uint8_t* buffer, std::uint32_t size) {
   return handle_ && buffer != nullptr && handle_->CopyTo({buffer, size});
+}
+
+std::uint8_t* CICCProfile::DetachImage(std::uint32_t& size) {
+  size = 0;
+  if (!handle_) return nullptr;
+  nvx::Block image = std::move(*handle_).Release(size);
+  if (!image) size = 0;
+  Close();
+  return image.release();
 }
 
 bool CICCProfile::WriteTo(CNvxFile& file) {
