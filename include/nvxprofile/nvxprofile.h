@@ -1,6 +1,8 @@
 // All published headers.
 #pragma once
 
+#include <nvxprofile/calibration.h>
+#include <nvxprofile/calibration_history.h>
 #include <nvxprofile/cursor_list.h>
 #include <nvxprofile/curve.h>
 #include <nvxprofile/curve_entry.h>
