@@ -2,7 +2,11 @@
 #include <nvxprofile/calibration.h>
 #include <nvxprofile/curve_entry.h>
 #include <nvxprofile/icm_entry.h>
+#include <nvxprofile/large_parameter.h>
+#include <nvxprofile/lut.h>
 #include <nvxprofile/mask_download.h>
+#include <nvxprofile/media_property.h>
+#include <nvxprofile/model_info.h>
 #include <nvxprofile/profile_entry.h>
 
 namespace {
@@ -27,14 +31,18 @@ struct Row {
 };
 
 constexpr Row kRows[] = {
+    {CProfileDataEntry::kModel, New<CModelEntry>},
     {CProfileDataEntry::kInkLimit, New<CInkLimitEntry>},
     {CProfileDataEntry::kVariableInkLimit, New<CVariableInkLimitEntry>},
     {CProfileDataEntry::kVariable, New<CVariableEntry>},
     {CProfileDataEntry::kSeparateLight, New<CSeparateLightEntry>},
     {CProfileDataEntry::kLinearization, New<CLinearizationEntry>},
     {CProfileDataEntry::kGrayBalance, New<CGrayBalanceEntry>},
+    {CProfileDataEntry::kSeparateChroma, New<CSeparateChromaEntry>},
     {CProfileDataEntry::kUcr, New<CUcrEntry>},
     {CProfileDataEntry::kIcm, New<CICMEntry>},
+    {CProfileDataEntry::kInfo, New<CInfoEntry>},
+    {CProfileDataEntry::kMediaProperty, New<CMediaPropertyEntry>},
     {CProfileDataEntry::kMultiInkLimit, New<CMultiInkLimitEntry>},
     {CProfileDataEntry::kReplaceProfile, New<CReplaceProfileEntry>},
     {CProfileDataEntry::kCalibrationHistory, New<CCalibrationHistoryEntry>},
@@ -46,6 +54,7 @@ constexpr Row kRows[] = {
     {CProfileDataEntry::kCalibrationGrayBalance, New<CCalibrationGrayBalanceEntry>},
     {CProfileDataEntry::kCalibrationTarget2, NewSecondTarget},
     {CProfileDataEntry::kMaskDownload, New<CMaskDownLoadEntry>},
+    {CProfileDataEntry::kLargeParameter, New<CLargeParameterEntry>},
     {CProfileDataEntry::kMaskDownloadIncludePattern, New<CMaskDownloadIncludePatternEntry>},
 };
 
