@@ -13,6 +13,7 @@
 #include <nvxprofile/icc_profile.h>
 #include <nvxprofile/icm_entry.h>
 #include <nvxprofile/input_profile.h>
+#include <nvxprofile/large_parameter.h>
 #include <nvxprofile/lut.h>
 #include <nvxprofile/mask.h>
 #include <nvxprofile/mask_download.h>
@@ -23,6 +24,8 @@
 #include <nvxprofile/profile_entry.h>
 #include <nvxprofile/profile_file.h>
 #include <nvxprofile/profile_file_icc.h>
+#include <nvxprofile/profile_file_text.h>
 #include <nvxprofile/profile_info.h>
 #include <nvxprofile/system_time.h>
 #include <nvxprofile/text_conversion.h>
+#include <nvxprofile/word_arrays.h>
