@@ -40,12 +40,22 @@ struct CurveFields {
   std::uint32_t min = 0;
   std::uint32_t type = 1;
   std::uint32_t size = 0;
-  std::string_view name;
+  std::string_view name = {};
 };
 
 inline Bytes CurveHeader(const CurveFields& f) {
-  return ByteBuilder().Text("IHEC").U32(132).U32(f.ink).U32(f.slot).U32(f.rgb).U32(f.extendInfo).U32(f.max).U32(f.min)
-      .U32(f.type).U32(f.size).Text(f.name, 92);
+  return ByteBuilder()
+      .Text("IHEC")
+      .U32(132)
+      .U32(f.ink)
+      .U32(f.slot)
+      .U32(f.rgb)
+      .U32(f.extendInfo)
+      .U32(f.max)
+      .U32(f.min)
+      .U32(f.type)
+      .U32(f.size)
+      .Text(f.name, 92);
 }
 
 // Two curves: ink 1 with three 8-bit samples, ink 2 with two 16-bit samples. 311 bytes.
@@ -53,8 +63,15 @@ inline Bytes TwoCurves() {
   return CurveSetHeader(6, 2)
       .Append(CurveHeader({.ink = 1, .slot = 3, .rgb = 0xFF00, .max = 255, .type = 1, .size = 3, .name = "Cyan"}))
       .Append(CurveHeader({.ink = 2, .extendInfo = 7, .max = 65535, .min = 9, .type = 2, .size = 4, .name = "Black"}))
-      .Text("SDEC").U8(0).U8(0x80).U8(0xFF)
-      .Text("SDEC").U8(0x34).U8(0x12).U8(0xFF).U8(0xFE);
+      .Text("SDEC")
+      .U8(0)
+      .U8(0x80)
+      .U8(0xFF)
+      .Text("SDEC")
+      .U8(0x34)
+      .U8(0x12)
+      .U8(0xFF)
+      .U8(0xFE);
 }
 
 }  // namespace nvx::test

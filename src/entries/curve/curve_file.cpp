@@ -40,8 +40,7 @@ std::unique_ptr<CCurveDataEntry> LoadCurve(CNvxFile& file, const CurveRecord& re
   }
   if (fault == nullptr) {
     const nvx::StreamBlock samples(file, record.DataSize);
-    std::unique_ptr<CCurveDataEntry> curve(
-        CCurveDataEntry::CreateCurveDataEntry(static_cast<CCurveDataEntry::typeData>(record.DataType)));
+    std::unique_ptr<CCurveDataEntry> curve = nvx::MakeCurve(record);
     if (samples.IsWhole()) {
       nvx::ApplyRecord(record, *curve);
       nvx::LoadSamples(record, samples.Data(), curve->GetBuffer(record.DataSize));
@@ -86,7 +85,8 @@ bool CCurveFile::LoadFile(CNvxFile& file, CCurveData* data) {
   for (const CurveRecord& record : entryHeaders_) {
     std::unique_ptr<CCurveDataEntry> curve = LoadCurve(file, record);
     if (!curve) return false;
-    data->AddTail(curve.release());
+    data->AddTail(curve.get());
+    curve.release();
   }
   return true;
 }

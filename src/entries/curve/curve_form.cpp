@@ -33,20 +33,16 @@ class CurveSetRefill {
 
   // Makes the next curve of the set that of the record; `nameField` is the name as the form holds it.
   void Fill(const CurveRecord& record, const char* nameField, const std::uint8_t* samples) {
-    CCurveDataEntry* curve = set_.curves_.At(taken_);
-    const bool fits = curve != nullptr && HasShape(*curve, record);
-    if (!fits) {
-      DropRest();
-      curve = CCurveDataEntry::CreateCurveDataEntry(static_cast<CCurveDataEntry::typeData>(record.DataType));
-      set_.AddTail(curve);
-    }
+    CCurveDataEntry* const present = set_.curves_.At(taken_);
+    const bool fits = present != nullptr && HasShape(*present, record);
+    CCurveDataEntry& curve = fits ? *present : Replace(record);
     ++taken_;
-    LoadSamples(record, samples, fits ? curve->GetRefBuffer() : curve->GetBuffer(record.DataSize));
-    ApplyNumbers(record, *curve);
+    LoadSamples(record, samples, fits ? curve.GetRefBuffer() : curve.GetBuffer(record.DataSize));
+    ApplyNumbers(record, curve);
     // A copy of fixed size is the fastest; what stands behind the terminator is nobody's concern.
-    static_assert(kCurveNameSize <= sizeof curve->inkName_);
-    std::memcpy(curve->inkName_, nameField, kCurveNameSize);
-    curve->inkName_[kCurveNameSize - 1] = 0;
+    static_assert(kCurveNameSize <= sizeof curve.inkName_);
+    std::memcpy(curve.inkName_, nameField, kCurveNameSize);
+    curve.inkName_[kCurveNameSize - 1] = 0;
     set_.dataSizeType_ = record.DataType;
   }
 
@@ -55,6 +51,13 @@ class CurveSetRefill {
     const std::type_info& wanted =
         record.DataType == CCurveDataEntry::kSamples8 ? typeid(CCurveDataEntry8) : typeid(CCurveDataEntry16);
     return typeid(curve) == wanted && curve.GetSize() == record.DataSize;
+  }
+
+  CCurveDataEntry& Replace(const CurveRecord& record) {
+    DropRest();
+    std::unique_ptr<CCurveDataEntry> curve = MakeCurve(record);
+    set_.AddTail(curve.get());
+    return *curve.release();
   }
 
   void DropRest() {
@@ -141,6 +144,11 @@ const char* CurveFault(const CurveRecord& record, std::uint32_t signature, std::
     return "curve record: odd data size of 16-bit samples";
   }
   return record.DataSize <= left ? nullptr : "curve record: data size beyond the end";
+}
+
+std::unique_ptr<CCurveDataEntry> MakeCurve(const CurveRecord& record) {
+  return std::unique_ptr<CCurveDataEntry>(
+      CCurveDataEntry::CreateCurveDataEntry(static_cast<CCurveDataEntry::typeData>(record.DataType)));
 }
 
 void LoadSamples(const CurveRecord& record, const std::uint8_t* samples, void* array) {

@@ -7,6 +7,7 @@
 #include <nvxprofile/curve.h>
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 
 template <class Self, class Codec>
@@ -83,6 +84,9 @@ class CurveTable {
 // The rule that a record or its data block breaks, null for none: `signature` is what stands before the samples, `left`
 // the bytes that the stream holds behind it.
 const char* CurveFault(const CurveRecord& record, std::uint32_t signature, std::uint32_t left);
+
+// A curve of the record's class, without values; null for a DataType without one.
+std::unique_ptr<CCurveDataEntry> MakeCurve(const CurveRecord& record);
 
 // Copies the samples of a curve from the form to its array, which has room for them.
 void LoadSamples(const CurveRecord& record, const std::uint8_t* samples, void* array);

@@ -1,34 +1,28 @@
 #include "support/curve_builder.h"
+#include "support/entry_bytes.h"
 
 #include <nvxprofile/curve_entry.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <memory>
 #include <string>
 
 namespace {
 
 using nvx::test::Bytes;
+using nvx::test::BytesOf;
 using nvx::test::CurveHeader;
 using nvx::test::CurveSetHeader;
 using nvx::test::MakeCurve;
+using nvx::test::Parse;
 using nvx::test::SamplesOf;
 using nvx::test::TwoCurves;
 using testing::ElementsAre;
 
 constexpr auto k8 = CCurveDataEntry::kSamples8;
 constexpr auto k16 = CCurveDataEntry::kSamples16;
-
-void SetBuffer(CProfileDataEntry& entry, const Bytes& bytes) {
-  std::memcpy(entry.GetBuffer(static_cast<std::uint32_t>(bytes.size())), bytes.data(), bytes.size());
-}
-
-Bytes BufferOf(CProfileDataEntry& entry) {
-  return Bytes(entry.GetRefBuffer(), entry.GetRefBuffer() + entry.GetSize());
-}
 
 Bytes OneCurve(std::uint32_t type, const Bytes& samples) {
   return CurveSetHeader(2, 1)
@@ -57,38 +51,32 @@ TEST(CurveEntry, TheFactoryKnowsTheClasses) {
 
 TEST(CurveEntry, BufferAndSetConvertWithoutLoss) {
   CLinearizationEntry entry;
-  SetBuffer(entry, TwoCurves());
-  ASSERT_TRUE(entry.BufferToData());
+  ASSERT_TRUE(Parse(entry, TwoCurves()));
   entry.GetCurveData()->SetUsedType(6);
   ASSERT_TRUE(entry.DataToBuffer());
-  EXPECT_EQ(BufferOf(entry), TwoCurves());
+  EXPECT_EQ(BytesOf(entry), TwoCurves());
 }
 
 TEST(CurveEntry, AFailedParseLeavesWhatCameBefore) {
   CLinearizationEntry entry;
-  SetBuffer(entry, TwoCurves());
-  ASSERT_TRUE(entry.BufferToData());
+  ASSERT_TRUE(Parse(entry, TwoCurves()));
 
   Bytes broken = TwoCurves();
   broken[303] = 'x';  // the second data block
-  SetBuffer(entry, broken);
-  EXPECT_FALSE(entry.BufferToData());
+  EXPECT_FALSE(Parse(entry, broken));
   EXPECT_EQ(entry.GetCurveData()->GetCount(), 1);
   EXPECT_EQ(entry.GetCurveData()->GetCurveDataSizeType(), 1u);
 
   broken[164] = 'x';  // the second record: no record counts
-  SetBuffer(entry, broken);
-  EXPECT_FALSE(entry.BufferToData());
+  EXPECT_FALSE(Parse(entry, broken));
   EXPECT_EQ(entry.GetCurveData()->GetCount(), 0);
 
-  SetBuffer(entry, TwoCurves());
-  ASSERT_TRUE(entry.BufferToData());
+  ASSERT_TRUE(Parse(entry, TwoCurves()));
   entry.DeleteBuffer();
   EXPECT_FALSE(entry.BufferToData());
   EXPECT_EQ(entry.GetCurveData()->GetCount(), 2);
 
-  SetBuffer(entry, {' ', 'F', 'C', 'x'});
-  EXPECT_FALSE(entry.BufferToData());
+  EXPECT_FALSE(Parse(entry, {' ', 'F', 'C', 'x'}));
   EXPECT_EQ(entry.GetCurveData()->GetCount(), 0);
 }
 
@@ -102,22 +90,19 @@ TEST(CurveEntry, EveryParseGivesWhatAFreshOneGives) {
   CInkLimitEntry entry;
   for (const Bytes& bytes : {narrow, narrow, wide, TwoCurves(), narrow, TwoCurves(), TwoCurves(), longer, wide, hollow,
                              none, longer, TwoCurves()}) {
-    SetBuffer(entry, bytes);
-    ASSERT_TRUE(entry.BufferToData());
+    ASSERT_TRUE(Parse(entry, bytes));
     CInkLimitEntry fresh;
-    SetBuffer(fresh, bytes);
-    ASSERT_TRUE(fresh.BufferToData());
+    ASSERT_TRUE(Parse(fresh, bytes));
     EXPECT_EQ(entry.GetCurveData()->GetCurveDataSizeType(),
               bytes == none ? 2u : fresh.GetCurveData()->GetCurveDataSizeType());
     ASSERT_TRUE(entry.DataToBuffer());
-    EXPECT_EQ(BufferOf(entry), bytes);
+    EXPECT_EQ(BytesOf(entry), bytes);
   }
 }
 
 TEST(CurveEntry, AParseUndoesWhatWasDoneToTheCurves) {
   CLinearizationEntry entry;
-  SetBuffer(entry, TwoCurves());
-  ASSERT_TRUE(entry.BufferToData());
+  ASSERT_TRUE(Parse(entry, TwoCurves()));
   CCurveDataEntry* const cyan = entry.GetCurveData()->FindInkIDEntry(1);
   cyan->SetAt(1, 7);
   cyan->SetInkID(0x155);
@@ -126,16 +111,15 @@ TEST(CurveEntry, AParseUndoesWhatWasDoneToTheCurves) {
   entry.GetCurveData()->FindInkIDEntry(2)->SetDataType(1);
   ASSERT_TRUE(entry.BufferToData());
   ASSERT_TRUE(entry.DataToBuffer());
-  EXPECT_EQ(BufferOf(entry), TwoCurves());
+  EXPECT_EQ(BytesOf(entry), TwoCurves());
 }
 
 TEST(CurveEntry, NarrowCurvesMarkedAsWideComeBackAsWideOnes) {
   CLinearizationEntry entry;
-  SetBuffer(entry, OneCurve(1, {0x34, 0x12, 0xFF, 0x00}));
-  ASSERT_TRUE(entry.BufferToData());
+  ASSERT_TRUE(Parse(entry, OneCurve(1, {0x34, 0x12, 0xFF, 0x00})));
   entry.GetCurveData()->FindInkIDEntry(1)->SetDataType(2);
   ASSERT_TRUE(entry.DataToBuffer());
-  EXPECT_EQ(BufferOf(entry)[32 + 32], 2);
+  EXPECT_EQ(BytesOf(entry)[32 + 32], 2);
   ASSERT_TRUE(entry.BufferToData());
   CCurveDataEntry& curve = *entry.GetCurveData()->FindInkIDEntry(1);
   ASSERT_NE(dynamic_cast<CCurveDataEntry16*>(&curve), nullptr);
@@ -152,8 +136,7 @@ TEST(CurveEntry, NeverTouchesBorrowedCurvesOrCurvesOfAnotherClass) {
   const Bytes bytes = OneCurve(2, {1, 2, 3, 4});
   CLinearizationEntry owner;
   owner.GetCurveData()->AddTail(new OwnCurve(gone));
-  SetBuffer(owner, bytes);
-  ASSERT_TRUE(owner.BufferToData());
+  ASSERT_TRUE(Parse(owner, bytes));
   EXPECT_TRUE(gone);
   EXPECT_EQ(typeid(*owner.GetCurveData()->FindInkIDEntry(1)), typeid(CCurveDataEntry16));
 
@@ -161,8 +144,7 @@ TEST(CurveEntry, NeverTouchesBorrowedCurvesOrCurvesOfAnotherClass) {
   CLinearizationEntry borrower;
   borrower.GetCurveData()->SetAutoDelete(false);
   borrower.GetCurveData()->AddTail(lent.get());
-  SetBuffer(borrower, bytes);
-  ASSERT_TRUE(borrower.BufferToData());
+  ASSERT_TRUE(Parse(borrower, bytes));
   const std::unique_ptr<CCurveDataEntry> made(borrower.GetCurveData()->FindInkIDEntry(1));
   ASSERT_TRUE(made);
   EXPECT_THAT(SamplesOf(*lent), ElementsAre(50, 60));
