@@ -19,9 +19,7 @@ void SetBuffer(CProfileDataEntry& entry, const std::uint8_t* bytes, std::size_t 
   if (size != 0) std::memcpy(entry.GetBuffer(static_cast<std::uint32_t>(size)), bytes, size);
 }
 
-Bytes BufferOf(CProfileDataEntry& entry) {
-  return Bytes(entry.GetRefBuffer(), entry.GetRefBuffer() + entry.GetSize());
-}
+Bytes BufferOf(CProfileDataEntry& entry) { return Bytes(entry.GetRefBuffer(), entry.GetRefBuffer() + entry.GetSize()); }
 
 template <class Entry>
 void Run(const std::uint8_t* bytes, std::size_t size) {
