@@ -13,8 +13,11 @@
 #include <nvxprofile/icc_profile.h>
 #include <nvxprofile/icm_entry.h>
 #include <nvxprofile/input_profile.h>
+#include <nvxprofile/lut.h>
 #include <nvxprofile/mask.h>
 #include <nvxprofile/mask_download.h>
+#include <nvxprofile/media_property.h>
+#include <nvxprofile/model_info.h>
 #include <nvxprofile/profile_access.h>
 #include <nvxprofile/profile_data.h>
 #include <nvxprofile/profile_entry.h>

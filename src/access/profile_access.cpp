@@ -62,6 +62,9 @@ bool CProfileAccess::Init(const char16_t* path, CError* error) {
 void CProfileAccess::SetupProfileInfoStructure() {
   _tagDeviceProfileInfo& info = *profile_->GetProfileInfo();
   SetOutputInformation(*profile_, info);
+  CError ignored;
+  std::int32_t waveForm = 0;
+  if (GetWaveFormParam(waveForm, &ignored)) info.WaveFormParam = waveForm;
 }
 
 _tagDeviceProfileInfo* CProfileAccess::GetProfileInfo() { return profile_ ? profile_->GetProfileInfo() : nullptr; }
