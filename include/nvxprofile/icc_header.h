@@ -44,7 +44,7 @@ struct IccTag {
 };
 
 // What a profile says about itself. Nothing of it was looked at but header and tag table, which are whole and sound.
-struct IccDirectory {
+struct NVX_EXPORT IccDirectory {
   IccHeader header;
   std::vector<IccTag> tags;  // in the order of the table; no signature stands twice
 

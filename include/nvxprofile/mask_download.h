@@ -57,8 +57,8 @@ class NVX_EXPORT CMaskDownLoadEntry : public CProfileDataEntry {
   // block whose counts are not those of its type.
   bool DataToBuffer() override;
 
-  // Back to an empty header, with a data count of 1 and one block; SetWeftDataParameter(0, type) then gives it a type.
-  void Initialize();
+  // Back to an empty header with `dataCount` blocks; SetWeftDataParameter(index, type) then gives each its type.
+  void Initialize(std::uint32_t dataCount = 1);
 
   // Gives a block its type, new zero-filled arrays in the place of the present ones, and the entry the version of that
   // type. Type 0 stands for 3, and an index without a block for 0. A type above 6 changes nothing, and so does a call

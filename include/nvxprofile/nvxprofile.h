@@ -13,6 +13,7 @@
 #include <nvxprofile/icc_profile.h>
 #include <nvxprofile/icm_entry.h>
 #include <nvxprofile/input_profile.h>
+#include <nvxprofile/large_parameter.h>
 #include <nvxprofile/lut.h>
 #include <nvxprofile/mask.h>
 #include <nvxprofile/mask_download.h>
@@ -27,3 +28,4 @@
 #include <nvxprofile/profile_info.h>
 #include <nvxprofile/system_time.h>
 #include <nvxprofile/text_conversion.h>
+#include <nvxprofile/word_arrays.h>

@@ -1,6 +1,7 @@
 // Which class belongs to an entry type: one row each.
 #include <nvxprofile/curve_entry.h>
 #include <nvxprofile/icm_entry.h>
+#include <nvxprofile/large_parameter.h>
 #include <nvxprofile/lut.h>
 #include <nvxprofile/mask_download.h>
 #include <nvxprofile/media_property.h>
@@ -37,6 +38,7 @@ constexpr Row kRows[] = {
     {CProfileDataEntry::kMultiInkLimit, New<CMultiInkLimitEntry>},
     {CProfileDataEntry::kReplaceProfile, New<CReplaceProfileEntry>},
     {CProfileDataEntry::kMaskDownload, New<CMaskDownLoadEntry>},
+    {CProfileDataEntry::kLargeParameter, New<CLargeParameterEntry>},
     {CProfileDataEntry::kMaskDownloadIncludePattern, New<CMaskDownloadIncludePatternEntry>},
 };
 

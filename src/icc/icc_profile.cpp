@@ -33,6 +33,11 @@ bool CICCProfile::OpenPath(const char16_t* path, bool headerOnly) {
   return true;
 }
 
+bool CICCProfile::OpenStream(CNvxFile& file) {
+  Close();
+  return Keep(nvx::IccImage::Open(file));
+}
+
 bool CICCProfile::Keep(std::unique_ptr<nvx::IccImage> image) {
   if (!image) return false;
   handle_ = std::move(image);
@@ -79,6 +84,10 @@ const std::uint8_t* CICCProfile::GetRefTag(const char* tag, std::uint32_t& size)
   const auto bytes = handle_ ? handle_->Tag(MakeTagSignature(tag)) : std::nullopt;
   size = bytes ? static_cast<std::uint32_t>(bytes->size()) : 0;
   return size != 0 ? bytes->data() : nullptr;
+}
+
+std::uint32_t CICCProfile::GetTagOffset(const char* tag) const {
+  return handle_ ? handle_->OpenedOffset(MakeTagSignature(tag)) : 0;
 }
 
 bool CICCProfile::SetTag(const char* tag, const void* data, std::uint32_t size) {

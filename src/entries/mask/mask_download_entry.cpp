@@ -74,11 +74,11 @@ void CMaskDownLoadEntry::DeleteBlocks() {
   blocks_.clear();
 }
 
-void CMaskDownLoadEntry::Initialize() {
+void CMaskDownLoadEntry::Initialize(std::uint32_t dataCount) {
   DeleteBlocks();
   header_ = tagWeftHeader();
-  header_.DataCount = 1;
-  blocks_.resize(1);
+  header_.DataCount = dataCount;
+  blocks_.resize(dataCount);
 }
 
 void CMaskDownLoadEntry::SetWeftDataParameter(std::uint32_t index, std::uint32_t type) {
