@@ -24,8 +24,10 @@
 #include <nvxprofile/profile_entry.h>
 #include <nvxprofile/profile_file.h>
 #include <nvxprofile/profile_file_icc.h>
+#include <nvxprofile/profile_file_qpf.h>
 #include <nvxprofile/profile_file_text.h>
 #include <nvxprofile/profile_info.h>
+#include <nvxprofile/special_color.h>
 #include <nvxprofile/system_time.h>
 #include <nvxprofile/text_conversion.h>
 #include <nvxprofile/word_arrays.h>
