@@ -1,6 +1,7 @@
 // All published headers.
 #pragma once
 
+#include <nvxprofile/convert.h>
 #include <nvxprofile/cursor_list.h>
 #include <nvxprofile/curve.h>
 #include <nvxprofile/curve_entry.h>
