@@ -96,6 +96,20 @@ std::string FlagsOf(CProfileDataEntry& entry) {
   return flags;
 }
 
+void PrintIcc(CProfileDataEntry& entry) {
+  IccDirectory directory;
+  if (!ReadIccDirectory(entry.GetRefBuffer(), entry.GetSize(), directory)) return;
+  std::string facts;
+  for (const auto& [name, value] : IccFacts(directory.header)) {
+    if (name == "size" || value.empty()) continue;
+    facts += fmt::format("{}{} {}", facts.empty() ? "" : ", ", name, value);
+  }
+  std::string tags;
+  for (const IccTag& tag : directory.tags) tags += fmt::format(" {} {}", SignatureText(tag.signature), tag.size);
+  PrintLine(Styled(Style::kDim, fmt::format("    {}: {}", EntryName(entry.GetUsedType()), facts)));
+  PrintLine(Styled(Style::kDim, fmt::format("    {} tags:{}", directory.tags.size(), tags)));
+}
+
 void Print(const std::string& path, CProfileAccess& access) {
   PrintLine(Styled(Style::kHeading, path) + ": " + std::string(FormatName(access.GetProfileLoadFormat())));
   PrintRecord(*access.GetProfileInfo());
@@ -119,20 +133,6 @@ void Print(const std::string& path, CProfileAccess& access) {
       if (entry->GetFormatType() == CProfileDataEntry::kFormatIcc) PrintIcc(*entry);
     }
   }
-}
-
-void PrintIcc(CProfileDataEntry& entry) {
-  IccDirectory directory;
-  if (!ReadIccDirectory(entry.GetRefBuffer(), entry.GetSize(), directory)) return;
-  std::string facts;
-  for (const auto& [name, value] : IccFacts(directory.header)) {
-    if (name == "size" || value.empty()) continue;
-    facts += fmt::format("{}{} {}", facts.empty() ? "" : ", ", name, value);
-  }
-  std::string tags;
-  for (const IccTag& tag : directory.tags) tags += fmt::format(" {} {}", SignatureText(tag.signature), tag.size);
-  PrintLine(Styled(Style::kDim, fmt::format("    {}: {}", EntryName(entry.GetUsedType()), facts)));
-  PrintLine(Styled(Style::kDim, fmt::format("    {} tags:{}", directory.tags.size(), tags)));
 }
 
 int Run(const Options& options) {
