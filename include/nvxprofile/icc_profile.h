@@ -48,6 +48,11 @@ class CICCProfile {
   // into the working copy, and what is wrong with them goes to the stream's diagnosis.
   bool OpenStream(CNvxFile& file);
 
+  // Hands the image over as a malloc'ed block of `size` bytes that the caller owns, and ends the working copy. This
+  // copies no more than what a removed tag makes room for. Null without a working copy and for an image beyond 4 GiB;
+  // `size` is then 0.
+  std::uint8_t* DetachImage(std::uint32_t& size);
+
   // Ends the working copy. The header copy stays.
   void Close();
 

@@ -12,6 +12,7 @@
 #include <nvxprofile/icm_entry.h>
 #include <nvxprofile/mask_download.h>
 #include <nvxprofile/profile_file_qpf.h>
+#include <nvxprofile/special_color.h>
 
 #include <algorithm>
 #include <cstring>
@@ -106,17 +107,16 @@ CProfileDataEntry::UsedType MaskEntryType(TagStream& stream) {
   return withPatterns ? CProfileDataEntry::kMaskDownloadIncludePattern : CProfileDataEntry::kMaskDownload;
 }
 
-// Puts the profile as it stands now into the ICC entry of the model.
+// Makes the profile as it stands now the ICC entry of the model; the working copy ends with that.
 bool TakeIccProfile(CICCProfile& profile, CProfileData& data) {
-  CProfileDataEntry* entry = data.GetProfileDataEntryFromList(CProfileDataEntry::kIcm);
-  std::unique_ptr<CProfileDataEntry> made;
-  if (entry == nullptr) {
-    made = std::make_unique<CICMEntry>();
-    entry = made.get();
-  }
-  const std::uint32_t size = profile.GetProfileSize();
-  if (!profile.CopyImage(entry->GetBuffer(size), size)) return false;
-  entry->BufferToData();
+  std::uint32_t size = 0;
+  nvx::Block image(profile.DetachImage(size));
+  if (!image) return false;
+  CProfileDataEntry* const placeholder = data.GetProfileDataEntryFromList(CProfileDataEntry::kIcm);
+  std::unique_ptr<CICMEntry> made(placeholder == nullptr ? new CICMEntry : nullptr);
+  CProfileDataEntry& entry = placeholder != nullptr ? *placeholder : *made;
+  entry.AttachBuffer(image.release(), size);
+  entry.BufferToData();
   if (made) {
     made->SetComplete(true);
     data.SetProfileDataEntry(made.release(), nvx::kRouteMain);
@@ -289,6 +289,8 @@ bool CProfileFileQPFv3::LoadNVX7Tag(CICCProfile& profile, CProfileData* data) {
   CProfileDataEntry* const entry =
       LoadRouteTag(stream, *data, nvx::kSpecialColorTag, CProfileDataEntry::kSpecialColorInfo, Payload::kParse);
   if (entry == nullptr) return false;
+  const auto* const colors = dynamic_cast<CSpecialColorInfoData*>(entry->GetFormatData());
+  if (colors != nullptr && colors->GetProfileColorType() == 1) data->GetProfileInfo()->SeparateWayCode = 3;
   return true;
 }
 

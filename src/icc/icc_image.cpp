@@ -4,6 +4,7 @@
 #include "icc/md5.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 #include <functional>
 #include <numeric>
@@ -209,6 +210,37 @@ bool IccImage::CopyTo(std::span<std::uint8_t> out) const {
   return true;
 }
 
+// True if the image can be composed over the opened bytes: pieces are moved in the order of their old places, and none
+// may land on one that is still to be moved.
+bool IccImage::FitsInPlace(const Layout& layout) const {
+  return layout.size <= openedSize_ && std::all_of(layout.pieces.begin(), layout.pieces.end(), [&](const Piece& piece) {
+           const std::less<> before;
+           const bool opened = !before(piece.data, opened_.get()) && before(piece.data, opened_.get() + openedSize_);
+           return !opened || piece.offset <= static_cast<std::uint64_t>(piece.data - opened_.get());
+         });
+}
+
+Block IccImage::Release(std::uint32_t& size) && {
+  size = static_cast<std::uint32_t>(openedSize_);
+  if (!changed_) return std::move(opened_);
+  const Layout layout = Arrange();
+  if (layout.size > kLargestImage) return nullptr;
+  size = static_cast<std::uint32_t>(layout.size);
+  if (!FitsInPlace(layout)) {
+    Block image = AllocateBlock(size);
+    Compose(layout, image.get());
+    return image;
+  }
+  Compose(layout, opened_.get());
+  // What the image no longer needs goes back; a block that cannot shrink serves as it is.
+  if (void* const shrunk = std::realloc(opened_.get(), size)) {
+    (void)opened_.release();
+    opened_.reset(static_cast<std::uint8_t*>(shrunk));
+  }
+  return std::move(opened_);
+}
+
+// `out` may be the opened bytes if the layout fits in place.
 void IccImage::Compose(const Layout& layout, std::uint8_t* out) const {
   StoreBig(out + kIccHeaderSize, static_cast<std::uint32_t>(CountPresent()));
   std::uint8_t* end = out + kIccTableStart;
@@ -225,7 +257,7 @@ void IccImage::Compose(const Layout& layout, std::uint8_t* out) const {
   for (const Piece& piece : layout.pieces) {
     std::uint8_t* const start = out + piece.offset;
     std::fill(end, start, std::uint8_t{0});
-    std::memcpy(start, piece.data, piece.size);
+    std::memmove(start, piece.data, piece.size);
     end = start + piece.size;
   }
   std::fill(end, out + layout.size, std::uint8_t{0});

@@ -57,6 +57,11 @@ class IccImage {
   // False if `out` is too small or the image too large.
   bool CopyTo(std::span<std::uint8_t> out) const;
 
+  // Hands the image over as a block of `size` bytes and leaves this object fit for nothing but its end. The opened
+  // bytes become the image where nothing has to move up in them, so that taking tags out of a profile copies nothing
+  // but what moves down. Null if the image is too large.
+  Block Release(std::uint32_t& size) &&;
+
   // Runs use(image) over the whole image and gives its result: without a copy if nothing was changed. False if the
   // image is too large.
   template <class Use>
@@ -104,6 +109,7 @@ class IccImage {
   std::size_t CountPresent() const;
   Layout Arrange() const;
   void ArrangeOpened(Layout& layout) const;
+  bool FitsInPlace(const Layout& layout) const;
   void Compose(const Layout& layout, std::uint8_t* out) const;
   void ComposeHeader(const Layout& layout, std::uint8_t* out) const;
 

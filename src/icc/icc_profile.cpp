@@ -107,6 +107,15 @@ bool CICCProfile::CopyImage(std::uint8_t* buffer, std::uint32_t size) {
   return handle_ && buffer != nullptr && handle_->CopyTo({buffer, size});
 }
 
+std::uint8_t* CICCProfile::DetachImage(std::uint32_t& size) {
+  size = 0;
+  if (!handle_) return nullptr;
+  nvx::Block image = std::move(*handle_).Release(size);
+  if (!image) size = 0;
+  Close();
+  return image.release();
+}
+
 bool CICCProfile::WriteTo(CNvxFile& file) {
   return handle_ && handle_->Take([&](std::span<const std::uint8_t> image) {
     return nvx::WriteExact(file, image.data(), static_cast<std::uint32_t>(image.size()));
