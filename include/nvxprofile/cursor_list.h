@@ -27,6 +27,13 @@ class CursorList {
   T* At(std::size_t index) const { return index < items_.size() ? items_[index] : nullptr; }
 
   void Append(T* item) { items_.push_back(item); }
+
+  // Appends an item that the list shall own, and destroys it if the list cannot grow.
+  T* Adopt(std::unique_ptr<T> item) {
+    items_.push_back(item.get());
+    return item.release();
+  }
+
   void Reserve(std::size_t count) { items_.reserve(count); }
 
   // Puts the item before the one at `index`; at or beyond the count it appends.

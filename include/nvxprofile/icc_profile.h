@@ -44,7 +44,8 @@ class CICCProfile {
   // Writes the image beside `path` and replaces the file at the end; after a false the old file is as it was.
   virtual bool WriteToPath(const char16_t* path);
 
-  // The same as OpenPath for an open stream that holds a profile from its beginning.
+  // As OpenBuffer for a profile that reaches from where the stream stands to its end. Its bytes are read once, straight
+  // into the working copy, and what is wrong with them goes to the stream's diagnosis.
   bool OpenStream(CNvxFile& file);
 
   // Hands the image over as a malloc'ed block of `size` bytes that the caller owns, and ends the working copy. This
@@ -76,6 +77,9 @@ class CICCProfile {
   // The tag's bytes inside the working copy, valid until the tag is set or the working copy ends. Null if there is no
   // such tag or it is empty; `size` is then 0.
   const std::uint8_t* GetRefTag(const char* tag, std::uint32_t& size) const;
+
+  // Where the tag's bytes lay in the image that was opened; 0 for a tag that was set since and for none.
+  std::uint32_t GetTagOffset(const char* tag) const;
 
   // Replaces a tag by a copy of `size` bytes, adding one that is new at the end of the table. A tag that shared its
   // data with others leaves them theirs. With size 0 it removes the tag; true also if there was none.

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <nvxprofile/cursor_list.h>
+#include <nvxprofile/curve.h>
+#include <nvxprofile/curve_entry.h>
 #include <nvxprofile/data_object.h>
 #include <nvxprofile/diagnosis.h>
 #include <nvxprofile/error.h>
@@ -11,11 +13,19 @@
 #include <nvxprofile/icc_profile.h>
 #include <nvxprofile/icm_entry.h>
 #include <nvxprofile/input_profile.h>
+#include <nvxprofile/large_parameter.h>
+#include <nvxprofile/lut.h>
+#include <nvxprofile/mask.h>
+#include <nvxprofile/mask_download.h>
+#include <nvxprofile/media_property.h>
+#include <nvxprofile/model_info.h>
 #include <nvxprofile/profile_access.h>
 #include <nvxprofile/profile_data.h>
 #include <nvxprofile/profile_entry.h>
 #include <nvxprofile/profile_file.h>
 #include <nvxprofile/profile_file_icc.h>
+#include <nvxprofile/profile_file_text.h>
 #include <nvxprofile/profile_info.h>
 #include <nvxprofile/system_time.h>
 #include <nvxprofile/text_conversion.h>
+#include <nvxprofile/word_arrays.h>

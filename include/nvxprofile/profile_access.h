@@ -43,7 +43,7 @@ class NVX_EXPORT CProfileAccess {
 
   // Curves. A pointer to the samples of one curve, `size` their size in bytes, `dataType` 1 for samples of 8 bits and 2
   // for 16 bits. It is valid until the next curve query on the same entry: each query parses the entry's buffer anew.
-  // Null on failure, with size and dataType 0 unless the curve itself is at fault.
+  // Null on failure, with size and dataType 0, unless the curve has an unknown data type: its size then stands.
   void* GetInkLimit(std::uint32_t inkColorCode, int& size, int& dataType, CError* error);
   void* GetLinearization(std::uint32_t inkColorCode, int& size, int& dataType, CError* error);
   void* GetGrayBalance(std::uint32_t inkColorCode, int& size, int& dataType, CError* error);
@@ -57,8 +57,11 @@ class NVX_EXPORT CProfileAccess {
   void* GetBG(int& size, int& dataType, CError* error);
 
   // Writes the linearization looked up at each gray balance sample into `buffer`, which has room for `size` bytes; a
-  // null buffer asks for size and type. A gray balance sample that is no index of the linearization takes its last
-  // sample.
+  // null buffer asks for size and type, which are those of the linearization. The two curves may differ: each is read
+  // in its own sample width, a gray balance sample that is no index of the linearization takes its last sample, and
+  // where the gray balance is the shorter curve its last sample stands for the missing ones. `buffer` needs no
+  // alignment. False for what the two getters fail with, and, with `error` untouched, for samples of an unknown width;
+  // size and dataType then describe the curve found last.
   bool GetMergeGrayBalance(std::uint32_t inkColorCode, std::uint8_t* buffer, int& size, int& dataType, CError* error);
 
   // The separation table: channel counts with the codes of the channels (`codes` may be null), and the samples, node
@@ -68,7 +71,8 @@ class NVX_EXPORT CProfileAccess {
   int GetChromaOutputChannel(std::uint32_t* codes, CError* error);
   int GetChromaData(std::uint8_t* buffer, std::uint32_t& gridCount, CError* error);
 
-  // ICC profiles, valid as long as the loaded profile; GetReplaceProfile falls back on the ordinary one.
+  // ICC profiles, `size` bytes, valid as long as the loaded profile; GetReplaceProfile falls back on the ordinary one.
+  // Null, with `size` as it was, if there is none.
   std::uint8_t* GetIccProfile(int& size, CError* error);
   std::uint8_t* GetReplaceProfile(int& size, CError* error);
 
@@ -166,6 +170,10 @@ class NVX_EXPORT CProfileAccess {
   int GetMediaPropertyData(CProfileDataEntry* entry, std::uint32_t usedType, std::int32_t* values, CError* error);
 
  private:
+  // The curve getters, which differ in the entry and in what they say when it is missing.
+  void* GetCurveOfType(std::uint32_t usedType, const char16_t* missing, std::uint32_t inkColorCode,
+                       std::uint32_t extendInfo, int& size, int& dataType, CError* error);
+
   std::unique_ptr<CProfileData> profile_;
   std::int32_t format_ = 0;
 };

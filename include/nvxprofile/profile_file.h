@@ -81,6 +81,11 @@ class NVX_EXPORT CProfileFileQCT : public CProfileFile {
   bool SaveEntryHeaders(CNvxFile& file, CProfileData* data, std::uint32_t route);
   void DeleteContents();
 
+  // True exactly if LoadEntries would succeed here. Parses no payload and needs no model.
+  bool CheckEntries(CNvxFile& file);
+  // The last LoadEntries added an entry of this type, and its payload parsed.
+  bool IsParsed(const CProfileDataEntry& entry) const;
+
   // For the formats that hold the entry table without the header before it.
   void SetLoadEntryCount(std::uint32_t count) { entryCount_ = count; }
   void SetLoadEntryToRoute(std::uint32_t route) { route_ = route; }
@@ -89,6 +94,7 @@ class NVX_EXPORT CProfileFileQCT : public CProfileFile {
 
  private:
   std::vector<EntryHeaderRecord> entryHeaders_;
+  std::vector<std::uint32_t> parsedTypes_;
   std::uint32_t headerSize_ = kHeaderSize;  // from the load point to the first entry header
   std::uint32_t offsetLoadPoint_ = 0;
   std::uint32_t entryCount_ = 0;

@@ -1,7 +1,10 @@
 // Loading, and what the information record answers.
 #include "core/report.h"
 #include "core/text.h"
+#include "entries/mask/mask_download_records.h"
+#include "platform/locale.h"
 
+#include <nvxprofile/mask_download.h>
 #include <nvxprofile/profile_access.h>
 #include <nvxprofile/profile_file.h>
 
@@ -13,6 +16,28 @@ constexpr const char* kSource = "ProfileAccess";
 
 bool FailWithPath(CError* error, int line, std::u16string_view format, const char16_t* path) {
   return nvx::Fail(error, nvx::kReasonNotFound, kSource, line, nvx::Message(format).Put(nvx::TextOf(path)));
+}
+
+// The bytes of the first output block of the mask download entry; null if there are none.
+const std::uint8_t* OutputBlock(CProfileData& profile) {
+  auto* const entry =
+      dynamic_cast<CMaskDownLoadEntry*>(profile.GetProfileDataEntryFromList(CProfileDataEntry::kMaskDownload));
+  const tagWeftDatas* const block = entry != nullptr ? entry->GetWeftData(nvx::WeftOutputRecord::kBlockType) : nullptr;
+  return block != nullptr ? block->Bytes : nullptr;
+}
+
+void SetOutputInformation(CProfileData& profile, _tagDeviceProfileInfo& info) {
+  info.OutputFourthValue = -1;
+  info.OutputCodeA = 255;
+  info.OutputCodeB = 255;
+  nvx::CopyText(info.OutputText, std::u16string_view());
+  const std::uint8_t* const bytes = OutputBlock(profile);
+  if (bytes == nullptr) return;
+  const auto output = nvx::DecodeRecord<nvx::WeftOutputRecord>(bytes);
+  info.OutputFourthValue = output.fourthValue;
+  info.OutputCodeA = output.codeA;
+  info.OutputCodeB = output.codeB;
+  nvx::CopyText(info.OutputText, nvx::platform::AnsiToWide(nvx::FieldText(output.text)));
 }
 
 }  // namespace
@@ -36,10 +61,10 @@ bool CProfileAccess::Init(const char16_t* path, CError* error) {
 
 void CProfileAccess::SetupProfileInfoStructure() {
   _tagDeviceProfileInfo& info = *profile_->GetProfileInfo();
-  info.OutputFourthValue = -1;
-  info.OutputCodeA = 255;
-  info.OutputCodeB = 255;
-  nvx::CopyText(info.OutputText, std::u16string_view());
+  SetOutputInformation(*profile_, info);
+  CError ignored;
+  std::int32_t waveForm = 0;
+  if (GetWaveFormParam(waveForm, &ignored)) info.WaveFormParam = waveForm;
 }
 
 _tagDeviceProfileInfo* CProfileAccess::GetProfileInfo() { return profile_ ? profile_->GetProfileInfo() : nullptr; }

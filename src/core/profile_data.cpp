@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 namespace {
 
@@ -49,14 +50,12 @@ void CProfileData::DeleteContents() {
 void CProfileData::SetProfileDataEntry(CProfileDataEntry* entry, std::uint32_t route) {
   if (entry == nullptr) return;
   CProfileDataEntry* present = GetProfileDataEntryFromList(entry->GetUsedType());
-  if (present == nullptr) {
-    entries_.Append(entry);
-    present = entry;
-  }
+  // Goes with this scope if it is not kept, or if the heap is exhausted before it has a place.
+  std::unique_ptr<CProfileDataEntry> arrived(present != entry ? entry : nullptr);
   std::unique_ptr<CProfileRoute>& place = routes_[route];
   if (!place) place = std::make_unique<CProfileRoute>(route);
+  if (present == nullptr) present = entries_.Adopt(std::move(arrived));
   place->Add(present);
-  if (present != entry) entry->Delete();
 }
 
 CProfileDataEntry* CProfileData::GetProfileDataEntryFromList(std::uint32_t usedType) {

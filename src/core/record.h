@@ -40,6 +40,10 @@ class RecordSizer {
   constexpr void Text(const Char*, std::size_t width) {
     size_ += width * sizeof(Char);
   }
+  template <class Char>
+  constexpr void Units(const Char*, std::size_t count) {
+    size_ += count * sizeof(Char);
+  }
   constexpr void Bytes(const std::uint8_t*, std::size_t size) { size_ += size; }
   constexpr void Reserved(std::size_t size) { size_ += size; }
   constexpr std::size_t Size() const { return size_; }
@@ -78,6 +82,10 @@ class RecordEncoder {
     std::size_t length = 0;
     while (length < width && text[length] != 0) ++length;
     for (std::size_t i = 0; i < width; ++i) Number<std::uint16_t>(i < length ? text[i] : std::uint16_t{0});
+  }
+  // A field of `count` characters as they stand, whatever lies behind a terminator among them.
+  void Units(const char16_t* text, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i) Number<std::uint16_t>(text[i]);
   }
   void Bytes(const std::uint8_t* bytes, std::size_t size) {
     std::memcpy(out_, bytes, size);
@@ -118,6 +126,14 @@ class RecordDecoder {
     }
     std::fill(text + length, text + N, u'\0');
     in_ += 2 * width;
+  }
+  // The counterpart of RecordEncoder::Units; the target's last character is made its terminator.
+  template <std::size_t N>
+  void Units(char16_t (&text)[N], std::size_t count) {
+    for (std::size_t i = 0; i < N; ++i)
+      text[i] = i < count ? static_cast<char16_t>(LoadLittle<std::uint16_t>(in_ + 2 * i)) : u'\0';
+    text[N - 1] = 0;
+    in_ += 2 * count;
   }
   void Bytes(std::uint8_t* bytes, std::size_t size) {
     std::memcpy(bytes, in_, size);

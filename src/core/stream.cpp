@@ -23,9 +23,9 @@ StreamBlock::StreamBlock(CNvxFile& file, std::uint32_t count) {
     whole_ = true;
     return;
   }
-  copy_.resize(count);
-  whole_ = ReadExact(file, copy_.data(), count);
-  if (whole_) data_ = copy_.data();
+  copy_ = std::make_unique_for_overwrite<std::uint8_t[]>(count);
+  whole_ = ReadExact(file, copy_.get(), count);
+  if (whole_) data_ = copy_.get();
 }
 
 }  // namespace nvx

@@ -7,8 +7,8 @@
 #include <nvxprofile/file.h>
 
 #include <cstdint>
+#include <memory>
 #include <string_view>
-#include <vector>
 
 namespace nvx {
 
@@ -60,7 +60,7 @@ class StreamBlock {
   const std::uint8_t* Data() const { return data_; }
 
  private:
-  std::vector<std::uint8_t> copy_;
+  std::unique_ptr<std::uint8_t[]> copy_;
   const std::uint8_t* data_ = nullptr;
   bool whole_ = false;
 };

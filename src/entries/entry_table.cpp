@@ -1,5 +1,11 @@
 // Which class belongs to an entry type: one row each.
+#include <nvxprofile/curve_entry.h>
 #include <nvxprofile/icm_entry.h>
+#include <nvxprofile/large_parameter.h>
+#include <nvxprofile/lut.h>
+#include <nvxprofile/mask_download.h>
+#include <nvxprofile/media_property.h>
+#include <nvxprofile/model_info.h>
 #include <nvxprofile/profile_entry.h>
 
 namespace {
@@ -17,8 +23,23 @@ struct Row {
 };
 
 constexpr Row kRows[] = {
+    {CProfileDataEntry::kModel, New<CModelEntry>},
+    {CProfileDataEntry::kInkLimit, New<CInkLimitEntry>},
+    {CProfileDataEntry::kVariableInkLimit, New<CVariableInkLimitEntry>},
+    {CProfileDataEntry::kVariable, New<CVariableEntry>},
+    {CProfileDataEntry::kSeparateLight, New<CSeparateLightEntry>},
+    {CProfileDataEntry::kLinearization, New<CLinearizationEntry>},
+    {CProfileDataEntry::kGrayBalance, New<CGrayBalanceEntry>},
+    {CProfileDataEntry::kSeparateChroma, New<CSeparateChromaEntry>},
+    {CProfileDataEntry::kUcr, New<CUcrEntry>},
     {CProfileDataEntry::kIcm, New<CICMEntry>},
+    {CProfileDataEntry::kInfo, New<CInfoEntry>},
+    {CProfileDataEntry::kMediaProperty, New<CMediaPropertyEntry>},
+    {CProfileDataEntry::kMultiInkLimit, New<CMultiInkLimitEntry>},
     {CProfileDataEntry::kReplaceProfile, New<CReplaceProfileEntry>},
+    {CProfileDataEntry::kMaskDownload, New<CMaskDownLoadEntry>},
+    {CProfileDataEntry::kLargeParameter, New<CLargeParameterEntry>},
+    {CProfileDataEntry::kMaskDownloadIncludePattern, New<CMaskDownloadIncludePatternEntry>},
 };
 
 }  // namespace

@@ -1,38 +1,21 @@
 #include "core/stream.h"
 #include "core/text.h"
-#include "formats/container_records.h"
+#include "formats/container_entries.h"
 
 #include <nvxprofile/profile_file.h>
 
+#include <algorithm>
 #include <limits>
 #include <memory>
+#include <optional>
 #include <string>
+#include <utility>
 
 using nvx::ContainerEntryHeader;
 using nvx::ContainerHeader;
+using nvx::ForEachEntry;
 
 namespace {
-
-// Calls visit(entry) for each entry of the route in order until one gives false.
-template <class Visit>
-bool ForEachEntry(CProfileRoute& route, Visit visit) {
-  bool more = route.GetHeadPos();
-  while (more) {
-    if (!visit(*route.GetNext(more))) return false;
-  }
-  return true;
-}
-
-ContainerEntryHeader HeaderOf(CProfileDataEntry& entry) {
-  ContainerEntryHeader header;
-  header.usedType = entry.GetUsedType();
-  header.formatType = entry.GetFormatType();
-  header.bodySize = entry.GetSize() + ContainerEntryHeader::kBodyMagicSize;
-  header.complete = entry.IsComplete() ? 1 : 0;
-  header.optionInfo = entry.GetOptionInfo();
-  nvx::CopyText(header.label, nvx::TextOf(entry.GetLabelString()));
-  return header;
-}
 
 // The entry that a record describes, without bytes; null for an unknown type or one whose form is another.
 std::unique_ptr<CProfileDataEntry> MakeEntry(CNvxFile& file, const ContainerEntryHeader& header) {
@@ -52,24 +35,60 @@ std::unique_ptr<CProfileDataEntry> MakeEntry(CNvxFile& file, const ContainerEntr
   return entry;
 }
 
-// Reads an entry's bytes and parses them. An entry whose payload does not parse keeps its bytes.
-bool ReadBody(CNvxFile& file, const ContainerEntryHeader& header, CProfileDataEntry& entry) {
-  if (header.bodySize < ContainerEntryHeader::kBodyMagicSize)
-    return nvx::Refuse(file, "entry header: body size below 4");
+// The bytes behind the body magic; nothing if they do not stand in the stream.
+std::optional<std::uint32_t> BodySize(CNvxFile& file, const ContainerEntryHeader& header) {
+  if (header.bodySize < ContainerEntryHeader::kBodyMagicSize) {
+    nvx::Refuse(file, "entry header: body size below 4");
+    return std::nullopt;
+  }
   const std::uint32_t size = header.bodySize - ContainerEntryHeader::kBodyMagicSize;
-  if (!nvx::Holds(file, size, 1)) return nvx::Refuse(file, "entry header: body size beyond the end");
-  const std::uint32_t offset = file.GetDiagnosis() != nullptr ? file.GetPosition() : 0;
-  if (size != 0 && !nvx::ReadExact(file, entry.GetBuffer(size), size))
-    return nvx::Refuse(file, "entry body: cut short");
-  const nvx::DiagnosisScope scope(file.GetDiagnosis(), offset,
-                                  [&] { return "entry " + std::to_string(header.usedType); });
-  entry.SetDiagnosis(file.GetDiagnosis());
-  entry.BufferToData();
-  entry.SetDiagnosis(nullptr);
+  if (nvx::Holds(file, size, 1)) return size;
+  nvx::Refuse(file, "entry header: body size beyond the end");
+  return std::nullopt;
+}
+
+// Walks the bodies from where the stream stands. For each record take(entry, size) gets its entry, with the stream at
+// the `size` bytes of its buffer, and moves the stream behind them.
+template <class Take>
+bool WalkBodies(CNvxFile& file, const std::vector<nvx::RecordBytes<ContainerEntryHeader>>& records, Take take) {
+  for (const auto& record : records) {
+    const auto header = nvx::DecodeRecord<ContainerEntryHeader>(record.data());
+    if (!nvx::ReadMagic(file, ContainerEntryHeader::kBodyMagic)) return nvx::Refuse(file, "entry body: wrong magic");
+    std::unique_ptr<CProfileDataEntry> entry = MakeEntry(file, header);
+    if (!entry) return false;
+    const std::optional<std::uint32_t> size = BodySize(file, header);
+    if (!size || !take(std::move(entry), *size)) return false;
+  }
   return true;
 }
 
+// Parses an entry's buffer, which starts at `offset` of the stream.
+bool Parse(CNvxFile& file, std::uint32_t offset, CProfileDataEntry& entry) {
+  const nvx::DiagnosisScope scope(file.GetDiagnosis(), offset,
+                                  [&] { return "entry " + std::to_string(entry.GetUsedType()); });
+  entry.SetDiagnosis(file.GetDiagnosis());
+  const bool parsed = entry.BufferToData();
+  entry.SetDiagnosis(nullptr);
+  return parsed;
+}
+
 }  // namespace
+
+bool nvx::WriteEntryHeader(CNvxFile& file, CProfileDataEntry& entry, std::uint32_t size) {
+  if (size > std::numeric_limits<std::uint32_t>::max() - ContainerEntryHeader::kBodyMagicSize) return false;
+  ContainerEntryHeader header;
+  header.usedType = entry.GetUsedType();
+  header.formatType = entry.GetFormatType();
+  header.bodySize = size + ContainerEntryHeader::kBodyMagicSize;
+  header.complete = entry.IsComplete() ? 1 : 0;
+  header.optionInfo = entry.GetOptionInfo();
+  CopyText(header.label, TextOf(entry.GetLabelString()));
+  return WriteRecord(file, header);
+}
+
+bool nvx::WriteEntryBody(CNvxFile& file, CProfileDataEntry& entry, std::uint32_t size) {
+  return WriteMagic(file, ContainerEntryHeader::kBodyMagic) && WriteExact(file, entry.GetRefBuffer(), size);
+}
 
 CProfileFileQCT::CProfileFileQCT() { SetMyFormat(1); }
 CProfileFileQCT::~CProfileFileQCT() = default;
@@ -81,7 +100,7 @@ std::uint64_t CProfileFileQCT::GetSavedSize(CProfileData& data, std::uint32_t ro
   if (place == nullptr) return 0;
   std::uint64_t size = kHeaderSize;
   ForEachEntry(*place, [&](CProfileDataEntry& entry) {
-    size += std::uint64_t{kEntryHeaderSize} + ContainerEntryHeader::kBodyMagicSize + entry.GetSize();
+    size += std::uint64_t{nvx::kEntryOverhead} + entry.GetSize();
     return true;
   });
   return size;
@@ -121,15 +140,31 @@ bool CProfileFileQCT::LoadEntryHeader(CNvxFile& file) {
 }
 
 bool CProfileFileQCT::LoadEntries(CNvxFile& file, CProfileData* data) {
-  if (!LoadEntryHeader(file)) return false;
-  for (const EntryHeaderRecord& record : entryHeaders_) {
-    const auto header = nvx::DecodeRecord<ContainerEntryHeader>(record.data());
-    if (!nvx::ReadMagic(file, ContainerEntryHeader::kBodyMagic)) return nvx::Refuse(file, "entry body: wrong magic");
-    std::unique_ptr<CProfileDataEntry> entry = MakeEntry(file, header);
-    if (!entry || !ReadBody(file, header, *entry)) return false;
-    data->SetProfileDataEntry(entry.release(), route_);
-  }
-  return true;
+  parsedTypes_.clear();
+  return LoadEntryHeader(file) &&
+         WalkBodies(file, entryHeaders_, [&](std::unique_ptr<CProfileDataEntry> entry, std::uint32_t size) {
+           const std::uint32_t offset = file.GetDiagnosis() != nullptr ? file.GetPosition() : 0;
+           if (size != 0 && !nvx::ReadExact(file, entry->GetBuffer(size), size))
+             return nvx::Refuse(file, "entry body: cut short");
+           // An entry whose payload does not parse keeps its bytes.
+           const bool parsed = Parse(file, offset, *entry);
+           const bool stays = data->GetProfileDataEntryFromList(entry->GetUsedType()) == nullptr;
+           if (parsed && stays) parsedTypes_.push_back(entry->GetUsedType());
+           data->SetProfileDataEntry(entry.release(), route_);
+           return true;
+         });
+}
+
+bool CProfileFileQCT::CheckEntries(CNvxFile& file) {
+  return LoadEntryHeader(file) &&
+         WalkBodies(file, entryHeaders_, [&](const std::unique_ptr<CProfileDataEntry>&, std::uint32_t size) {
+           file.Seek(size, nvx::kFromPosition);
+           return true;
+         });
+}
+
+bool CProfileFileQCT::IsParsed(const CProfileDataEntry& entry) const {
+  return std::find(parsedTypes_.begin(), parsedTypes_.end(), entry.GetUsedType()) != parsedTypes_.end();
 }
 
 bool CProfileFileQCT::SaveHeader(CNvxFile& file, CProfileData* data, std::uint32_t route) {
@@ -146,16 +181,12 @@ bool CProfileFileQCT::SaveHeader(CNvxFile& file, CProfileData* data, std::uint32
 bool CProfileFileQCT::SaveEntryHeaders(CNvxFile& file, CProfileData* data, std::uint32_t route) {
   CProfileRoute* const place = data->GetProfileRoute(route);
   return place != nullptr && ForEachEntry(*place, [&](CProfileDataEntry& entry) {
-           constexpr std::uint32_t kLargest =
-               std::numeric_limits<std::uint32_t>::max() - ContainerEntryHeader::kBodyMagicSize;
-           return entry.GetSize() <= kLargest && nvx::WriteRecord(file, HeaderOf(entry));
+           return nvx::WriteEntryHeader(file, entry, entry.GetSize());
          });
 }
 
 bool CProfileFileQCT::SaveBody(CNvxFile& file, CProfileData* data, std::uint32_t route) {
   return SaveEntryHeaders(file, data, route) &&
-         ForEachEntry(*data->GetProfileRoute(route), [&](CProfileDataEntry& entry) {
-           return nvx::WriteMagic(file, ContainerEntryHeader::kBodyMagic) &&
-                  nvx::WriteExact(file, entry.GetRefBuffer(), entry.GetSize());
-         });
+         ForEachEntry(*data->GetProfileRoute(route),
+                      [&](CProfileDataEntry& entry) { return nvx::WriteEntryBody(file, entry, entry.GetSize()); });
 }

@@ -1,11 +1,13 @@
 // Which format a file has. Each format takes its place in the order of the tests here.
 #include "core/stream.h"
 #include "formats/container_records.h"
+#include "formats/legacy_header.h"
 #include "icc/icc_directory.h"
 #include "platform/file_system.h"
 
 #include <nvxprofile/profile_file.h>
 #include <nvxprofile/profile_file_icc.h>
+#include <nvxprofile/profile_file_text.h>
 
 #include <string_view>
 
@@ -14,6 +16,12 @@ namespace {
 bool HasIccExtension(const char16_t* path) {
   const std::u16string_view extension = nvx::platform::SplitFileName(path).extension;
   return extension == u".icc" || extension == u".icm";
+}
+
+bool StartsWithTextHeader(CNvxFile& file) {
+  char start[nvx::kTextHeaderStart.size()];
+  file.SeekToBegin();
+  return nvx::ReadExact(file, start, sizeof start) && std::string_view(start, sizeof start) == nvx::kTextHeaderStart;
 }
 
 // The format of an ICC profile whose private data starts at `tag`: the version word there decides.
@@ -28,6 +36,15 @@ CProfileFile* CProfileFile::CreateProfileFile(const char16_t* path, bool readOnl
   const std::uint32_t access = readOnly ? nvx::kGenericRead : nvx::kGenericRead | nvx::kGenericWrite;
   if (!file.Open(path, access, nvx::kShareRead, nvx::kOpenExisting)) return nullptr;
   if (nvx::ReadMagic(file, nvx::ContainerHeader::kMagic)) return new CProfileFileQCT;
+  if (StartsWithTextHeader(file)) {
+    CProfileData scratch;
+    CProfileFileQPFv1 reader;
+    file.GetFileName(scratch.GetProfileInfo()->FileName);
+    const bool readable = static_cast<CProfileFile&>(reader).LoadHeader(file, &scratch);
+    const std::uint32_t version = readable ? scratch.GetProfileInfo()->ProfileMajorVersion : 0;
+    if (version == 1) return new CProfileFileQPFv1;
+    if (version == 2) return new CProfileFileQPFv2;
+  }
   return CreateICCProfileFile(path);
 }
 

@@ -119,8 +119,7 @@ bool ReadIccDirectory(const void* bytes, std::size_t size, IccDirectory& directo
 }
 
 bool ReadIccDirectory(CNvxFile& file, IccDirectory& directory) {
-  const std::uint32_t length = file.GetLength();
-  file.SeekToBegin();
+  const std::uint32_t length = Remaining(file);
   std::vector<std::uint8_t> front(std::min(length, kIccTableStart));
   if (!ReadExact(file, front.data(), static_cast<std::uint32_t>(front.size())))
     return Refuse(file, "ICC profile: unreadable");

@@ -48,10 +48,11 @@ std::unique_ptr<IccImage> IccImage::Open(std::span<const std::uint8_t> bytes, Di
 }
 
 std::unique_ptr<IccImage> IccImage::Open(CNvxFile& file) {
+  const std::uint32_t start = file.GetPosition();
   IccDirectory directory;
   if (!ReadIccDirectory(file, directory)) return nullptr;
   Block bytes = AllocateBlock(directory.header.phSize);
-  file.SeekToBegin();
+  file.Seek(start, kFromBegin);
   if (!ReadExact(file, bytes.get(), directory.header.phSize)) {
     Refuse(file, "ICC profile: unreadable");
     return nullptr;
@@ -92,6 +93,13 @@ std::optional<std::span<const std::uint8_t>> IccImage::Tag(std::uint32_t signatu
   const Entry* const entry = Find(signature);
   if (entry == nullptr || !entry->IsPresent()) return std::nullopt;
   return std::span<const std::uint8_t>(entry->data, entry->size);
+}
+
+std::uint32_t IccImage::OpenedOffset(std::uint32_t signature) const {
+  const Entry* const entry = Find(signature);
+  return entry != nullptr && entry->IsPresent() && !entry->block
+             ? static_cast<std::uint32_t>(entry->data - opened_.get())
+             : 0;
 }
 
 void IccImage::SetTag(std::uint32_t signature, std::span<const std::uint8_t> bytes) {

@@ -30,7 +30,7 @@ class IccImage {
  public:
   // Null for what is no ICC profile. Bytes behind the size that the header gives are no part of the image.
   static std::unique_ptr<IccImage> Open(std::span<const std::uint8_t> bytes, Diagnosis* diagnosis = nullptr);
-  // The same for a stream that holds a profile from its beginning, read without a copy in between.
+  // The same for a profile that reaches from where the stream stands to its end, read without a copy in between.
   static std::unique_ptr<IccImage> Open(CNvxFile& file);
 
   // The header as an image taken out now would have it, but with the Profile ID that was opened.
@@ -38,6 +38,9 @@ class IccImage {
 
   // The bytes of a tag, valid until that tag is set or removed; nothing if there is none.
   std::optional<std::span<const std::uint8_t>> Tag(std::uint32_t signature) const;
+
+  // Where the bytes of a tag lay in what was opened; 0 for a tag that came later or is not there.
+  std::uint32_t OpenedOffset(std::uint32_t signature) const;
 
   // Copies the bytes. Bytes equal to those that the tag has change nothing; none at all remove the tag.
   void SetTag(std::uint32_t signature, std::span<const std::uint8_t> bytes);

@@ -86,6 +86,10 @@ const std::uint8_t* CICCProfile::GetRefTag(const char* tag, std::uint32_t& size)
   return size != 0 ? bytes->data() : nullptr;
 }
 
+std::uint32_t CICCProfile::GetTagOffset(const char* tag) const {
+  return handle_ ? handle_->OpenedOffset(MakeTagSignature(tag)) : 0;
+}
+
 bool CICCProfile::SetTag(const char* tag, const void* data, std::uint32_t size) {
   if (!handle_ || (data == nullptr && size != 0)) return false;
   handle_->SetTag(MakeTagSignature(tag), {static_cast<const std::uint8_t*>(data), size});

@@ -13,6 +13,7 @@ namespace nvx::platform {
 namespace {
 
 constexpr char16_t kReplacement = 0xFFFD;
+constexpr std::uint32_t kCodePageUtf8 = 65001;
 constexpr const char* kWideName = std::endian::native == std::endian::little ? "UTF-16LE" : "UTF-16BE";
 
 struct Language {
@@ -77,7 +78,7 @@ class Converter {
 
 std::string CodePageName() {
   const std::uint32_t page = AnsiCodePage();
-  return page == 65001 ? "UTF-8" : "CP" + std::to_string(page);
+  return page == kCodePageUtf8 ? "UTF-8" : "CP" + std::to_string(page);
 }
 
 }  // namespace
@@ -112,6 +113,33 @@ std::uint32_t AnsiCodePage() {
   }
 }
 
+bool IsLeadByte(std::uint32_t codePage, char byte) {
+  const auto value = static_cast<unsigned char>(byte);
+  switch (codePage) {
+    case 932:
+      return (value >= 0x81 && value <= 0x9F) || (value >= 0xE0 && value <= 0xFC);
+    case 936:
+    case 949:
+    case 950:
+      return value >= 0x81 && value <= 0xFE;
+    default:
+      return false;
+  }
+}
+
+std::string_view CutAnsi(std::string_view text, std::size_t longest) {
+  if (text.size() <= longest) return text;
+  const std::uint32_t page = AnsiCodePage();
+  std::size_t end = 0;
+  if (page == kCodePageUtf8) {
+    end = longest;
+    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) --end;
+    return text.substr(0, end);
+  }
+  for (std::size_t next = 0; next <= longest; next += IsLeadByte(page, text[next]) ? 2 : 1) end = next;
+  return text.substr(0, end);
+}
+
 std::u16string AnsiToWide(std::string_view text) {
   Converter converter(kWideName, CodePageName().c_str());
   if (!converter.IsOpen()) return Utf8ToWide(text);
@@ -133,8 +161,10 @@ std::string WideToAnsi(std::u16string_view text) {
                              out += '?';
                              char16_t unit;
                              std::memcpy(&unit, in, sizeof unit);
-                             const bool pair = unit >= 0xD800 && unit < 0xDC00 && end - in >= 4;
-                             in += pair ? 4 : 2;
+                             in += 2;
+                             if (unit < 0xD800 || unit >= 0xDC00 || end - in < 2) return;
+                             std::memcpy(&unit, in, sizeof unit);
+                             if (unit >= 0xDC00 && unit < 0xE000) in += 2;
                            });
 }
 

@@ -17,6 +17,12 @@ std::uint16_t PrimaryLanguage();
 // NVXPROFILE_CODEPAGE where it is a number; else by language: ja 932, zh 936, ko 949, ru 1251, others 1252.
 std::uint32_t AnsiCodePage();
 
+// True if the byte starts a character of two bytes in a code page of that kind (932, 936, 949, 950).
+bool IsLeadByte(std::uint32_t codePage, char byte);
+
+// The longest start of ANSI text with at most `longest` bytes that ends at the end of a character.
+std::string_view CutAnsi(std::string_view text, std::size_t longest);
+
 // Conversion between the ANSI code page and UTF-16. What cannot be converted becomes U+FFFD or a question mark.
 std::u16string AnsiToWide(std::string_view text);
 std::string WideToAnsi(std::u16string_view text);

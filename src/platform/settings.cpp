@@ -1,14 +1,18 @@
 #include "platform/settings.h"
 
+#include "platform/locale.h"
+
 #include <algorithm>
 #include <charconv>
+#include <cstdio>
 #include <cstdlib>
-#include <fstream>
+#include <memory>
 
 namespace nvx::platform {
 namespace {
 
 constexpr std::string_view kBlanks = " \t\r\n\v\f";
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 std::string_view Trim(std::string_view text) {
   const std::size_t first = text.find_first_not_of(kBlanks);
@@ -18,14 +22,56 @@ std::string_view Trim(std::string_view text) {
 
 char Lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
-bool EqualNames(std::string_view a, std::string_view b) {
-  return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) { return Lower(x) == Lower(y); });
+bool EqualNames(std::string_view a, std::string_view b, std::uint32_t page) {
+  if (a.size() != b.size()) return false;
+  for (std::size_t i = 0; i < a.size(); ++i) {
+    if (Lower(a[i]) != Lower(b[i])) return false;
+    // The second byte of a character may look like a letter, and then its case counts.
+    if (IsLeadByte(page, a[i]) && ++i < a.size() && a[i] != b[i]) return false;
+  }
+  return true;
 }
 
 std::string_view Unquote(std::string_view value) {
   const bool quoted =
       value.size() >= 2 && (value.front() == '"' || value.front() == '\'') && value.back() == value.front();
   return quoted ? value.substr(1, value.size() - 2) : value;
+}
+
+// The name in a section line, which starts with its bracket.
+std::string_view SectionName(std::string_view line, std::uint32_t page) {
+  std::size_t end = 1;
+  while (end < line.size() && line[end] != ']') end += IsLeadByte(page, line[end]) ? 2 : 1;
+  return Trim(line.substr(1, std::min(end, line.size()) - 1));
+}
+
+struct CloseStream {
+  void operator()(std::FILE* file) const { std::fclose(file); }
+};
+
+// Calls visit(line) for each line of a file until it gives false. The file passes through one block, which grows only
+// for a line that is longer.
+template <class Visit>
+void ForEachLine(const std::string& path, Visit visit) {
+  const std::unique_ptr<std::FILE, CloseStream> file(std::fopen(path.c_str(), "rbe"));
+  if (!file) return;
+  std::setvbuf(file.get(), nullptr, _IONBF, 0);
+  std::string block(std::size_t{1} << 16, '\0');
+  std::size_t held = 0;
+  while (true) {
+    if (held == block.size()) block.resize(2 * block.size());
+    const std::size_t got = std::fread(block.data() + held, 1, block.size() - held, file.get());
+    std::string_view rest(block.data(), held + got);
+    for (std::size_t end; (end = rest.find('\n')) != rest.npos; rest.remove_prefix(end + 1)) {
+      if (!visit(rest.substr(0, end))) return;
+    }
+    if (got == 0) {
+      visit(rest);
+      return;
+    }
+    held = rest.size();
+    std::copy(rest.begin(), rest.end(), block.begin());
+  }
 }
 
 std::string Variable(const char* name) {
@@ -35,34 +81,49 @@ std::string Variable(const char* name) {
 
 }  // namespace
 
-std::optional<std::string> ReadIniText(const std::string& path, std::string_view section, std::string_view key) {
-  std::ifstream file(path);
+std::vector<std::optional<std::string>> ReadIniTexts(const std::string& path, std::string_view section,
+                                                     std::initializer_list<std::string_view> keys) {
+  std::vector<std::optional<std::string>> values(keys.size());
+  const std::uint32_t page = AnsiCodePage();
+  std::size_t missing = keys.size();
   bool inside = section.empty();
-  for (std::string text; std::getline(file, text);) {
-    const std::string_view line = Trim(text);
-    if (line.empty() || line.front() == ';') continue;
-    if (line.front() == '[') {
-      const std::size_t end = line.find(']');
-      const std::string_view name = Trim(line.substr(1, end == line.npos ? line.npos : end - 1));
-      inside = section.empty() || EqualNames(name, section);
-      continue;
+  bool first = true;
+  ForEachLine(path, [&](std::string_view text) {
+    if (first && text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
+    first = false;
+    const std::size_t start = text.find_first_not_of(kBlanks);
+    if (start == text.npos || text[start] == ';') return true;
+    if (text[start] == '[') {
+      inside = section.empty() || EqualNames(SectionName(text.substr(start), page), section, page);
+      return true;
     }
-    const std::size_t equals = line.find('=');
-    if (!inside || equals == line.npos || !EqualNames(Trim(line.substr(0, equals)), key)) continue;
-    return std::string(Unquote(Trim(line.substr(equals + 1))));
-  }
-  return std::nullopt;
+    const std::size_t equals = inside ? text.find('=') : text.npos;
+    if (equals == text.npos) return true;
+    const std::string_view name = Trim(text.substr(0, equals));
+    for (std::size_t i = 0; i < values.size(); ++i) {
+      if (values[i] || !EqualNames(name, keys.begin()[i], page)) continue;
+      values[i] = Unquote(Trim(text.substr(equals + 1)));
+      --missing;
+    }
+    return missing != 0;
+  });
+  return values;
 }
 
-std::int32_t ReadIniInteger(const std::string& path, std::string_view section, std::string_view key,
-                            std::int32_t missing) {
-  const std::optional<std::string> text = ReadIniText(path, section, key);
-  if (!text) return missing;
-  std::string_view digits = Trim(*text);
-  const bool negative = !digits.empty() && digits.front() == '-';
-  if (!digits.empty() && (digits.front() == '-' || digits.front() == '+')) digits.remove_prefix(1);
+std::optional<std::string> ReadIniText(const std::string& path, std::string_view section, std::string_view key) {
+  return ReadIniTexts(path, section, {key}).front();
+}
+
+std::int32_t IniInteger(const std::optional<std::string>& value, std::int32_t missing) {
+  std::string_view digits = value ? Trim(*value) : std::string_view();
+  if (digits.empty()) return missing;
+  const bool negative = digits.front() == '-';
+  if (negative || digits.front() == '+') digits.remove_prefix(1);
   std::uint32_t number = 0;
-  std::from_chars(digits.data(), digits.data() + digits.size(), number);
+  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
+  if (error == std::errc::result_out_of_range) return missing;
+  constexpr std::uint32_t kLowest = 0x80000000u;
+  if (negative && number > kLowest) return missing;
   return static_cast<std::int32_t>(negative ? 0u - number : number);
 }
 

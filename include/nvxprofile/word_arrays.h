@@ -1,0 +1,70 @@
+// Arrays of signed 32-bit words, the store of large parameters and special colour information.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+namespace nvx {
+
+// A few growable arrays with their lengths beside them. Reading a word that is not there gives 0, storing to one does
+// nothing; no operation leaves the arrays.
+class WordArrays {
+ public:
+  explicit WordArrays(std::size_t count) : lengths_(count), arrays_(count) {}
+
+  std::size_t Count() const { return arrays_.size(); }
+
+  // Makes or drops arrays at the end; new ones are empty.
+  void SetCount(std::size_t count) {
+    lengths_.resize(count);
+    arrays_.resize(count);
+  }
+
+  // Words already there, up to the new length, are kept; new ones are 0.
+  void Resize(std::size_t array, std::uint32_t words) {
+    arrays_[array].resize(words);
+    lengths_[array] = static_cast<std::int32_t>(words);
+  }
+
+  // Empty for an array that is not there.
+  std::span<std::int32_t> Words(std::int64_t array) {
+    return IsThere(array) ? std::span(arrays_[static_cast<std::size_t>(array)]) : std::span<std::int32_t>();
+  }
+  std::span<const std::int32_t> Words(std::int64_t array) const {
+    return IsThere(array) ? std::span(arrays_[static_cast<std::size_t>(array)]) : std::span<const std::int32_t>();
+  }
+
+  std::int32_t Get(std::int64_t array, std::int64_t index) const {
+    const auto words = Words(array);
+    return IsIn(words.size(), index) ? words[static_cast<std::size_t>(index)] : 0;
+  }
+
+  bool Set(std::int64_t array, std::int64_t index, std::int32_t value) {
+    const auto words = Words(array);
+    if (!IsIn(words.size(), index)) return false;
+    words[static_cast<std::size_t>(index)] = value;
+    return true;
+  }
+
+  // First word of an array; null for an empty one and for one that is not there.
+  std::int32_t* First(std::int64_t array) {
+    const auto words = Words(array);
+    return words.empty() ? nullptr : words.data();
+  }
+
+  // Lengths in words, one for each array; null without arrays. A report for callers: nothing here relies on it.
+  std::int32_t* Lengths() { return lengths_.empty() ? nullptr : lengths_.data(); }
+
+ private:
+  static bool IsIn(std::size_t size, std::int64_t index) {
+    return index >= 0 && static_cast<std::uint64_t>(index) < size;
+  }
+  bool IsThere(std::int64_t array) const { return IsIn(arrays_.size(), array); }
+
+  std::vector<std::int32_t> lengths_;
+  std::vector<std::vector<std::int32_t>> arrays_;
+};
+
+}  // namespace nvx

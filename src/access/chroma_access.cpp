@@ -1,0 +1,90 @@
+// The colour separation table of a profile.
+#include "core/report.h"
+
+#include <nvxprofile/lut.h>
+#include <nvxprofile/profile_access.h>
+
+#include <algorithm>
+#include <limits>
+
+namespace {
+
+int FailWithoutTable(CError* error, int line) {
+  nvx::Fail(error, nvx::kReasonNotFound, "ProfileAccess", line, u"Profile:Chroma entry - none");
+  return -1;
+}
+
+using ChannelAt = CLutChannelInf* (CLutData::*)(int);
+
+int GiveCodes(CLutData& table, std::uint32_t count, ChannelAt channelAt, std::uint32_t* codes) {
+  const int channels = static_cast<int>(count);
+  for (int i = 0; codes != nullptr && i < channels; ++i) {
+    if (const CLutChannelInf* const channel = (table.*channelAt)(i)) codes[i] = channel->GetChannelCode();
+  }
+  return channels;
+}
+
+// Copies `width` samples of a node that holds `count`; what it lacks reads as 0.
+void CopyNode(const std::uint8_t* samples, std::size_t count, std::size_t width, std::uint8_t* target) {
+  const std::size_t held = std::min(count, width);
+  std::copy_n(samples, held, target);
+  std::fill_n(target + held, width - held, std::uint8_t{0});
+}
+
+// Copies `width` samples of each of `nodes` nodes. Nodes have other counts, and there are fewer of them, only where a
+// caller changed the table; what is not there reads as 0.
+void CopySamples(CLutData& table, int nodes, std::size_t width, std::uint8_t* target) {
+  const int present = std::min(nodes, table.GetSize());
+  nvx::SampleRun run;
+  for (int node = 0; node < present; node += run.nodes) {
+    run = table.GetRun(node);
+    const std::size_t count = run.size / static_cast<std::size_t>(run.nodes);
+    run.nodes = std::min(run.nodes, present - node);
+    const auto runNodes = static_cast<std::size_t>(run.nodes);
+    if (count == width) {
+      std::copy_n(run.samples, runNodes * width, target);
+    } else {
+      for (std::size_t i = 0; i < runNodes; ++i) CopyNode(run.samples + i * count, count, width, target + i * width);
+    }
+    target += runNodes * width;
+  }
+  std::fill_n(target, static_cast<std::size_t>(nodes - present) * width, std::uint8_t{0});
+}
+
+}  // namespace
+
+CLutData* CProfileAccess::GetChromaLutData(CError* error) {
+  if (!profile_) return nullptr;
+  CProfileDataEntry* const entry = profile_->GetProfileDataEntryFromList(CProfileDataEntry::kSeparateChroma);
+  if (entry == nullptr) {
+    FailWithoutTable(error, __LINE__);
+    return nullptr;
+  }
+  return dynamic_cast<CLutData*>(entry->GetFormatData());
+}
+
+int CProfileAccess::GetChromaInputChannel(std::uint32_t* codes, CError* error) {
+  CLutData* const table = GetChromaLutData(error);
+  if (table == nullptr) return FailWithoutTable(error, __LINE__);
+  return GiveCodes(*table, table->GetInputChannelCount(), &CLutData::GetAtInputChannelInf, codes);
+}
+
+int CProfileAccess::GetChromaOutputChannel(std::uint32_t* codes, CError* error) {
+  CLutData* const table = GetChromaLutData(error);
+  if (table == nullptr) return FailWithoutTable(error, __LINE__);
+  return GiveCodes(*table, table->GetOutputChannelCount(), &CLutData::GetAtOutputChannelInf, codes);
+}
+
+int CProfileAccess::GetChromaData(std::uint8_t* buffer, std::uint32_t& gridCount, CError* error) {
+  CLutData* const table = GetChromaLutData(error);
+  if (table == nullptr) return FailWithoutTable(error, __LINE__);
+  gridCount = table->GetGridCount();
+  const std::uint64_t width = table->GetOutputChannelCount();
+  const std::uint64_t nodes = CLutData::CountNodes(table->GetInputChannelCount(), gridCount);
+  if (width == 0 || nodes == 0) return 0;
+  // No result could tell the size of such a table, which has no nodes either.
+  constexpr std::uint64_t kMost = std::numeric_limits<int>::max();
+  if (nodes > kMost || nodes * width > kMost) return FailWithoutTable(error, __LINE__);
+  if (buffer != nullptr) CopySamples(*table, static_cast<int>(nodes), static_cast<std::size_t>(width), buffer);
+  return static_cast<int>(nodes * width);
+}

@@ -1,0 +1,112 @@
+// Loading and saving a curve set.
+#include "core/replacing_file.h"
+#include "entries/curve/curve_form.h"
+
+#include <bit>
+#include <memory>
+
+using nvx::CurveRecord;
+
+namespace {
+
+// Calls visit(curve) for each curve in order until one gives false.
+template <class Visit>
+bool ForEachCurve(CCurveData& set, Visit visit) {
+  bool more = set.GetHeadPosition();
+  while (more) {
+    if (!visit(*set.GetNext(more))) return false;
+  }
+  return true;
+}
+
+// Samples are native numbers in memory and little-endian in the form; bytes are bytes.
+bool WriteSamples(CNvxFile& file, CCurveDataEntry& curve) {
+  if constexpr (std::endian::native != std::endian::little) {
+    if (dynamic_cast<CCurveDataEntry16*>(&curve) != nullptr) {
+      std::vector<std::uint8_t> bytes(curve.GetSize());
+      nvx::StoreLittleRun(bytes.data(), static_cast<const std::uint16_t*>(curve.GetRefBuffer()), curve.GetCount());
+      return nvx::WriteExact(file, bytes.data(), curve.GetSize());
+    }
+  }
+  return nvx::WriteExact(file, curve.GetRefBuffer(), curve.GetSize());
+}
+
+}  // namespace
+
+CCurveFile* CCurveFile::CreateCurveFile(CNvxFile& file) {
+  auto form = std::make_unique<CCurveFile>();
+  return form->LoadHeader(file) ? form.release() : nullptr;
+}
+
+CCurveFile::~CCurveFile() = default;
+
+void CCurveFile::DeleteEntryHeaderArray() { entryHeaders_.clear(); }
+
+bool CCurveFile::LoadHeader(CNvxFile& file) {
+  if (!nvx::ReadCurveSetHeader(file, header_)) return false;
+  headerRead_ = true;
+  return true;
+}
+
+bool CCurveFile::LoadEntryHeader(CNvxFile& file) {
+  DeleteEntryHeaderArray();
+  nvx::CurveTable table;
+  if (!table.Read(file, header_.EntryCount)) return false;
+  entryHeaders_.reserve(table.Count());
+  for (std::uint32_t i = 0; i < table.Count(); ++i) entryHeaders_.push_back(table.At(i));
+  return true;
+}
+
+bool CCurveFile::LoadFile(CNvxFile& file, CCurveData* data) {
+  if (data == nullptr || (!headerRead_ && !LoadHeader(file))) return false;
+  data->SetUsedType(header_.UsedType);
+  if (!LoadEntryHeader(file)) return false;
+  for (const CurveRecord& record : entryHeaders_) {
+    if (!nvx::EnterCurveBlock(file, record)) return false;
+    std::unique_ptr<CCurveDataEntry> curve(
+        CCurveDataEntry::CreateCurveDataEntry(static_cast<CCurveDataEntry::typeData>(record.DataType)));
+    if (!nvx::ReadCurve(file, record, *curve)) return false;
+    data->AddTail(curve.release());
+  }
+  return true;
+}
+
+bool CCurveFile::SaveFile(CNvxFile& file, CCurveData* data) {
+  if (data == nullptr) return false;
+  tagCurveFileHeader header;
+  header.UsedType = data->GetUsedType();
+  header.EntryCount = static_cast<std::uint32_t>(data->GetCount());
+  return nvx::WriteRecord(file, header) &&
+         ForEachCurve(*data,
+                      [&](CCurveDataEntry& curve) {
+                        CurveRecord record;
+                        EntryToTag(&curve, &record);
+                        return nvx::WriteRecord(file, record);
+                      }) &&
+         ForEachCurve(*data, [&](CCurveDataEntry& curve) {
+           return nvx::WriteMagic(file, nvx::kCurveBlockMagic) && WriteSamples(file, curve);
+         });
+}
+
+bool CCurveFile::LoadFile(const char16_t* path, CCurveData* data) {
+  CNvxFile file;
+  return file.Open(path, nvx::kGenericRead, nvx::kShareRead, nvx::kOpenExisting) && LoadFile(file, data);
+}
+
+bool CCurveFile::SaveFile(const char16_t* path, CCurveData* data) {
+  return nvx::SaveByReplacing(path, [&](CNvxFile& file) { return SaveFile(file, data); });
+}
+
+std::int32_t CCurveFile::GetCurveDataSize() const {
+  if (!headerRead_) return 0;
+  std::uint32_t size = header_.HeaderSize;
+  for (const CurveRecord& record : entryHeaders_)
+    size += record.HeaderSize + record.DataSize + nvx::kCurveBlockMagicSize;
+  return static_cast<std::int32_t>(size);
+}
+
+void CCurveFile::EntryToTag(CCurveDataEntry* entry, tagCurveEntryHeader* header) { nvx::FillRecord(*entry, *header); }
+
+void CCurveFile::TagToEntry(const tagCurveEntryHeader* header, CCurveDataEntry* entry) {
+  nvx::ApplyRecord(*header, *entry);
+}

@@ -1,0 +1,56 @@
+// The records of a colour table; docs/formats/lut.md draws them.
+#pragma once
+
+#include "core/record.h"
+
+#include <nvxprofile/lut.h>
+
+namespace nvx {
+
+struct LutHeader {
+  static constexpr std::uint32_t kMagic = Magic(" TUL");
+  static constexpr std::uint32_t kVersion = 0x00010000;
+
+  std::uint32_t magic = kMagic;
+  std::uint32_t headerSize = 280;
+  std::uint32_t version = kVersion;
+  std::uint32_t inputChannels = 0;
+  std::uint32_t outputChannels = 0;
+  std::uint32_t gridCount = 0;
+
+  template <class Self, class Codec>
+  static constexpr void Describe(Self& record, Codec& codec) {
+    codec.Number(record.magic);
+    codec.Number(record.headerSize);
+    codec.Number(record.version);
+    codec.Number(record.inputChannels);
+    codec.Number(record.outputChannels);
+    codec.Number(record.gridCount);
+    codec.Reserved(256);
+  }
+};
+
+struct LutChannelHeader {
+  static constexpr std::uint32_t kMagic = Magic("HTUL");
+  static constexpr std::size_t kNameWidth = 320;
+
+  std::uint32_t magic = kMagic;
+  std::uint32_t headerSize = 336;
+  std::uint32_t channelCode = 0;
+  std::uint32_t channelAttribute = 0;
+  char channelName[kNameWidth + 1] = {};  // the whole field, also one without a terminator
+
+  template <class Self, class Codec>
+  static constexpr void Describe(Self& record, Codec& codec) {
+    codec.Number(record.magic);
+    codec.Number(record.headerSize);
+    codec.Number(record.channelCode);
+    codec.Number(record.channelAttribute);
+    codec.Text(record.channelName, kNameWidth);
+  }
+};
+
+static_assert(kRecordSize<LutHeader> == 280);
+static_assert(kRecordSize<LutChannelHeader> == 336);
+
+}  // namespace nvx

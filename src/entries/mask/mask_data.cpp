@@ -1,0 +1,141 @@
+// The mask parameter list and the mask pattern table in memory.
+#include <nvxprofile/mask.h>
+
+#include <algorithm>
+#include <iterator>
+#include <new>
+
+namespace {
+
+nvx::Ownership OwnershipOf(CDataObject& data) {
+  return data.IsAutoDelete() ? nvx::Ownership::kOwned : nvx::Ownership::kBorrowed;
+}
+
+template <class Entry>
+void AppendCopies(const nvx::CursorList<Entry>& from, nvx::CursorList<Entry>& to) {
+  to.Reserve(to.Count() + from.Count());
+  for (const Entry* entry : from) to.Append(new Entry(*entry));
+}
+
+std::uint32_t At(const std::vector<std::uint32_t>& values, int index) {
+  const auto place = static_cast<std::size_t>(index);
+  return place < values.size() ? values[place] : 0;
+}
+
+// The old bytes live until the new ones are made, so that a block may be set from itself.
+void SetBytes(std::vector<std::uint8_t>& target, const std::uint8_t* data, std::uint32_t size) {
+  target = data != nullptr ? std::vector<std::uint8_t>(data, data + size) : std::vector<std::uint8_t>();
+}
+
+bool HasLowerID(const CMaskPatternDataEntry* entry, std::uint32_t id) { return entry->GetMaskPatternID() < id; }
+
+}  // namespace
+
+CMaskParameterDataEntry::~CMaskParameterDataEntry() = default;
+
+CMaskParameterDataEntry* CMaskParameterDataEntry::CreateEntry() { return new (std::nothrow) CMaskParameterDataEntry; }
+
+void CMaskParameterDataEntry::DeleteContents() {
+  SetBytes(paramData_, nullptr, 0);
+  layerColors_.clear();
+  usePatternIDs_.clear();
+}
+
+void CMaskParameterDataEntry::AddLayerColor(std::uint32_t color) {
+  layerColors_.insert(std::upper_bound(layerColors_.begin(), layerColors_.end(), color), color);
+}
+
+std::uint32_t CMaskParameterDataEntry::GetLeyerColor(int index) const { return At(layerColors_, index); }
+std::uint32_t CMaskParameterDataEntry::GetUsePatternID(int index) const { return At(usePatternIDs_, index); }
+
+void CMaskParameterDataEntry::SetParamDataBuffer(const std::uint8_t* data, std::uint32_t size) {
+  SetBytes(paramData_, data, size);
+}
+
+CMaskParameterData::CMaskParameterData(const CMaskParameterData& other) : CDataObject(other) {
+  SetAutoDelete(true);
+  AppendCopies(other.entries_, entries_);
+}
+
+CMaskParameterData& CMaskParameterData::operator=(const CMaskParameterData& other) {
+  if (this == &other) return *this;
+  DeleteContents();
+  CDataObject::operator=(other);
+  SetAutoDelete(true);
+  AppendCopies(other.entries_, entries_);
+  return *this;
+}
+
+CMaskParameterData::~CMaskParameterData() { CMaskParameterData::DeleteContents(); }
+
+void CMaskParameterData::DeleteContents() { entries_.Clear(OwnershipOf(*this)); }
+
+void CMaskParameterData::AddTail(CMaskParameterDataEntry* entry) {
+  if (entry != nullptr) entries_.Append(entry);
+}
+
+CMaskParameterDataEntry* CMaskParameterData::GetEntry(std::uint32_t pass, std::uint32_t specialColorsetCode,
+                                                      std::uint32_t printMethod, std::uint32_t layerColorCount,
+                                                      const std::uint32_t*) const {
+  const auto found = std::find_if(entries_.begin(), entries_.end(), [=](const CMaskParameterDataEntry* entry) {
+    return entry->GetPass() == pass && entry->GetSpecialColorsetCode() == specialColorsetCode &&
+           entry->GetPrintMethod() == printMethod && entry->GetLayerColorCount() == layerColorCount;
+  });
+  return found != entries_.end() ? *found : nullptr;
+}
+
+CMaskPatternDataEntry::~CMaskPatternDataEntry() = default;
+
+CMaskPatternDataEntry* CMaskPatternDataEntry::CreateEntry() { return new (std::nothrow) CMaskPatternDataEntry; }
+
+void CMaskPatternDataEntry::SetMaskPatternBuffer(const std::uint8_t* data, std::uint32_t size) {
+  SetBytes(pattern_, data, size);
+}
+
+CMaskPatternData::CMaskPatternData(const CMaskPatternData& other) : CDataObject(other) {
+  SetAutoDelete(true);
+  AppendCopies(other.entries_, entries_);
+}
+
+CMaskPatternData& CMaskPatternData::operator=(const CMaskPatternData& other) {
+  if (this == &other) return *this;
+  DeleteContents();
+  CDataObject::operator=(other);
+  SetAutoDelete(true);
+  AppendCopies(other.entries_, entries_);
+  return *this;
+}
+
+CMaskPatternData::~CMaskPatternData() { CMaskPatternData::DeleteContents(); }
+
+void CMaskPatternData::DeleteContents() { entries_.Clear(OwnershipOf(*this)); }
+
+bool CMaskPatternData::Add(CMaskPatternDataEntry* entry) {
+  if (entry == nullptr) return false;
+  const std::uint32_t id = entry->GetMaskPatternID();
+  const auto place = std::lower_bound(entries_.begin(), entries_.end(), id, HasLowerID);
+  if (place == entries_.end() || (*place)->GetMaskPatternID() != id) {
+    entries_.Insert(static_cast<std::size_t>(place - entries_.begin()), entry);
+    return true;
+  }
+  if (*place != entry) delete entry;
+  return false;
+}
+
+CMaskPatternDataEntry* CMaskPatternData::GetEntry(int id) const {
+  const auto wanted = static_cast<std::uint32_t>(id);
+  const auto place = std::lower_bound(entries_.begin(), entries_.end(), wanted, HasLowerID);
+  return place != entries_.end() && (*place)->GetMaskPatternID() == wanted ? *place : nullptr;
+}
+
+void CMaskPatternData::Merge(std::vector<std::unique_ptr<CMaskPatternDataEntry>> entries) {
+  const std::vector<CMaskPatternDataEntry*> present(entries_.begin(), entries_.end());
+  entries_.Clear(nvx::Ownership::kBorrowed);
+  entries_.Reserve(present.size() + entries.size());
+  auto old = present.begin();
+  for (std::unique_ptr<CMaskPatternDataEntry>& entry : entries) {
+    for (; old != present.end() && HasLowerID(*old, entry->GetMaskPatternID()); ++old) entries_.Append(*old);
+    entries_.Append(entry.release());
+  }
+  for (; old != present.end(); ++old) entries_.Append(*old);
+}

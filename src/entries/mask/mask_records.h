@@ -1,0 +1,88 @@
+// The records of the mask parameter list and the mask pattern table; docs/formats/mask.md draws them.
+#pragma once
+
+#include "core/record.h"
+
+#include <nvxprofile/mask.h>
+
+namespace nvx {
+
+// What precedes the bytes of a data block.
+inline constexpr std::uint32_t kMaskParameterBlockMagic = Magic("DEPM");
+inline constexpr std::uint32_t kMaskPatternBlockMagic = Magic("EDPM");
+inline constexpr std::uint32_t kMaskBlockMagicSize = 4;
+
+// The magic of a record, the same in both forms.
+inline constexpr std::uint32_t kMaskRecordMagic = Magic("HRPM");
+
+// The header, which differs between the two forms in its magic alone.
+struct MaskFileHeader {
+  static constexpr std::uint32_t kParameterMagic = Magic("HPPM");
+  static constexpr std::uint32_t kPatternMagic = Magic("HTPM");
+
+  std::uint32_t magic = 0;
+  std::uint32_t headerSize = 40;
+  std::uint32_t version = 1;
+  std::uint32_t recordCount = 0;
+
+  template <class Self, class Codec>
+  static constexpr void Describe(Self& record, Codec& codec) {
+    codec.Number(record.magic);
+    codec.Number(record.headerSize);
+    codec.Number(record.version);
+    codec.Reserved(4);
+    codec.Number(record.recordCount);
+    codec.Reserved(20);
+  }
+};
+
+struct MaskParameterRecord {
+  std::uint32_t magic = kMaskRecordMagic;
+  std::uint32_t recordSize = 136;
+  std::uint32_t pass = 0;
+  std::uint32_t specialColorsetCode = 0;
+  std::uint32_t printMethod = 0;
+  std::uint32_t layerColorCount = 0;
+  std::uint32_t layerColors[CMaskParameterFile::kMostLayerColors] = {};
+  std::uint32_t dataSize = 0;
+  std::uint32_t usePatternIDCount = 0;
+  std::uint32_t usePatternIDs[CMaskParameterFile::kMostUsePatternIDs] = {};
+
+  template <class Self, class Codec>
+  static constexpr void Describe(Self& record, Codec& codec) {
+    codec.Number(record.magic);
+    codec.Number(record.recordSize);
+    codec.Reserved(4);
+    codec.Number(record.pass);
+    codec.Number(record.specialColorsetCode);
+    codec.Number(record.printMethod);
+    codec.Number(record.layerColorCount);
+    for (auto& color : record.layerColors) codec.Number(color);
+    codec.Number(record.dataSize);
+    codec.Number(record.usePatternIDCount);
+    for (auto& id : record.usePatternIDs) codec.Number(id);
+  }
+};
+
+struct MaskPatternRecord {
+  std::uint32_t magic = kMaskRecordMagic;
+  std::uint32_t recordSize = 40;
+  std::uint32_t id = 0;
+  std::uint32_t patternSize = 0;
+
+  template <class Self, class Codec>
+  static constexpr void Describe(Self& record, Codec& codec) {
+    codec.Number(record.magic);
+    codec.Number(record.recordSize);
+    codec.Reserved(4);
+    codec.Number(record.id);
+    codec.Number(record.patternSize);
+    codec.Reserved(20);
+  }
+};
+
+static_assert(kRecordSize<MaskFileHeader> == 40);
+static_assert(kRecordSize<MaskParameterRecord> == 136);
+static_assert(kRecordSize<MaskPatternRecord> == 40);
+
+}  // namespace nvx

@@ -1,0 +1,64 @@
+// The records of a media property set; docs/formats/media_property.md draws them.
+#pragma once
+
+#include "core/record.h"
+
+#include <nvxprofile/media_property.h>
+
+namespace nvx {
+
+struct MediaPropertyHeader {
+  static constexpr std::uint32_t kMagic = Magic("IDEM");
+  static constexpr std::uint32_t kVersion = 0x00010000;
+
+  std::uint32_t magic = kMagic;
+  std::uint32_t headerSize = 16;
+  std::uint32_t version = kVersion;
+  std::uint32_t entryCount = 0;
+
+  template <class Self, class Codec>
+  static constexpr void Describe(Self& record, Codec& codec) {
+    codec.Number(record.magic);
+    codec.Number(record.headerSize);
+    codec.Number(record.version);
+    codec.Number(record.entryCount);
+  }
+};
+
+struct MediaPropertyEntryHeader {
+  static constexpr std::uint32_t kMagic = Magic("HEPM");
+
+  std::uint32_t magic = kMagic;
+  std::uint32_t headerSize = 20;
+  std::uint32_t usedType = 0;
+  std::uint32_t blockSize = 68;
+  std::uint32_t parameterMax = 0;
+
+  template <class Self, class Codec>
+  static constexpr void Describe(Self& record, Codec& codec) {
+    codec.Number(record.magic);
+    codec.Number(record.headerSize);
+    codec.Number(record.usedType);
+    codec.Number(record.blockSize);
+    codec.Number(record.parameterMax);
+  }
+};
+
+struct MediaPropertyBlock {
+  static constexpr std::uint32_t kMagic = Magic("ADPM");
+
+  std::uint32_t magic = kMagic;
+  std::int32_t parameters[CMediaPropertyDataEntry::kParameterRoom] = {};
+
+  template <class Self, class Codec>
+  static constexpr void Describe(Self& record, Codec& codec) {
+    codec.Number(record.magic);
+    for (auto& parameter : record.parameters) codec.Number(parameter);
+  }
+};
+
+static_assert(kRecordSize<MediaPropertyHeader> == 16);
+static_assert(kRecordSize<MediaPropertyEntryHeader> == 20);
+static_assert(kRecordSize<MediaPropertyBlock> == 68);
+
+}  // namespace nvx

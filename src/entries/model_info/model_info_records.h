@@ -1,0 +1,70 @@
+// The model record and the info record; docs/formats/model_info.md draws them.
+#pragma once
+
+#include "core/record.h"
+
+#include <nvxprofile/model_info.h>
+
+namespace nvx {
+
+inline constexpr std::size_t kRecordTextWidth = 64;
+
+struct ModelRecord {
+  static constexpr std::uint32_t kMagic = Magic("LDOM");
+  static constexpr std::uint32_t kVersion = 0x00010002;
+  // Ends before the VD type.
+  static constexpr std::uint32_t kShortVersion = 0x00010000;
+
+  std::uint32_t magic = kMagic;
+  std::uint32_t recordSize = CModelFile::kRecordSize;
+  std::uint32_t version = kVersion;
+  std::uint32_t cmykMode = 0;
+  char modelName[kRecordTextWidth] = {};
+  char inksetName[kRecordTextWidth] = {};
+  char mediaName[kRecordTextWidth] = {};
+  char parametersetName[kRecordTextWidth] = {};
+  std::uint32_t vdType = 0;
+
+  template <class Self, class Codec>
+  static constexpr void Describe(Self& record, Codec& codec) {
+    codec.Number(record.magic);
+    codec.Number(record.recordSize);
+    codec.Number(record.version);
+    codec.Number(record.cmykMode);
+    codec.Text(record.modelName, kRecordTextWidth);
+    codec.Text(record.inksetName, kRecordTextWidth);
+    codec.Text(record.mediaName, kRecordTextWidth);
+    codec.Text(record.parametersetName, kRecordTextWidth);
+    codec.Number(record.vdType);
+  }
+};
+
+struct InfoRecord {
+  static constexpr std::uint32_t kMagic = Magic("OFNI");
+  static constexpr std::uint32_t kVersion = 0x00010000;
+
+  std::uint32_t magic = kMagic;
+  std::uint32_t recordSize = CInfoFile::kRecordSize;
+  std::uint32_t version = kVersion;
+  char versionStr[kRecordTextWidth] = {};
+  char comment[kRecordTextWidth] = {};
+  char userName[kRecordTextWidth] = {};
+  std::uint8_t reserve[CInfoData::kReserveSize] = {};
+
+  template <class Self, class Codec>
+  static constexpr void Describe(Self& record, Codec& codec) {
+    codec.Number(record.magic);
+    codec.Number(record.recordSize);
+    codec.Number(record.version);
+    codec.Reserved(4);
+    codec.Text(record.versionStr, kRecordTextWidth);
+    codec.Text(record.comment, kRecordTextWidth);
+    codec.Text(record.userName, kRecordTextWidth);
+    codec.Bytes(record.reserve, CInfoData::kReserveSize);
+  }
+};
+
+static_assert(kRecordSize<ModelRecord> == CModelFile::kRecordSize);
+static_assert(kRecordSize<InfoRecord> == CInfoFile::kRecordSize);
+
+}  // namespace nvx

@@ -1,0 +1,206 @@
+#include "support/byte_builder.h"
+#include "support/temp_folder.h"
+
+#include <nvxprofile/mask_download.h>
+#include <nvxprofile/profile_access.h>
+#include <nvxprofile/profile_file.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+
+namespace {
+
+using nvx::test::ByteBuilder;
+using nvx::test::Bytes;
+using nvx::test::TempFolder;
+
+// A loaded profile with the entries that a test puts into it.
+class MaskAccess : public testing::Test {
+ protected:
+  void Load(CProfileDataEntry* entry) {
+    CProfileData data;
+    ASSERT_TRUE(entry->DataToBuffer());
+    data.SetProfileDataEntry(entry, nvx::kRouteMaskDownload);
+    ASSERT_TRUE(CProfileFileQCT().SaveData(path_.c_str(), &data, nvx::kRouteMaskDownload));
+    ASSERT_TRUE(access_.Init(path_.c_str(), &error_));
+  }
+
+  // Blocks of the given types, each with the values or bytes 1, 2, 3 and so on.
+  void LoadBlocks(std::vector<std::uint32_t> types) {
+    auto* const entry = new CMaskDownLoadEntry;
+    entry->Initialize(static_cast<std::uint32_t>(types.size()));
+    for (std::uint32_t i = 0; i < types.size(); ++i) {
+      entry->SetWeftDataParameter(i, types[i]);
+      tagWeftDatas& block = *entry->GetWeftData(types[i]);
+      for (std::uint32_t j = 0; j < block.ValueCount; ++j) block.Values[j] = j + 1;
+      for (std::uint32_t j = 0; j < block.ByteCount; ++j) block.Bytes[j] = static_cast<std::uint8_t>(j + 1);
+    }
+    Load(entry);
+  }
+
+  // The comment that a failed call left, which is then reset.
+  std::u16string Comment() {
+    const bool wordless = error_.GetErrorReason() == 0;
+    EXPECT_TRUE(wordless || error_.GetErrorReason() == nvx::kReasonNotFound);
+    EXPECT_EQ(error_.GetSystemErrorCode(), 0u);
+    const std::u16string comment = error_.GetErrorCommentW();
+    error_.Reset();
+    return comment;
+  }
+
+  std::uint32_t PackedSize(std::uint32_t pass, std::uint32_t method, std::uint32_t colors) {
+    return access_.GetMaskParameterAndPatternBuffer(nullptr, pass, 2, method, colors, nullptr, &error_);
+  }
+
+  TempFolder folder_;
+  std::u16string path_ = folder_.WideFile("profile.qct");
+  CProfileAccess access_;
+  CError error_;
+  std::uint32_t values_[4] = {9, 9, 9, 9};
+  std::uint8_t bytes_[4] = {9, 9, 9, 9};
+  std::uint32_t valueCount_ = 99;
+  std::uint32_t byteCount_ = 99;
+};
+
+TEST_F(MaskAccess, WithoutAProfileNothingIsReported) {
+  EXPECT_FALSE(access_.GetMaskParamCount(valueCount_, byteCount_, &error_));
+  EXPECT_FALSE(access_.GetMaskParameter(values_, bytes_, &error_));
+  EXPECT_FALSE(access_.GetPrinterMaskParamCount(valueCount_, byteCount_, &error_));
+  EXPECT_FALSE(access_.GetPrinterMaskParameter(values_, bytes_, &error_));
+  EXPECT_FALSE(access_.IsSupportWeftVersion(&error_));
+  EXPECT_EQ(PackedSize(1, 2, 3), 0u);
+  EXPECT_EQ(Comment(), u"");
+}
+
+TEST_F(MaskAccess, BlocksAreFoundByType) {
+  LoadBlocks({4, 3});
+  EXPECT_TRUE(access_.GetMaskParamCount(valueCount_, byteCount_, &error_));
+  EXPECT_EQ(valueCount_, 1u);
+  EXPECT_EQ(byteCount_, 0u);
+  EXPECT_TRUE(access_.GetPrinterMaskParamCount(valueCount_, byteCount_, &error_));
+  EXPECT_EQ(valueCount_, 3u);
+  EXPECT_TRUE(access_.GetMaskParameter(values_, nullptr, &error_));
+  EXPECT_EQ(values_[0], 1u);
+  EXPECT_EQ(values_[1], 9u);
+  EXPECT_TRUE(access_.GetPrinterMaskParameter(values_, nullptr, &error_));
+  EXPECT_EQ(values_[2], 3u);
+  EXPECT_EQ(values_[3], 9u);
+  EXPECT_TRUE(access_.IsSupportWeftVersion(&error_));
+  EXPECT_EQ(Comment(), u"");
+  EXPECT_EQ(PackedSize(1, 2, 3), 0u);
+  EXPECT_EQ(Comment(), u"Profile:There is no specified parameter.");
+}
+
+TEST_F(MaskAccess, MissingBlocksAndEntriesAreReported) {
+  LoadBlocks({6});
+  EXPECT_FALSE(access_.GetMaskParamCount(valueCount_, byteCount_, &error_));
+  EXPECT_EQ(Comment(), u"Profile:Mask DownLoad Param Count - none");
+  EXPECT_FALSE(access_.GetMaskParameter(values_, bytes_, &error_));
+  EXPECT_EQ(Comment(), u"Profile:Mask DownLoad Param - none");
+  EXPECT_FALSE(access_.GetPrinterMaskParamCount(valueCount_, byteCount_, &error_));
+  EXPECT_EQ(Comment(), u"Profile:Printer Mask Param Count - none");
+  EXPECT_FALSE(access_.GetPrinterMaskParameter(values_, bytes_, &error_));
+  EXPECT_EQ(Comment(), u"Profile:Printer Mask Param - none");
+
+  Load(new CMaskDownloadIncludePatternEntry);
+  EXPECT_FALSE(access_.GetMaskParamCount(valueCount_, byteCount_, &error_));
+  EXPECT_EQ(Comment(), u"Profile:Mask DownLoad Entry - none");
+  EXPECT_FALSE(access_.IsSupportWeftVersion(&error_));
+  EXPECT_EQ(Comment(), u"Profile:Mask DownLoad Entry - none");
+  EXPECT_EQ(valueCount_, 99u);
+  EXPECT_EQ(PackedSize(1, 2, 3), 0u);
+  EXPECT_EQ(Comment(), u"Profile:There is no specified condition.");
+}
+
+TEST_F(MaskAccess, VersionAboveFourIsNotSupported) {
+  LoadBlocks({});
+  ASSERT_EQ(
+      *static_cast<CMaskDownLoadEntry*>(access_.GetProfileData()->GetProfileDataEntryFromList(27))->GetWeftDataCount(),
+      0u);
+  auto* const entry = new CMaskDownLoadEntry;
+  entry->GetWeftHeader()->VersionMajor = 4;
+  entry->GetWeftHeader()->VersionMinor = 1;
+  Load(entry);
+  EXPECT_FALSE(access_.IsSupportWeftVersion(&error_));
+  EXPECT_EQ(Comment(), u"");
+}
+
+TEST_F(MaskAccess, PacksBlockAndPatternsInTheOrderOfTheRecord) {
+  auto* const entry = new CMaskDownloadIncludePatternEntry;
+  const auto addRecord = [&](std::uint32_t pass, std::uint32_t method, std::vector<std::uint32_t> ids) {
+    CMaskParameterDataEntry* const record = CMaskParameterDataEntry::CreateEntry();
+    record->SetPass(pass);
+    record->SetSpecialColorsetCode(2);
+    record->SetPrintMethod(method);
+    for (const std::uint32_t color : {1u, 2u, 3u}) record->AddLayerColor(color);
+    for (const std::uint32_t id : ids) record->AddUsePatternID(id);
+    const Bytes block = ByteBuilder().Text("block");
+    record->SetParamDataBuffer(block.data(), 5);
+    entry->GetMaskParameterData()->AddTail(record);
+  };
+  const auto addPattern = [&](std::uint32_t id, std::uint32_t size) {
+    CMaskPatternDataEntry* const pattern = CMaskPatternDataEntry::CreateEntry();
+    pattern->SetMaskPatternID(id);
+    pattern->SetMaskPatternBuffer(Bytes(size, static_cast<std::uint8_t>(id)).data(), size);
+    entry->GetMaskPatternData()->Add(pattern);
+  };
+  addRecord(4, 300, {0x10004, 3});
+  addRecord(4, 7, {});
+  addRecord(8, 300, {3, 5});
+  addRecord(16, 300, {3, 3});
+  addPattern(3, 10);
+  addPattern(0x10004, 20);
+  Load(entry);
+
+  ASSERT_EQ(PackedSize(4, 6, 3), 50u) << "by way of print method 300";
+  Bytes buffer(51, 0xEE);
+  std::uint32_t colors[] = {3, 2, 1};
+  EXPECT_EQ(access_.GetMaskParameterAndPatternBuffer(buffer.data(), 4, 2, 300, 3, colors, &error_), 50u);
+  EXPECT_EQ(
+      buffer,
+      ByteBuilder().U16(5).U8(2).U16(4).U32(20).U16(3).U32(10).Text("block").Fill(4, 20).Fill(3, 10).U8(0xEE).Take());
+
+  buffer.assign(9, 0xEE);
+  EXPECT_EQ(access_.GetMaskParameterAndPatternBuffer(buffer.data(), 4, 2, 7, 3, nullptr, &error_), 8u);
+  EXPECT_EQ(buffer, ByteBuilder().U16(5).U8(0).Text("block").U8(0xEE).Take());
+
+  EXPECT_EQ(PackedSize(16, 300, 3), 3u + 5 + 2 * 16) << "a pattern used twice stands twice";
+  EXPECT_EQ(PackedSize(8, 300, 3), 0u) << "pattern 5 is missing";
+  EXPECT_EQ(access_.GetMaskParameterAndPatternBuffer(buffer.data(), 8, 2, 300, 3, nullptr, &error_), 0u);
+  EXPECT_EQ(buffer[0], 5u);
+  EXPECT_EQ(Comment(), u"");
+  EXPECT_EQ(PackedSize(4, 300, 2), 0u);
+  EXPECT_EQ(Comment(), u"Profile:There is no specified condition.");
+}
+
+TEST_F(MaskAccess, LoadTakesTheOutputInformation) {
+  auto* const entry = new CMaskDownLoadEntry;
+  entry->Initialize();
+  entry->SetWeftDataParameter(0, 6);
+  const Bytes block = ByteBuilder().U16(0xFEDC).U8(7).U8(8).Text(std::string(31, 'a') + "bc", 160);
+  std::copy(block.begin(), block.end(), entry->GetWeftData(6)->Bytes);
+  Load(entry);
+  const _tagDeviceProfileInfo& info = *access_.GetProfileInfo();
+  EXPECT_EQ(info.OutputFourthValue, 0xFEDC);
+  EXPECT_EQ(info.OutputCodeA, 7);
+  EXPECT_EQ(info.OutputCodeB, 8);
+  EXPECT_EQ(std::u16string(info.OutputText), std::u16string(31, u'a'));
+
+  auto* const full = new CMaskDownLoadEntry;
+  full->Initialize();
+  full->SetWeftDataParameter(0, 6);
+  std::fill_n(full->GetWeftData(6)->Bytes, 164, std::uint8_t{'x'});
+  Load(full);
+  EXPECT_EQ(std::u16string(access_.GetProfileInfo()->OutputText), std::u16string(31, u'x'));
+
+  LoadBlocks({3});
+  const _tagDeviceProfileInfo& none = *access_.GetProfileInfo();
+  EXPECT_EQ(none.OutputFourthValue, -1);
+  EXPECT_EQ(none.OutputCodeA, 255);
+  EXPECT_EQ(none.OutputCodeB, 255);
+  EXPECT_EQ(none.OutputText[0], 0);
+}
+
+}  // namespace

@@ -1,0 +1,294 @@
+#include "support/byte_builder.h"
+
+#include <nvxprofile/diagnosis.h>
+#include <nvxprofile/mask_download.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+#include <memory>
+#include <vector>
+
+namespace {
+
+using nvx::test::ByteBuilder;
+using nvx::test::Bytes;
+
+bool Parse(CProfileDataEntry& entry, const Bytes& bytes, nvx::Diagnosis* diagnosis = nullptr) {
+  std::copy(bytes.begin(), bytes.end(), entry.GetBuffer(static_cast<std::uint32_t>(bytes.size())));
+  entry.SetDiagnosis(diagnosis);
+  const bool parsed = entry.BufferToData();
+  entry.SetDiagnosis(nullptr);
+  return parsed;
+}
+
+Bytes BufferOf(CProfileDataEntry& entry) { return Bytes(entry.GetRefBuffer(), entry.GetRefBuffer() + entry.GetSize()); }
+
+ByteBuilder StreamHeader(std::uint32_t major, std::uint32_t minor, std::uint32_t count) {
+  return ByteBuilder().U32(major).U32(minor).U32(count).U32(0).U32(0);
+}
+
+ByteBuilder BlockHeader(std::uint32_t type, std::uint32_t length, std::uint32_t values, std::uint32_t bytes) {
+  return ByteBuilder().Text("TFEW").U32(24).U32(type).U32(length).U32(values).U32(bytes);
+}
+
+// Blocks of types 4, 3 and 6: 20 + 3 * 24 + 16 + 8 + 168 bytes.
+Bytes ThreeBlocks(std::uint32_t third = 77, std::uint8_t output = 9) {
+  return StreamHeader(3, 0, 3)
+      .Append(BlockHeader(4, 16, 3, 0))
+      .Append(BlockHeader(3, 8, 1, 0))
+      .Append(BlockHeader(6, 168, 0, 164))
+      .Text("DFEW")
+      .U32(1)
+      .U32(2)
+      .U32(0xFFFFFFFF)
+      .Text("DFEW")
+      .U32(third)
+      .Text("DFEW")
+      .Fill(output, 164);
+}
+
+TEST(MaskDownload, TypeDecidesSizeAndVersion) {
+  CMaskDownLoadEntry entry;
+  EXPECT_EQ(entry.GetFormatType(), 12u);
+  EXPECT_TRUE(entry.IsDisplayEnable());
+  EXPECT_EQ(entry.GetWeftData(3), nullptr);
+  EXPECT_EQ(entry.GetWeftUsedType(), nullptr);
+  entry.SetWeftDataParameter(0, 3);
+  EXPECT_EQ(entry.GetWeftData(3), nullptr) << "no block to give a type";
+
+  struct {
+    std::uint32_t values, bytes, major, minor;
+  } const kinds[] = {{16, 0, 1, 0}, {1, 0, 1, 0}, {1, 0, 1, 0}, {3, 0, 1, 1}, {0, 2, 2, 0}, {0, 164, 3, 0}};
+  entry.Initialize();
+  for (std::uint32_t type = 1; type <= 6; ++type) {
+    entry.SetWeftDataParameter(0, type);
+    const tagWeftDatas* const block = entry.GetWeftData(type);
+    ASSERT_NE(block, nullptr);
+    EXPECT_EQ(block->ValueCount, kinds[type - 1].values);
+    EXPECT_EQ(block->ByteCount, kinds[type - 1].bytes);
+    EXPECT_EQ(block->Values == nullptr, block->ValueCount == 0);
+    EXPECT_EQ(block->Bytes == nullptr, block->ByteCount == 0);
+    EXPECT_EQ(entry.GetWeftHeader()->VersionMajor, kinds[type - 1].major);
+    EXPECT_EQ(entry.GetWeftHeader()->VersionMinor, kinds[type - 1].minor);
+  }
+  entry.SetWeftDataParameter(0, 7);
+  EXPECT_NE(entry.GetWeftData(6), nullptr) << "an unknown type changes nothing";
+  entry.SetWeftDataParameter(5, 0);
+  ASSERT_NE(entry.GetWeftData(3), nullptr);
+  EXPECT_EQ(entry.GetWeftData(3)->Values[0], 0u);
+  EXPECT_EQ(entry.GetWeftHeader()->VersionMajor, 1u);
+}
+
+TEST(MaskDownload, SupportsVersionsUpTo4) {
+  CMaskDownLoadEntry entry;
+  const auto supports = [&](std::uint32_t major, std::uint32_t minor) {
+    const tagWeftHeader header{major, minor};
+    return entry.IsSuportVersion(&header);
+  };
+  EXPECT_TRUE(supports(3, 9));
+  EXPECT_TRUE(supports(4, 0));
+  EXPECT_FALSE(supports(4, 1));
+  EXPECT_FALSE(supports(5, 0));
+  EXPECT_FALSE(entry.IsSuportVersion(nullptr));
+}
+
+TEST(MaskDownload, OutputBlockIsSavedInTwoHundredTwelveBytes) {
+  CMaskDownLoadEntry entry;
+  entry.Initialize();
+  entry.SetWeftDataParameter(0, 6);
+  std::fill_n(entry.GetWeftData(6)->Bytes, 164, std::uint8_t{0xAB});
+  entry.GetWeftHeader()->Reserved[1] = 5;
+  ASSERT_TRUE(entry.DataToBuffer());
+  const Bytes expected =
+      ByteBuilder().U32(3).U32(0).U32(1).U32(0).U32(5).Append(BlockHeader(6, 168, 0, 164)).Text("DFEW").Fill(0xAB, 164);
+  EXPECT_EQ(expected.size(), 212u);
+  EXPECT_EQ(BufferOf(entry), expected);
+  EXPECT_EQ(*entry.GetWeftTotalSize(), 212u);
+}
+
+TEST(MaskDownload, LoadsBlocksAndSavesTheSameBytes) {
+  CMaskDownLoadEntry entry;
+  for (int i = 0; i < 2; ++i) {
+    ASSERT_TRUE(Parse(entry, ThreeBlocks()));
+    EXPECT_EQ(*entry.GetWeftUsedType(), 4u);
+    EXPECT_EQ(*entry.GetWeftDataCount(), 3u);
+    EXPECT_EQ(entry.GetWeftData(4)->Values[2], 0xFFFFFFFF);
+    EXPECT_EQ(entry.GetWeftData(3)->Values[0], 77u);
+    EXPECT_EQ(entry.GetWeftData(6)->Bytes[163], 9);
+    EXPECT_EQ(entry.GetWeftData(1), nullptr);
+    ASSERT_TRUE(entry.DataToBuffer());
+    EXPECT_EQ(BufferOf(entry), ThreeBlocks());
+  }
+}
+
+TEST(MaskDownload, StoredCountsAndVersionsDoNotMatter) {
+  CMaskDownLoadEntry entry;
+  ASSERT_TRUE(Parse(entry, StreamHeader(9, 9, 1)
+                               .Append(BlockHeader(4, 0xFFFFFFFF, 0xFFFFFFFF, 0xFFFFFFFF))
+                               .Text("DFEW")
+                               .U32(1)
+                               .U32(2)
+                               .U32(3)));
+  EXPECT_EQ(entry.GetWeftHeader()->VersionMajor, 1u);
+  EXPECT_EQ(entry.GetWeftHeader()->VersionMinor, 1u);
+  EXPECT_EQ(entry.GetWeftData(4)->ValueCount, 3u);
+  EXPECT_EQ(entry.GetWeftData(4)->Values[2], 3u);
+
+  ASSERT_TRUE(Parse(entry, StreamHeader(4, 1, 0)));
+  EXPECT_EQ(entry.GetWeftHeader()->VersionMajor, 4u);
+  EXPECT_EQ(entry.GetWeftData(4), nullptr) << "what the load before left is gone";
+  EXPECT_EQ(entry.GetWeftUsedType(), nullptr);
+  ASSERT_TRUE(entry.DataToBuffer());
+  EXPECT_EQ(BufferOf(entry), StreamHeader(4, 1, 0).Take());
+
+  ASSERT_TRUE(Parse(entry, StreamHeader(1, 0, 1).Append(BlockHeader(0, 8, 1, 0)).Text("DFEW").U32(6)));
+  ASSERT_NE(entry.GetWeftData(3), nullptr) << "type 0 stands for 3";
+  EXPECT_EQ(entry.GetWeftData(3)->Values[0], 6u);
+}
+
+TEST(MaskDownload, RefusesBrokenStreams) {
+  const Bytes whole = ThreeBlocks();
+  std::vector<Bytes> streams;
+  for (std::size_t n = 1; n < whole.size(); ++n)
+    streams.emplace_back(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(n));
+  const auto with = [&](std::size_t offset, std::uint8_t value) {
+    streams.push_back(whole);
+    streams.back()[offset] = value;
+  };
+  with(20 + 24, 'X');    // magic of the second block header
+  with(92 + 16, 'X');    // magic of the second body
+  with(20 + 24 + 8, 7);  // its type
+  with(20 + 24 + 11, 0x80);
+  with(8, 4);  // data count
+  with(11, 255);
+  for (const Bytes& stream : streams) {
+    CMaskDownLoadEntry entry;
+    nvx::Diagnosis diagnosis;
+    EXPECT_FALSE(Parse(entry, stream, &diagnosis)) << stream.size();
+    EXPECT_TRUE(diagnosis.HasErrors());
+    EXPECT_EQ(entry.GetWeftData(3), nullptr);
+    EXPECT_EQ(BufferOf(entry), stream);
+  }
+  CMaskDownLoadEntry entry;
+  EXPECT_FALSE(Parse(entry, streams[whole.size() - 1]));
+  EXPECT_EQ(entry.GetWeftUsedType(), nullptr) << "no block headers are kept";
+}
+
+TEST(MaskDownload, DoesNotSaveWhatCannotBeReadBack) {
+  CMaskDownLoadEntry entry;
+  ASSERT_TRUE(Parse(entry, ThreeBlocks()));
+  *entry.GetWeftDataCount() = 4;
+  EXPECT_FALSE(entry.DataToBuffer());
+  *entry.GetWeftDataCount() = 3;
+  entry.GetWeftData(6)->ByteCount = 165;
+  EXPECT_FALSE(entry.DataToBuffer());
+  entry.GetWeftData(6)->ByteCount = 164;
+  entry.GetWeftData(3)->BlockType = 7;
+  EXPECT_FALSE(entry.DataToBuffer());
+  EXPECT_EQ(BufferOf(entry), ThreeBlocks());
+  entry.Initialize();
+  EXPECT_FALSE(entry.DataToBuffer()) << "a block without a type";
+}
+
+TEST(MaskDownload, ImportsWhatBothHave) {
+  CMaskDownLoadEntry source;
+  CMaskDownLoadEntry target;
+  ASSERT_TRUE(Parse(source, ThreeBlocks(5, 6)));
+  source.GetWeftData(3)->Values[0] = 1;  // the buffer counts
+  ASSERT_TRUE(Parse(target, StreamHeader(3, 0, 2)
+                                .Append(BlockHeader(3, 8, 1, 0))
+                                .Append(BlockHeader(6, 168, 0, 164))
+                                .Text("DFEW")
+                                .U32(0)
+                                .Text("DFEW")
+                                .Zero(164)));
+  EXPECT_TRUE(target.DoImport(&source));
+  EXPECT_EQ(target.GetWeftData(3)->Values[0], 5u);
+  EXPECT_EQ(target.GetWeftData(6)->Bytes[0], 6);
+  EXPECT_EQ(target.GetWeftData(6)->Bytes[163], 6);
+  EXPECT_EQ(target.GetWeftData(4), nullptr);
+
+  CMaskDownLoadEntry only4;
+  only4.Initialize();
+  only4.SetWeftDataParameter(0, 4);
+  CMaskDownLoadEntry only3;
+  only3.Initialize();
+  only3.SetWeftDataParameter(0, 3);
+  only4.GetWeftData(4)->Values[1] = 8;
+  EXPECT_TRUE(only4.DoImport(&only3));
+  EXPECT_EQ(only4.GetWeftData(4)->Values[1], 8u);
+  EXPECT_FALSE(target.DoImport(nullptr));
+  CProfileDataEntry other;
+  EXPECT_FALSE(target.DoImport(&other));
+}
+
+TEST(MaskDownload, PatternsNestTheirFormsInOneBlock) {
+  CMaskDownloadIncludePatternEntry entry;
+  EXPECT_EQ(entry.GetFormatType(), 13u);
+  EXPECT_FALSE(entry.IsDisplayEnable());
+  EXPECT_EQ(entry.GetFormatData(), nullptr);
+  ASSERT_TRUE(entry.DataToBuffer());
+  const Bytes empty = StreamHeader(2, 0, 1)
+                          .Append(BlockHeader(5, 84, 0, 2))
+                          .Text("DFEW")
+                          .Text("HPPM")
+                          .U32(40)
+                          .U32(1)
+                          .Zero(28)
+                          .Text("HTPM")
+                          .U32(40)
+                          .U32(1)
+                          .Zero(28);
+  EXPECT_EQ(empty.size(), 128u);
+  EXPECT_EQ(BufferOf(entry), empty);
+  EXPECT_EQ(*entry.GetWeftTotalSize(), 128u);
+
+  CMaskParameterDataEntry* const record = CMaskParameterDataEntry::CreateEntry();
+  record->SetPass(4);
+  record->AddUsePatternID(3);
+  record->SetParamDataBuffer(empty.data(), 5);
+  entry.GetMaskParameterData()->AddTail(record);
+  CMaskPatternDataEntry* const pattern = CMaskPatternDataEntry::CreateEntry();
+  pattern->SetMaskPatternID(3);
+  pattern->SetMaskPatternBuffer(empty.data(), 7);
+  entry.GetMaskPatternData()->Add(pattern);
+  ASSERT_TRUE(entry.DataToBuffer());
+  const Bytes whole = BufferOf(entry);
+  EXPECT_EQ(whole.size(), 128u + 136 + 4 + 5 + 40 + 4 + 7);
+
+  for (int i = 0; i < 2; ++i) {
+    ASSERT_TRUE(entry.BufferToData());
+    EXPECT_EQ(entry.GetMaskParameterData()->GetEntryCount(), 1);
+    EXPECT_EQ(entry.GetMaskPatternData()->GetEntryCount(), 1);
+    EXPECT_EQ(*entry.GetWeftUsedType(), 5u);
+    EXPECT_EQ(entry.GetWeftData(5), nullptr);
+    EXPECT_FALSE(entry.DoImport(&entry));
+  }
+  for (std::uint32_t id = 0; id < 16; ++id) entry.GetMaskParameterData()->Entries().At(0)->AddUsePatternID(id);
+  EXPECT_FALSE(entry.DataToBuffer());
+  EXPECT_EQ(BufferOf(entry), whole);
+  for (std::size_t n = 0; n < whole.size(); ++n) {
+    CMaskDownloadIncludePatternEntry cut;
+    EXPECT_FALSE(Parse(cut, Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(n)))) << n;
+  }
+  Bytes other = whole;
+  other[20 + 8] = 4;
+  EXPECT_FALSE(Parse(entry, other)) << "block type";
+  EXPECT_FALSE(Parse(entry, StreamHeader(2, 0, 2)
+                                .Append(BlockHeader(5, 84, 0, 2))
+                                .Append(BlockHeader(5, 84, 0, 2))
+                                .Append(Bytes(empty.begin() + 44, empty.end()))));
+}
+
+TEST(MaskDownload, FactoryKnowsBothEntries) {
+  const std::unique_ptr<CProfileDataEntry> blocks(CProfileDataEntry::CreateDataEntry(CProfileDataEntry::kMaskDownload));
+  const std::unique_ptr<CProfileDataEntry> patterns(
+      CProfileDataEntry::CreateDataEntry(CProfileDataEntry::kMaskDownloadIncludePattern));
+  EXPECT_EQ(dynamic_cast<CMaskDownloadIncludePatternEntry*>(blocks.get()), nullptr);
+  EXPECT_NE(dynamic_cast<CMaskDownLoadEntry*>(blocks.get()), nullptr);
+  EXPECT_NE(dynamic_cast<CMaskDownloadIncludePatternEntry*>(patterns.get()), nullptr);
+}
+
+}  // namespace

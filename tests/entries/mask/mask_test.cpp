@@ -1,0 +1,390 @@
+#include "support/byte_builder.h"
+
+#include <nvxprofile/diagnosis.h>
+#include <nvxprofile/mask.h>
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <vector>
+
+namespace {
+
+using nvx::test::ByteBuilder;
+using nvx::test::Bytes;
+
+CMaskParameterDataEntry* NewRecord(std::uint32_t pass, std::vector<std::uint32_t> colors, const Bytes& data = {}) {
+  CMaskParameterDataEntry* const entry = CMaskParameterDataEntry::CreateEntry();
+  entry->SetPass(pass);
+  entry->SetSpecialColorsetCode(2);
+  entry->SetPrintMethod(300);
+  for (const std::uint32_t color : colors) entry->AddLayerColor(color);
+  entry->SetParamDataBuffer(data.data(), static_cast<std::uint32_t>(data.size()));
+  return entry;
+}
+
+CMaskPatternDataEntry* NewPattern(std::uint32_t id, const Bytes& data = {}) {
+  CMaskPatternDataEntry* const entry = CMaskPatternDataEntry::CreateEntry();
+  entry->SetMaskPatternID(id);
+  entry->SetMaskPatternBuffer(data.data(), static_cast<std::uint32_t>(data.size()));
+  return entry;
+}
+
+Bytes ParamBytes(CMaskParameterDataEntry& entry) {
+  const std::uint8_t* const data = entry.GetParamDataBuffer();
+  return Bytes(data, data + entry.GetParamDataSize());
+}
+
+Bytes PatternBytes(CMaskPatternDataEntry& entry) {
+  const std::uint8_t* const data = entry.GetMaskPatternBuffer();
+  return Bytes(data, data + entry.GetMaskPatternSize());
+}
+
+template <class File, class Data>
+bool Load(const Bytes& bytes, Data& data, nvx::Diagnosis* diagnosis = nullptr) {
+  CNvxMemFile stream(const_cast<std::uint8_t*>(bytes.data()), static_cast<std::uint32_t>(bytes.size()));
+  stream.SetDiagnosis(diagnosis);
+  return File().LoadFile(stream, &data);
+}
+
+template <class File, class Data>
+Bytes Save(Data& data) {
+  CNvxMemFile stream;
+  EXPECT_TRUE(File().SaveFile(stream, &data));
+  const Bytes bytes(stream.Buffer, stream.Buffer + stream.Position);
+  std::free(stream.Buffer);
+  EXPECT_EQ(bytes.size(), File::GetSavedSize(data));
+  return bytes;
+}
+
+ByteBuilder FileHeader(const char* magic, std::uint32_t count) {
+  return ByteBuilder().Text(magic).U32(40).U32(1).U32(0).U32(count).Zero(20);
+}
+
+ByteBuilder PatternRecord(std::uint32_t id, std::uint32_t size) {
+  return ByteBuilder().Text("HRPM").U32(40).U32(0).U32(id).U32(size).Zero(20);
+}
+
+// Two records, the second without a block: 40 + 2 * 136 + (4 + 5) + 4 bytes.
+ByteBuilder TwoRecords() {
+  return FileHeader("HPPM", 2)
+      .Text("HRPM")
+      .U32(136)
+      .U32(0)
+      .U32(4)
+      .U32(2)
+      .U32(300)
+      .U32(3)
+      .U32(2)
+      .U32(5)
+      .U32(9)
+      .Zero(28)
+      .U32(5)
+      .U32(2)
+      .U32(5)
+      .U32(2)
+      .Zero(52)
+      .Text("HRPM")
+      .U32(136)
+      .U32(0)
+      .U32(8)
+      .U32(2)
+      .U32(300)
+      .U32(0)
+      .Zero(40)
+      .U32(0)
+      .U32(0)
+      .Zero(60)
+      .Text("DEPM")
+      .Text("block")
+      .Text("DEPM");
+}
+
+TEST(MaskParameter, KeepsColoursSortedAndIdsInOrder) {
+  CMaskParameterDataEntry entry;
+  for (const std::uint32_t color : {5u, 2u, 9u, 0xFFFFFFFFu, 2u}) entry.AddLayerColor(color);
+  for (const std::uint32_t id : {5u, 2u, 5u}) entry.AddUsePatternID(id);
+  ASSERT_EQ(entry.GetLayerColorCount(), 5u);
+  ASSERT_EQ(entry.GetUsePatternIDCount(), 3u);
+  const std::uint32_t sorted[] = {2, 2, 5, 9, 0xFFFFFFFF};
+  for (int i = 0; i < 5; ++i) EXPECT_EQ(entry.GetLeyerColor(i), sorted[i]);
+  EXPECT_EQ(entry.GetUsePatternID(0), 5u);
+  EXPECT_EQ(entry.GetUsePatternID(1), 2u);
+  EXPECT_EQ(entry.GetLeyerColor(5), 0u);
+  EXPECT_EQ(entry.GetUsePatternID(-1), 0u);
+}
+
+TEST(MaskParameter, BlockIsCopiedEvenFromItself) {
+  CMaskParameterDataEntry entry;
+  EXPECT_EQ(entry.GetParamDataBuffer(), nullptr);
+  Bytes data = {1, 2, 3, 4};
+  entry.SetParamDataBuffer(data.data(), 4);
+  data.assign(4, 0);
+  entry.SetParamDataBuffer(entry.GetParamDataBuffer() + 1, 3);
+  EXPECT_EQ(ParamBytes(entry), (Bytes{2, 3, 4}));
+  entry.SetParamDataBuffer(nullptr, 7);
+  EXPECT_EQ(entry.GetParamDataSize(), 0u);
+  EXPECT_EQ(entry.GetParamDataBuffer(), nullptr);
+}
+
+TEST(MaskParameter, FirstRecordThatFitsWins) {
+  CMaskParameterData list;
+  EXPECT_EQ(list.GetEntry(4, 2, 300, 0, nullptr), nullptr);
+  CMaskParameterDataEntry* const first = NewRecord(4, {1, 2});
+  CMaskParameterDataEntry* const bare = NewRecord(4, {});
+  list.AddTail(NewRecord(3, {1, 2}));
+  list.AddTail(first);
+  list.AddTail(NewRecord(4, {3, 4}));
+  list.AddTail(bare);
+  list.AddTail(nullptr);
+  std::uint32_t colors[] = {4, 3};
+  EXPECT_EQ(list.GetEntry(4, 2, 300, 2, colors), first);
+  EXPECT_EQ(list.GetEntry(4, 2, 300, 0, nullptr), bare);
+  EXPECT_EQ(list.GetEntry(4, 1, 300, 2, colors), nullptr);
+  EXPECT_EQ(list.GetEntry(4, 2, 301, 2, colors), nullptr);
+  EXPECT_EQ(list.GetEntry(4, 2, 300, 3, colors), nullptr);
+  EXPECT_EQ(list.GetEntryCount(), 4);
+
+  CMaskParameterData again;
+  ASSERT_TRUE(Load<CMaskParameterFile>(Save<CMaskParameterFile>(list), again));
+  CMaskParameterDataEntry* const found = again.GetEntry(4, 2, 300, 2, colors);
+  ASSERT_NE(found, nullptr);
+  EXPECT_EQ(found->GetLeyerColor(0), 1u);
+}
+
+TEST(MaskParameter, FormIsExact) {
+  CMaskParameterData list;
+  EXPECT_EQ(Save<CMaskParameterFile>(list), FileHeader("HPPM", 0).Take());
+  list.AddTail(NewRecord(4, {9, 2, 5}, ByteBuilder().Text("block")));
+  list.Entries().At(0)->AddUsePatternID(5);
+  list.Entries().At(0)->AddUsePatternID(2);
+  list.AddTail(NewRecord(8, {}));
+  EXPECT_EQ(Save<CMaskParameterFile>(list), TwoRecords().Take());
+
+  CMaskParameterData loaded;
+  ASSERT_TRUE(Load<CMaskParameterFile>(TwoRecords(), loaded));
+  EXPECT_EQ(Save<CMaskParameterFile>(loaded), TwoRecords().Take());
+  ASSERT_TRUE(Load<CMaskParameterFile>(TwoRecords(), loaded));
+  ASSERT_EQ(loaded.GetEntryCount(), 4);
+  EXPECT_EQ(ParamBytes(*loaded.Entries().At(2)), ByteBuilder().Text("block").Take());
+}
+
+// The bytes at an offset replaced by a number.
+Bytes With(Bytes bytes, std::size_t offset, std::uint32_t value) {
+  for (int i = 0; i < 4; ++i) bytes[offset + static_cast<std::size_t>(i)] = static_cast<std::uint8_t>(value >> (8 * i));
+  return bytes;
+}
+
+TEST(MaskParameter, RefusedStreamsLeaveTheListAlone) {
+  const Bytes whole = TwoRecords();
+  std::vector<Bytes> streams = {
+      With(whole, 0, 0),                 // header magic
+      With(whole, 16, 3),                // one record more than there is
+      With(whole, 16, 0xFFFFFFFF),       // record count
+      With(whole, 40 + 24, 11),          // layer colours
+      With(whole, 40 + 72, 16),          // pattern IDs
+      With(whole, 40 + 68, 0xFFFFFFFF),  // block size
+      With(whole, 40 + 68, 10),          // block size, one more than the rest
+  };
+  for (std::size_t length = 0; length < whole.size(); ++length)
+    streams.emplace_back(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(length));
+  for (const Bytes& stream : streams) {
+    CMaskParameterData list;
+    list.AddTail(NewRecord(1, {}));
+    nvx::Diagnosis diagnosis;
+    EXPECT_FALSE(Load<CMaskParameterFile>(stream, list, &diagnosis)) << stream.size();
+    EXPECT_TRUE(diagnosis.HasErrors());
+    EXPECT_EQ(list.GetEntryCount(), 1);
+  }
+}
+
+TEST(MaskParameter, WrongMagicsArePassedOver) {
+  CMaskParameterData list;
+  nvx::Diagnosis diagnosis;
+  ASSERT_TRUE(Load<CMaskParameterFile>(With(TwoRecords(), 40 + 136, 0), list, &diagnosis)) << "record";
+  EXPECT_EQ(diagnosis.Findings().size(), 1u);
+  ASSERT_EQ(list.GetEntryCount(), 1);
+  EXPECT_EQ(ParamBytes(*list.Entries().At(0)), ByteBuilder().Text("block").Take());
+
+  // The first block's size goes to the second: its magic is sought in the four bytes behind the wrong one.
+  const Bytes stream = FileHeader("HPPM", 2)
+                           .Text("HRPM")
+                           .Zero(64)
+                           .U32(3)
+                           .Zero(64)
+                           .Text("HRPM")
+                           .Zero(64)
+                           .U32(9)
+                           .Zero(64)
+                           .Text("EDPM")
+                           .Text("DEPM")
+                           .Text("abc");
+  list.DeleteContents();
+  ASSERT_TRUE(Load<CMaskParameterFile>(stream, list));
+  ASSERT_EQ(list.GetEntryCount(), 2);
+  EXPECT_EQ(list.Entries().At(0)->GetParamDataSize(), 0u);
+  EXPECT_EQ(ParamBytes(*list.Entries().At(1)), ByteBuilder().Text("abc").Take());
+}
+
+TEST(MaskParameter, HeaderReadBeforehandIsNotReadAgain) {
+  Bytes bytes = TwoRecords();
+  CNvxMemFile stream(bytes.data(), static_cast<std::uint32_t>(bytes.size()));
+  CMaskParameterFile file;
+  CMaskParameterData list;
+  ASSERT_TRUE(file.LoadHeader(stream));
+  EXPECT_TRUE(file.LoadFile(stream, &list));
+  EXPECT_EQ(list.GetEntryCount(), 2);
+}
+
+TEST(MaskParameter, WhatTheFormHasNoRoomForIsNotSaved) {
+  CMaskParameterData list;
+  list.AddTail(NewRecord(4, std::vector<std::uint32_t>(10, 7)));
+  for (std::uint32_t id = 0; id < 15; ++id) list.Entries().At(0)->AddUsePatternID(id);
+  CMaskParameterData loaded;
+  ASSERT_TRUE(Load<CMaskParameterFile>(Save<CMaskParameterFile>(list), loaded)) << "10 colours and 15 IDs fit";
+  EXPECT_EQ(loaded.Entries().At(0)->GetUsePatternID(14), 14u);
+
+  CNvxMemFile stream;
+  list.Entries().At(0)->AddUsePatternID(15);
+  EXPECT_FALSE(CMaskParameterFile().SaveFile(stream, &list));
+  list.DeleteContents();
+  list.AddTail(NewRecord(4, std::vector<std::uint32_t>(11, 7)));
+  EXPECT_FALSE(CMaskParameterFile().SaveFile(stream, &list));
+  EXPECT_EQ(stream.Position, 0u);
+}
+
+TEST(MaskPattern, TableIsSortedAndHoldsAnIdOnce) {
+  CMaskPatternData table;
+  CMaskPatternDataEntry* const three = NewPattern(3, {1});
+  EXPECT_TRUE(table.Add(NewPattern(7)));
+  EXPECT_TRUE(table.Add(three));
+  EXPECT_TRUE(table.Add(NewPattern(0xFFFFFFFF)));
+  EXPECT_TRUE(table.Add(NewPattern(5)));
+  EXPECT_FALSE(table.Add(NewPattern(3, {2})));
+  EXPECT_FALSE(table.Add(three)) << "the table holds it already, and it lives on";
+  EXPECT_FALSE(table.Add(nullptr));
+  EXPECT_EQ(table.GetEntry(3), three);
+  EXPECT_EQ(PatternBytes(*table.GetEntry(3)), Bytes{1});
+  EXPECT_EQ(table.GetEntry(4), nullptr);
+  EXPECT_NE(table.GetEntry(-1), nullptr);
+  EXPECT_EQ(table.GetEntryCount(), 4);
+
+  std::vector<std::uint32_t> ids;
+  bool more = table.GetFirstPosition();
+  while (more) ids.push_back(table.GetNextPosition(more)->GetMaskPatternID());
+  EXPECT_EQ(ids, (std::vector<std::uint32_t>{3, 5, 7, 0xFFFFFFFF}));
+  EXPECT_EQ(table.GetNextPosition(more), nullptr);
+}
+
+TEST(MaskPattern, FormIsExactAndRefusedWhereItIsCut) {
+  CMaskPatternData table;
+  EXPECT_EQ(Save<CMaskPatternFile>(table), FileHeader("HTPM", 0).Take());
+  table.Add(NewPattern(7, {7, 7}));
+  table.Add(NewPattern(3, {3, 3, 3}));
+  table.Add(NewPattern(5));
+  const Bytes whole = FileHeader("HTPM", 3)
+                          .Append(PatternRecord(3, 3))
+                          .Append(PatternRecord(5, 0))
+                          .Append(PatternRecord(7, 2))
+                          .Text("EDPM")
+                          .Fill(3, 3)
+                          .Text("EDPM")
+                          .Text("EDPM")
+                          .Fill(7, 2);
+  EXPECT_EQ(Save<CMaskPatternFile>(table), whole);
+
+  CMaskPatternData loaded;
+  ASSERT_TRUE(Load<CMaskPatternFile>(whole, loaded));
+  EXPECT_EQ(Save<CMaskPatternFile>(loaded), whole);
+
+  std::vector<Bytes> streams = {With(whole, 0, 0), With(whole, 16, 0xFFFFFFFF), With(whole, 40 + 16, 0xFFFFFFFF)};
+  for (std::size_t length = 0; length < whole.size(); ++length)
+    streams.emplace_back(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(length));
+  for (const Bytes& stream : streams) {
+    CMaskPatternData target;
+    EXPECT_FALSE(Load<CMaskPatternFile>(stream, target)) << stream.size();
+    EXPECT_EQ(target.GetEntryCount(), 0);
+  }
+}
+
+TEST(MaskPattern, BlocksGoToPatternsInOrderOfTheirIds) {
+  CMaskPatternData table;
+  table.Add(NewPattern(4, {4}));
+  // 3 stands twice and 4 is taken; 5 takes the size of the second record, and the last block stays unread.
+  const Bytes repeated = FileHeader("HTPM", 4)
+                             .Append(PatternRecord(3, 1))
+                             .Append(PatternRecord(3, 2))
+                             .Append(PatternRecord(4, 9))
+                             .Append(PatternRecord(5, 3))
+                             .Text("EDPM")
+                             .Text("a")
+                             .Text("EDPM")
+                             .Text("bc")
+                             .Text("EDPM")
+                             .Text("def");
+  nvx::Diagnosis diagnosis;
+  ASSERT_TRUE(Load<CMaskPatternFile>(repeated, table, &diagnosis));
+  EXPECT_EQ(diagnosis.Findings().size(), 1u);
+  EXPECT_EQ(table.GetEntryCount(), 3);
+  EXPECT_EQ(PatternBytes(*table.GetEntry(3)), ByteBuilder().Text("a").Take());
+  EXPECT_EQ(PatternBytes(*table.GetEntry(4)), Bytes{4});
+  EXPECT_EQ(PatternBytes(*table.GetEntry(5)), ByteBuilder().Text("bc").Take());
+
+  // Out of order, with a wrong magic: the second pattern stays empty and leaves its size unused.
+  CMaskPatternData other;
+  const Bytes unordered = FileHeader("HTPM", 3)
+                              .Append(PatternRecord(9, 1))
+                              .Append(PatternRecord(6, 2))
+                              .Append(PatternRecord(8, 3))
+                              .Text("EDPM")
+                              .Text("a")
+                              .Text("DEPM")
+                              .Text("EDPM")
+                              .Text("def");
+  ASSERT_TRUE(Load<CMaskPatternFile>(unordered, other));
+  EXPECT_EQ(PatternBytes(*other.GetEntry(6)), ByteBuilder().Text("a").Take());
+  EXPECT_EQ(other.GetEntry(8)->GetMaskPatternSize(), 0u);
+  EXPECT_EQ(PatternBytes(*other.GetEntry(9)), ByteBuilder().Text("def").Take());
+}
+
+TEST(MaskPattern, ManyIdsInDescendingOrderLoadAtOnce) {
+  constexpr std::uint32_t kCount = 200000;
+  ByteBuilder builder = FileHeader("HTPM", kCount);
+  for (std::uint32_t i = 0; i < kCount; ++i) builder.Append(PatternRecord(kCount - i, 0));
+  for (std::uint32_t i = 0; i < kCount; ++i) builder.Text("EDPM");
+  CMaskPatternData table;
+  table.Add(NewPattern(0));
+  table.Add(NewPattern(kCount + 1));
+  ASSERT_TRUE(Load<CMaskPatternFile>(builder, table));
+  EXPECT_EQ(table.GetEntryCount(), static_cast<int>(kCount) + 2);
+  EXPECT_NE(table.GetEntry(static_cast<int>(kCount)), nullptr);
+}
+
+TEST(MaskData, CopiesAreDeepAndBorrowedEntriesLiveOn) {
+  CMaskParameterData list;
+  list.AddTail(NewRecord(4, {1}, {1, 2}));
+  CMaskPatternData table;
+  table.Add(NewPattern(3, {5}));
+  CMaskParameterData listCopy = list;
+  CMaskPatternData tableCopy = table;
+  list.Entries().At(0)->GetParamDataBuffer()[0] = 9;
+  table.GetEntry(3)->GetMaskPatternBuffer()[0] = 9;
+  EXPECT_EQ(ParamBytes(*listCopy.Entries().At(0)), (Bytes{1, 2}));
+  EXPECT_EQ(PatternBytes(*tableCopy.GetEntry(3)), Bytes{5});
+  listCopy = list;
+  tableCopy = table;
+  EXPECT_EQ(ParamBytes(*listCopy.Entries().At(0)), (Bytes{9, 2}));
+  EXPECT_EQ(PatternBytes(*tableCopy.GetEntry(3)), Bytes{9});
+
+  CMaskParameterDataEntry borrowed;
+  CMaskParameterData borrowing;
+  borrowing.SetAutoDelete(false);
+  borrowing.AddTail(&borrowed);
+  CMaskParameterData owning = borrowing;
+  EXPECT_TRUE(owning.IsAutoDelete());
+  borrowing.DeleteContents();
+  EXPECT_EQ(borrowing.GetEntryCount(), 0);
+  EXPECT_EQ(owning.GetEntryCount(), 1);
+}
+
+}  // namespace

@@ -1,0 +1,22 @@
+// The heap of the memory tests: every allocation of the library passes here, so that it can be counted or refused.
+// operator new is replaced, and the linker wraps malloc, calloc, realloc and free (see CMakeLists.txt).
+#pragma once
+
+#include <cstddef>
+
+namespace nvx::test::heap {
+
+// Bytes in use now, and the most that were in use since ResetPeak.
+std::size_t InUse();
+std::size_t Peak();
+void ResetPeak();
+
+// Allocations since ResetCount.
+std::size_t Count();
+void ResetCount();
+
+// Refuses the allocation of that number, counted from now (0 is the next one), and all behind it until Recover.
+void FailFrom(std::size_t number);
+void Recover();
+
+}  // namespace nvx::test::heap

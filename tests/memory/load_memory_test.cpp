@@ -1,0 +1,123 @@
+// What a load takes of the heap, and what it leaves when the heap gives nothing more.
+#include "memory/heap.h"
+#include "support/temp_folder.h"
+
+#include <nvxprofile/profile_access.h>
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <memory>
+#include <new>
+#include <string>
+#include <vector>
+
+namespace {
+
+namespace heap = nvx::test::heap;
+using nvx::test::Bytes;
+
+// Files that the repository keeps as seeds and as past findings of its fuzzers, by the form that they hold.
+std::vector<std::filesystem::path> Corpus() {
+  std::vector<std::filesystem::path> files;
+  for (const char* const folder : {"corpus", "regressions"}) {
+    const std::filesystem::path root = std::filesystem::path(NVXPROFILE_SOURCE_FOLDER) / "fuzz" / folder;
+    if (!std::filesystem::exists(root)) continue;
+    for (const auto& item : std::filesystem::recursive_directory_iterator(root)) {
+      if (item.is_regular_file()) files.push_back(item.path());
+    }
+  }
+  return files;
+}
+
+std::vector<std::uint32_t> TypesOfForm(const std::string& form) {
+  if (form == "curve") return {2, 6, 7};
+  if (form == "lut") return {8};
+  if (form == "model_info") return {1, 14};
+  if (form == "media_property") return {16};
+  if (form == "calibration") return {19, 20};
+  if (form == "mask") return {29};
+  if (form == "mask_download") return {27, 29};
+  if (form == "large_parameter") return {28};
+  if (form == "special_color") return {30};
+  return {10};
+}
+
+void LoadAsFile(const std::filesystem::path& path) {
+  CProfileAccess access;
+  CError error;
+  access.Init(nvx::platform::Utf8ToWide(path.string()).c_str(), &error);
+}
+
+void LoadAsEntry(std::uint32_t usedType, const Bytes& bytes) {
+  const std::unique_ptr<CProfileDataEntry> entry(
+      CProfileDataEntry::CreateDataEntry(static_cast<CProfileDataEntry::UsedType>(usedType)));
+  ASSERT_NE(entry, nullptr);
+  if (std::uint8_t* const buffer = entry->GetBuffer(static_cast<std::uint32_t>(bytes.size()))) {
+    std::copy(bytes.begin(), bytes.end(), buffer);
+  }
+  entry->BufferToData();
+}
+
+// Most bytes in use while `run` runs, over those in use before.
+template <class Run>
+std::size_t PeakOf(Run run) {
+  const std::size_t before = heap::InUse();
+  heap::ResetPeak();
+  run();
+  EXPECT_EQ(heap::InUse(), before) << "a load leaks";
+  return heap::Peak() - before;
+}
+
+// Runs `run` again and again, each time with one allocation more than the last, until it comes through.
+template <class Run>
+void RunOutOfMemory(Run run) {
+  for (std::size_t number = 0;; ++number) {
+    const std::size_t before = heap::InUse();
+    heap::FailFrom(number);
+    bool through = false;
+    try {
+      run();
+      through = true;
+    } catch (const std::bad_alloc&) {
+    }
+    const bool enough = heap::Count() <= number;
+    heap::Recover();
+    ASSERT_EQ(heap::InUse(), before) << "leak when allocation " << number << " fails";
+    if (through && enough) return;
+    ASSERT_LT(number, 100'000u);
+  }
+}
+
+TEST(LoadMemory, StaysBelowFiveTimesTheBytesAndOneMegabyte) {
+  const auto files = Corpus();
+  ASSERT_FALSE(files.empty());
+  for (const auto& path : files) {
+    SCOPED_TRACE(path.string());
+    const std::size_t limit = 5 * std::filesystem::file_size(path) + (std::size_t{1} << 20);
+    EXPECT_LE(PeakOf([&] { LoadAsFile(path); }), limit);
+    const Bytes bytes = nvx::test::ReadBytes(path.string());
+    for (const std::uint32_t type : TypesOfForm(path.parent_path().filename().string())) {
+      EXPECT_LE(PeakOf([&] { LoadAsEntry(type, bytes); }), limit) << "as entry " << type;
+    }
+  }
+}
+
+TEST(LoadMemory, AnExhaustedHeapIsPassedOnAndLeavesNothing) {
+  for (const auto& path : Corpus()) {
+    if (std::filesystem::file_size(path) > 20'000) continue;
+    SCOPED_TRACE(path.string());
+    const std::u16string wide = nvx::platform::Utf8ToWide(path.string());
+    RunOutOfMemory([&] {
+      CProfileAccess access;
+      CError error;
+      access.Init(wide.c_str(), &error);
+    });
+    const Bytes bytes = nvx::test::ReadBytes(path.string());
+    for (const std::uint32_t type : TypesOfForm(path.parent_path().filename().string())) {
+      RunOutOfMemory([&] { LoadAsEntry(type, bytes); });
+    }
+  }
+}
+
+}  // namespace

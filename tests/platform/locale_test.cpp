@@ -1,0 +1,113 @@
+#include "platform/locale.h"
+
+#include "support/environment.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace {
+
+using nvx::platform::AnsiCodePage;
+using nvx::platform::AnsiToWide;
+using nvx::platform::CutAnsi;
+using nvx::platform::PrimaryLanguage;
+using nvx::platform::Utf8ToWide;
+using nvx::platform::WideToAnsi;
+using nvx::platform::WideToUtf8;
+using nvx::test::ScopedLanguage;
+using nvx::test::ScopedVariable;
+
+TEST(Locale, LanguageAndCodePage) {
+  const struct {
+    const char* locale;
+    std::uint16_t language;
+    std::uint32_t page;
+  } kCases[] = {{"ja_JP.UTF-8", 17, 932}, {"ja", 17, 932},    {"en_GB", 9, 1252},  {"de_DE@euro", 7, 1252},
+                {"zh_CN.UTF-8", 4, 936},  {"ko_KR", 18, 949}, {"ru-RU", 25, 1251}, {"C.UTF-8", 9, 1252},
+                {"POSIX", 9, 1252},       {"xx_YY", 9, 1252}, {"jam", 9, 1252}};
+  for (const auto& item : kCases) {
+    const ScopedLanguage language(item.locale);
+    EXPECT_EQ(PrimaryLanguage(), item.language) << item.locale;
+    EXPECT_EQ(AnsiCodePage(), item.page) << item.locale;
+  }
+}
+
+TEST(Locale, FirstVariableThatIsSetDecides) {
+  const ScopedLanguage none(nullptr);
+  const ScopedVariable language("LANG", "fr_FR.UTF-8");
+  const ScopedVariable messages("LC_MESSAGES", "");
+  EXPECT_EQ(PrimaryLanguage(), 12);
+  const ScopedVariable japanese("LC_MESSAGES", "ja_JP");
+  EXPECT_EQ(PrimaryLanguage(), 17);
+  const ScopedVariable page("NVXPROFILE_CODEPAGE", "1252");
+  EXPECT_EQ(AnsiCodePage(), 1252u);
+  const ScopedVariable noNumber("NVXPROFILE_CODEPAGE", "1252x");
+  EXPECT_EQ(AnsiCodePage(), 932u);
+}
+
+TEST(Locale, ShiftJisBothWays) {
+  const ScopedVariable page("NVXPROFILE_CODEPAGE", "932");
+  // Half-width katakana, characters whose second byte is a backslash, and an extension of the vendor code page.
+  const std::u16string wide = u"光沢紙 ソ表 ｱｲ ①～ A4";
+  const std::string narrow = "\x8C\xF5\x91\xF2\x8E\x86 \x83\x5C\x95\x5C \xB1\xB2 \x87\x40\x81\x60 A4";
+  EXPECT_EQ(WideToAnsi(wide), narrow);
+  EXPECT_EQ(AnsiToWide(narrow), wide);
+}
+
+TEST(Locale, WesternBothWays) {
+  const ScopedVariable page("NVXPROFILE_CODEPAGE", "1252");
+  EXPECT_EQ(AnsiToWide("Pap\xEAter \x80 5\x85 \x93hi\x94 \xDF"), u"Papêter € 5… “hi” ß");
+  EXPECT_EQ(WideToAnsi(u"Papêter € 5… “hi” ß"), "Pap\xEAter \x80 5\x85 \x93hi\x94 \xDF");
+}
+
+TEST(Locale, WhatDoesNotConvertBecomesASubstitute) {
+  {
+    const ScopedVariable page("NVXPROFILE_CODEPAGE", "932");
+    EXPECT_EQ(AnsiToWide("a\xFF"
+                         "b"),
+              u"a\xFFFD"
+              u"b");
+    EXPECT_EQ(AnsiToWide("a\x83"), u"a\xFFFD");  // half a character at the end
+    EXPECT_EQ(WideToAnsi(u"aé\xD83D\xDE00z"), "a??z");
+  }
+  const ScopedVariable page("NVXPROFILE_CODEPAGE", "1252");
+  EXPECT_EQ(AnsiToWide("\x81z"), u"\xFFFDz");
+  EXPECT_EQ(WideToAnsi(u"光x\xD83Dy\xDE00z\xD83D"), "?x?y?z?");
+  EXPECT_EQ(AnsiToWide(std::string(3000, '\x81')), std::u16string(3000, u'\xFFFD'));
+  EXPECT_EQ(AnsiToWide(std::string(3000, 'e')), std::u16string(3000, u'e'));
+  EXPECT_EQ(AnsiToWide(""), u"");
+  const ScopedVariable unknown("NVXPROFILE_CODEPAGE", "99999");
+  EXPECT_EQ(AnsiToWide("é"), u"é");
+  EXPECT_EQ(WideToAnsi(u"é"), "é");
+}
+
+TEST(Locale, CutsBetweenCharacters) {
+  const std::string_view text = "a\x8C\xF5\x91\xF2";
+  {
+    const ScopedVariable page("NVXPROFILE_CODEPAGE", "932");
+    EXPECT_EQ(CutAnsi(text, 5), text);
+    EXPECT_EQ(CutAnsi(text, 4), text.substr(0, 3));
+    EXPECT_EQ(CutAnsi(text, 3), text.substr(0, 3));
+    EXPECT_EQ(CutAnsi(text, 2), text.substr(0, 1));
+    EXPECT_EQ(CutAnsi(text, 0), "");
+  }
+  {
+    const ScopedVariable page("NVXPROFILE_CODEPAGE", "65001");
+    EXPECT_EQ(CutAnsi("aé光", 5), "aé");
+    EXPECT_EQ(CutAnsi("aé光", 2), "a");
+  }
+  const ScopedVariable page("NVXPROFILE_CODEPAGE", "1252");
+  EXPECT_EQ(CutAnsi(text, 4), text.substr(0, 4));
+}
+
+TEST(Locale, Utf8BothWays) {
+  const std::u16string wide = u"aé光\xD83D\xDE00";
+  EXPECT_EQ(Utf8ToWide("aé光😀"), wide);
+  EXPECT_EQ(WideToUtf8(wide), "aé光😀");
+  EXPECT_EQ(WideToUtf8(u"\xD83Dx\xDE00"), "\xEF\xBF\xBDx\xEF\xBF\xBD");
+  EXPECT_EQ(Utf8ToWide("\xC0\x80|\xED\xA0\x80|\xF5|\xE5\x85|\x80|\xE5\x85"),
+            u"\xFFFD\xFFFD|\xFFFD|\xFFFD|\xFFFD|\xFFFD|\xFFFD");
+}
+
+}  // namespace
