@@ -85,6 +85,9 @@ class CICCProfile {
   // data with others leaves them theirs. With size 0 it removes the tag; true also if there was none.
   bool SetTag(const char* tag, const void* data, std::uint32_t size);
 
+  // As SetTag with a malloc'ed block, which is taken over instead of copied, whatever the result.
+  bool AttachTag(const char* tag, std::uint8_t* block, std::uint32_t size);
+
   // The number of a tag's name, the first character most significant. Characters that a shorter text lacks count as 0.
   static std::uint32_t MakeTagSignature(const char* tag);
 

@@ -104,15 +104,28 @@ std::uint32_t IccImage::OpenedOffset(std::uint32_t signature) const {
 
 void IccImage::SetTag(std::uint32_t signature, std::span<const std::uint8_t> bytes) {
   if (bytes.empty()) return RemoveTag(signature);
-  const auto present = Tag(signature);
-  if (present && std::equal(bytes.begin(), bytes.end(), present->begin(), present->end())) return;
+  if (HasBytes(signature, bytes)) return;
   // The copy comes first: the bytes may be those of this tag.
   Block copy = AllocateBlock(bytes.size());
   std::memcpy(copy.get(), bytes.data(), bytes.size());
+  Replace(signature, std::move(copy), static_cast<std::uint32_t>(bytes.size()));
+}
+
+void IccImage::SetTag(std::uint32_t signature, Block block, std::uint32_t size) {
+  if (size == 0) return RemoveTag(signature);
+  if (!HasBytes(signature, {block.get(), size})) Replace(signature, std::move(block), size);
+}
+
+bool IccImage::HasBytes(std::uint32_t signature, std::span<const std::uint8_t> bytes) const {
+  const auto present = Tag(signature);
+  return present && std::equal(bytes.begin(), bytes.end(), present->begin(), present->end());
+}
+
+void IccImage::Replace(std::uint32_t signature, Block block, std::uint32_t size) {
   Entry& entry = FindOrAdd(signature);
-  entry.size = static_cast<std::uint32_t>(bytes.size());
-  entry.data = copy.get();
-  entry.block = std::move(copy);
+  entry.size = size;
+  entry.data = block.get();
+  entry.block = std::move(block);
   changed_ = true;
 }
 

@@ -44,6 +44,8 @@ class IccImage {
 
   // Copies the bytes. Bytes equal to those that the tag has change nothing; none at all remove the tag.
   void SetTag(std::uint32_t signature, std::span<const std::uint8_t> bytes);
+  // The same with a block that is taken over instead of copied.
+  void SetTag(std::uint32_t signature, Block block, std::uint32_t size);
   void RemoveTag(std::uint32_t signature);
 
   // Signatures in the order of the table.
@@ -102,6 +104,8 @@ class IccImage {
 
   const Entry* Find(std::uint32_t signature) const;
   Entry& FindOrAdd(std::uint32_t signature);
+  bool HasBytes(std::uint32_t signature, std::span<const std::uint8_t> bytes) const;
+  void Replace(std::uint32_t signature, Block block, std::uint32_t size);
   std::size_t CountPresent() const;
   Layout Arrange() const;
   void ArrangeOpened(Layout& layout) const;
