@@ -45,7 +45,7 @@ void Wrap(CProfileData& data, const Bytes& frame) {
   Add(data, 6, CurveSet(2, Bytes(512, 3)), 4);
   Add(data, 27, MaskStream(6), 8);
   Add(data, 18, frame, 256);
-  data.GetProfileInfo()->HasMaskDownload = true;
+  data.GetProfileInfo()->HasMaskDownload = data.GetProfileInfo()->HasOutputBlock = true;
   data.GetProfileInfo()->ScanResolution = 720;
   std::u16string(u"0000").copy(data.GetProfileInfo()->Binary.StoredRevisionCode, 4);
 }
