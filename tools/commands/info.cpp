@@ -1,5 +1,6 @@
 // nvxprofile info: what a profile is and what it holds.
 #include "command.h"
+#include "icc_facts.h"
 #include "loading.h"
 #include "record_json.h"
 #include "terminal.h"
@@ -30,7 +31,8 @@ Json EntryToJson(CProfileDataEntry& entry) {
                {"optionInfo", entry.GetOptionInfo()},
                {"label", NarrowToJson(entry.GetLabelString())},
                {"size", entry.GetSize()}};
-  Json payload = PayloadToJson(entry);
+  const bool isIcc = entry.GetFormatType() == CProfileDataEntry::kFormatIcc;
+  Json payload = isIcc ? IccToJson(entry.GetRefBuffer(), entry.GetSize()) : PayloadToJson(entry);
   if (!payload.is_null()) json["payload"] = std::move(payload);
   return json;
 }
@@ -94,6 +96,20 @@ std::string FlagsOf(CProfileDataEntry& entry) {
   return flags;
 }
 
+void PrintIcc(CProfileDataEntry& entry) {
+  IccDirectory directory;
+  if (!ReadIccDirectory(entry.GetRefBuffer(), entry.GetSize(), directory)) return;
+  std::string facts;
+  for (const auto& [name, value] : IccFacts(directory.header)) {
+    if (name == "size" || value.empty()) continue;
+    facts += fmt::format("{}{} {}", facts.empty() ? "" : ", ", name, value);
+  }
+  std::string tags;
+  for (const IccTag& tag : directory.tags) tags += fmt::format(" {} {}", SignatureText(tag.signature), tag.size);
+  PrintLine(Styled(Style::kDim, fmt::format("    {}: {}", EntryName(entry.GetUsedType()), facts)));
+  PrintLine(Styled(Style::kDim, fmt::format("    {} tags:{}", directory.tags.size(), tags)));
+}
+
 void Print(const std::string& path, CProfileAccess& access) {
   PrintLine(Styled(Style::kHeading, path) + ": " + std::string(FormatName(access.GetProfileLoadFormat())));
   PrintRecord(*access.GetProfileInfo());
@@ -113,6 +129,9 @@ void Print(const std::string& path, CProfileAccess& access) {
                  WideToUtf8(AnsiToWide(entry->GetLabelString()))});
     }
     table.Print(4);
+    for (CProfileDataEntry* const entry : EntriesOf(*route)) {
+      if (entry->GetFormatType() == CProfileDataEntry::kFormatIcc) PrintIcc(*entry);
+    }
   }
 }
 

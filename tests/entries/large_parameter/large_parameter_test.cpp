@@ -14,8 +14,8 @@ namespace {
 using nvx::test::ByteBuilder;
 using nvx::test::Bytes;
 using nvx::test::BytesOf;
-using nvx::test::LoadBytes;
 using nvx::test::Padded;
+using nvx::test::Parse;
 using Words = std::vector<std::int32_t>;
 using Table = std::unique_ptr<CLargeParameterDataEntry>;
 
@@ -164,7 +164,7 @@ TEST(LargeParameter, HostileWordsLeadNowhere) {
 
 TEST(LargeParameter, ReadsTablesOfBothGenerationsInAnyOrder) {
   CLargeParameterEntry entry;
-  ASSERT_TRUE(LoadBytes(entry, ThreeTables()));
+  ASSERT_TRUE(Parse(entry, ThreeTables()));
   CLargeParameterData& data = *entry.GetLargeParameterData();
   ASSERT_EQ(data.GetPropertyCount(), 3);
   bool more = data.GetHeadPosition();
@@ -197,8 +197,8 @@ TEST(LargeParameter, ReadsTablesOfBothGenerationsInAnyOrder) {
 TEST(LargeParameter, EmptyListIsTheHeaderAlone) {
   CLargeParameterEntry entry;
   EXPECT_FALSE(entry.BufferToData());
-  ASSERT_TRUE(LoadBytes(entry, Header(0)));
-  EXPECT_TRUE(LoadBytes(entry, Header(-1)));
+  ASSERT_TRUE(Parse(entry, Header(0)));
+  EXPECT_TRUE(Parse(entry, Header(-1)));
   ASSERT_TRUE(entry.DataToBuffer());
   EXPECT_EQ(BytesOf(entry), Padded(Header(0)));
 }
@@ -249,7 +249,7 @@ TEST(LargeParameter, EveryTruncationIsRefusedWithAReason) {
     CLargeParameterEntry entry;
     nvx::Diagnosis diagnosis;
     entry.SetDiagnosis(&diagnosis);
-    EXPECT_FALSE(LoadBytes(entry, Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size)))) << size;
+    EXPECT_FALSE(Parse(entry, Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size)))) << size;
     EXPECT_TRUE(diagnosis.HasErrors()) << size;
   }
 }
@@ -259,7 +259,7 @@ TEST(LargeParameter, HostileFormsAreRefused) {
   const auto loads = [&](std::size_t offset, std::uint32_t value) {
     Bytes bytes = ThreeTables();
     for (std::size_t i = 0; i < 4; ++i) bytes[offset + i] = static_cast<std::uint8_t>(value >> (8 * i));
-    return LoadBytes(entry, bytes);
+    return Parse(entry, bytes);
   };
   constexpr std::size_t kFirstBlock = 16 + 3 * 20;
   EXPECT_FALSE(loads(0, 0)) << "magic";
@@ -281,12 +281,12 @@ TEST(LargeParameter, AWrongBlockMagicSparesTheOtherTables) {
   Bytes bytes = ThreeTables();
   bytes[16 + 3 * 20] = 'X';
   CLargeParameterEntry entry;
-  EXPECT_FALSE(LoadBytes(entry, bytes));
+  EXPECT_FALSE(Parse(entry, bytes));
   CLargeParameterData& data = *entry.GetLargeParameterData();
   ASSERT_EQ(data.GetPropertyCount(), 3);
   EXPECT_EQ(ArrayOf(*data.Find(2), 0), Words(30));
   EXPECT_EQ(ArrayOf(*data.Entries().At(2), 1), kStore);
-  EXPECT_FALSE(LoadBytes(entry, Bytes(20, 'M')));
+  EXPECT_FALSE(Parse(entry, Bytes(20, 'M')));
   EXPECT_EQ(data.GetPropertyCount(), 0) << "a form that is none still empties the list";
 }
 

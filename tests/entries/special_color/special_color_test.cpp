@@ -14,8 +14,8 @@ namespace {
 using nvx::test::ByteBuilder;
 using nvx::test::Bytes;
 using nvx::test::BytesOf;
-using nvx::test::LoadBytes;
 using nvx::test::Padded;
+using nvx::test::Parse;
 using Words = std::vector<std::int32_t>;
 using Table = std::unique_ptr<CSpecialColorInfoDataEntry>;
 
@@ -147,7 +147,7 @@ TEST(SpecialColor, HostileCountsLeadNowhere) {
 
 TEST(SpecialColor, ReadsAndWritesSeveralTablesWithTheirCurves) {
   CSpecialColorInfoEntry entry;
-  ASSERT_TRUE(LoadBytes(entry, TwoTables()));
+  ASSERT_TRUE(Parse(entry, TwoTables()));
   CSpecialColorInfoData& data = *entry.GetSpecialColorInfoData();
   EXPECT_EQ(data.GetProfileColorType(), 1u);
   ASSERT_EQ(data.GetPropertyCount(), 2);
@@ -179,7 +179,7 @@ TEST(SpecialColor, ReadsAndWritesSeveralTablesWithTheirCurves) {
 TEST(SpecialColor, TheProfileColourTypeComesFromAnyHeader) {
   CSpecialColorInfoEntry entry;
   EXPECT_FALSE(entry.BufferToData());
-  ASSERT_TRUE(LoadBytes(entry, Header(5, 0)));
+  ASSERT_TRUE(Parse(entry, Header(5, 0)));
   EXPECT_EQ(entry.GetSpecialColorInfoData()->GetProfileColorType(), 5u);
   ASSERT_TRUE(entry.DataToBuffer());
   EXPECT_EQ(BytesOf(entry), Padded(Header(5, 0)));
@@ -200,7 +200,7 @@ TEST(SpecialColor, OtherUsedTypesMakeNoTable) {
     if (hasBlock) AddCurveSets(AddArrays(bytes, kPatterns, kAdvice));
     if (hasBlock) AddArrays(bytes, {16, 7, 0, 99}, {8});
     CSpecialColorInfoEntry entry;
-    EXPECT_TRUE(LoadBytes(entry, bytes));
+    EXPECT_TRUE(Parse(entry, bytes));
     CSpecialColorInfoData& data = *entry.GetSpecialColorInfoData();
     ASSERT_EQ(data.GetPropertyCount(), hasBlock ? 1 : 0);
     if (hasBlock) {
@@ -252,7 +252,7 @@ TEST(SpecialColor, EveryTruncationIsRefusedWithAReason) {
     CSpecialColorInfoEntry entry;
     nvx::Diagnosis diagnosis;
     entry.SetDiagnosis(&diagnosis);
-    EXPECT_FALSE(LoadBytes(entry, Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size)))) << size;
+    EXPECT_FALSE(Parse(entry, Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size)))) << size;
     EXPECT_TRUE(diagnosis.HasErrors()) << size;
   }
 }
@@ -262,7 +262,7 @@ TEST(SpecialColor, HostileFormsAreRefused) {
   const auto loads = [&](std::size_t offset, std::uint32_t value) {
     Bytes bytes = TwoTables();
     for (std::size_t i = 0; i < 4; ++i) bytes[offset + i] = static_cast<std::uint8_t>(value >> (8 * i));
-    return LoadBytes(entry, bytes);
+    return Parse(entry, bytes);
   };
   constexpr std::size_t kWords = kTwoRecords + 4;
   constexpr std::size_t kCurves = kTwoRecords + kDataSize;
