@@ -2,6 +2,7 @@
 #include <nvxprofile/diagnosis.h>
 #include <nvxprofile/large_parameter.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -19,7 +20,7 @@ std::int64_t Ask(CLargeParameterDataEntry& table) {
   std::int64_t sum = 0;
   for (const std::int32_t value : kHostile) {
     const std::int32_t pattern = table.SeekPatternIndexByCondition(value, value, value, value);
-    Check(pattern >= -1 && pattern <= table.GetPatternCount());
+    Check(pattern >= -1 && pattern < std::max(table.GetPatternCount(), 1));
     for (const std::int32_t asked : {pattern, value}) {
       sum += table.SeekPatternSplitCount(asked) + std::int64_t{table.SeekPatternSplitParamCount(asked, value)};
       Check(table.SeekPatternParamCount(asked) >= 0);
