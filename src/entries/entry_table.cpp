@@ -8,6 +8,7 @@
 #include <nvxprofile/media_property.h>
 #include <nvxprofile/model_info.h>
 #include <nvxprofile/profile_entry.h>
+#include <nvxprofile/special_color.h>
 
 namespace {
 
@@ -56,6 +57,7 @@ constexpr Row kRows[] = {
     {CProfileDataEntry::kMaskDownload, New<CMaskDownLoadEntry>},
     {CProfileDataEntry::kLargeParameter, New<CLargeParameterEntry>},
     {CProfileDataEntry::kMaskDownloadIncludePattern, New<CMaskDownloadIncludePatternEntry>},
+    {CProfileDataEntry::kSpecialColorInfo, New<CSpecialColorInfoEntry>},
 };
 
 }  // namespace
