@@ -32,7 +32,8 @@ Json CurveToJson(CCurveDataEntry& curve) {
 
 // Ink and samples are what a curve needs; all else has the value of a new curve of 16-bit samples.
 std::unique_ptr<CCurveDataEntry> CurveFromJson(const Node& node) {
-  const std::int64_t wanted = node.Has("dataType") ? node.At("dataType").Integer(1, 2) : CCurveDataEntry::kSamples16;
+  const std::uint32_t wanted = node.U32Or("dataType", CCurveDataEntry::kSamples16);
+  if (wanted < 1 || wanted > 2) node.At("dataType").Fail("the data type must be 1 or 2");
   std::unique_ptr<CCurveDataEntry> curve(
       CCurveDataEntry::CreateCurveDataEntry(static_cast<CCurveDataEntry::typeData>(wanted)));
   const auto greatest = static_cast<std::int64_t>(curve->GetMaxBitValue());
