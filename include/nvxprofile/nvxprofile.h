@@ -5,6 +5,7 @@
 #include <nvxprofile/adjust_inspection.h>
 #include <nvxprofile/calibration.h>
 #include <nvxprofile/calibration_history.h>
+#include <nvxprofile/convert.h>
 #include <nvxprofile/cursor_list.h>
 #include <nvxprofile/curve.h>
 #include <nvxprofile/curve_entry.h>
