@@ -48,6 +48,11 @@ class CICCProfile {
   // into the working copy, and what is wrong with them goes to the stream's diagnosis.
   bool OpenStream(CNvxFile& file);
 
+  // Hands the image over as a malloc'ed block of `size` bytes that the caller owns, and ends the working copy. This
+  // copies no more than what a removed tag makes room for. Null without a working copy and for an image beyond 4 GiB;
+  // `size` is then 0.
+  std::uint8_t* DetachImage(std::uint32_t& size);
+
   // Ends the working copy. The header copy stays.
   void Close();
 
@@ -79,6 +84,9 @@ class CICCProfile {
   // Replaces a tag by a copy of `size` bytes, adding one that is new at the end of the table. A tag that shared its
   // data with others leaves them theirs. With size 0 it removes the tag; true also if there was none.
   bool SetTag(const char* tag, const void* data, std::uint32_t size);
+
+  // As SetTag with a malloc'ed block, which is taken over instead of copied, whatever the result.
+  bool AttachTag(const char* tag, std::uint8_t* block, std::uint32_t size);
 
   // The number of a tag's name, the first character most significant. Characters that a shorter text lacks count as 0.
   static std::uint32_t MakeTagSignature(const char* tag);

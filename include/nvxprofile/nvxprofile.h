@@ -1,6 +1,11 @@
 // All published headers.
 #pragma once
 
+#include <nvxprofile/adjust_file.h>
+#include <nvxprofile/adjust_inspection.h>
+#include <nvxprofile/calibration.h>
+#include <nvxprofile/calibration_history.h>
+#include <nvxprofile/convert.h>
 #include <nvxprofile/cursor_list.h>
 #include <nvxprofile/curve.h>
 #include <nvxprofile/curve_entry.h>
@@ -24,8 +29,10 @@
 #include <nvxprofile/profile_entry.h>
 #include <nvxprofile/profile_file.h>
 #include <nvxprofile/profile_file_icc.h>
+#include <nvxprofile/profile_file_qpf.h>
 #include <nvxprofile/profile_file_text.h>
 #include <nvxprofile/profile_info.h>
+#include <nvxprofile/special_color.h>
 #include <nvxprofile/system_time.h>
 #include <nvxprofile/text_conversion.h>
 #include <nvxprofile/word_arrays.h>

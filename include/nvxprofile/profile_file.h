@@ -83,8 +83,8 @@ class NVX_EXPORT CProfileFileQCT : public CProfileFile {
 
   // True exactly if LoadEntries would succeed here. Parses no payload and needs no model.
   bool CheckEntries(CNvxFile& file);
-  // The last LoadEntries added an entry of this type, and its payload parsed.
-  bool IsParsed(const CProfileDataEntry& entry) const;
+  // Types of the entries that the last LoadEntries brought into the model and whose payload parsed.
+  const std::vector<std::uint32_t>& GetParsedTypes() const { return parsedTypes_; }
 
   // For the formats that hold the entry table without the header before it.
   void SetLoadEntryCount(std::uint32_t count) { entryCount_ = count; }

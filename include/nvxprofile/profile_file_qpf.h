@@ -20,8 +20,8 @@ inline constexpr std::uint32_t kSaveCalibration = kRouteCalibration;        // N
 // The form stands in docs/formats/qpf.md. In memory the ICC profile proper, without the private tags, is the CICMEntry
 // of route 4; in the file it is the frame, and the entry table of NVX1 keeps only a placeholder for it.
 //
-// A load rebuilds the buffers of route 4 from their payloads, and makes every curve there one of 16 bits. An entry whose
-// payload does not parse is left alone, with its bytes as they were in the file.
+// A load rebuilds the buffers of route 4 from their payloads, and makes every curve there one of 16 bits. An entry
+// whose payload does not parse is left alone, with its bytes as they were in the file.
 class NVX_EXPORT CProfileFileQPFv3 : public CProfileFileQCT {
  public:
   CProfileFileQPFv3();
@@ -32,8 +32,8 @@ class NVX_EXPORT CProfileFileQPFv3 : public CProfileFileQCT {
   // Loads the whole file, whatever headerOnly says, from where the stream stands to its end. FileName is filled last.
   bool LoadData(CNvxFile& file, CProfileData* data, bool headerOnly) override;
 
-  // `flags` is a set of nvx::kSave bits; other bits have no meaning. Buffers are written as they are, so whoever changed
-  // a payload has called DataToBuffer. The stream receives everything in one write at the end, or nothing.
+  // `flags` is a set of nvx::kSave bits; other bits have no meaning. Buffers are written as they are, so whoever
+  // changed a payload has called DataToBuffer. The stream receives everything in one write at the end, or nothing.
   //
   // False without an ICC entry that can be opened and stands on route 4, and when a flag of the information record asks
   // for a route that is missing. In the model a save sets LayoutNumber to 3, the version, RenderingScan, RenderingFeed,
@@ -105,8 +105,11 @@ class NVX_EXPORT CProfileFileQPFv3 : public CProfileFileQCT {
 
  private:
   bool LoadTags(CICCProfile& profile, CProfileData* data);
-  bool LoadVersion(CICCProfile& profile, CProfileData* scratch);
-  void RebuildMainRoute(CProfileData& data);
+  bool LoadVersion(CICCProfile& profile, CProfileData& scratch);
+  void RebuildParsedEntries(CProfileData& data);
+  bool SaveTags(CICCProfile& profile, CProfileData* data, std::uint32_t flags);
+
+  nvx::Diagnosis* diagnosis_ = nullptr;  // of the stream that is being loaded
 };
 
 // The same form from version 3.5 on; the version word alone tells the two apart.

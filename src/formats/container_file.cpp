@@ -4,7 +4,6 @@
 
 #include <nvxprofile/profile_file.h>
 
-#include <algorithm>
 #include <limits>
 #include <memory>
 #include <optional>
@@ -161,10 +160,6 @@ bool CProfileFileQCT::CheckEntries(CNvxFile& file) {
            file.Seek(size, nvx::kFromPosition);
            return true;
          });
-}
-
-bool CProfileFileQCT::IsParsed(const CProfileDataEntry& entry) const {
-  return std::find(parsedTypes_.begin(), parsedTypes_.end(), entry.GetUsedType()) != parsedTypes_.end();
 }
 
 bool CProfileFileQCT::SaveHeader(CNvxFile& file, CProfileData* data, std::uint32_t route) {

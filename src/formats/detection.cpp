@@ -2,11 +2,14 @@
 #include "core/stream.h"
 #include "formats/container_records.h"
 #include "formats/legacy_header.h"
+#include "formats/qpf_tags.h"
 #include "icc/icc_directory.h"
 #include "platform/file_system.h"
 
+#include <nvxprofile/icc_profile.h>
 #include <nvxprofile/profile_file.h>
 #include <nvxprofile/profile_file_icc.h>
+#include <nvxprofile/profile_file_qpf.h>
 #include <nvxprofile/profile_file_text.h>
 
 #include <string_view>
@@ -24,8 +27,19 @@ bool StartsWithTextHeader(CNvxFile& file) {
   return nvx::ReadExact(file, start, sizeof start) && std::string_view(start, sizeof start) == nvx::kTextHeaderStart;
 }
 
-// The format of an ICC profile whose private data starts at `tag`: the version word there decides.
-CProfileFile* CreateContainer(CNvxFile&, const nvx::IccTag&) { return nullptr; }
+// The format of an ICC profile whose header block stands in `tag`: its version word decides. A block that is not whole
+// does not load in either class.
+CProfileFile* CreateContainer(CNvxFile& file, const nvx::IccTag& tag) {
+  _tagDeviceProfileInfo scratch;
+  nvx::HeaderBlockWords words;
+  if (tag.size >= nvx::kHeaderBlockSize) {
+    file.Seek(tag.offset, nvx::kFromBegin);
+    nvx::ReadHeaderBlock(file, scratch, words);
+  }
+  if (words.MajorVersion() >= 4 || (words.MajorVersion() == 3 && words.MinorVersion() >= 5))
+    return new CProfileFileQPFv4;
+  return new CProfileFileQPFv3;
+}
 
 }  // namespace
 
@@ -53,6 +67,7 @@ CProfileFile* CProfileFile::CreateICCProfileFile(const char16_t* path) {
   nvx::IccDirectory directory;
   if (!file.Open(path, nvx::kGenericRead, nvx::kShareRead, nvx::kOpenExisting)) return nullptr;
   if (!nvx::ReadIccDirectory(file, directory)) return nullptr;
-  if (const nvx::IccTag* const tag = directory.Find(nvx::Signature("NVX1"))) return CreateContainer(file, *tag);
+  if (const nvx::IccTag* const tag = directory.Find(CICCProfile::MakeTagSignature(nvx::kEntryTag)))
+    return CreateContainer(file, *tag);
   return new CProfileFileICC;
 }

@@ -5,6 +5,7 @@
 
 #include <nvxprofile/profile_info.h>
 
+#include <array>
 #include <cstdint>
 
 namespace nvx {
@@ -28,6 +29,10 @@ struct HeaderBlockWords {
   PrivateTagOpening opening;
   std::uint32_t version = 0;  // low half major, high half minor
   std::uint32_t entryCount = 0;
+
+  std::uint32_t MajorVersion() const { return version & 0xFFFF; }
+  std::uint32_t MinorVersion() const { return version >> 16; }
+  void SetVersion(std::uint32_t major, std::uint32_t minor) { version = minor << 16 | major; }
 };
 
 // The header block of NVX1, described over the information record itself.
@@ -71,6 +76,22 @@ inline constexpr std::uint32_t kHeaderBlockSize = [] {
   DescribeHeaderBlock(info, words, sizer);
   return static_cast<std::uint32_t>(sizer.Size());
 }();
+
+// False, with both records as they were, if the stream ends early.
+inline bool ReadHeaderBlock(CNvxFile& file, _tagDeviceProfileInfo& info, HeaderBlockWords& words) {
+  std::array<std::uint8_t, kHeaderBlockSize> bytes;
+  if (file.Read(bytes.data(), kHeaderBlockSize) != kHeaderBlockSize) return false;
+  RecordDecoder decoder(bytes.data());
+  DescribeHeaderBlock(info, words, decoder);
+  return true;
+}
+
+inline bool WriteHeaderBlock(CNvxFile& file, const _tagDeviceProfileInfo& info, const HeaderBlockWords& words) {
+  std::array<std::uint8_t, kHeaderBlockSize> bytes;
+  RecordEncoder encoder(bytes.data());
+  DescribeHeaderBlock(info, words, encoder);
+  return file.Write(bytes.data(), kHeaderBlockSize) == kHeaderBlockSize;
+}
 
 // Head of the media name table in NVX2.
 struct MediaTableHeader {

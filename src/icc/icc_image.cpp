@@ -4,6 +4,7 @@
 #include "icc/md5.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 #include <functional>
 #include <numeric>
@@ -103,15 +104,28 @@ std::uint32_t IccImage::OpenedOffset(std::uint32_t signature) const {
 
 void IccImage::SetTag(std::uint32_t signature, std::span<const std::uint8_t> bytes) {
   if (bytes.empty()) return RemoveTag(signature);
-  const auto present = Tag(signature);
-  if (present && std::equal(bytes.begin(), bytes.end(), present->begin(), present->end())) return;
+  if (HasBytes(signature, bytes)) return;
   // The copy comes first: the bytes may be those of this tag.
   Block copy = AllocateBlock(bytes.size());
   std::memcpy(copy.get(), bytes.data(), bytes.size());
+  Replace(signature, std::move(copy), static_cast<std::uint32_t>(bytes.size()));
+}
+
+void IccImage::SetTag(std::uint32_t signature, Block block, std::uint32_t size) {
+  if (size == 0) return RemoveTag(signature);
+  if (!HasBytes(signature, {block.get(), size})) Replace(signature, std::move(block), size);
+}
+
+bool IccImage::HasBytes(std::uint32_t signature, std::span<const std::uint8_t> bytes) const {
+  const auto present = Tag(signature);
+  return present && std::equal(bytes.begin(), bytes.end(), present->begin(), present->end());
+}
+
+void IccImage::Replace(std::uint32_t signature, Block block, std::uint32_t size) {
   Entry& entry = FindOrAdd(signature);
-  entry.size = static_cast<std::uint32_t>(bytes.size());
-  entry.data = copy.get();
-  entry.block = std::move(copy);
+  entry.size = size;
+  entry.data = block.get();
+  entry.block = std::move(block);
   changed_ = true;
 }
 
@@ -196,6 +210,37 @@ bool IccImage::CopyTo(std::span<std::uint8_t> out) const {
   return true;
 }
 
+// True if the image can be composed over the opened bytes: pieces are moved in the order of their old places, and none
+// may land on one that is still to be moved.
+bool IccImage::FitsInPlace(const Layout& layout) const {
+  return layout.size <= openedSize_ && std::all_of(layout.pieces.begin(), layout.pieces.end(), [&](const Piece& piece) {
+           const std::less<> before;
+           const bool opened = !before(piece.data, opened_.get()) && before(piece.data, opened_.get() + openedSize_);
+           return !opened || piece.offset <= static_cast<std::uint64_t>(piece.data - opened_.get());
+         });
+}
+
+Block IccImage::Release(std::uint32_t& size) && {
+  size = static_cast<std::uint32_t>(openedSize_);
+  if (!changed_) return std::move(opened_);
+  const Layout layout = Arrange();
+  if (layout.size > kLargestImage) return nullptr;
+  size = static_cast<std::uint32_t>(layout.size);
+  if (!FitsInPlace(layout)) {
+    Block image = AllocateBlock(size);
+    Compose(layout, image.get());
+    return image;
+  }
+  Compose(layout, opened_.get());
+  // What the image no longer needs goes back; a block that cannot shrink serves as it is.
+  if (void* const shrunk = std::realloc(opened_.get(), size)) {
+    (void)opened_.release();
+    opened_.reset(static_cast<std::uint8_t*>(shrunk));
+  }
+  return std::move(opened_);
+}
+
+// `out` may be the opened bytes if the layout fits in place.
 void IccImage::Compose(const Layout& layout, std::uint8_t* out) const {
   StoreBig(out + kIccHeaderSize, static_cast<std::uint32_t>(CountPresent()));
   std::uint8_t* end = out + kIccTableStart;
@@ -212,7 +257,7 @@ void IccImage::Compose(const Layout& layout, std::uint8_t* out) const {
   for (const Piece& piece : layout.pieces) {
     std::uint8_t* const start = out + piece.offset;
     std::fill(end, start, std::uint8_t{0});
-    std::memcpy(start, piece.data, piece.size);
+    std::memmove(start, piece.data, piece.size);
     end = start + piece.size;
   }
   std::fill(end, out + layout.size, std::uint8_t{0});

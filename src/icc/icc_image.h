@@ -44,6 +44,8 @@ class IccImage {
 
   // Copies the bytes. Bytes equal to those that the tag has change nothing; none at all remove the tag.
   void SetTag(std::uint32_t signature, std::span<const std::uint8_t> bytes);
+  // The same with a block that is taken over instead of copied.
+  void SetTag(std::uint32_t signature, Block block, std::uint32_t size);
   void RemoveTag(std::uint32_t signature);
 
   // Signatures in the order of the table.
@@ -54,6 +56,11 @@ class IccImage {
 
   // False if `out` is too small or the image too large.
   bool CopyTo(std::span<std::uint8_t> out) const;
+
+  // Hands the image over as a block of `size` bytes and leaves this object fit for nothing but its end. The opened
+  // bytes become the image where nothing has to move up in them, so that taking tags out of a profile copies nothing
+  // but what moves down. Null if the image is too large.
+  Block Release(std::uint32_t& size) &&;
 
   // Runs use(image) over the whole image and gives its result: without a copy if nothing was changed. False if the
   // image is too large.
@@ -97,9 +104,12 @@ class IccImage {
 
   const Entry* Find(std::uint32_t signature) const;
   Entry& FindOrAdd(std::uint32_t signature);
+  bool HasBytes(std::uint32_t signature, std::span<const std::uint8_t> bytes) const;
+  void Replace(std::uint32_t signature, Block block, std::uint32_t size);
   std::size_t CountPresent() const;
   Layout Arrange() const;
   void ArrangeOpened(Layout& layout) const;
+  bool FitsInPlace(const Layout& layout) const;
   void Compose(const Layout& layout, std::uint8_t* out) const;
   void ComposeHeader(const Layout& layout, std::uint8_t* out) const;
 

@@ -96,8 +96,24 @@ bool CICCProfile::SetTag(const char* tag, const void* data, std::uint32_t size) 
   return true;
 }
 
+bool CICCProfile::AttachTag(const char* tag, std::uint8_t* block, std::uint32_t size) {
+  nvx::Block owned(block);
+  if (!handle_ || (block == nullptr && size != 0)) return false;
+  handle_->SetTag(MakeTagSignature(tag), std::move(owned), size);
+  return true;
+}
+
 bool CICCProfile::CopyImage(std::uint8_t* buffer, std::uint32_t size) {
   return handle_ && buffer != nullptr && handle_->CopyTo({buffer, size});
+}
+
+std::uint8_t* CICCProfile::DetachImage(std::uint32_t& size) {
+  size = 0;
+  if (!handle_) return nullptr;
+  nvx::Block image = std::move(*handle_).Release(size);
+  if (!image) size = 0;
+  Close();
+  return image.release();
 }
 
 bool CICCProfile::WriteTo(CNvxFile& file) {

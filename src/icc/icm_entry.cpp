@@ -35,7 +35,8 @@ bool CICMEntry::DoImport(CProfileDataEntry* source) {
 
 bool CICMEntry::BufferToData() {
   nvx::IccDirectory directory;
-  if (!nvx::ReadIccDirectory(GetRefBuffer(), GetSize(), directory, GetDiagnosis())) return false;
+  // No bytes at all are no fault: a placeholder has none.
+  if (GetSize() == 0 || !nvx::ReadIccDirectory(GetRefBuffer(), GetSize(), directory, GetDiagnosis())) return false;
   SetOptionInfo(OptionOf(directory));
   return true;
 }

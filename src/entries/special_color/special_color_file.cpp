@@ -1,0 +1,202 @@
+#include "core/stream.h"
+#include "entries/special_color/curve_set_list.h"
+#include "entries/special_color/special_color_records.h"
+
+#include <algorithm>
+#include <limits>
+#include <memory>
+#include <vector>
+
+using nvx::kSpecialColorTable;
+using nvx::SpecialColorHeader;
+using nvx::TwoArrayLengths;
+using nvx::WordTableRecord;
+
+namespace {
+
+// What array 0 tells of the VD curves behind the arrays. They take no bytes if there are none.
+struct CurveSets {
+  std::uint32_t count = 0;
+  std::uint32_t bytes = 0;
+};
+
+CurveSets CurveSetsOf(const nvx::WordArrays& arrays) {
+  const std::int32_t count = arrays.Get(0, nvx::kCurveSetCountWord);
+  if (count <= 0) return {};
+  return {static_cast<std::uint32_t>(count), static_cast<std::uint32_t>(arrays.Get(0, nvx::kCurveSetBytesWord))};
+}
+
+// The same, from the block at `start` that is still to be read.
+std::optional<CurveSets> FindCurveSets(CNvxFile& file, std::uint64_t start, std::uint32_t arrayWords) {
+  nvx::WordArrays head(1);
+  head.Resize(0, std::min<std::uint32_t>(arrayWords, nvx::kCurveSetBytesWord + 1));
+  if (!nvx::SeekTo(file, start + nvx::kBlockMagicSize) || !nvx::ReadWords(file, head.Words(0))) return std::nullopt;
+  return CurveSetsOf(head);
+}
+
+// A data block that is still to be read.
+struct Block {
+  std::uint64_t start = 0;
+  TwoArrayLengths lengths{};
+  std::uint64_t size = 0;
+};
+
+std::optional<Block> FindBlock(CNvxFile& file, const WordTableRecord& record, std::uint64_t start) {
+  const auto lengths = nvx::FindArrayLengths(file, start, record.dataSize);
+  if (!lengths) return std::nullopt;
+  const auto curveSets = FindCurveSets(file, start, lengths->first);
+  if (!curveSets) return std::nullopt;
+  const Block block{start, *lengths, lengths->BlockSize() + curveSets->bytes};
+  if (!nvx::HoldsBlock(file, start, block.size)) {
+    nvx::RefuseAt(file, start, "VD curves: byte count beyond the end");
+    return std::nullopt;
+  }
+  return block;
+}
+
+// The block of a record that makes no table, if there is one.
+std::optional<Block> FindIdleBlock(CNvxFile& file, const WordTableRecord& record, std::uint64_t start) {
+  nvx::Warn(file, start, "record: a used type other than 1 makes no table");
+  nvx::Diagnosis* const diagnosis = file.GetDiagnosis();
+  file.SetDiagnosis(nullptr);
+  const auto block = FindBlock(file, record, start);
+  file.SetDiagnosis(diagnosis);
+  return block;
+}
+
+// The table that a record describes, without words; null when memory runs out.
+CSpecialColorInfoDataEntry* MakeTable(const WordTableRecord& record, const Block& block) {
+  const std::uint32_t sizes[] = {block.lengths.first, block.lengths.second};
+  auto* const table = CSpecialColorInfoDataEntry::CreateSpecialColorInfoDataEntry(record.usedType, sizes);
+  if (table != nullptr) table->SetPatternCount(record.count);
+  return table;
+}
+
+bool ReadArray(CNvxFile& file, std::uint32_t magic, std::span<std::int32_t> words) {
+  if (!nvx::ReadMagic(file, magic)) return nvx::Refuse(file, "array: wrong magic");
+  return nvx::ReadWords(file, words);
+}
+
+bool ReadTable(CNvxFile& file, CSpecialColorInfoDataEntry& table) {
+  nvx::WordArrays& arrays = table.Arrays();
+  if (!ReadArray(file, SpecialColorHeader::kArrayMagics.first, arrays.Words(0))) return false;
+  if (!ReadArray(file, SpecialColorHeader::kArrayMagics.second, arrays.Words(1))) return false;
+  const CurveSets curveSets = CurveSetsOf(arrays);
+  return curveSets.count == 0 ||
+         nvx::ReadCurveSets(file, curveSets.count, curveSets.bytes,
+                            [&](std::unique_ptr<CCurveData> curves) { table.AddTailVD(curves.release()); });
+}
+
+// A table that has its shape but not its words yet, and where they stand.
+struct Placed {
+  CSpecialColorInfoDataEntry* table;
+  std::uint64_t start;
+};
+
+// Bytes of a table's data block; nothing for what the form cannot carry.
+std::optional<std::uint64_t> BlockSize(const CSpecialColorInfoDataEntry& table) {
+  if (table.GetUsedType() != kSpecialColorTable || !nvx::SaysItsLength(table.Arrays())) return std::nullopt;
+  std::uint64_t curveBytes = 0;
+  for (CCurveData* const set : table.CurvesVD()) {
+    const auto size = nvx::ListedCurveSetSize(*set);
+    if (!size) return std::nullopt;
+    curveBytes += *size;
+  }
+  const CurveSets stated = CurveSetsOf(table.Arrays());
+  if (stated.count != table.CurvesVD().Count() || stated.bytes != curveBytes) return std::nullopt;
+  return nvx::ArraysSize(table.Arrays()) + curveBytes;
+}
+
+WordTableRecord RecordOf(CSpecialColorInfoDataEntry& table) {
+  WordTableRecord record;
+  record.magic = SpecialColorHeader::kRecordMagic;
+  record.usedType = table.GetUsedType();
+  record.dataSize = static_cast<std::uint32_t>(nvx::ArraysSize(table.Arrays()));
+  record.count = table.GetPatternCount();
+  return record;
+}
+
+bool WriteBlock(CNvxFile& file, const CSpecialColorInfoDataEntry& table) {
+  if (!nvx::WriteTwoArrays(file, SpecialColorHeader::kArrayMagics, table.Arrays())) return false;
+  for (CCurveData* const set : table.CurvesVD()) {
+    if (!CCurveFile().SaveFile(file, set)) return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+namespace nvx {
+
+std::optional<std::uint64_t> SpecialColorFormSize(const CSpecialColorInfoData& data) {
+  std::uint64_t size = kRecordSize<SpecialColorHeader>;
+  for (const CSpecialColorInfoDataEntry* const table : data.Entries()) {
+    const auto blockSize = BlockSize(*table);
+    if (!blockSize) return std::nullopt;
+    size += kRecordSize<WordTableRecord> + *blockSize;
+  }
+  if (size > std::numeric_limits<std::uint32_t>::max()) return std::nullopt;
+  return size;
+}
+
+}  // namespace nvx
+
+CSpecialColorInfoFile* CSpecialColorInfoFile::CreateSpecialColorInfoFile(CNvxFile& file) {
+  auto reader = std::make_unique<CSpecialColorInfoFile>();
+  return reader->LoadHeader(file) ? reader.release() : nullptr;
+}
+
+bool CSpecialColorInfoFile::LoadHeader(CNvxFile& file) {
+  file.SeekToBegin();
+  const bool isWhole = nvx::Holds(file, 1, nvx::kRecordSize<SpecialColorHeader>);
+  const auto header = nvx::ReadRecordPadded<SpecialColorHeader>(file);
+  profileColorType_ = header.profileColorType;
+  recordCount_ = header.recordCount;
+  headerRead_ = isWhole && header.magic == SpecialColorHeader::kMagic;
+  if (!isWhole) return nvx::Refuse(file, "special colour header: cut short");
+  return headerRead_ || nvx::Refuse(file, "special colour header: wrong magic");
+}
+
+bool CSpecialColorInfoFile::LoadFile(CNvxFile& file, CSpecialColorInfoData* data) {
+  if (!headerRead_) LoadHeader(file);
+  data->SetProfileColorType(profileColorType_);
+  if (!headerRead_) return false;
+  const auto records = nvx::ReadWordTableRecords(file, recordCount_);
+  if (!records) return false;
+
+  std::vector<Placed> placed;
+  std::uint64_t end = file.GetPosition();
+  for (const WordTableRecord& record : *records) {
+    const bool makesTable = record.usedType == kSpecialColorTable;
+    const auto block = makesTable ? FindBlock(file, record, end) : FindIdleBlock(file, record, end);
+    if (makesTable) {
+      if (!block) return false;
+      CSpecialColorInfoDataEntry* const table = MakeTable(record, *block);
+      if (table == nullptr) return false;
+      data->AddTail(table);
+      placed.push_back({table, block->start});
+    }
+    if (block) end += block->size;
+  }
+
+  bool complete = true;
+  for (const Placed& block : placed) {
+    complete = nvx::SeekTo(file, block.start) && ReadTable(file, *block.table) && complete;
+  }
+  return nvx::SeekTo(file, end) && complete;
+}
+
+bool CSpecialColorInfoFile::SaveFile(CNvxFile& file, CSpecialColorInfoData* data) {
+  if (!nvx::SpecialColorFormSize(*data)) return false;
+  SpecialColorHeader header;
+  header.profileColorType = data->GetProfileColorType();
+  header.recordCount = data->GetPropertyCount();
+  if (!nvx::WriteRecord(file, header)) return false;
+  for (CSpecialColorInfoDataEntry* const table : data->Entries()) {
+    if (!nvx::WriteRecord(file, RecordOf(*table))) return false;
+  }
+  for (const CSpecialColorInfoDataEntry* const table : data->Entries()) {
+    if (!WriteBlock(file, *table)) return false;
+  }
+  return true;
+}

@@ -1,0 +1,46 @@
+// The records of the special colour form; docs/formats/special_color.md draws them.
+#pragma once
+
+#include "core/record.h"
+#include "entries/word_table.h"
+
+#include <nvxprofile/special_color.h>
+
+namespace nvx {
+
+struct SpecialColorHeader {
+  static constexpr std::uint32_t kMagic = Magic("RCPS");
+  static constexpr std::uint32_t kRecordMagic = Magic("HCPS");
+  static constexpr TwoArrayMagics kArrayMagics{Magic("HEPS"), Magic("ECPS")};
+
+  std::uint32_t magic = kMagic;
+  std::uint32_t headerSize = 32;
+  std::uint32_t version = 1;
+  std::uint32_t profileColorType = 0;
+  std::int32_t recordCount = 0;
+
+  template <class Self, class Codec>
+  static constexpr void Describe(Self& record, Codec& codec) {
+    codec.Number(record.magic);
+    codec.Number(record.headerSize);
+    codec.Number(record.version);
+    codec.Reserved(4);
+    codec.Number(record.profileColorType);
+    codec.Number(record.recordCount);
+    codec.Reserved(8);
+  }
+};
+
+static_assert(kRecordSize<SpecialColorHeader> == 32);
+
+// The used type of a special colour table.
+inline constexpr std::uint32_t kSpecialColorTable = 1;
+
+// Words of array 0 that tell of the VD curves behind the arrays.
+inline constexpr std::int64_t kCurveSetCountWord = 2;
+inline constexpr std::int64_t kCurveSetBytesWord = 3;
+
+// Bytes of the form, nothing for what it cannot carry.
+std::optional<std::uint64_t> SpecialColorFormSize(const CSpecialColorInfoData& data);
+
+}  // namespace nvx

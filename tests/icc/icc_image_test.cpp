@@ -1,0 +1,253 @@
+#include "icc/icc_image.h"
+
+#include "icc/md5.h"
+#include "support/icc_builder.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <map>
+#include <random>
+
+namespace {
+
+using nvx::IccImage;
+using nvx::LoadBig;
+using nvx::Signature;
+using nvx::test::BigBuilder;
+using nvx::test::Bytes;
+using nvx::test::IccBytes;
+using nvx::test::IccHeaderBytes;
+using nvx::test::IccPart;
+using nvx::test::IccWithTags;
+using nvx::test::Patched;
+
+Bytes ImageOf(const IccImage& image) {
+  Bytes out(static_cast<std::size_t>(image.Size()));
+  EXPECT_TRUE(image.CopyTo(out));
+  EXPECT_FALSE(image.CopyTo(std::span(out).first(out.size() - 1)));
+  return out;
+}
+
+void Set(IccImage& image, std::uint32_t signature, std::string_view text) {
+  image.SetTag(signature, {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()});
+}
+
+std::string TagText(const IccImage& image, std::uint32_t signature) {
+  const auto tag = image.Tag(signature);
+  return tag ? std::string(tag->begin(), tag->end()) : "none";
+}
+
+std::string HexOf(const nvx::Md5Digest& digest) {
+  std::string text;
+  for (const std::uint8_t byte : digest) {
+    for (const int digit : {byte >> 4, byte & 15}) text += "0123456789abcdef"[digit];
+  }
+  return text;
+}
+
+TEST(Md5, GivesThePublishedDigests) {
+  const auto digest = [](std::string_view text, std::size_t step) {
+    nvx::Md5 md5;
+    for (std::size_t i = 0; i < text.size(); i += step) md5.Update(text.data() + i, std::min(step, text.size() - i));
+    return HexOf(md5.Finish());
+  };
+  EXPECT_EQ(digest("", 1), "d41d8cd98f00b204e9800998ecf8427e");
+  EXPECT_EQ(digest("abc", 3), "900150983cd24fb0d6963f7d28e17f72");
+  const std::string_view digits = "12345678901234567890123456789012345678901234567890123456789012345678901234567890";
+  for (const std::size_t step : {1u, 7u, 64u, 80u}) {
+    EXPECT_EQ(digest(digits, step), "57edf4a22be3c955ac49da2e2107b67a") << step;
+  }
+}
+
+TEST(IccImage, ComesOutAsItCameInUnlessATagIsChanged) {
+  // Odd offsets, bytes that no tag names, an ID that is wrong, and bytes behind the profile.
+  Bytes bytes = IccBytes({{"aaaa", 157, 3}, {"bbbb", 163, 5}}, BigBuilder().Text("?xxx???yyyyy??"));
+  bytes = Patched(bytes, 84, 0x12345678);
+  const Bytes profile = bytes;
+  bytes.insert(bytes.end(), 3, 0xEE);
+  const auto image = IccImage::Open(bytes);
+  ASSERT_NE(image, nullptr);
+  EXPECT_EQ(ImageOf(*image), profile);
+  Set(*image, Signature("bbbb"), "yyyyy");
+  image->RemoveTag(Signature("cccc"));
+  EXPECT_EQ(ImageOf(*image), profile) << "nothing has changed yet";
+  bytes.assign(bytes.size(), 0);
+  EXPECT_EQ(TagText(*image, Signature("aaaa")), "xxx");
+}
+
+TEST(IccImage, LaysOutAnEditedImage) {
+  const Bytes bytes = IccBytes({{"bbbb", 185, 5}, {"gone", 190, 6}, {"aaaa", 181, 3}, {"same", 185, 5}},
+                               BigBuilder().Text("-xxx-yyyyyzzzzzz-garbage"));
+  const auto image = IccImage::Open(bytes);
+  ASSERT_NE(image, nullptr);
+  image->RemoveTag(Signature("gone"));
+  Set(*image, Signature("new1"), "12345");
+  Set(*image, Signature("new2"), "6");
+  EXPECT_FALSE(image->Tag(Signature("gone")).has_value());
+
+  BigBuilder expected;
+  expected.Append(IccHeaderBytes(216)).U32(5);
+  expected.Text("bbbb").U32(196).U32(5).Text("aaaa").U32(192).U32(3).Text("same").U32(196).U32(5);
+  expected.Text("new1").U32(204).U32(5).Text("new2").U32(212).U32(1);
+  expected.Text("xxx").Zero(1).Text("yyyyy").Zero(3).Text("12345").Zero(3).Text("6").Zero(3);
+  EXPECT_EQ(ImageOf(*image), static_cast<const Bytes&>(expected));
+  EXPECT_EQ(image->Header().phSize, 216u);
+}
+
+TEST(IccImage, SharedDataStaysSharedUntilItIsSet) {
+  const auto image =
+      IccImage::Open(IccBytes({{"A2B0", 168, 8}, {"A2B1", 168, 8}, {"A2B2", 170, 4}}, BigBuilder().Text("01234567")));
+  ASSERT_NE(image, nullptr);
+  Set(*image, Signature("cprt"), "text");
+  const auto reopened = IccImage::Open(ImageOf(*image));
+  ASSERT_NE(reopened, nullptr);
+  EXPECT_EQ(reopened->Size(), 180u + 8 + 4) << "a part of another tag's data moves with it";
+  EXPECT_EQ(TagText(*reopened, Signature("A2B2")), "2345");
+  Set(*reopened, Signature("A2B0"), "other");
+  EXPECT_EQ(TagText(*reopened, Signature("A2B1")), "01234567");
+  EXPECT_EQ(reopened->Size(), 180u + 8 + 4 + 8);
+  reopened->RemoveTag(Signature("A2B1"));
+  EXPECT_EQ(reopened->Size(), 168u + 4 + 4 + 8) << "what no tag names any more does not come along";
+  EXPECT_EQ(TagText(*IccImage::Open(ImageOf(*reopened)), Signature("A2B2")), "2345");
+}
+
+TEST(IccImage, ATagThatReturnsTakesItsOldPlace) {
+  const auto image = IccImage::Open(IccWithTags({"aaaa", "bbbb", "cccc"}));
+  image->RemoveTag(Signature("aaaa"));
+  Set(*image, Signature("dddd"), "d");
+  Set(*image, Signature("aaaa"), "back");
+  EXPECT_EQ(image->Signatures(),
+            (std::vector<std::uint32_t>{Signature("aaaa"), Signature("bbbb"), Signature("cccc"), Signature("dddd")}));
+  for (const std::uint32_t signature : image->Signatures()) image->RemoveTag(signature);
+  EXPECT_EQ(image->Size(), 132u);
+  const auto empty = IccImage::Open(ImageOf(*image));
+  ASSERT_NE(empty, nullptr);
+  EXPECT_TRUE(empty->Signatures().empty());
+}
+
+struct Refusal {
+  Bytes bytes;
+  std::uint64_t offset;
+  std::string rule;
+};
+
+TEST(IccImage, RefusesWhatIsBrokenAndSaysWhere) {
+  const Bytes good = IccWithTags({"desc", "cprt"});
+  ASSERT_EQ(good.size(), 164u);
+  const std::uint32_t greatest = 0xFFFFFFFF;
+  const std::vector<Refusal> cases{
+      {{}, 0, "ICC profile: ends inside the header or the tag count"},
+      {Bytes(good.begin(), good.begin() + 131), 131, "ICC profile: ends inside the header or the tag count"},
+      {Patched(good, 36, 0), 36, "ICC header: signature is not acsp"},
+      {Patched(good, 0, 0), 0, "ICC header: size too small for header and tag count"},
+      {Patched(good, 0, 131), 0, "ICC header: size too small for header and tag count"},
+      {Patched(good, 0, 165), 0, "ICC header: size beyond the end"},
+      {Patched(good, 0, greatest), 0, "ICC header: size beyond the end"},
+      {Patched(good, 128, 3), 128, "ICC tag table: count beyond the end"},
+      {Patched(good, 128, greatest), 128, "ICC tag table: count beyond the end"},
+      {Patched(good, 128, 0x15555556), 128, "ICC tag table: count beyond the end"},
+      {Patched(good, 136, 155), 132, "ICC tag table: tag data inside header or tag table"},
+      {Patched(good, 136, 0), 132, "ICC tag table: tag data inside header or tag table"},
+      {Patched(good, 140, 9), 132, "ICC tag table: tag data beyond the end"},
+      {Patched(good, 152, greatest), 144, "ICC tag table: tag data beyond the end"},
+      {Patched(Patched(good, 148, greatest), 152, greatest), 144, "ICC tag table: tag data beyond the end"},
+      {Patched(good, 144, Signature("desc")), 144, "ICC tag table: signature stands twice"},
+  };
+  for (const Refusal& c : cases) {
+    nvx::Diagnosis diagnosis;
+    EXPECT_EQ(IccImage::Open(c.bytes), nullptr) << c.rule;
+    EXPECT_EQ(IccImage::Open(c.bytes, &diagnosis), nullptr) << c.rule;
+    ASSERT_EQ(diagnosis.Findings().size(), 1u) << c.rule;
+    EXPECT_EQ(diagnosis.Findings()[0].offset, c.offset) << c.rule;
+    EXPECT_EQ(diagnosis.Findings()[0].rule, c.rule);
+  }
+  for (std::size_t size = 0; size < good.size(); ++size) {
+    Bytes cut(good.begin(), good.begin() + static_cast<std::ptrdiff_t>(size));
+    EXPECT_EQ(IccImage::Open(cut), nullptr) << size;
+    if (size < 132) continue;
+    // A size field that fits leaves the table to refuse.
+    EXPECT_EQ(IccImage::Open(Patched(cut, 0, static_cast<std::uint32_t>(size))), nullptr) << size;
+  }
+}
+
+TEST(IccImage, OddProfilesOpenWithAWarningOfEachKind) {
+  Bytes bytes = IccBytes({{"aaaa", 169, 3}, {"bbbb", 171, 1}, {"none", 0, 0}}, BigBuilder().Text("?xxx"));
+  bytes.push_back(0);
+  nvx::Diagnosis diagnosis;
+  const auto image = IccImage::Open(bytes, &diagnosis);
+  ASSERT_NE(image, nullptr);
+  EXPECT_FALSE(diagnosis.HasErrors());
+  EXPECT_EQ(diagnosis.Findings().size(), 3u);
+  ASSERT_TRUE(image->Tag(Signature("none")).has_value()) << "a tag without data is kept";
+  image->RemoveTag(Signature("bbbb"));
+  const auto reopened = IccImage::Open(ImageOf(*image));
+  ASSERT_NE(reopened, nullptr);
+  EXPECT_EQ(reopened->Signatures().size(), 2u);
+  EXPECT_EQ(reopened->Tag(Signature("none"))->size(), 0u);
+}
+
+TEST(IccImage, HoldsAnyNumberOfTags) {
+  constexpr std::uint32_t kCount = 200'000;
+  BigBuilder builder;
+  builder.Append(IccHeaderBytes(132 + 12 * kCount + 4)).U32(kCount);
+  for (std::uint32_t i = 0; i < kCount; ++i) builder.U32(i * 2654435761u).U32(132 + 12 * kCount).U32(4);
+  const Bytes& bytes = builder.Text("data");
+  const auto image = IccImage::Open(bytes);
+  ASSERT_NE(image, nullptr);
+  for (std::uint32_t i = 0; i < kCount; i += 3) ASSERT_TRUE(image->Tag(i * 2654435761u).has_value());
+  image->RemoveTag(0);
+  EXPECT_EQ(image->Size(), bytes.size() - 12);
+  const Bytes composed = ImageOf(*image);
+  EXPECT_EQ(LoadBig<std::uint32_t>(composed.data() + 128), kCount - 1);
+  EXPECT_NE(IccImage::Open(composed), nullptr);
+  EXPECT_EQ(IccImage::Open(Patched(bytes, 132 + 12 * (kCount - 1), 0)), nullptr) << "a repeated signature";
+}
+
+// Edits at random against a plain map, and the three ways to take an image out against each other.
+TEST(IccImage, AgreesWithAMapOfTagsUnderRandomEdits) {
+  std::mt19937 random(20240229);
+  for (int round = 0; round < 300; ++round) {
+    const auto below = [&](std::uint32_t limit) { return static_cast<std::uint32_t>(random() % limit); };
+    std::vector<IccPart> table;
+    Bytes data;
+    const std::uint32_t count = below(8);
+    const std::uint32_t start = 132 + 12 * count;
+    for (std::uint32_t i = 0; i < 64; ++i) data.push_back(static_cast<std::uint8_t>(random()));
+    for (std::uint32_t i = 0; i < count; ++i) {
+      const std::uint32_t offset = below(64);
+      table.push_back({std::string("tag") + static_cast<char>('0' + i), start + offset, below(65 - offset)});
+    }
+    const Bytes bytes = IccBytes(table, data);
+    auto image = IccImage::Open(bytes);
+    ASSERT_NE(image, nullptr);
+    std::map<std::uint32_t, Bytes> model;
+    for (const std::uint32_t signature : image->Signatures()) {
+      model[signature] = Bytes(image->Tag(signature)->begin(), image->Tag(signature)->end());
+    }
+    for (std::uint32_t edits = below(6); edits > 0; --edits) {
+      const std::uint32_t signature = Signature("tag0") + below(10);
+      const Bytes value(below(3) == 0 ? 0 : below(90), static_cast<std::uint8_t>(random()));
+      image->SetTag(signature, value);
+      model.erase(signature);
+      if (!value.empty()) model[signature] = value;
+    }
+    const Bytes composed = ImageOf(*image);
+    const auto reopened = IccImage::Open(composed);
+    ASSERT_NE(reopened, nullptr);
+    ASSERT_EQ(reopened->Signatures(), image->Signatures());
+    ASSERT_EQ(reopened->Signatures().size(), model.size());
+    for (const auto& [signature, value] : model) {
+      const auto tag = reopened->Tag(signature);
+      ASSERT_TRUE(tag && std::equal(tag->begin(), tag->end(), value.begin(), value.end()));
+    }
+    EXPECT_TRUE(image->Take([&](std::span<const std::uint8_t> out) {
+      return std::equal(out.begin(), out.end(), composed.begin(), composed.end());
+    }));
+    std::uint32_t size = 0;
+    const nvx::Block released = std::move(*image).Release(size);
+    ASSERT_TRUE(std::equal(composed.begin(), composed.end(), released.get(), released.get() + size)) << round;
+  }
+}
+
+}  // namespace
