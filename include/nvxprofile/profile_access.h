@@ -134,7 +134,8 @@ class NVX_EXPORT CProfileAccess {
   void* GetSpecialColorVDCurveDataBuffer(CCurveData* curves, std::int32_t inkColorCode, std::int32_t extendInfo,
                                          std::int32_t& size, std::int32_t& dataType, CError* error);
 
-  // UV lamp tables of signed 32-bit words, by printing condition. The count says what room the parameters need.
+  // UV lamp tables of signed 32-bit words, by printing condition. The count says what room the parameters need; of a
+  // table that ends before it GetUVLamp500Parameter copies what there is and gives false.
   bool GetUVLamp500ParamCount(std::uint32_t& count, std::int32_t condition1, std::int32_t condition2,
                               std::int32_t condition3, std::int32_t condition4, CError* error);
   bool GetUVLamp500Parameter(std::int32_t* parameters, std::int32_t condition1, std::int32_t condition2,

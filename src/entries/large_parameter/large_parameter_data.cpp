@@ -138,7 +138,9 @@ void CLargeParameterData::DeleteContents() { DeleteLargeParameter(); }
 void CLargeParameterData::DeleteLargeParameter() { entries_.Clear(nvx::Ownership::kOwned); }
 
 void CLargeParameterData::AddTail(CLargeParameterDataEntry* entry) {
-  if (entry != nullptr) entries_.Append(entry);
+  std::unique_ptr<CLargeParameterDataEntry> taken(entry);
+  if (taken) entries_.Append(taken.get());
+  taken.release();
 }
 
 CLargeParameterDataEntry* CLargeParameterData::Find(std::uint32_t usedType) {

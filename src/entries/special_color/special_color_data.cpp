@@ -103,7 +103,9 @@ std::int32_t CSpecialColorInfoDataEntry::SeekPatternVDCurveIndex(std::int32_t pa
 void CSpecialColorInfoDataEntry::DeleteContentsVD() { curves_.Clear(nvx::Ownership::kOwned); }
 
 void CSpecialColorInfoDataEntry::AddTailVD(CCurveData* curves) {
-  if (curves != nullptr) curves_.Append(curves);
+  std::unique_ptr<CCurveData> taken(curves);
+  if (taken) curves_.Append(taken.get());
+  taken.release();
 }
 
 CSpecialColorInfoData::~CSpecialColorInfoData() { CSpecialColorInfoData::DeleteSpecialColorInfo(); }
@@ -112,7 +114,9 @@ void CSpecialColorInfoData::DeleteContents() { DeleteSpecialColorInfo(); }
 void CSpecialColorInfoData::DeleteSpecialColorInfo() { entries_.Clear(nvx::Ownership::kOwned); }
 
 void CSpecialColorInfoData::AddTail(CSpecialColorInfoDataEntry* entry) {
-  if (entry != nullptr) entries_.Append(entry);
+  std::unique_ptr<CSpecialColorInfoDataEntry> taken(entry);
+  if (taken) entries_.Append(taken.get());
+  taken.release();
 }
 
 CSpecialColorInfoDataEntry* CSpecialColorInfoData::Find(std::uint32_t usedType) {
