@@ -108,6 +108,8 @@ class NVX_EXPORT CCurveDataEntry : public CDataEntryObject {
   explicit CCurveDataEntry(typeData type) : dataType_(type) {}
 
  private:
+  friend class nvx::CurveSetRefill;
+
   char inkName_[kInkNameLength] = {};
   std::uint32_t max_ = 0;
   std::uint32_t min_ = 0;

@@ -41,6 +41,10 @@ class NVX_EXPORT Diagnosis {
   std::vector<Finding> findings_;
 };
 
+// Loads the file at `path` the way CProfileAccess::Init does, and records why it does not load, or what is odd in it.
+// True if it loads; errors may be recorded all the same, since an entry whose payload does not parse stops no load.
+NVX_EXPORT bool DiagnoseProfile(const char16_t* path, Diagnosis& diagnosis);
+
 // Enters a place for as long as it lives. A null diagnosis is allowed and costs nothing but the test.
 class DiagnosisScope {
  public:

@@ -91,6 +91,10 @@ class NVX_EXPORT CMaskParameterData : public CDataObject {
   const nvx::CursorList<CMaskParameterDataEntry>& Entries() const { return entries_; }
 
  private:
+  friend class CMaskParameterFile;
+
+  void Append(std::vector<std::unique_ptr<CMaskParameterDataEntry>> entries);
+
   nvx::CursorList<CMaskParameterDataEntry> entries_;
 };
 

@@ -1,6 +1,10 @@
 // All published headers.
 #pragma once
 
+#include <nvxprofile/adjust_file.h>
+#include <nvxprofile/adjust_inspection.h>
+#include <nvxprofile/calibration.h>
+#include <nvxprofile/calibration_history.h>
 #include <nvxprofile/convert.h>
 #include <nvxprofile/cursor_list.h>
 #include <nvxprofile/curve.h>

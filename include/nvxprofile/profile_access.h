@@ -146,7 +146,11 @@ class NVX_EXPORT CProfileAccess {
                                    CError* error);
 
   // Calibrations. A code names one wherever it stands in the history; the index of GetCalibrationInfo counts positions
-  // from 0. `name` has room for 21 characters, `codes` for as many as there are calibrations.
+  // from 0. `name` has room for 21 characters, `codes` for as many as there are calibrations. No operation but the
+  // curve getters uses `error`. The count is 0 and the newest code -1 on failure, the latter also after a success in a
+  // history where no time is above 0. The queries by position and of the newest parse the calibrations that they visit
+  // anew, so that pointers to their children are invalid from then on. The curve getters give what GetInkLimit gives;
+  // size and dataType stay as they were for a negative code and a calibration or curve entry that is missing.
   bool GetCalibrationCount(std::int32_t& count, CError* error);
   bool GetCalibrationInfo(int index, int& code, int& value, std::int64_t& time, char16_t* name, CError* error);
   bool GetMultiCalibrationCode(std::int32_t* codes, CError* error);
@@ -173,6 +177,8 @@ class NVX_EXPORT CProfileAccess {
   // The curve getters, which differ in the entry and in what they say when it is missing.
   void* GetCurveOfType(std::uint32_t usedType, const char16_t* missing, std::uint32_t inkColorCode,
                        std::uint32_t extendInfo, int& size, int& dataType, CError* error);
+  void* GetCalibrationCurve(std::uint32_t usedType, std::uint32_t inkColorCode, std::uint32_t extendInfo, int code,
+                            int& size, int& dataType, CError* error);
 
   std::unique_ptr<CProfileData> profile_;
   std::int32_t format_ = 0;

@@ -62,7 +62,7 @@ class NVX_EXPORT CProfileRoute {
 // nothing give null and never create a route. For one thread at a time: even reading walks move a cursor.
 class NVX_EXPORT CProfileData {
  public:
-  CProfileData() = default;
+  CProfileData();
   CProfileData(const CProfileData&) = delete;
   CProfileData& operator=(const CProfileData&) = delete;
   virtual ~CProfileData();

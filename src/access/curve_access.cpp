@@ -1,4 +1,5 @@
 // The curves of a profile, and the merge of gray balance with linearization.
+#include "access/curve_samples.h"
 #include "core/report.h"
 
 #include <nvxprofile/curve.h>
@@ -10,6 +11,12 @@
 namespace {
 
 constexpr const char* kSource = "ProfileAccess";
+
+constexpr nvx::CurveFailures kCurveFailures{
+    u"Profile: Parameter error InkColorCode = %d, Entry type = %d",
+    u"Profile: Specify entry size is 0.InkColorCode = %d,Entry type = %d",
+    u"Profile: Parameter error.InkColorCode = %d,Entry type = %d",
+};
 
 // The numbers that GetDataType may give, by the bytes of one sample.
 enum DataType : int { kBytes = 1, kWords = 2, kPassedOn = 3, kDoubleWords = 4 };
@@ -26,10 +33,6 @@ std::uint32_t InkOfColorset(const _tagDeviceProfileInfo& info, std::uint32_t ink
   if (ink == 10 && (info.ColorsetCode == 4 || info.ColorsetCode == 5)) return 1;
   if (ink == 14 && info.ColorsetCode == 5) return 5;
   return ink;
-}
-
-CCurveDataEntry* FindCurve(CCurveData& set, std::uint32_t ink, std::uint32_t extendInfo) {
-  return extendInfo == 0 ? set.FindInkIDEntry(ink) : set.FindInkIDEntryonSize(ink, extendInfo);
 }
 
 // Samples of one width in memory of any alignment.
@@ -182,26 +185,10 @@ void* CProfileAccess::GetCurveDataBuffer(CProfileDataEntry* entry, std::uint32_t
     return nullptr;
   }
   const std::uint32_t ink = profile_ ? InkOfColorset(*profile_->GetProfileInfo(), inkColorCode) : inkColorCode;
-  CCurveDataEntry* const curve = FindCurve(*curves, ink, extendInfo);
-  if (curve == nullptr) {
-    FailWithCurve(error, nvx::kReasonBadArgument, __LINE__,
-                  u"Profile: Parameter error InkColorCode = %d, Entry type = %d", ink, usedType);
-    return nullptr;
-  }
-  size = static_cast<int>(curve->GetSize());
-  if (size == 0) {
-    FailWithCurve(error, nvx::kReasonNotFound, __LINE__,
-                  u"Profile: Specify entry size is 0.InkColorCode = %d,Entry type = %d", ink, usedType);
-    return nullptr;
-  }
-  const std::uint32_t type = curve->GetDataType();
-  if (type < kBytes || type > kDoubleWords) {
-    FailWithCurve(error, nvx::kReasonNotFound, __LINE__, u"Profile: Parameter error.InkColorCode = %d,Entry type = %d",
-                  ink, usedType);
-    return nullptr;
-  }
-  dataType = static_cast<int>(type);
-  return curve->GetRefBuffer();
+  return nvx::SamplesOf(nvx::FindCurve(*curves, ink, extendInfo), kCurveFailures, size, dataType,
+                        [&](std::uint32_t reason, std::u16string_view text) {
+                          FailWithCurve(error, reason, __LINE__, text, ink, usedType);
+                        });
 }
 
 bool CProfileAccess::GetMergeGrayBalance(std::uint32_t inkColorCode, std::uint8_t* buffer, int& size, int& dataType,

@@ -34,6 +34,7 @@ void CProfileRoute::GetQctInnerName(char* name) const {
   nvx::CopyText(name, 17, text);
 }
 
+CProfileData::CProfileData() = default;
 CProfileData::~CProfileData() { DeleteContents(); }
 
 void CProfileData::DeleteContents() {

@@ -1,4 +1,5 @@
 // Which class belongs to an entry type: one row each.
+#include <nvxprofile/calibration.h>
 #include <nvxprofile/curve_entry.h>
 #include <nvxprofile/icm_entry.h>
 #include <nvxprofile/large_parameter.h>
@@ -16,6 +17,13 @@ using Make = CProfileDataEntry* (*)();
 template <class Entry>
 CProfileDataEntry* New() {
   return new Entry;
+}
+
+// The one class with two types.
+CProfileDataEntry* NewSecondTarget() {
+  CProfileDataEntry* const entry = New<CCalibrationTargetEntry>();
+  entry->SetUsedType(CProfileDataEntry::kCalibrationTarget2);
+  return entry;
 }
 
 struct Row {
@@ -38,6 +46,14 @@ constexpr Row kRows[] = {
     {CProfileDataEntry::kMediaProperty, New<CMediaPropertyEntry>},
     {CProfileDataEntry::kMultiInkLimit, New<CMultiInkLimitEntry>},
     {CProfileDataEntry::kReplaceProfile, New<CReplaceProfileEntry>},
+    {CProfileDataEntry::kCalibrationHistory, New<CCalibrationHistoryEntry>},
+    {CProfileDataEntry::kCalibrationContainer, New<CCalibrationContainerEntry>},
+    {CProfileDataEntry::kCalibrationTarget, New<CCalibrationTargetEntry>},
+    {CProfileDataEntry::kCalibrationInfo, New<CCalibrationInfoEntry>},
+    {CProfileDataEntry::kCalibrationInklimit, New<CCalibrationInklimitEntry>},
+    {CProfileDataEntry::kCalibrationLinearization, New<CCalibrationLinearizationEntry>},
+    {CProfileDataEntry::kCalibrationGrayBalance, New<CCalibrationGrayBalanceEntry>},
+    {CProfileDataEntry::kCalibrationTarget2, NewSecondTarget},
     {CProfileDataEntry::kMaskDownload, New<CMaskDownLoadEntry>},
     {CProfileDataEntry::kLargeParameter, New<CLargeParameterEntry>},
     {CProfileDataEntry::kMaskDownloadIncludePattern, New<CMaskDownloadIncludePatternEntry>},

@@ -9,8 +9,10 @@
 #include <nvxprofile/icc_profile.h>
 #include <nvxprofile/profile_file_qpf.h>
 
+#include <cstdlib>
 #include <cstring>
 #include <limits>
+#include <utility>
 
 using nvx::ForEachEntry;
 using nvx::RouteTag;
@@ -53,17 +55,23 @@ bool SaveRouteData(CNvxFile& stream, CProfileData& data, const RouteTag& tag) {
          });
 }
 
+// A stream with a block of its own, which a write beyond its end replaces by a longer one.
+class BlockStream : public CNvxMemFile {
+ public:
+  explicit BlockStream(std::uint32_t size) : CNvxMemFile(nvx::AllocateBlock(size).release(), size) {}
+  ~BlockStream() override { std::free(Buffer); }
+
+  std::uint8_t* Take() { return std::exchange(Buffer, nullptr); }
+};
+
 // Sets a tag to what save(stream) writes into a block of the tag's size, with zeros behind it.
 template <class Save>
 bool SetTag(CICCProfile& profile, const char* tag, std::uint64_t size, Save save) {
   if (size == 0 || size > std::numeric_limits<std::uint32_t>::max()) return false;
-  CNvxMemFile stream(nvx::AllocateBlock(static_cast<std::size_t>(size)).release(), static_cast<std::uint32_t>(size));
-  const bool saved = save(stream);
-  // The stream may have put a longer block in the place of the one it got.
-  nvx::Block block(stream.Buffer);
-  if (!saved || stream.Length != size) return false;
-  std::memset(block.get() + stream.Position, 0, stream.Length - stream.Position);
-  return profile.AttachTag(tag, block.release(), stream.Length);
+  BlockStream stream(static_cast<std::uint32_t>(size));
+  if (!save(stream) || stream.Length != size) return false;
+  std::memset(stream.Buffer + stream.Position, 0, stream.Length - stream.Position);
+  return profile.AttachTag(tag, stream.Take(), stream.Length);
 }
 
 }  // namespace

@@ -210,7 +210,8 @@ void CCurveData::Copy(CCurveData& target, const std::uint32_t* skipList, int ski
         CCurveDataEntry::CreateCurveDataEntry(static_cast<CCurveDataEntry::typeData>(curve->GetDataType())));
     if (!copy) continue;
     curve->Copy(*copy);
-    target.AddTail(copy.release());
+    target.AddTail(copy.get());
+    copy.release();
   }
 }
 

@@ -54,7 +54,7 @@ bool CProfileCurveEntry::DoImport(CProfileDataEntry* source) { return ImportCurv
 bool CSeparateLightEntry::DoImport(CProfileDataEntry* source) { return ImportCurves(*this, source, InkKey); }
 
 bool CProfileCurveEntry::BufferToData() {
-  return nvx::ParseBuffer(*this, [this](CNvxFile& file) { return nvx::ReloadCurveSet(file, curves_); });
+  return nvx::ParseBuffer(*this, [this](CNvxMemFile& file) { return nvx::ReloadCurveSet(file, curves_); });
 }
 
 bool CProfileCurveEntry::DataToBuffer() {

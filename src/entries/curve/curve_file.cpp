@@ -31,6 +31,27 @@ bool WriteSamples(CNvxFile& file, CCurveDataEntry& curve) {
   return nvx::WriteExact(file, curve.GetRefBuffer(), curve.GetSize());
 }
 
+// The curve of a record, with the samples of the data block at which the stream stands; null for a broken rule.
+std::unique_ptr<CCurveDataEntry> LoadCurve(CNvxFile& file, const CurveRecord& record) {
+  const nvx::StreamBlock signature(file, nvx::kCurveBlockMagicSize);
+  const char* fault = "curve data block: cut short";
+  if (signature.IsWhole()) {
+    fault = nvx::CurveFault(record, nvx::LoadLittle<std::uint32_t>(signature.Data()), nvx::Remaining(file));
+  }
+  if (fault == nullptr) {
+    const nvx::StreamBlock samples(file, record.DataSize);
+    std::unique_ptr<CCurveDataEntry> curve = nvx::MakeCurve(record);
+    if (samples.IsWhole()) {
+      nvx::ApplyRecord(record, *curve);
+      nvx::LoadSamples(record, samples.Data(), curve->GetBuffer(record.DataSize));
+      return curve;
+    }
+    fault = "curve data block: cut short";
+  }
+  nvx::Refuse(file, fault);
+  return nullptr;
+}
+
 }  // namespace
 
 CCurveFile* CCurveFile::CreateCurveFile(CNvxFile& file) {
@@ -62,11 +83,10 @@ bool CCurveFile::LoadFile(CNvxFile& file, CCurveData* data) {
   data->SetUsedType(header_.UsedType);
   if (!LoadEntryHeader(file)) return false;
   for (const CurveRecord& record : entryHeaders_) {
-    if (!nvx::EnterCurveBlock(file, record)) return false;
-    std::unique_ptr<CCurveDataEntry> curve(
-        CCurveDataEntry::CreateCurveDataEntry(static_cast<CCurveDataEntry::typeData>(record.DataType)));
-    if (!nvx::ReadCurve(file, record, *curve)) return false;
-    data->AddTail(curve.release());
+    std::unique_ptr<CCurveDataEntry> curve = LoadCurve(file, record);
+    if (!curve) return false;
+    data->AddTail(curve.get());
+    curve.release();
   }
   return true;
 }

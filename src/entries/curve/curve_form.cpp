@@ -5,6 +5,20 @@
 
 namespace nvx {
 
+namespace {
+
+// Decodes the numbers of a record and passes over its texts.
+class NumberDecoder : public RecordDecoder {
+ public:
+  using RecordDecoder::RecordDecoder;
+  template <class Char>
+  void Text(Char*, std::size_t width) {
+    Reserved(width * sizeof(Char));
+  }
+};
+
+}  // namespace
+
 // Takes the curves of a set in order for new contents. The first one that does not have the class and size that are
 // asked for, and all behind it, give way to new ones. Curves that were not asked for are gone at the end.
 class CurveSetRefill {
@@ -17,24 +31,33 @@ class CurveSetRefill {
   CurveSetRefill& operator=(const CurveSetRefill&) = delete;
   ~CurveSetRefill() { DropRest(); }
 
-  CCurveDataEntry& Next(CCurveDataEntry::typeData type, std::uint32_t size) {
-    CCurveDataEntry* curve = set_.curves_.At(taken_);
-    if (curve != nullptr && HasShape(*curve, type, size)) {
-      set_.dataSizeType_ = type;
-    } else {
-      DropRest();
-      curve = CCurveDataEntry::CreateCurveDataEntry(type);
-      set_.AddTail(curve);
-    }
+  // Makes the next curve of the set that of the record; `nameField` is the name as the form holds it.
+  void Fill(const CurveRecord& record, const char* nameField, const std::uint8_t* samples) {
+    CCurveDataEntry* const present = set_.curves_.At(taken_);
+    const bool fits = present != nullptr && HasShape(*present, record);
+    CCurveDataEntry& curve = fits ? *present : Replace(record);
     ++taken_;
-    return *curve;
+    LoadSamples(record, samples, fits ? curve.GetRefBuffer() : curve.GetBuffer(record.DataSize));
+    ApplyNumbers(record, curve);
+    // A copy of fixed size is the fastest; what stands behind the terminator is nobody's concern.
+    static_assert(kCurveNameSize <= sizeof curve.inkName_);
+    std::memcpy(curve.inkName_, nameField, kCurveNameSize);
+    curve.inkName_[kCurveNameSize - 1] = 0;
+    set_.dataSizeType_ = record.DataType;
   }
 
  private:
-  static bool HasShape(CCurveDataEntry& curve, CCurveDataEntry::typeData type, std::uint32_t size) {
+  static bool HasShape(CCurveDataEntry& curve, const CurveRecord& record) {
     const std::type_info& wanted =
-        type == CCurveDataEntry::kSamples8 ? typeid(CCurveDataEntry8) : typeid(CCurveDataEntry16);
-    return typeid(curve) == wanted && curve.GetSize() == size;
+        record.DataType == CCurveDataEntry::kSamples8 ? typeid(CCurveDataEntry8) : typeid(CCurveDataEntry16);
+    return typeid(curve) == wanted && curve.GetSize() == record.DataSize;
+  }
+
+  CCurveDataEntry& Replace(const CurveRecord& record) {
+    DropRest();
+    std::unique_ptr<CCurveDataEntry> curve = MakeCurve(record);
+    set_.AddTail(curve.get());
+    return *curve.release();
   }
 
   void DropRest() {
@@ -52,7 +75,7 @@ std::uint64_t CurveSetSize(CCurveData& set) {
   return size;
 }
 
-bool ReloadCurveSet(CNvxFile& file, CCurveData& set) {
+bool ReloadCurveSet(CNvxMemFile& file, CCurveData& set) {
   CurveSetRefill curves(set);
   tagCurveFileHeader header;
   if (!ReadCurveSetHeader(file, header)) return false;
@@ -60,10 +83,14 @@ bool ReloadCurveSet(CNvxFile& file, CCurveData& set) {
   CurveTable table;
   if (!table.Read(file, header.EntryCount)) return false;
   for (std::uint32_t i = 0; i < table.Count(); ++i) {
-    const CurveRecord record = table.At(i);
-    if (!EnterCurveBlock(file, record)) return false;
-    CCurveDataEntry& curve = curves.Next(static_cast<CCurveDataEntry::typeData>(record.DataType), record.DataSize);
-    if (!ReadCurve(file, record, curve)) return false;
+    const CurveRecord record = table.NumbersAt(i);
+    const std::uint32_t left = file.Length - file.Position;
+    if (left < kCurveBlockMagicSize) return Refuse(file, "curve data block: cut short");
+    const std::uint8_t* const block = file.Buffer + file.Position;
+    const char* const fault = CurveFault(record, LoadLittle<std::uint32_t>(block), left - kCurveBlockMagicSize);
+    if (fault != nullptr) return Refuse(file, fault);
+    curves.Fill(record, table.NameFieldAt(i), block + kCurveBlockMagicSize);
+    file.Position += kCurveBlockMagicSize + record.DataSize;
   }
   return true;
 }
@@ -86,7 +113,7 @@ bool CurveTable::Read(CNvxFile& file, std::uint32_t count) {
   bytes_.emplace(file, count * kSize);
   if (!bytes_->IsWhole()) return Refuse(file, "curve records: cut short");
   for (std::uint32_t i = 0; i < count; ++i) {
-    if (LoadLittle<std::uint32_t>(bytes_->Data() + i * kSize) != CurveRecord::kSignature) {
+    if (LoadLittle<std::uint32_t>(BytesAt(i)) != CurveRecord::kSignature) {
       return RefuseAt(file, kStart + std::uint64_t{i} * kSize, "curve record: wrong signature");
     }
   }
@@ -94,37 +121,42 @@ bool CurveTable::Read(CNvxFile& file, std::uint32_t count) {
   return true;
 }
 
-CurveRecord CurveTable::At(std::uint32_t index) const {
-  return DecodeRecord<CurveRecord>(bytes_->Data() + index * kRecordSize<CurveRecord>);
+CurveRecord CurveTable::At(std::uint32_t index) const { return DecodeRecord<CurveRecord>(BytesAt(index)); }
+
+CurveRecord CurveTable::NumbersAt(std::uint32_t index) const {
+  CurveRecord record;
+  NumberDecoder decoder(BytesAt(index));
+  CurveRecord::Describe(record, decoder);
+  return record;
 }
 
-bool EnterCurveBlock(CNvxFile& file, const CurveRecord& record) {
-  if (!ReadMagic(file, kCurveBlockMagic)) return Refuse(file, "curve data block: wrong signature or cut short");
+const char* CurveTable::NameFieldAt(std::uint32_t index) const {
+  return reinterpret_cast<const char*>(BytesAt(index) + kRecordSize<CurveRecord> - kCurveNameSize);
+}
+
+const char* CurveFault(const CurveRecord& record, std::uint32_t signature, std::uint32_t left) {
+  if (signature != kCurveBlockMagic) return "curve data block: wrong signature";
   if (record.DataType != CCurveDataEntry::kSamples8 && record.DataType != CCurveDataEntry::kSamples16) {
-    return Refuse(file, "curve record: unknown DataType");
+    return "curve record: unknown DataType";
   }
   // Half a sample has no place in the curve, and without it the curve could not be written back as it was.
   if (record.DataType == CCurveDataEntry::kSamples16 && record.DataSize % 2 != 0) {
-    return Refuse(file, "curve record: odd data size of 16-bit samples");
+    return "curve record: odd data size of 16-bit samples";
   }
-  return Holds(file, record.DataSize, 1) || Refuse(file, "curve record: data size beyond the end");
+  return record.DataSize <= left ? nullptr : "curve record: data size beyond the end";
 }
 
-bool ReadCurve(CNvxFile& file, const CurveRecord& record, CCurveDataEntry& curve) {
-  const StreamBlock block(file, record.DataSize);
-  if (!block.IsWhole()) return Refuse(file, "curve data block: cut short");
-  ApplyRecord(record, curve);
-  if (record.DataSize == 0) {
-    curve.DeleteAllElement();
-    return true;
-  }
-  void* const samples = curve.GetSize() == record.DataSize ? curve.GetRefBuffer() : curve.GetBuffer(record.DataSize);
+std::unique_ptr<CCurveDataEntry> MakeCurve(const CurveRecord& record) {
+  return std::unique_ptr<CCurveDataEntry>(
+      CCurveDataEntry::CreateCurveDataEntry(static_cast<CCurveDataEntry::typeData>(record.DataType)));
+}
+
+void LoadSamples(const CurveRecord& record, const std::uint8_t* samples, void* array) {
   if (record.DataType == CCurveDataEntry::kSamples16) {
-    LoadLittleRun(static_cast<std::uint16_t*>(samples), block.Data(), record.DataSize / 2);
-  } else {
-    std::memcpy(samples, block.Data(), record.DataSize);
+    LoadLittleRun(static_cast<std::uint16_t*>(array), samples, record.DataSize / 2);
+  } else if (record.DataSize != 0) {
+    std::memcpy(array, samples, record.DataSize);
   }
-  return true;
 }
 
 void FillRecord(CCurveDataEntry& curve, CurveRecord& record) {
@@ -139,7 +171,7 @@ void FillRecord(CCurveDataEntry& curve, CurveRecord& record) {
   CopyText(record.InkName, TextOf(curve.GetInkName()));
 }
 
-void ApplyRecord(const CurveRecord& record, CCurveDataEntry& curve) {
+void ApplyNumbers(const CurveRecord& record, CCurveDataEntry& curve) {
   curve.SetInkID(record.InkID);
   curve.SetSlotNo(record.SlotNo);
   curve.SetDisplayRGB(record.DisplayRGB);
@@ -147,7 +179,6 @@ void ApplyRecord(const CurveRecord& record, CCurveDataEntry& curve) {
   curve.SetMax(record.Max);
   curve.SetMin(record.Min);
   curve.SetDataType(record.DataType);
-  curve.SetInkName(record.InkName);
 }
 
 }  // namespace nvx

@@ -7,6 +7,7 @@
 #include <nvxprofile/curve.h>
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 
 template <class Self, class Codec>
@@ -31,7 +32,7 @@ constexpr void CCurveFile::tagCurveEntryHeader::Describe(Self& record, Codec& co
   codec.Number(record.Min);
   codec.Number(record.DataType);
   codec.Number(record.DataSize);
-  codec.Text(record.InkName, 92);
+  codec.Text(record.InkName, sizeof record.InkName);
 }
 
 namespace nvx {
@@ -45,13 +46,16 @@ static_assert(kRecordSize<CurveRecord> == 132);
 inline constexpr std::uint32_t kCurveBlockMagic = Magic("SDEC");
 inline constexpr std::uint32_t kCurveBlockMagicSize = 4;
 
+// Bytes of the name in a record.
+inline constexpr std::uint32_t kCurveNameSize = sizeof(CurveRecord::InkName);
+
 // Bytes of the form of a set.
 std::uint64_t CurveSetSize(CCurveData& set);
 
-// Makes the set what the form at the start of the stream says, as emptying it and loading the form would; false in the
+// Makes the set what the form at the start of the block says, as emptying it and loading the form would; false in the
 // same cases. Curves of an owned set that have the class and size that the form asks for are filled again where they
 // are, so that a form of the same shape costs no allocation.
-bool ReloadCurveSet(CNvxFile& file, CCurveData& set);
+bool ReloadCurveSet(CNvxMemFile& file, CCurveData& set);
 
 // The steps of a load.
 
@@ -64,20 +68,35 @@ class CurveTable {
   bool Read(CNvxFile& file, std::uint32_t count);
   std::uint32_t Count() const { return count_; }
   CurveRecord At(std::uint32_t index) const;
+  // The same in two halves: the record without its name, and the field of the name, which need not be terminated.
+  CurveRecord NumbersAt(std::uint32_t index) const;
+  const char* NameFieldAt(std::uint32_t index) const;
 
  private:
+  const std::uint8_t* BytesAt(std::uint32_t index) const {
+    return bytes_->Data() + std::size_t{index} * kRecordSize<CurveRecord>;
+  }
+
   std::optional<StreamBlock> bytes_;
   std::uint32_t count_ = 0;
 };
 
-// True if the stream stands at a data block that fits the record; it then stands at the samples.
-bool EnterCurveBlock(CNvxFile& file, const CurveRecord& record);
+// The rule that a record or its data block breaks, null for none: `signature` is what stands before the samples, `left`
+// the bytes that the stream holds behind it.
+const char* CurveFault(const CurveRecord& record, std::uint32_t signature, std::uint32_t left);
 
-// Gives a curve of the record's class the record's values, and the samples at which the stream stands.
-bool ReadCurve(CNvxFile& file, const CurveRecord& record, CCurveDataEntry& curve);
+// A curve of the record's class, without values; null for a DataType without one.
+std::unique_ptr<CCurveDataEntry> MakeCurve(const CurveRecord& record);
 
-// Between a curve and its record; signature and record size are left alone.
+// Copies the samples of a curve from the form to its array, which has room for them.
+void LoadSamples(const CurveRecord& record, const std::uint8_t* samples, void* array);
+
+// Between a curve and its record; signature and record size are left alone, and ApplyNumbers leaves the name.
 void FillRecord(CCurveDataEntry& curve, CurveRecord& record);
-void ApplyRecord(const CurveRecord& record, CCurveDataEntry& curve);
+void ApplyNumbers(const CurveRecord& record, CCurveDataEntry& curve);
+inline void ApplyRecord(const CurveRecord& record, CCurveDataEntry& curve) {
+  ApplyNumbers(record, curve);
+  curve.SetInkName(record.InkName);
+}
 
 }  // namespace nvx

@@ -2,8 +2,10 @@
 #include <nvxprofile/mask.h>
 
 #include <algorithm>
-#include <iterator>
+#include <memory>
 #include <new>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -12,9 +14,21 @@ nvx::Ownership OwnershipOf(CDataObject& data) {
 }
 
 template <class Entry>
-void AppendCopies(const nvx::CursorList<Entry>& from, nvx::CursorList<Entry>& to) {
-  to.Reserve(to.Count() + from.Count());
-  for (const Entry* entry : from) to.Append(new Entry(*entry));
+using Entries = std::vector<std::unique_ptr<Entry>>;
+
+template <class Entry>
+Entries<Entry> CopiesOf(const nvx::CursorList<Entry>& list) {
+  Entries<Entry> copies;
+  copies.reserve(list.Count());
+  for (const Entry* entry : list) copies.push_back(std::make_unique<Entry>(*entry));
+  return copies;
+}
+
+// Room comes first, so that entries change hands without fail.
+template <class Entry>
+void Adopt(Entries<Entry> entries, nvx::CursorList<Entry>& list) {
+  list.Reserve(list.Count() + entries.size());
+  for (std::unique_ptr<Entry>& entry : entries) list.Append(entry.release());
 }
 
 std::uint32_t At(const std::vector<std::uint32_t>& values, int index) {
@@ -54,15 +68,16 @@ void CMaskParameterDataEntry::SetParamDataBuffer(const std::uint8_t* data, std::
 
 CMaskParameterData::CMaskParameterData(const CMaskParameterData& other) : CDataObject(other) {
   SetAutoDelete(true);
-  AppendCopies(other.entries_, entries_);
+  Adopt(CopiesOf(other.entries_), entries_);
 }
 
 CMaskParameterData& CMaskParameterData::operator=(const CMaskParameterData& other) {
   if (this == &other) return *this;
+  auto copies = CopiesOf(other.entries_);
   DeleteContents();
   CDataObject::operator=(other);
   SetAutoDelete(true);
-  AppendCopies(other.entries_, entries_);
+  Adopt(std::move(copies), entries_);
   return *this;
 }
 
@@ -72,6 +87,10 @@ void CMaskParameterData::DeleteContents() { entries_.Clear(OwnershipOf(*this)); 
 
 void CMaskParameterData::AddTail(CMaskParameterDataEntry* entry) {
   if (entry != nullptr) entries_.Append(entry);
+}
+
+void CMaskParameterData::Append(std::vector<std::unique_ptr<CMaskParameterDataEntry>> entries) {
+  Adopt(std::move(entries), entries_);
 }
 
 CMaskParameterDataEntry* CMaskParameterData::GetEntry(std::uint32_t pass, std::uint32_t specialColorsetCode,
@@ -94,15 +113,16 @@ void CMaskPatternDataEntry::SetMaskPatternBuffer(const std::uint8_t* data, std::
 
 CMaskPatternData::CMaskPatternData(const CMaskPatternData& other) : CDataObject(other) {
   SetAutoDelete(true);
-  AppendCopies(other.entries_, entries_);
+  Adopt(CopiesOf(other.entries_), entries_);
 }
 
 CMaskPatternData& CMaskPatternData::operator=(const CMaskPatternData& other) {
   if (this == &other) return *this;
+  auto copies = CopiesOf(other.entries_);
   DeleteContents();
   CDataObject::operator=(other);
   SetAutoDelete(true);
-  AppendCopies(other.entries_, entries_);
+  Adopt(std::move(copies), entries_);
   return *this;
 }
 
@@ -129,13 +149,18 @@ CMaskPatternDataEntry* CMaskPatternData::GetEntry(int id) const {
 }
 
 void CMaskPatternData::Merge(std::vector<std::unique_ptr<CMaskPatternDataEntry>> entries) {
-  const std::vector<CMaskPatternDataEntry*> present(entries_.begin(), entries_.end());
-  entries_.Clear(nvx::Ownership::kBorrowed);
-  entries_.Reserve(present.size() + entries.size());
-  auto old = present.begin();
-  for (std::unique_ptr<CMaskPatternDataEntry>& entry : entries) {
-    for (; old != present.end() && HasLowerID(*old, entry->GetMaskPatternID()); ++old) entries_.Append(*old);
-    entries_.Append(entry.release());
+  std::vector<CMaskPatternDataEntry*> merged;
+  merged.reserve(entries_.Count() + entries.size());
+  auto present = entries_.begin();
+  for (const std::unique_ptr<CMaskPatternDataEntry>& entry : entries) {
+    while (present != entries_.end() && HasLowerID(*present, entry->GetMaskPatternID())) merged.push_back(*present++);
+    merged.push_back(entry.get());
   }
-  for (; old != present.end(); ++old) entries_.Append(*old);
+  merged.insert(merged.end(), present, entries_.end());
+
+  // Nothing below can fail: the list keeps its room while it is emptied.
+  entries_.Reserve(merged.size());
+  while (!entries_.IsEmpty()) entries_.TakeAt(entries_.Count() - 1);
+  for (CMaskPatternDataEntry* entry : merged) entries_.Append(entry);
+  for (std::unique_ptr<CMaskPatternDataEntry>& entry : entries) static_cast<void>(entry.release());
 }

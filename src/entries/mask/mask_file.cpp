@@ -5,7 +5,9 @@
 #include <nvxprofile/mask.h>
 
 #include <algorithm>
-#include <iterator>
+#include <memory>
+#include <utility>
+#include <vector>
 
 using nvx::MaskFileHeader;
 using nvx::MaskParameterRecord;
@@ -182,7 +184,7 @@ bool CMaskParameterFile::LoadFile(CNvxFile& file, CMaskParameterData* data) {
   Sizes sizes;
   if (!ReadParameters(file, recordCount_, parameters, sizes) || !ReadParameterBlocks(file, parameters, sizes))
     return false;
-  for (auto& entry : parameters) data->AddTail(entry.release());
+  data->Append(std::move(parameters));
   return true;
 }
 

@@ -21,8 +21,7 @@ CMediaPropertyDataEntry* MakeBlock(CNvxFile& file, const MediaPropertyEntryHeade
 }
 
 bool ReadValues(CNvxFile& file, CMediaPropertyDataEntry& block) {
-  const std::uint32_t size = nvx::Remaining(file);
-  if (size < nvx::kRecordSize<MediaPropertyBlock>) {
+  if (nvx::Remaining(file) < nvx::kRecordSize<MediaPropertyBlock>) {
     nvx::Warn(file, file.GetPosition(), "data block: cut short, the rest reads as zero");
   }
   const auto stored = nvx::ReadRecordPadded<MediaPropertyBlock>(file);
@@ -60,7 +59,8 @@ CMediaPropertyFile::~CMediaPropertyFile() = default;
 
 bool CMediaPropertyFile::LoadHeader(CNvxFile& file) {
   file.SeekToBegin();
-  const auto header = nvx::ReadRecordPadded<MediaPropertyHeader>(file);
+  MediaPropertyHeader header;
+  if (!nvx::ReadRecord(file, header)) return nvx::RefuseAt(file, 0, "media property: header cut short");
   if (header.magic != MediaPropertyHeader::kMagic) return nvx::RefuseAt(file, 0, "media property: wrong signature");
   if (header.version != MediaPropertyHeader::kVersion) return nvx::RefuseAt(file, 8, "media property: wrong version");
   entryCount_ = header.entryCount;

@@ -1,0 +1,41 @@
+// What every entry owes: a refusal says why; what loads saves, loads again and then saves the same bytes.
+#pragma once
+
+#include <nvxprofile/diagnosis.h>
+#include <nvxprofile/profile_entry.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <vector>
+
+namespace nvx::fuzz {
+
+inline void Check(bool condition) {
+  if (!condition) std::abort();
+}
+
+inline std::vector<std::uint8_t> BytesOf(CProfileDataEntry& entry) {
+  return {entry.GetRefBuffer(), entry.GetRefBuffer() + entry.GetSize()};
+}
+
+// True if the entry's payload loads from the bytes; its buffer is then the saved form.
+inline bool RoundTrip(CProfileDataEntry& entry, const std::uint8_t* bytes, std::size_t size) {
+  if (size == 0) return false;
+  std::memcpy(entry.GetBuffer(static_cast<std::uint32_t>(size)), bytes, size);
+  Diagnosis diagnosis;
+  entry.SetDiagnosis(&diagnosis);
+  const bool loaded = entry.BufferToData();
+  entry.SetDiagnosis(nullptr);
+  Check(loaded != diagnosis.HasErrors());
+  if (!loaded) return false;
+  Check(entry.DataToBuffer());
+  const std::vector<std::uint8_t> saved = BytesOf(entry);
+  Check(entry.BufferToData());
+  Check(entry.DataToBuffer());
+  Check(BytesOf(entry) == saved);
+  return true;
+}
+
+}  // namespace nvx::fuzz

@@ -1,0 +1,54 @@
+// The mask parameter list and the mask pattern table, chosen by the first magic: what loads saves, and loads again as
+// the same.
+#include <nvxprofile/diagnosis.h>
+#include <nvxprofile/mask.h>
+
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <vector>
+
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+
+void Check(bool condition) {
+  if (!condition) std::abort();
+}
+
+template <class File, class Data>
+Bytes Save(Data& data) {
+  Bytes bytes(static_cast<std::size_t>(File::GetSavedSize(data)));
+  CNvxMemFile stream(bytes.data(), static_cast<std::uint32_t>(bytes.size()));
+  Check(File().SaveFile(stream, &data) && stream.Position == bytes.size());
+  return bytes;
+}
+
+template <class File, class Data>
+void Run(Bytes bytes) {
+  Data data;
+  nvx::Diagnosis diagnosis;
+  CNvxMemFile stream(bytes.data(), static_cast<std::uint32_t>(bytes.size()));
+  stream.SetDiagnosis(&diagnosis);
+  const bool loaded = File().LoadFile(stream, &data);
+  Check(loaded != diagnosis.HasErrors());
+  Check(loaded || data.GetEntryCount() == 0);
+
+  Bytes saved = Save<File>(data);
+  Data again;
+  CNvxMemFile second(saved.data(), static_cast<std::uint32_t>(saved.size()));
+  Check(File().LoadFile(second, &again) && second.Position == saved.size());
+  Check(Save<File>(again) == saved);
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
+  const Bytes input(bytes, bytes + size);
+  if (size >= 4 && std::memcmp(bytes, "HTPM", 4) == 0) {
+    Run<CMaskPatternFile, CMaskPatternData>(input);
+  } else {
+    Run<CMaskParameterFile, CMaskParameterData>(input);
+  }
+  return 0;
+}

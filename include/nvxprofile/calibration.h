@@ -1,0 +1,299 @@
+// The calibration history of a profile: a small tree of entries inside one entry, and the binary form that holds the
+// children of each of its inner nodes (docs/formats/calibration.md).
+#pragma once
+
+#include <nvxprofile/cursor_list.h>
+#include <nvxprofile/curve_entry.h>
+#include <nvxprofile/export.h>
+#include <nvxprofile/file.h>
+#include <nvxprofile/profile_entry.h>
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+// What is known of a calibration beside its entries. The form keeps the first 20 characters of the name.
+struct tag_ContainerData {
+  std::int32_t Value = 0;  // for the calibration tools; only stored here
+  std::int64_t Time = 0;   // the newest calibration is the one with the greatest value
+  char16_t Name[24] = {};  // zero-terminated
+};
+
+// An opaque record of the calibration tools.
+struct tag_CalibrationInfo {
+  std::uint8_t Data[512] = {};
+};
+
+// The children of a container, which it owns, and the container's description.
+class CContainerData {
+ public:
+  CContainerData() = default;
+  CContainerData(const CContainerData&) = delete;
+  CContainerData& operator=(const CContainerData&) = delete;
+
+  // Destroys the children. The description stays.
+  virtual void DeleteContents();
+  virtual ~CContainerData();
+
+  // Appends the entry, which is owned from then on, unless it stands here already or a child has its used type and
+  // option info: then the first stays, the caller still owns the new one, and the result is true all the same. False
+  // for null alone.
+  virtual bool SetProfileDataEntry(CProfileDataEntry* entry);
+
+  tag_ContainerData* GetContainerData() { return &description_; }
+  const nvx::CursorList<CProfileDataEntry>& Children() const { return children_; }
+
+  // Puts the entry before the child at `index`, or at the end, without any test, and takes it over.
+  void Insert(std::size_t index, CProfileDataEntry* entry);
+  // Takes the child at `index` out; null if there is none. The caller owns it.
+  CProfileDataEntry* TakeAt(std::size_t index) { return children_.TakeAt(index); }
+
+  // The first child with that used type and option info, null if there is none.
+  CProfileDataEntry* Find(std::uint32_t usedType, std::uint32_t optionInfo) const;
+
+  // How deep the children stand below the outermost container, 1 for those of the outermost itself. A container that is
+  // put into another gets the next level, so that a form that nests without end is told from inside its load.
+  std::uint32_t GetLevel() const { return level_; }
+  void SetLevel(std::uint32_t level) { level_ = level; }
+
+ private:
+  tag_ContainerData description_;
+  nvx::CursorList<CProfileDataEntry> children_;
+  std::uint32_t level_ = 1;
+};
+
+// An entry that holds entries. Its buffer is the form of docs/formats/calibration.md; a child's buffer stands inside
+// it, so the tree nests. The description of a container is not in its own buffer but in its entry header in the buffer
+// above.
+//
+// Each level of nesting keeps its bytes once more. A history uses two levels of containers with curve entries below;
+// kMaxLevels are read and written. A container further down is not parsed: its BufferToData gives false and its bytes
+// stay as they are, also through DataToBuffer.
+//
+// BufferToData makes new children, so pointers to the former ones and to anything in them are invalid from then on.
+class NVX_EXPORT CContainerEntry : public CProfileDataEntry {
+ public:
+  static constexpr std::uint32_t kMaxLevels = 8;
+
+  CContainerEntry();
+  ~CContainerEntry() override;
+
+  // The description, which stays the entry's.
+  tag_ContainerData* GetContainerData() { return data_.GetContainerData(); }
+  // Copies the description; null changes nothing.
+  void SetContainerData(const tag_ContainerData* description);
+
+  int GetEntryCount() const { return static_cast<int>(data_.Children().Count()); }
+
+  // The child at a position, null for a position without one; or the first child with that used type and option info,
+  // null if there is none. It stays the container's.
+  CProfileDataEntry* GetProfileDataEntry(int index);
+  CProfileDataEntry* GetProfileDataEntry(std::uint32_t usedType, std::uint32_t optionInfo);
+
+  // Puts the entry before the child at that position and takes it over. A negative index counts as 0, one above the
+  // count appends. Null, and an entry that stands here already, are ignored.
+  void InsertProfileDataEntry(int index, CProfileDataEntry* entry);
+
+  // Appends the entry and takes it over. A child that has its used type and option info already stays, and the new
+  // entry then remains the caller's, although the result is true; false for null alone. Ask GetProfileDataEntry
+  // whether it was filed.
+  bool SetProfileDataEntry(CProfileDataEntry* entry);
+
+  // Takes a child out; the caller owns it. Null, with nothing changed, if there is no such child or if the class does
+  // not let children be removed, which only the history does.
+  CProfileDataEntry* RemoveProfileDataEntry(int index);
+  CProfileDataEntry* RemoveProfileDataEntry(std::uint32_t usedType, std::uint32_t optionInfo);
+
+  // Destroys the children and makes new ones from the buffer. False for an empty buffer, with the children as they
+  // were, and for a form that CProfileFileCalibration refuses, with the children before the fault.
+  bool BufferToData() override;
+
+  // Renews the buffers of all children and then this entry's, exactly as long as its form. A child whose own
+  // DataToBuffer fails is written with the buffer that it has. False, with the old buffer, for a form beyond 4 GiB and
+  // for children below kMaxLevels.
+  bool DataToBuffer() override;
+
+  // The children and their level.
+  CContainerData& GetChildData() { return data_; }
+  const CContainerData& GetChildData() const { return data_; }
+
+ protected:
+  enum class Removal { kForbidden, kAllowed };
+
+  // For the subclasses: the values of their row in the table of entry types.
+  CContainerEntry(UsedType usedType, bool display, Removal removal);
+
+  void DeleteContents();
+
+  // BufferToData and DataToBuffer with the option value of the form, which stays as it is if the form has no header.
+  bool ParseChildren(std::uint32_t& optionValue);
+  bool RebuildForm(std::uint32_t optionValue);
+
+ private:
+  CContainerData data_;
+  bool removable_ = false;
+};
+
+// One calibration of a history. Its option info is the calibration code.
+class NVX_EXPORT CCalibrationContainerEntry : public CContainerEntry {
+ public:
+  CCalibrationContainerEntry();
+
+  bool BufferToData() override;
+  bool DataToBuffer() override;
+};
+
+// The root of the tree. Its first child is the target entry (21, 0); the others are the calibrations.
+// nvx::AddCalibration and nvx::ImportCalibrations (nvxprofile/calibration_history.h) do what callers usually do with
+// it.
+class NVX_EXPORT CCalibrationHistoryEntry : public CContainerEntry {
+ public:
+  CCalibrationHistoryEntry();
+
+  // The code for a new calibration. Counts up by 1 at each call, from 0 in a new history; the form keeps the count.
+  std::uint32_t GetNextID() { return nextId_++; }
+  // The code that GetNextID would give.
+  std::uint32_t PeekNextID() const { return nextId_; }
+  void SetNextID(std::uint32_t id) { nextId_ = id; }
+
+  // Takes over the calibrations of another history; false, with nothing changed, for a source of another class or with
+  // a child that cannot be copied. What is taken over is a deep copy: both histories own their entries, and the source
+  // stays as it is.
+  //
+  // With as many children here as in the source, the source replaces this history whole, next ID and all. Otherwise the
+  // source's target entry replaces the contents of the one here (made if there is none), the source's other children
+  // are inserted behind it in their order, and the next ID grows by their number.
+  //
+  // The codes of the calibrations stay. Two histories often hold the same codes, since both start at 0; two
+  // calibrations with one code live side by side in memory, but become one when the form is loaded again.
+  // nvx::CollidingCodes tells, and nvx::ImportCalibrations imports without any loss.
+  bool DoImport(CProfileDataEntry* source) override;
+
+  bool BufferToData() override;
+  bool DataToBuffer() override;
+
+ private:
+  std::uint32_t nextId_ = 0;
+};
+
+// When the calibration target was made: the first 8 bytes of the buffer. What follows is kept unread; DataToBuffer is
+// that of the base and does nothing.
+class NVX_EXPORT CCalibrationTargetEntry : public CProfileDataEntry {
+ public:
+  CCalibrationTargetEntry();
+
+  // False, with the time as it was, for a buffer below 8 bytes.
+  bool BufferToData() override;
+
+  // Valid after BufferToData; 0 before.
+  std::int64_t GetCreateTime() const { return createTime_; }
+
+ private:
+  std::int64_t createTime_ = 0;
+};
+
+// Two opaque records. A new entry holds zeros, and has a buffer of 1024 zero bytes already.
+class NVX_EXPORT CCalibrationInfoEntry : public CProfileDataEntry {
+ public:
+  static constexpr std::uint32_t kRecordLength = sizeof(tag_CalibrationInfo);
+
+  CCalibrationInfoEntry();
+
+  // The base record and the extended record; both stay the entry's.
+  tag_CalibrationInfo* GetCalibrationInfo() { return &base_; }
+  tag_CalibrationInfo* GetCalibrationInfoEx() { return &extended_; }
+  // Copy the record; null changes nothing.
+  void SetCalibrationInfo(const tag_CalibrationInfo* info);
+  void SetCalibrationInfoEx(const tag_CalibrationInfo* info);
+
+  // Reads the base record, and the extended one if the buffer has at least 1024 bytes; otherwise that stays. False for
+  // a buffer below 512 bytes.
+  bool BufferToData() override;
+
+  // Makes the buffer 1024 bytes long and writes both records. Always true.
+  bool DataToBuffer() override;
+
+ private:
+  tag_CalibrationInfo base_;
+  tag_CalibrationInfo extended_;
+};
+
+// The curves of a calibration.
+class NVX_EXPORT CCalibrationInklimitEntry : public CProfileCurveEntry {
+ public:
+  CCalibrationInklimitEntry() : CProfileCurveEntry(kCalibrationInklimit) {}
+};
+
+class NVX_EXPORT CCalibrationLinearizationEntry : public CProfileCurveEntry {
+ public:
+  CCalibrationLinearizationEntry() : CProfileCurveEntry(kCalibrationLinearization) {}
+};
+
+class NVX_EXPORT CCalibrationGrayBalanceEntry : public CProfileCurveEntry {
+ public:
+  CCalibrationGrayBalanceEntry() : CProfileCurveEntry(kCalibrationGrayBalance) {}
+};
+
+// The form of docs/formats/calibration.md, in a stream or in a file of its own. CProfileFile::CreateProfileFile never
+// gives one: whoever has such data knows it. An object is made for one load or one save; it owns nothing of the data.
+class NVX_EXPORT CProfileFileCalibration {
+ public:
+  static constexpr std::uint32_t kHeaderSize = 20;
+  static constexpr std::uint32_t kEntryHeaderSize = 88;
+
+  CProfileFileCalibration();
+  CProfileFileCalibration(const CProfileFileCalibration&) = delete;
+  CProfileFileCalibration& operator=(const CProfileFileCalibration&) = delete;
+  ~CProfileFileCalibration();
+
+  // Fill `data` from a stream or a path; with headerOnly the file header alone is read. A child that `data` has already
+  // with the used type and option info of an entry header is filled anew and stays where it is. Entries whose payload
+  // does not parse keep their bytes. False for null data and for a damaged form: wrong magic or version, an unknown
+  // used type, a format type that does not belong to it, or a stored count or size that the stream does not hold.
+  // Entries before the fault then stay in `data`.
+  virtual bool LoadData(CNvxFile& file, CContainerData* data, bool headerOnly);
+  virtual bool LoadData(const char16_t* path, CContainerData* data, bool headerOnly);
+
+  // Write the children's buffers as they are; false for null data and for a header that the stream does not take whole.
+  // A stream that takes less of a body is not noticed: who saves to one asks it (CNvxFile::Flush). The path form
+  // notices: it writes beside the target and replaces it at the end, and after a false the old file is as it was. The
+  // offset load point takes no part.
+  virtual bool SaveData(CNvxFile& file, CContainerData* data);
+  virtual bool SaveData(const char16_t* path, CContainerData* data);
+
+  // True if magic and version fit; the header read is kept only then.
+  virtual bool LoadHeader(CNvxFile& file, CContainerData* data);
+
+  // Bytes that a save writes.
+  static std::uint64_t GetSavedSize(CContainerData& data);
+
+  // Where the form starts in the stream that is loaded; 0 at first.
+  std::uint32_t GetOffsetLoadPoint() const { return offsetLoadPoint_; }
+  void SetOffsetLoadPoint(std::uint32_t offset) { offsetLoadPoint_ = offset; }
+
+  // A number in the file header for the owner of the form; the history keeps its next ID in it. Set before a save, read
+  // after a load.
+  std::uint32_t GetOptionValue() const { return optionValue_; }
+  void SetOptionValue(std::uint32_t value) { optionValue_ = value; }
+
+ protected:
+  virtual bool LoadEntryHeader(CNvxFile& file);
+  virtual bool LoadEntries(CNvxFile& file, CContainerData* data);
+  virtual bool SaveHeader(CNvxFile& file, CContainerData* data);
+  virtual bool SaveBody(CNvxFile& file, CContainerData* data);
+
+  bool SaveEntryHeaders(CNvxFile& file, CContainerData* data);
+  void SetLoadEntryCount(std::uint32_t count) { entryCount_ = count; }
+  void DeleteContents();
+
+ private:
+  // One entry header as the stream holds it.
+  using EntryHeaderRecord = std::array<std::uint8_t, kEntryHeaderSize>;
+
+  std::vector<EntryHeaderRecord> entryHeaders_;
+  std::uint32_t headerSize_ = kHeaderSize;  // from the load point to the first entry header
+  std::uint32_t offsetLoadPoint_ = 0;
+  std::uint32_t entryCount_ = 0;
+  std::uint32_t optionValue_ = 0;
+};

@@ -1,0 +1,63 @@
+// The records of the calibration form; docs/formats/calibration.md draws them.
+#pragma once
+
+#include "core/record.h"
+
+namespace nvx {
+
+struct CalibrationHeader {
+  static constexpr std::uint32_t kMagic = Magic("ILAC");
+  static constexpr std::uint32_t kVersion = 0x00010000;
+
+  std::uint32_t magic = kMagic;
+  std::uint32_t headerSize = 20;
+  std::uint32_t version = kVersion;
+  std::uint32_t entryCount = 0;
+  std::uint32_t optionValue = 0;
+
+  template <class Self, class Codec>
+  static constexpr void Describe(Self& record, Codec& codec) {
+    codec.Number(record.magic);
+    codec.Number(record.headerSize);
+    codec.Number(record.version);
+    codec.Number(record.entryCount);
+    codec.Number(record.optionValue);
+  }
+};
+
+struct CalibrationEntryHeader {
+  static constexpr std::uint32_t kMagic = Magic("HEAC");
+  static constexpr std::uint32_t kBodyMagic = Magic("DEAC");
+  static constexpr std::uint32_t kBodyMagicSize = 4;
+
+  std::uint32_t magic = kMagic;
+  std::uint32_t recordSize = 88;
+  std::uint32_t bodySize = kBodyMagicSize;  // buffer and body magic
+  std::uint32_t usedType = 0;
+  std::uint32_t formatType = 0;
+  std::uint32_t complete = 0;
+  std::uint32_t optionInfo = 0;
+  std::int32_t value = 0;  // this and the next two for containers alone
+  std::int64_t time = 0;
+  char16_t name[21] = {};
+
+  template <class Self, class Codec>
+  static constexpr void Describe(Self& record, Codec& codec) {
+    codec.Number(record.magic);
+    codec.Number(record.recordSize);
+    codec.Number(record.bodySize);
+    codec.Number(record.usedType);
+    codec.Number(record.formatType);
+    codec.Number(record.complete);
+    codec.Number(record.optionInfo);
+    codec.Number(record.value);
+    codec.Number(record.time);
+    codec.Text(record.name, 20);
+    codec.Reserved(8);
+  }
+};
+
+static_assert(kRecordSize<CalibrationHeader> == 20);
+static_assert(kRecordSize<CalibrationEntryHeader> == 88);
+
+}  // namespace nvx

@@ -1,0 +1,171 @@
+#include "entries/curve/curve_form.h"
+#include "support/curve_builder.h"
+
+#include <nvxprofile/curve.h>
+#include <nvxprofile/diagnosis.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+
+namespace {
+
+using nvx::test::ByteBuilder;
+using nvx::test::Bytes;
+using nvx::test::CurveHeader;
+using nvx::test::CurveSetHeader;
+using nvx::test::MakeCurve;
+using nvx::test::SamplesOf;
+using nvx::test::TwoCurves;
+using testing::ElementsAre;
+
+bool Load(Bytes bytes, CCurveData& set, nvx::Diagnosis* diagnosis = nullptr) {
+  CNvxMemFile stream(bytes.data(), static_cast<std::uint32_t>(bytes.size()));
+  stream.SetDiagnosis(diagnosis);
+  return CCurveFile().LoadFile(stream, &set);
+}
+
+Bytes Save(CCurveData& set) {
+  CNvxMemFile stream;
+  EXPECT_TRUE(CCurveFile().SaveFile(stream, &set));
+  Bytes bytes(stream.Buffer, stream.Buffer + stream.Position);
+  std::free(stream.Buffer);
+  EXPECT_EQ(bytes.size(), nvx::CurveSetSize(set));
+  return bytes;
+}
+
+TEST(CurveFile, SavesTheBytesOfTheForm) {
+  CCurveData set;
+  set.SetUsedType(6);
+  auto cyan = MakeCurve(CCurveDataEntry::kSamples8, 0x101, {0, 0x80, 0xFF});
+  cyan->SetSlotNo(3);
+  cyan->SetDisplayRGB(0xFF00);
+  cyan->SetMax(255);
+  cyan->SetInkName("Cyan");
+  auto black = MakeCurve(CCurveDataEntry::kSamples16, 2, {0x1234, 0xFEFF}, 7);
+  black->SetMax(65535);
+  black->SetMin(9);
+  black->SetInkName("Black");
+  set.AddTail(cyan.release());
+  set.AddTail(black.release());
+  EXPECT_EQ(Save(set), TwoCurves());
+}
+
+TEST(CurveFile, LoadsTheBytesOfTheForm) {
+  const Bytes bytes = TwoCurves();
+  CCurveData set;
+  ASSERT_TRUE(Load(bytes, set));
+  EXPECT_EQ(set.GetUsedType(), 6u);
+  ASSERT_EQ(set.GetCount(), 2);
+  CCurveDataEntry& cyan = *set.FindInkIDEntry(1);
+  EXPECT_EQ(cyan.GetSlotNo(), 3u);
+  EXPECT_EQ(cyan.GetDisplayRGB(), 0xFF00u);
+  EXPECT_EQ(cyan.GetMax(), 255u);
+  EXPECT_STREQ(cyan.GetInkName(), "Cyan");
+  EXPECT_THAT(SamplesOf(cyan), ElementsAre(0, 0x80, 0xFF));
+  CCurveDataEntry& black = *set.FindInkIDEntryonSize(2, 7);
+  EXPECT_EQ(black.GetMin(), 9u);
+  EXPECT_THAT(SamplesOf(black), ElementsAre(0x1234, 0xFEFF));
+  EXPECT_EQ(Save(set), bytes);
+}
+
+TEST(CurveFile, KeepsEmptySetsAndEmptyCurves) {
+  const Bytes empty = CurveSetHeader(17, 0);
+  CCurveData set;
+  ASSERT_TRUE(Load(empty, set));
+  EXPECT_EQ(set.GetCount(), 0);
+  EXPECT_EQ(Save(set), empty);
+  const Bytes hollow = CurveSetHeader(17, 1).Append(CurveHeader({.ink = 4, .type = 2})).Text("SDEC");
+  ASSERT_TRUE(Load(hollow, set));
+  EXPECT_EQ(Save(set), hollow);
+}
+
+TEST(CurveFile, CutsNamesToTheirField) {
+  CCurveData set;
+  auto curve = MakeCurve(CCurveDataEntry::kSamples8, 1, {});
+  curve->SetInkName(std::string(120, 'n').c_str());
+  set.AddTail(curve.release());
+  const std::string cut(91, 'n');
+  EXPECT_EQ(Save(set), CurveSetHeader(0, 1).Append(CurveHeader({.ink = 1, .name = cut})).Text("SDEC").Take());
+
+  const std::string unterminated(92, 'u');
+  CCurveData loaded;
+  ASSERT_TRUE(Load(CurveSetHeader(0, 1).Append(CurveHeader({.name = unterminated})).Text("SDEC"), loaded));
+  EXPECT_EQ(std::string(loaded.FindInkIDEntry(0)->GetInkName()), unterminated.substr(1));
+}
+
+TEST(CurveFile, TellsItsSizeAndReadsItsHeaderOnly) {
+  Bytes bytes = TwoCurves();
+  CNvxMemFile stream(bytes.data(), static_cast<std::uint32_t>(bytes.size()));
+  EXPECT_EQ(CCurveFile().GetCurveDataSize(), 0);
+  const std::unique_ptr<CCurveFile> form(CCurveFile::CreateCurveFile(stream));
+  ASSERT_TRUE(form);
+  EXPECT_EQ(form->GetCurveDataSize(), 32);
+  CCurveData set;
+  ASSERT_TRUE(form->LoadFile(stream, &set));
+  EXPECT_EQ(form->GetCurveDataSize(), 311);
+  EXPECT_EQ(stream.Position, 311u);
+  bytes[8] = 2;
+  stream.Position = 0;
+  EXPECT_EQ(CCurveFile::CreateCurveFile(stream), nullptr);
+  EXPECT_FALSE(CCurveFile().LoadFile(stream, nullptr));
+  EXPECT_FALSE(CCurveFile().SaveFile(stream, nullptr));
+}
+
+TEST(CurveFile, RefusesEveryTruncationAndKeepsWhatCameBefore) {
+  const Bytes whole = TwoCurves();
+  for (std::size_t length = 0; length < whole.size(); ++length) {
+    CCurveData set;
+    nvx::Diagnosis diagnosis;
+    EXPECT_FALSE(Load(Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(length)), set, &diagnosis));
+    EXPECT_TRUE(diagnosis.HasErrors()) << length;
+    EXPECT_EQ(set.GetCount(), length < 303 ? 0 : 1) << length;
+  }
+}
+
+TEST(CurveFile, RefusesWhatBreaksTheForm) {
+  struct Case {
+    const char* rule;
+    std::size_t offset;
+    std::uint8_t byte;
+    int curvesBefore;
+  };
+  // Records start at 32 and 164, data blocks at 296 and 303.
+  for (const Case& broken : {Case{"header: wrong signature", 0, 'x', 0}, Case{"wrong version", 8, 1, 0},
+                             Case{"entry count beyond", 16, 3, 0}, Case{"entry count beyond", 19, 0xFF, 0},
+                             Case{"record: wrong signature", 164, 'x', 0}, Case{"block: wrong signature", 296, 'x', 0},
+                             Case{"block: wrong signature", 303, 'x', 1}, Case{"unknown DataType", 164 + 32, 3, 1},
+                             Case{"unknown DataType", 32 + 32, 0, 0}, Case{"odd data size", 164 + 36, 3, 1},
+                             Case{"data size beyond", 164 + 36, 6, 1}, Case{"data size beyond", 32 + 39, 0xFF, 0}}) {
+    Bytes bytes = TwoCurves();
+    bytes[broken.offset] = broken.byte;
+    CCurveData set;
+    nvx::Diagnosis diagnosis;
+    EXPECT_FALSE(Load(bytes, set, &diagnosis)) << broken.rule;
+    EXPECT_EQ(set.GetCount(), broken.curvesBefore) << broken.rule;
+    ASSERT_EQ(diagnosis.Findings().size(), 1u);
+    EXPECT_THAT(diagnosis.Findings()[0].rule, testing::HasSubstr(broken.rule));
+  }
+}
+
+TEST(CurveFile, SavesToAPathBesideTheOldFile) {
+  const nvx::test::TempFolder folder;
+  const std::u16string path = folder.WideFile("set.crv");
+  CCurveData set;
+  EXPECT_FALSE(CCurveFile().LoadFile(path.c_str(), &set));
+  ASSERT_TRUE(Load(TwoCurves(), set));
+  ASSERT_TRUE(CCurveFile().SaveFile(path.c_str(), &set));
+  EXPECT_EQ(nvx::test::ReadBytes(folder.File("set.crv")), TwoCurves());
+  CCurveData loaded;
+  ASSERT_TRUE(CCurveFile().LoadFile(path.c_str(), &loaded));
+  EXPECT_EQ(Save(loaded), TwoCurves());
+  EXPECT_FALSE(CCurveFile().SaveFile(path.c_str(), nullptr));
+  EXPECT_FALSE(CCurveFile().SaveFile(folder.WideFile("none/set.crv").c_str(), &set));
+  EXPECT_EQ(nvx::test::ReadBytes(folder.File("set.crv")), TwoCurves());
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.Path()), {}), 1);
+}
+
+}  // namespace

@@ -1,0 +1,51 @@
+// The buffers of entries as byte sequences, and profiles of one route from them.
+#pragma once
+
+#include "support/byte_builder.h"
+
+#include <nvxprofile/profile_access.h>
+#include <nvxprofile/profile_entry.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+namespace nvx::test {
+
+inline void SetBytes(CProfileDataEntry& entry, const Bytes& bytes) {
+  std::copy(bytes.begin(), bytes.end(), entry.GetBuffer(static_cast<std::uint32_t>(bytes.size())));
+}
+
+inline Bytes BytesOf(CProfileDataEntry& entry) {
+  return Bytes(entry.GetRefBuffer(), entry.GetRefBuffer() + entry.GetSize());
+}
+
+// Parses the bytes; the entry keeps them.
+inline bool Parse(CProfileDataEntry& entry, const Bytes& bytes) {
+  SetBytes(entry, bytes);
+  return entry.BufferToData();
+}
+
+struct EntryBytes {
+  std::uint32_t usedType;
+  std::uint32_t formatType;
+  Bytes bytes;
+};
+
+// An access object on an entry-table container of these entries.
+inline bool InitFromEntries(CProfileAccess& access, const std::vector<EntryBytes>& entries, std::uint32_t route = 4) {
+  ByteBuilder file;
+  file.Text(" TCQ").U32(32).U32(0x00010000).U32(0).U32(route).U32(0);
+  file.U32(static_cast<std::uint32_t>(entries.size())).U32(0);
+  for (const EntryBytes& entry : entries) {
+    file.Text("IHEP").U32(292).U32(entry.usedType).U32(entry.formatType);
+    file.U32(static_cast<std::uint32_t>(entry.bytes.size() + 4)).U32(1).U32(0).Zero(264);
+  }
+  for (const EntryBytes& entry : entries) file.Text("SDEP").Append(entry.bytes);
+  const TempFolder folder;
+  WriteBytes(folder.File("profile.qct"), file);
+  CError error;
+  return access.Init(folder.WideFile("profile.qct").c_str(), &error);
+}
+
+}  // namespace nvx::test

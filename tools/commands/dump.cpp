@@ -1,0 +1,36 @@
+// nvxprofile dump: a whole profile as text.
+#include "command.h"
+#include "document.h"
+#include "loading.h"
+#include "terminal.h"
+
+#include <memory>
+#include <string>
+
+namespace nvx::tool {
+
+void AddDumpCommand(CLI::App& app, int& status) {
+  struct Options {
+    std::string file;
+    std::string folder;
+  };
+  CLI::App* const command = app.add_subcommand("dump", "Write a whole profile as one JSON document");
+  const auto options = std::make_shared<Options>();
+  command->add_option("FILE", options->file, "A profile of any format")->required();
+  command->add_option("--files", options->folder, "Write ICC profiles as files into this folder")
+      ->type_name("DIR")
+      ->check(CLI::ExistingDirectory);
+  command->callback([options, &status] {
+    CProfileAccess access;
+    status = kFailure;
+    if (!LoadProfile(options->file, access)) return;
+    try {
+      PrintJson(ProfileToDocument(access, options->folder));
+      status = kSuccess;
+    } catch (const std::exception& error) {
+      PrintError(error.what());
+    }
+  });
+}
+
+}  // namespace nvx::tool
