@@ -178,7 +178,7 @@ void CCurveData::DeleteContents() {
 
 void CCurveData::AddTail(CCurveDataEntry* entry) {
   if (entry == nullptr) return;
-  curves_.Append(entry);
+  curves_.Append(entry, IsAutoDelete() ? nvx::Ownership::kOwned : nvx::Ownership::kBorrowed);
   dataSizeType_ = entry->GetDataType();
 }
 
