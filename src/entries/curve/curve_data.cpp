@@ -210,8 +210,7 @@ void CCurveData::Copy(CCurveData& target, const std::uint32_t* skipList, int ski
         CCurveDataEntry::CreateCurveDataEntry(static_cast<CCurveDataEntry::typeData>(curve->GetDataType())));
     if (!copy) continue;
     curve->Copy(*copy);
-    target.AddTail(copy.get());
-    copy.release();
+    target.AddTail(copy.release());
   }
 }
 
