@@ -43,7 +43,8 @@ class NVX_EXPORT CProfileAccess {
 
   // Curves. A pointer to the samples of one curve, `size` their size in bytes, `dataType` 1 for samples of 8 bits and 2
   // for 16 bits. It is valid until the next curve query on the same entry: each query parses the entry's buffer anew.
-  // Null on failure, with size and dataType 0, unless the curve has an unknown data type: its size then stands.
+  // Null on failure: without a profile or the entry, size and dataType stay as they were; else they are 0, unless the
+  // curve has an unknown data type: its size then stands.
   void* GetInkLimit(std::uint32_t inkColorCode, int& size, int& dataType, CError* error);
   void* GetLinearization(std::uint32_t inkColorCode, int& size, int& dataType, CError* error);
   void* GetGrayBalance(std::uint32_t inkColorCode, int& size, int& dataType, CError* error);

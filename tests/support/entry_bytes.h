@@ -27,7 +27,7 @@ inline bool Parse(CProfileDataEntry& entry, const Bytes& bytes) {
 }
 
 // The form, and the zeros up to the next multiple of 1024 that a rebuilt buffer may have.
-inline Bytes Padded(Bytes form) {
+inline Bytes ToCapacity(Bytes form) {
   form.resize((form.size() + 1023) / 1024 * 1024);
   return form;
 }

@@ -9,7 +9,7 @@ namespace nvx::tool {
 
 Json CurveSetToJson(CCurveData& set);
 
-// Replaces the curves of the set. Throws DocumentError.
-void CurveSetFromJson(const Node& node, CCurveData& set);
+// Replaces the curves of the set. `usedType` is that of a set which the document gives none. Throws DocumentError.
+void CurveSetFromJson(const Node& node, CCurveData& set, std::uint32_t usedType);
 
 }  // namespace nvx::tool

@@ -33,7 +33,7 @@ std::unique_ptr<CSpecialColorInfoDataEntry> TableFromJson(const Node& node) {
   SetWords(*table, arrays);
   for (const Node& item : node.At("curvesVD").Items()) {
     auto set = std::make_unique<CCurveData>();
-    CurveSetFromJson(item, *set);
+    CurveSetFromJson(item, *set, CProfileDataEntry::kVariable);
     table->AddTailVD(set.release());
   }
   return table;

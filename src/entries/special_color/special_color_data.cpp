@@ -103,9 +103,7 @@ std::int32_t CSpecialColorInfoDataEntry::SeekPatternVDCurveIndex(std::int32_t pa
 void CSpecialColorInfoDataEntry::DeleteContentsVD() { curves_.Clear(nvx::Ownership::kOwned); }
 
 void CSpecialColorInfoDataEntry::AddTailVD(CCurveData* curves) {
-  std::unique_ptr<CCurveData> taken(curves);
-  if (taken) curves_.Append(taken.get());
-  taken.release();
+  if (curves != nullptr) curves_.Append(curves, nvx::Ownership::kOwned);
 }
 
 CSpecialColorInfoData::~CSpecialColorInfoData() { CSpecialColorInfoData::DeleteSpecialColorInfo(); }
@@ -114,9 +112,7 @@ void CSpecialColorInfoData::DeleteContents() { DeleteSpecialColorInfo(); }
 void CSpecialColorInfoData::DeleteSpecialColorInfo() { entries_.Clear(nvx::Ownership::kOwned); }
 
 void CSpecialColorInfoData::AddTail(CSpecialColorInfoDataEntry* entry) {
-  std::unique_ptr<CSpecialColorInfoDataEntry> taken(entry);
-  if (taken) entries_.Append(taken.get());
-  taken.release();
+  if (entry != nullptr) entries_.Append(entry, nvx::Ownership::kOwned);
 }
 
 CSpecialColorInfoDataEntry* CSpecialColorInfoData::Find(std::uint32_t usedType) {

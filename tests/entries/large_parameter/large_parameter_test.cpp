@@ -14,7 +14,7 @@ namespace {
 using nvx::test::ByteBuilder;
 using nvx::test::Bytes;
 using nvx::test::BytesOf;
-using nvx::test::Padded;
+using nvx::test::ToCapacity;
 using nvx::test::Parse;
 using Words = std::vector<std::int32_t>;
 using Table = std::unique_ptr<CLargeParameterDataEntry>;
@@ -182,14 +182,14 @@ TEST(LargeParameter, ReadsTablesOfBothGenerationsInAnyOrder) {
   }
   EXPECT_FALSE(more);
   ASSERT_TRUE(entry.DataToBuffer());
-  EXPECT_EQ(BytesOf(entry), Padded(ThreeTables()));
+  EXPECT_EQ(BytesOf(entry), ToCapacity(ThreeTables()));
 
   CLargeParameterEntry copy;
   EXPECT_TRUE(copy.DoImport(&entry));
   EXPECT_EQ(copy.GetLargeParameterData()->GetPropertyCount(), 3);
-  EXPECT_EQ(BytesOf(copy), Padded(ThreeTables()));
+  EXPECT_EQ(BytesOf(copy), ToCapacity(ThreeTables()));
   EXPECT_TRUE(entry.DoImport(&entry));
-  EXPECT_EQ(BytesOf(entry), Padded(ThreeTables()));
+  EXPECT_EQ(BytesOf(entry), ToCapacity(ThreeTables()));
   CProfileDataEntry other;
   EXPECT_FALSE(copy.DoImport(&other));
 }
@@ -200,7 +200,7 @@ TEST(LargeParameter, EmptyListIsTheHeaderAlone) {
   ASSERT_TRUE(Parse(entry, Header(0)));
   EXPECT_TRUE(Parse(entry, Header(-1)));
   ASSERT_TRUE(entry.DataToBuffer());
-  EXPECT_EQ(BytesOf(entry), Padded(Header(0)));
+  EXPECT_EQ(BytesOf(entry), ToCapacity(Header(0)));
 }
 
 TEST(LargeParameter, ReshapedTableKeepsItsWordsAndLoadsAsTheLaterKind) {

@@ -14,7 +14,7 @@ namespace {
 using nvx::test::ByteBuilder;
 using nvx::test::Bytes;
 using nvx::test::BytesOf;
-using nvx::test::Padded;
+using nvx::test::ToCapacity;
 using nvx::test::Parse;
 using Words = std::vector<std::int32_t>;
 using Table = std::unique_ptr<CSpecialColorInfoDataEntry>;
@@ -163,10 +163,10 @@ TEST(SpecialColor, ReadsAndWritesSeveralTablesWithTheirCurves) {
   EXPECT_EQ(data.Entries().At(1)->GetCountVD(), 0);
 
   ASSERT_TRUE(entry.DataToBuffer());
-  EXPECT_EQ(BytesOf(entry), Padded(TwoTables()));
+  EXPECT_EQ(BytesOf(entry), ToCapacity(TwoTables()));
   CSpecialColorInfoEntry copy;
   ASSERT_TRUE(copy.DoImport(&entry));
-  EXPECT_EQ(BytesOf(copy), Padded(TwoTables()));
+  EXPECT_EQ(BytesOf(copy), ToCapacity(TwoTables()));
   EXPECT_EQ(copy.GetSpecialColorInfoData()->Find(1)->GetCountVD(), 2);
   CProfileDataEntry other;
   EXPECT_FALSE(copy.DoImport(&other));
@@ -182,7 +182,7 @@ TEST(SpecialColor, TheProfileColourTypeComesFromAnyHeader) {
   ASSERT_TRUE(Parse(entry, Header(5, 0)));
   EXPECT_EQ(entry.GetSpecialColorInfoData()->GetProfileColorType(), 5u);
   ASSERT_TRUE(entry.DataToBuffer());
-  EXPECT_EQ(BytesOf(entry), Padded(Header(5, 0)));
+  EXPECT_EQ(BytesOf(entry), ToCapacity(Header(5, 0)));
 
   Bytes wrong = Header(6, 0);
   wrong[0] = 'X';
