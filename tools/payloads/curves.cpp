@@ -30,17 +30,20 @@ Json CurveToJson(CCurveDataEntry& curve) {
           {"samples", std::move(samples)}};
 }
 
+// Ink and samples are what a curve needs; all else has the value of a new curve of 16-bit samples.
 std::unique_ptr<CCurveDataEntry> CurveFromJson(const Node& node) {
-  const auto type = static_cast<CCurveDataEntry::typeData>(node.At("dataType").Integer(1, 2));
-  std::unique_ptr<CCurveDataEntry> curve(CCurveDataEntry::CreateCurveDataEntry(type));
-  curve->SetInkID(static_cast<std::uint32_t>(node.At("inkID").Integer(0, 255)));
-  curve->SetInkName(NarrowFromJson(node.At("inkName"), kLongestName).c_str());
-  curve->SetSlotNo(node.At("slotNo").U32());
-  curve->SetDisplayRGB(node.At("displayRGB").U32());
-  curve->SetExtendInfo(node.At("extendInfo").U32());
-  curve->SetMax(node.At("max").U32());
-  curve->SetMin(node.At("min").U32());
+  const std::uint32_t wanted = node.U32Or("dataType", CCurveDataEntry::kSamples16);
+  if (wanted < 1 || wanted > 2) node.At("dataType").Fail("the data type must be 1 or 2");
+  std::unique_ptr<CCurveDataEntry> curve(
+      CCurveDataEntry::CreateCurveDataEntry(static_cast<CCurveDataEntry::typeData>(wanted)));
   const auto greatest = static_cast<std::int64_t>(curve->GetMaxBitValue());
+  curve->SetInkID(static_cast<std::uint32_t>(node.At("inkID").Integer(0, 255)));
+  if (node.Has("inkName")) curve->SetInkName(NarrowFromJson(node.At("inkName"), kLongestName).c_str());
+  curve->SetSlotNo(node.U32Or("slotNo", 0));
+  curve->SetDisplayRGB(node.U32Or("displayRGB", 0));
+  curve->SetExtendInfo(node.U32Or("extendInfo", 0));
+  curve->SetMax(node.U32Or("max", static_cast<std::uint32_t>(greatest)));
+  curve->SetMin(node.U32Or("min", 0));
   for (const Node& sample : node.At("samples").Items()) {
     curve->Add(static_cast<std::uint32_t>(sample.Integer(0, greatest)));
   }
@@ -63,7 +66,7 @@ void CurvesFromJson(const Node& node, CProfileDataEntry& entry) {
   CCurveData* const set = CurvesOf(entry);
   if (set == nullptr) node.Fail("the entry holds no curves");
   set->DeleteContents();
-  set->SetUsedType(node.At("usedType").U32());
+  set->SetUsedType(node.U32Or("usedType", entry.GetUsedType()));
   for (const Node& curve : node.At("curves").Items()) set->AddTail(CurveFromJson(curve).release());
   if (!entry.DataToBuffer()) node.Fail("the curves are too many for one entry");
 }

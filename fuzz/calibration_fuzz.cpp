@@ -1,0 +1,50 @@
+// Calibration histories: what loads must save, load again as the same bytes, and import without loss.
+#include "core/payload.h"
+
+#include <nvxprofile/calibration_history.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <vector>
+
+namespace {
+
+void Require(bool condition) {
+  if (!condition) std::abort();
+}
+
+std::vector<std::uint8_t> Saved(CCalibrationHistoryEntry& history) {
+  Require(history.DataToBuffer());
+  return {history.GetRefBuffer(), history.GetRefBuffer() + history.GetSize()};
+}
+
+std::size_t Calibrations(CCalibrationHistoryEntry& history) {
+  std::size_t count = 0;
+  for (int i = 0; i < history.GetEntryCount(); ++i) {
+    count += history.GetProfileDataEntry(i)->GetUsedType() == CProfileDataEntry::kCalibrationContainer ? 1 : 0;
+  }
+  return count;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  CCalibrationHistoryEntry history;
+  std::uint8_t* const buffer = history.GetBuffer(static_cast<std::uint32_t>(size));
+  if (size != 0) std::memcpy(buffer, data, size);
+  if (!history.BufferToData()) return 0;
+
+  const std::vector<std::uint8_t> saved = Saved(history);
+  Require(history.BufferToData());
+  Require(Saved(history) == saved);
+
+  CCalibrationHistoryEntry grown;
+  nvx::AddCalibration(grown, {});
+  const auto imported = nvx::ImportCalibrations(grown, history);
+  Require(imported && imported->size() == Calibrations(history));
+  Require(Saved(history) == saved);
+  Saved(grown);
+  Require(grown.BufferToData());
+  Require(Calibrations(grown) == Calibrations(history) + 1);
+  return 0;
+}
