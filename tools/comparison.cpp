@@ -66,7 +66,8 @@ class Comparison {
   void Documents(const std::string& place, const Json& a, const Json& b) {
     const auto flat = [](const Json& json) {
       std::map<std::string, Json> values;
-      for (const auto& [key, value] : json.flatten().items()) values[key] = value;
+      const Json flattened = json.flatten();
+      for (const auto& [key, value] : flattened.items()) values[key] = value;
       return values;
     };
     Keyed(place, flat(a), flat(b), [this](const std::string& at, const Json& x, const Json& y) { Values(at, x, y); });

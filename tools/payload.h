@@ -39,6 +39,8 @@ class Node {
   std::int64_t Integer(std::int64_t least, std::int64_t greatest) const;
   std::uint32_t U32() const { return static_cast<std::uint32_t>(Integer(0, 0xFFFFFFFFLL)); }
   std::int32_t I32() const { return static_cast<std::int32_t>(Integer(-0x80000000LL, 0x7FFFFFFFLL)); }
+  // The number of a key that may be missing.
+  std::uint32_t U32Or(const char* key, std::uint32_t missing) const { return Has(key) ? At(key).U32() : missing; }
   bool Bool() const;
   std::string Text(std::size_t longest) const;  // bytes of narrow text
   std::vector<std::uint8_t> Base64() const;

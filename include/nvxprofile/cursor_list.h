@@ -26,19 +26,15 @@ class CursorList {
   // Null for an index at or beyond the count.
   T* At(std::size_t index) const { return index < items_.size() ? items_[index] : nullptr; }
 
-  void Append(T* item) { items_.push_back(item); }
-
-  // Appends an item that the list shall own, and destroys it if the list cannot grow.
-  T* Adopt(std::unique_ptr<T> item) {
-    items_.push_back(item.get());
-    return item.release();
-  }
-
+  // An item that is handed over is destroyed if the list cannot grow.
+  void Append(T* item, Ownership ownership = Ownership::kBorrowed) { Insert(items_.size(), item, ownership); }
   void Reserve(std::size_t count) { items_.reserve(count); }
 
   // Puts the item before the one at `index`; at or beyond the count it appends.
-  void Insert(std::size_t index, T* item) {
+  void Insert(std::size_t index, T* item, Ownership ownership = Ownership::kBorrowed) {
+    std::unique_ptr<T> taken(ownership == Ownership::kOwned ? item : nullptr);
     items_.insert(items_.begin() + static_cast<std::ptrdiff_t>(std::min(index, items_.size())), item);
+    static_cast<void>(taken.release());
   }
 
   // Takes the item at `index` out; null if there is none.

@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <vector>
 
 namespace nvx {
@@ -68,6 +69,9 @@ class NVX_EXPORT CMaskDownLoadEntry : public CProfileDataEntry {
   // First block of that type, null if there is none. It stays the entry's and is valid until the next Initialize or
   // BufferToData; its arrays also only until its next SetWeftDataParameter.
   tagWeftDatas* GetWeftData(std::uint32_t type);
+
+  // All blocks, in the order of the stream; valid as long as GetWeftData's result.
+  std::span<tagWeftDatas> GetWeftBlocks() { return blocks_; }
 
   // These stay the entry's. The total size is in bytes and set by DataToBuffer.
   tagWeftHeader* GetWeftHeader() { return &header_; }

@@ -43,7 +43,8 @@ class NVX_EXPORT CProfileAccess {
 
   // Curves. A pointer to the samples of one curve, `size` their size in bytes, `dataType` 1 for samples of 8 bits and 2
   // for 16 bits. It is valid until the next curve query on the same entry: each query parses the entry's buffer anew.
-  // Null on failure, with size and dataType 0, unless the curve has an unknown data type: its size then stands.
+  // Null on failure: without a profile or the entry, size and dataType stay as they were; else they are 0, unless the
+  // curve has an unknown data type: its size then stands.
   void* GetInkLimit(std::uint32_t inkColorCode, int& size, int& dataType, CError* error);
   void* GetLinearization(std::uint32_t inkColorCode, int& size, int& dataType, CError* error);
   void* GetGrayBalance(std::uint32_t inkColorCode, int& size, int& dataType, CError* error);
@@ -134,7 +135,8 @@ class NVX_EXPORT CProfileAccess {
   void* GetSpecialColorVDCurveDataBuffer(CCurveData* curves, std::int32_t inkColorCode, std::int32_t extendInfo,
                                          std::int32_t& size, std::int32_t& dataType, CError* error);
 
-  // UV lamp tables of signed 32-bit words, by printing condition. The count says what room the parameters need.
+  // UV lamp tables of signed 32-bit words, by printing condition. The count says what room the parameters need; of a
+  // table that ends before it GetUVLamp500Parameter copies what there is and gives false.
   bool GetUVLamp500ParamCount(std::uint32_t& count, std::int32_t condition1, std::int32_t condition2,
                               std::int32_t condition3, std::int32_t condition4, CError* error);
   bool GetUVLamp500Parameter(std::int32_t* parameters, std::int32_t condition1, std::int32_t condition2,

@@ -1,6 +1,7 @@
 // Arrays of signed 32-bit words, the store of large parameters and special colour information.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -8,18 +9,20 @@
 
 namespace nvx {
 
-// A few growable arrays with their lengths beside them. Reading a word that is not there gives 0, storing to one does
-// nothing; no operation leaves the arrays.
+// At most two growable arrays with their lengths beside them. Reading a word that is not there gives 0, storing to one
+// does nothing; no operation leaves the arrays.
 class WordArrays {
  public:
-  explicit WordArrays(std::size_t count) : lengths_(count), arrays_(count) {}
+  static constexpr std::size_t kMostArrays = 2;
 
-  std::size_t Count() const { return arrays_.size(); }
+  explicit WordArrays(std::size_t count) : count_(count) {}
+
+  std::size_t Count() const { return count_; }
 
   // Makes or drops arrays at the end; new ones are empty.
   void SetCount(std::size_t count) {
-    lengths_.resize(count);
-    arrays_.resize(count);
+    for (std::size_t array = count; array < count_; ++array) Resize(array, 0);
+    count_ = count;
   }
 
   // Words already there, up to the new length, are kept; new ones are 0.
@@ -30,10 +33,10 @@ class WordArrays {
 
   // Empty for an array that is not there.
   std::span<std::int32_t> Words(std::int64_t array) {
-    return IsThere(array) ? std::span(arrays_[static_cast<std::size_t>(array)]) : std::span<std::int32_t>();
+    return IsIn(count_, array) ? std::span(arrays_[static_cast<std::size_t>(array)]) : std::span<std::int32_t>();
   }
   std::span<const std::int32_t> Words(std::int64_t array) const {
-    return IsThere(array) ? std::span(arrays_[static_cast<std::size_t>(array)]) : std::span<const std::int32_t>();
+    return IsIn(count_, array) ? std::span(arrays_[static_cast<std::size_t>(array)]) : std::span<const std::int32_t>();
   }
 
   std::int32_t Get(std::int64_t array, std::int64_t index) const {
@@ -55,16 +58,16 @@ class WordArrays {
   }
 
   // Lengths in words, one for each array; null without arrays. A report for callers: nothing here relies on it.
-  std::int32_t* Lengths() { return lengths_.empty() ? nullptr : lengths_.data(); }
+  std::int32_t* Lengths() { return count_ != 0 ? lengths_.data() : nullptr; }
 
  private:
   static bool IsIn(std::size_t size, std::int64_t index) {
     return index >= 0 && static_cast<std::uint64_t>(index) < size;
   }
-  bool IsThere(std::int64_t array) const { return IsIn(arrays_.size(), array); }
 
-  std::vector<std::int32_t> lengths_;
-  std::vector<std::vector<std::int32_t>> arrays_;
+  std::size_t count_;
+  std::array<std::int32_t, kMostArrays> lengths_{};
+  std::array<std::vector<std::int32_t>, kMostArrays> arrays_;
 };
 
 }  // namespace nvx

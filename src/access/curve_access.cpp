@@ -114,8 +114,6 @@ CProfileDataEntry* FindEntry(CProfileData& profile, std::uint32_t usedType, cons
 
 void* CProfileAccess::GetCurveOfType(std::uint32_t usedType, const char16_t* missing, std::uint32_t inkColorCode,
                                      std::uint32_t extendInfo, int& size, int& dataType, CError* error) {
-  size = 0;
-  dataType = 0;
   if (!profile_) return nullptr;
   CProfileDataEntry* const entry = FindEntry(*profile_, usedType, missing, error);
   if (entry == nullptr) return nullptr;

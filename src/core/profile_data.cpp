@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <utility>
 
 namespace {
 
@@ -55,7 +54,10 @@ void CProfileData::SetProfileDataEntry(CProfileDataEntry* entry, std::uint32_t r
   std::unique_ptr<CProfileDataEntry> arrived(present != entry ? entry : nullptr);
   std::unique_ptr<CProfileRoute>& place = routes_[route];
   if (!place) place = std::make_unique<CProfileRoute>(route);
-  if (present == nullptr) present = entries_.Adopt(std::move(arrived));
+  if (present == nullptr) {
+    entries_.Append(arrived.release(), nvx::Ownership::kOwned);
+    present = entry;
+  }
   place->Add(present);
 }
 

@@ -101,14 +101,15 @@ TEST(CurveAccess, EachGetterReadsItsEntry) {
     CProfileAccess without;
     EXPECT_EQ(getter.get(without, 0, size, type, &error), nullptr);
     EXPECT_EQ(error.GetErrorReason(), 0u);
+    EXPECT_EQ(size, -1);
 
     CProfileAccess empty;
     ASSERT_TRUE(InitFromEntries(empty, {}));
     size = type = -1;
     EXPECT_EQ(getter.get(empty, 0, size, type, &error), nullptr);
     ExpectError(error, nvx::kReasonNotFound, getter.missing);
-    EXPECT_EQ(size, 0);
-    EXPECT_EQ(type, 0);
+    EXPECT_EQ(size, -1);
+    EXPECT_EQ(type, -1);
 
     const Bytes form =
         CurveSet({{1, 0, 1, {99}}, {0, 8, 1, {8, 8}}, {0, 5, 1, {5}}, {0, 2, 1, {2}}, {0, 1, 2, {1, 0}}});

@@ -115,10 +115,6 @@ TEST_F(MaskAccess, MissingBlocksAndEntriesAreReported) {
 }
 
 TEST_F(MaskAccess, VersionAboveFourIsNotSupported) {
-  LoadBlocks({});
-  ASSERT_EQ(
-      *static_cast<CMaskDownLoadEntry*>(access_.GetProfileData()->GetProfileDataEntryFromList(27))->GetWeftDataCount(),
-      0u);
   auto* const entry = new CMaskDownLoadEntry;
   entry->GetWeftHeader()->VersionMajor = 4;
   entry->GetWeftHeader()->VersionMinor = 1;

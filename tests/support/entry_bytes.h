@@ -26,6 +26,12 @@ inline bool Parse(CProfileDataEntry& entry, const Bytes& bytes) {
   return entry.BufferToData();
 }
 
+// The form, and the zeros up to the next multiple of 1024 that a rebuilt buffer may have.
+inline Bytes ToCapacity(Bytes form) {
+  form.resize((form.size() + 1023) / 1024 * 1024);
+  return form;
+}
+
 struct EntryBytes {
   std::uint32_t usedType;
   std::uint32_t formatType;

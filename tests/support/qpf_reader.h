@@ -11,23 +11,28 @@
 
 namespace nvx::test {
 
-// Throws where a rule of the ICC frame or of the private tags is broken.
+// Throws where a rule of the ICC frame or of the private tags is broken. Files that others wrote need not lie on 4-byte
+// boundaries.
 class QpfReader {
  public:
-  explicit QpfReader(const Bytes& file) : file_(file) {
-    Demand(file.size() >= 132 && Big(0) == file.size(), "size field");
+  enum class Frame { kOurs, kForeign };
+
+  explicit QpfReader(const Bytes& file, Frame frame = Frame::kOurs) : file_(file) {
+    Demand(file.size() >= 132 && (Big(0) == file.size() || frame == Frame::kForeign), "size field");
     Demand(Text(36) == "acsp", "signature");
     for (std::uint32_t i = 0; i < Big(128); ++i) {
       const std::size_t line = 132 + 12 * std::size_t{i};
-      Demand(Big(line + 4) % 4 == 0, "boundary");
+      Demand(Big(line + 4) % 4 == 0 || frame == Frame::kForeign, "boundary");
       Demand(std::size_t{Big(line + 4)} + Big(line + 8) <= file.size(), "tag data");
       const auto start = file.begin() + static_cast<std::ptrdiff_t>(Big(line + 4));
       Demand(tags_.emplace(Text(line), Bytes(start, start + static_cast<std::ptrdiff_t>(Big(line + 8)))).second,
              "tag twice");
+      offsets_[Text(line)] = Big(line + 4);
     }
   }
 
   const std::map<std::string, Bytes>& Tags() const { return tags_; }
+  std::size_t OffsetOf(const std::string& tag) const { return offsets_.at(tag); }
   bool Has(const std::string& tag) const { return tags_.count(tag) != 0; }
   Bytes Tag(const std::string& tag) const { return tags_.at(tag); }
 
@@ -84,6 +89,7 @@ class QpfReader {
 
   const Bytes& file_;
   std::map<std::string, Bytes> tags_;
+  std::map<std::string, std::size_t> offsets_;
 };
 
 }  // namespace nvx::test

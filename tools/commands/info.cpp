@@ -5,10 +5,13 @@
 #include "record_json.h"
 #include "terminal.h"
 
+#include <nvxprofile/icc_header.h>
 #include <nvxprofile/text_conversion.h>
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <vector>
@@ -37,11 +40,29 @@ Json EntryToJson(CProfileDataEntry& entry) {
   return json;
 }
 
+// The private tags of a file of the current generation; none for files of other formats.
+std::vector<IccTag> PrivateTags(const std::string& path, CProfileAccess& access) {
+  constexpr std::uint32_t kPrefix = 0x4E5658;  // "NVX"
+  std::vector<IccTag> tags;
+  CNvxFile file;
+  IccDirectory directory;
+  if (access.GetProfileLoadFormat() != 4 ||
+      !file.Open(Utf8ToWide(path).c_str(), kGenericRead, kShareRead, kOpenExisting))
+    return tags;
+  std::vector<std::uint8_t> bytes(file.GetLength());
+  bytes.resize(file.Read(bytes.data(), static_cast<std::uint32_t>(bytes.size())));
+  if (!ReadIccDirectory(bytes.data(), bytes.size(), directory)) return tags;
+  std::copy_if(directory.tags.begin(), directory.tags.end(), std::back_inserter(tags),
+               [](const IccTag& tag) { return tag.signature >> 8 == kPrefix; });
+  return tags;
+}
+
 Json ToJson(const std::string& path, CProfileAccess& access) {
   Json json = {{"file", path},
                {"format", access.GetProfileLoadFormat()},
                {"formatName", std::string(FormatName(access.GetProfileLoadFormat()))},
                {"info", RecordToJson(*access.GetProfileInfo())}};
+  for (const IccTag& tag : PrivateTags(path, access)) json["privateTags"][SignatureText(tag.signature)] = tag.size;
   Json routes = Json::array();
   for (CProfileRoute* const route : RoutesOf(*access.GetProfileData())) {
     Json entries = Json::array();
@@ -82,7 +103,8 @@ void PrintRecord(const _tagDeviceProfileInfo& info) {
   PrintPair("created", TimeText(info.CreateTime));
   PrintPair("updated", TimeText(info.UpdateTime));
   if (info.LayoutNumber == 3) {
-    PrintPair("made by", fmt::format("{} {}", wide(info.Binary.MakerText), wide(info.Binary.CreateModule)));
+    PrintPair("made by", wide(info.Binary.MakerText));
+    PrintPair("made with", wide(info.Binary.CreateModule));
     for (std::uint32_t i = 0; info.Binary.MediaInfo != nullptr && i < info.Binary.MediaInfoCount; ++i) {
       const tagMedia& media = info.Binary.MediaInfo[i];
       PrintPair(fmt::format("media name {}", media.Language), wide(media.Name));
@@ -113,6 +135,10 @@ void PrintIcc(CProfileDataEntry& entry) {
 void Print(const std::string& path, CProfileAccess& access) {
   PrintLine(Styled(Style::kHeading, path) + ": " + std::string(FormatName(access.GetProfileLoadFormat())));
   PrintRecord(*access.GetProfileInfo());
+  std::string tags;
+  for (const IccTag& tag : PrivateTags(path, access))
+    tags += fmt::format("{}{} {}", tags.empty() ? "" : ", ", SignatureText(tag.signature), tag.size);
+  PrintPair("private tags", tags);
   for (CProfileRoute* const route : RoutesOf(*access.GetProfileData())) {
     PrintLine(fmt::format("  route {}", route->GetRouteType()));
     Table table({{"type", Table::Align::kRight},

@@ -31,7 +31,7 @@ CProfileDataEntry* CContainerData::Find(std::uint32_t usedType, std::uint32_t op
 
 void CContainerData::Insert(std::size_t index, CProfileDataEntry* entry) {
   if (auto* const container = dynamic_cast<CContainerEntry*>(entry)) container->GetChildData().SetLevel(level_ + 1);
-  children_.Insert(index, entry);
+  children_.Insert(index, entry, nvx::Ownership::kOwned);
 }
 
 bool CContainerData::SetProfileDataEntry(CProfileDataEntry* entry) {

@@ -178,7 +178,7 @@ void CCurveData::DeleteContents() {
 
 void CCurveData::AddTail(CCurveDataEntry* entry) {
   if (entry == nullptr) return;
-  curves_.Append(entry);
+  curves_.Append(entry, IsAutoDelete() ? nvx::Ownership::kOwned : nvx::Ownership::kBorrowed);
   dataSizeType_ = entry->GetDataType();
 }
 
@@ -210,8 +210,7 @@ void CCurveData::Copy(CCurveData& target, const std::uint32_t* skipList, int ski
         CCurveDataEntry::CreateCurveDataEntry(static_cast<CCurveDataEntry::typeData>(curve->GetDataType())));
     if (!copy) continue;
     curve->Copy(*copy);
-    target.AddTail(copy.get());
-    copy.release();
+    target.AddTail(copy.release());
   }
 }
 

@@ -85,8 +85,7 @@ bool CCurveFile::LoadFile(CNvxFile& file, CCurveData* data) {
   for (const CurveRecord& record : entryHeaders_) {
     std::unique_ptr<CCurveDataEntry> curve = LoadCurve(file, record);
     if (!curve) return false;
-    data->AddTail(curve.get());
-    curve.release();
+    data->AddTail(curve.release());
   }
   return true;
 }

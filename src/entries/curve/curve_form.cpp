@@ -55,9 +55,9 @@ class CurveSetRefill {
 
   CCurveDataEntry& Replace(const CurveRecord& record) {
     DropRest();
-    std::unique_ptr<CCurveDataEntry> curve = MakeCurve(record);
-    set_.AddTail(curve.get());
-    return *curve.release();
+    CCurveDataEntry* const curve = MakeCurve(record).release();
+    set_.AddTail(curve);
+    return *curve;
   }
 
   void DropRest() {

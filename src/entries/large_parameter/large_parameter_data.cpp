@@ -138,7 +138,7 @@ void CLargeParameterData::DeleteContents() { DeleteLargeParameter(); }
 void CLargeParameterData::DeleteLargeParameter() { entries_.Clear(nvx::Ownership::kOwned); }
 
 void CLargeParameterData::AddTail(CLargeParameterDataEntry* entry) {
-  if (entry != nullptr) entries_.Append(entry);
+  if (entry != nullptr) entries_.Append(entry, nvx::Ownership::kOwned);
 }
 
 CLargeParameterDataEntry* CLargeParameterData::Find(std::uint32_t usedType) {

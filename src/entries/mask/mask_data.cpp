@@ -86,7 +86,7 @@ CMaskParameterData::~CMaskParameterData() { CMaskParameterData::DeleteContents()
 void CMaskParameterData::DeleteContents() { entries_.Clear(OwnershipOf(*this)); }
 
 void CMaskParameterData::AddTail(CMaskParameterDataEntry* entry) {
-  if (entry != nullptr) entries_.Append(entry);
+  if (entry != nullptr) entries_.Append(entry, OwnershipOf(*this));
 }
 
 void CMaskParameterData::Append(std::vector<std::unique_ptr<CMaskParameterDataEntry>> entries) {
@@ -135,7 +135,7 @@ bool CMaskPatternData::Add(CMaskPatternDataEntry* entry) {
   const std::uint32_t id = entry->GetMaskPatternID();
   const auto place = std::lower_bound(entries_.begin(), entries_.end(), id, HasLowerID);
   if (place == entries_.end() || (*place)->GetMaskPatternID() != id) {
-    entries_.Insert(static_cast<std::size_t>(place - entries_.begin()), entry);
+    entries_.Insert(static_cast<std::size_t>(place - entries_.begin()), entry, OwnershipOf(*this));
     return true;
   }
   if (*place != entry) delete entry;

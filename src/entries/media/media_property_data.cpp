@@ -52,7 +52,7 @@ bool CMediaPropertyDataEntry::SetParameter(std::int32_t index, std::int32_t valu
 CMediaPropertyData::~CMediaPropertyData() { DeleteMediaProperty(); }
 
 void CMediaPropertyData::AddTail(CMediaPropertyDataEntry* entry) {
-  if (entry != nullptr) entries_.Append(entry);
+  if (entry != nullptr) entries_.Append(entry, nvx::Ownership::kOwned);
 }
 
 void CMediaPropertyData::DeleteMediaProperty() { entries_.Clear(nvx::Ownership::kOwned); }

@@ -103,7 +103,7 @@ std::int32_t CSpecialColorInfoDataEntry::SeekPatternVDCurveIndex(std::int32_t pa
 void CSpecialColorInfoDataEntry::DeleteContentsVD() { curves_.Clear(nvx::Ownership::kOwned); }
 
 void CSpecialColorInfoDataEntry::AddTailVD(CCurveData* curves) {
-  if (curves != nullptr) curves_.Append(curves);
+  if (curves != nullptr) curves_.Append(curves, nvx::Ownership::kOwned);
 }
 
 CSpecialColorInfoData::~CSpecialColorInfoData() { CSpecialColorInfoData::DeleteSpecialColorInfo(); }
@@ -112,7 +112,7 @@ void CSpecialColorInfoData::DeleteContents() { DeleteSpecialColorInfo(); }
 void CSpecialColorInfoData::DeleteSpecialColorInfo() { entries_.Clear(nvx::Ownership::kOwned); }
 
 void CSpecialColorInfoData::AddTail(CSpecialColorInfoDataEntry* entry) {
-  if (entry != nullptr) entries_.Append(entry);
+  if (entry != nullptr) entries_.Append(entry, nvx::Ownership::kOwned);
 }
 
 CSpecialColorInfoDataEntry* CSpecialColorInfoData::Find(std::uint32_t usedType) {

@@ -54,6 +54,16 @@ std::optional<Block> FindBlock(CNvxFile& file, const WordTableRecord& record, st
   return block;
 }
 
+// The block of a record that makes no table, if there is one.
+std::optional<Block> FindIdleBlock(CNvxFile& file, const WordTableRecord& record, std::uint64_t start) {
+  nvx::Warn(file, start, "record: a used type other than 1 makes no table");
+  nvx::Diagnosis* const diagnosis = file.GetDiagnosis();
+  file.SetDiagnosis(nullptr);
+  const auto block = FindBlock(file, record, start);
+  file.SetDiagnosis(diagnosis);
+  return block;
+}
+
 // The table that a record describes, without words; null when memory runs out.
 CSpecialColorInfoDataEntry* MakeTable(const WordTableRecord& record, const Block& block) {
   const std::uint32_t sizes[] = {block.lengths.first, block.lengths.second};
@@ -157,15 +167,15 @@ bool CSpecialColorInfoFile::LoadFile(CNvxFile& file, CSpecialColorInfoData* data
   std::vector<Placed> placed;
   std::uint64_t end = file.GetPosition();
   for (const WordTableRecord& record : *records) {
-    const auto block = FindBlock(file, record, end);
-    if (record.usedType == kSpecialColorTable) {
+    const bool makesTable = record.usedType == kSpecialColorTable;
+    const auto block = makesTable ? FindBlock(file, record, end) : FindIdleBlock(file, record, end);
+    if (makesTable) {
       if (!block) return false;
       CSpecialColorInfoDataEntry* const table = MakeTable(record, *block);
       if (table == nullptr) return false;
       data->AddTail(table);
       placed.push_back({table, block->start});
     }
-    // A record that makes no table need not have a block.
     if (block) end += block->size;
   }
 

@@ -7,7 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
-#include <string>
+#include <typeinfo>
 
 namespace {
 
@@ -138,7 +138,8 @@ TEST(CurveEntry, NeverTouchesBorrowedCurvesOrCurvesOfAnotherClass) {
   owner.GetCurveData()->AddTail(new OwnCurve(gone));
   ASSERT_TRUE(Parse(owner, bytes));
   EXPECT_TRUE(gone);
-  EXPECT_EQ(typeid(*owner.GetCurveData()->FindInkIDEntry(1)), typeid(CCurveDataEntry16));
+  const CCurveDataEntry& renewed = *owner.GetCurveData()->FindInkIDEntry(1);
+  EXPECT_EQ(typeid(renewed), typeid(CCurveDataEntry16));
 
   const auto lent = MakeCurve(k16, 9, {50, 60});
   CLinearizationEntry borrower;

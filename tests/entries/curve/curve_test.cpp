@@ -107,7 +107,7 @@ TEST(Curve, WidensBy257OrTakesRawBytesAsTheyAre) {
 
 TEST(Curve, AnOddRawByteStopsTheConversion) {
   OpenCurve8 raw;
-  for (const std::uint32_t byte : {0x34, 0x12, 0x56}) raw.Add(byte);
+  for (const std::uint32_t byte : {0x34u, 0x12u, 0x56u}) raw.Add(byte);
   raw.SetDataType(CCurveDataEntry::kSamples16);
   raw.SetMax(5);
   CCurveDataEntry16 target;

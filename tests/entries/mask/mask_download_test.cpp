@@ -6,8 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstring>
-#include <memory>
 #include <vector>
 
 namespace {
@@ -33,20 +31,18 @@ ByteBuilder BlockHeader(std::uint32_t type, std::uint32_t length, std::uint32_t 
   return ByteBuilder().Text("TFEW").U32(24).U32(type).U32(length).U32(values).U32(bytes);
 }
 
+ByteBuilder Body(const std::vector<std::uint32_t>& values) {
+  ByteBuilder bytes;
+  bytes.Text("DFEW");
+  for (const std::uint32_t value : values) bytes.U32(value);
+  return bytes;
+}
+
 // Blocks of types 4, 3 and 6: 20 + 3 * 24 + 16 + 8 + 168 bytes.
 Bytes ThreeBlocks(std::uint32_t third = 77, std::uint8_t output = 9) {
-  return StreamHeader(3, 0, 3)
-      .Append(BlockHeader(4, 16, 3, 0))
-      .Append(BlockHeader(3, 8, 1, 0))
-      .Append(BlockHeader(6, 168, 0, 164))
-      .Text("DFEW")
-      .U32(1)
-      .U32(2)
-      .U32(0xFFFFFFFF)
-      .Text("DFEW")
-      .U32(third)
-      .Text("DFEW")
-      .Fill(output, 164);
+  ByteBuilder bytes = StreamHeader(3, 0, 3);
+  bytes.Append(BlockHeader(4, 16, 3, 0)).Append(BlockHeader(3, 8, 1, 0)).Append(BlockHeader(6, 168, 0, 164));
+  return bytes.Append(Body({1, 2, 0xFFFFFFFF})).Append(Body({third})).Append(Body({})).Fill(output, 164);
 }
 
 TEST(MaskDownload, TypeDecidesSizeAndVersion) {
@@ -125,12 +121,8 @@ TEST(MaskDownload, LoadsBlocksAndSavesTheSameBytes) {
 
 TEST(MaskDownload, StoredCountsAndVersionsDoNotMatter) {
   CMaskDownLoadEntry entry;
-  ASSERT_TRUE(Parse(entry, StreamHeader(9, 9, 1)
-                               .Append(BlockHeader(4, 0xFFFFFFFF, 0xFFFFFFFF, 0xFFFFFFFF))
-                               .Text("DFEW")
-                               .U32(1)
-                               .U32(2)
-                               .U32(3)));
+  ASSERT_TRUE(Parse(
+      entry, StreamHeader(9, 9, 1).Append(BlockHeader(4, 0xFFFFFFFF, 0xFFFFFFFF, 0xFFFFFFFF)).Append(Body({1, 2, 3}))));
   EXPECT_EQ(entry.GetWeftHeader()->VersionMajor, 1u);
   EXPECT_EQ(entry.GetWeftHeader()->VersionMinor, 1u);
   EXPECT_EQ(entry.GetWeftData(4)->ValueCount, 3u);
@@ -200,9 +192,8 @@ TEST(MaskDownload, ImportsWhatBothHave) {
   ASSERT_TRUE(Parse(target, StreamHeader(3, 0, 2)
                                 .Append(BlockHeader(3, 8, 1, 0))
                                 .Append(BlockHeader(6, 168, 0, 164))
-                                .Text("DFEW")
-                                .U32(0)
-                                .Text("DFEW")
+                                .Append(Body({0}))
+                                .Append(Body({}))
                                 .Zero(164)));
   EXPECT_TRUE(target.DoImport(&source));
   EXPECT_EQ(target.GetWeftData(3)->Values[0], 5u);
@@ -230,17 +221,9 @@ TEST(MaskDownload, PatternsNestTheirFormsInOneBlock) {
   EXPECT_FALSE(entry.IsDisplayEnable());
   EXPECT_EQ(entry.GetFormatData(), nullptr);
   ASSERT_TRUE(entry.DataToBuffer());
-  const Bytes empty = StreamHeader(2, 0, 1)
-                          .Append(BlockHeader(5, 84, 0, 2))
-                          .Text("DFEW")
-                          .Text("HPPM")
-                          .U32(40)
-                          .U32(1)
-                          .Zero(28)
-                          .Text("HTPM")
-                          .U32(40)
-                          .U32(1)
-                          .Zero(28);
+  ByteBuilder built = StreamHeader(2, 0, 1).Append(BlockHeader(5, 84, 0, 2)).Append(Body({}));
+  for (const char* const magic : {"HPPM", "HTPM"}) built.Text(magic).U32(40).U32(1).Zero(28);
+  const Bytes& empty = built;
   EXPECT_EQ(empty.size(), 128u);
   EXPECT_EQ(BufferOf(entry), empty);
   EXPECT_EQ(*entry.GetWeftTotalSize(), 128u);
@@ -280,15 +263,6 @@ TEST(MaskDownload, PatternsNestTheirFormsInOneBlock) {
                                 .Append(BlockHeader(5, 84, 0, 2))
                                 .Append(BlockHeader(5, 84, 0, 2))
                                 .Append(Bytes(empty.begin() + 44, empty.end()))));
-}
-
-TEST(MaskDownload, FactoryKnowsBothEntries) {
-  const std::unique_ptr<CProfileDataEntry> blocks(CProfileDataEntry::CreateDataEntry(CProfileDataEntry::kMaskDownload));
-  const std::unique_ptr<CProfileDataEntry> patterns(
-      CProfileDataEntry::CreateDataEntry(CProfileDataEntry::kMaskDownloadIncludePattern));
-  EXPECT_EQ(dynamic_cast<CMaskDownloadIncludePatternEntry*>(blocks.get()), nullptr);
-  EXPECT_NE(dynamic_cast<CMaskDownLoadEntry*>(blocks.get()), nullptr);
-  EXPECT_NE(dynamic_cast<CMaskDownloadIncludePatternEntry*>(patterns.get()), nullptr);
 }
 
 }  // namespace

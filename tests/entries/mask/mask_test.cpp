@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -61,43 +62,23 @@ ByteBuilder FileHeader(const char* magic, std::uint32_t count) {
   return ByteBuilder().Text(magic).U32(40).U32(1).U32(0).U32(count).Zero(20);
 }
 
-ByteBuilder PatternRecord(std::uint32_t id, std::uint32_t size) {
-  return ByteBuilder().Text("HRPM").U32(40).U32(0).U32(id).U32(size).Zero(20);
+// Header and records of a pattern table, from IDs and sizes.
+ByteBuilder PatternRecords(const std::vector<std::pair<std::uint32_t, std::uint32_t>>& records) {
+  ByteBuilder bytes = FileHeader("HTPM", static_cast<std::uint32_t>(records.size()));
+  for (const auto& [id, size] : records) bytes.Text("HRPM").U32(40).U32(0).U32(id).U32(size).Zero(20);
+  return bytes;
 }
 
 // Two records, the second without a block: 40 + 2 * 136 + (4 + 5) + 4 bytes.
 ByteBuilder TwoRecords() {
-  return FileHeader("HPPM", 2)
-      .Text("HRPM")
-      .U32(136)
-      .U32(0)
-      .U32(4)
-      .U32(2)
-      .U32(300)
-      .U32(3)
-      .U32(2)
-      .U32(5)
-      .U32(9)
-      .Zero(28)
-      .U32(5)
-      .U32(2)
-      .U32(5)
-      .U32(2)
-      .Zero(52)
-      .Text("HRPM")
-      .U32(136)
-      .U32(0)
-      .U32(8)
-      .U32(2)
-      .U32(300)
-      .U32(0)
-      .Zero(40)
-      .U32(0)
-      .U32(0)
-      .Zero(60)
-      .Text("DEPM")
-      .Text("block")
-      .Text("DEPM");
+  ByteBuilder bytes = FileHeader("HPPM", 2);
+  bytes.Text("HRPM").U32(136).U32(0).U32(4).U32(2).U32(300);
+  bytes.U32(3).U32(2).U32(5).U32(9).Zero(28);  // layer colours
+  bytes.U32(5).U32(2).U32(5).U32(2).Zero(52);  // block size, pattern IDs
+  bytes.Text("HRPM").U32(136).U32(0).U32(8).U32(2).U32(300);
+  bytes.U32(0).Zero(40);
+  bytes.U32(0).U32(0).Zero(60);
+  return bytes.Text("DEPM").Text("block").Text("DEPM");
 }
 
 TEST(MaskParameter, KeepsColoursSortedAndIdsInOrder) {
@@ -169,6 +150,12 @@ TEST(MaskParameter, FormIsExact) {
   EXPECT_EQ(ParamBytes(*loaded.Entries().At(2)), ByteBuilder().Text("block").Take());
 }
 
+// All beginnings of the bytes, and what is given besides.
+std::vector<Bytes> CutStreams(const Bytes& whole, std::vector<Bytes> streams) {
+  for (auto end = whole.begin(); end != whole.end(); ++end) streams.emplace_back(whole.begin(), end);
+  return streams;
+}
+
 // The bytes at an offset replaced by a number.
 Bytes With(Bytes bytes, std::size_t offset, std::uint32_t value) {
   for (int i = 0; i < 4; ++i) bytes[offset + static_cast<std::size_t>(i)] = static_cast<std::uint8_t>(value >> (8 * i));
@@ -177,7 +164,7 @@ Bytes With(Bytes bytes, std::size_t offset, std::uint32_t value) {
 
 TEST(MaskParameter, RefusedStreamsLeaveTheListAlone) {
   const Bytes whole = TwoRecords();
-  std::vector<Bytes> streams = {
+  const std::vector<Bytes> broken = {
       With(whole, 0, 0),                 // header magic
       With(whole, 16, 3),                // one record more than there is
       With(whole, 16, 0xFFFFFFFF),       // record count
@@ -186,9 +173,7 @@ TEST(MaskParameter, RefusedStreamsLeaveTheListAlone) {
       With(whole, 40 + 68, 0xFFFFFFFF),  // block size
       With(whole, 40 + 68, 10),          // block size, one more than the rest
   };
-  for (std::size_t length = 0; length < whole.size(); ++length)
-    streams.emplace_back(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(length));
-  for (const Bytes& stream : streams) {
+  for (const Bytes& stream : CutStreams(whole, broken)) {
     CMaskParameterData list;
     list.AddTail(NewRecord(1, {}));
     nvx::Diagnosis diagnosis;
@@ -207,18 +192,9 @@ TEST(MaskParameter, WrongMagicsArePassedOver) {
   EXPECT_EQ(ParamBytes(*list.Entries().At(0)), ByteBuilder().Text("block").Take());
 
   // The first block's size goes to the second: its magic is sought in the four bytes behind the wrong one.
-  const Bytes stream = FileHeader("HPPM", 2)
-                           .Text("HRPM")
-                           .Zero(64)
-                           .U32(3)
-                           .Zero(64)
-                           .Text("HRPM")
-                           .Zero(64)
-                           .U32(9)
-                           .Zero(64)
-                           .Text("EDPM")
-                           .Text("DEPM")
-                           .Text("abc");
+  ByteBuilder stream = FileHeader("HPPM", 2);
+  for (const std::uint32_t size : {3u, 9u}) stream.Text("HRPM").Zero(64).U32(size).Zero(64);
+  stream.Text("EDPM").Text("DEPMabc");
   list.DeleteContents();
   ASSERT_TRUE(Load<CMaskParameterFile>(stream, list));
   ASSERT_EQ(list.GetEntryCount(), 2);
@@ -282,25 +258,16 @@ TEST(MaskPattern, FormIsExactAndRefusedWhereItIsCut) {
   table.Add(NewPattern(7, {7, 7}));
   table.Add(NewPattern(3, {3, 3, 3}));
   table.Add(NewPattern(5));
-  const Bytes whole = FileHeader("HTPM", 3)
-                          .Append(PatternRecord(3, 3))
-                          .Append(PatternRecord(5, 0))
-                          .Append(PatternRecord(7, 2))
-                          .Text("EDPM")
-                          .Fill(3, 3)
-                          .Text("EDPM")
-                          .Text("EDPM")
-                          .Fill(7, 2);
+  const Bytes whole =
+      PatternRecords({{3, 3}, {5, 0}, {7, 2}}).Text("EDPM").Fill(3, 3).Text("EDPM").Text("EDPM").Fill(7, 2);
   EXPECT_EQ(Save<CMaskPatternFile>(table), whole);
 
   CMaskPatternData loaded;
   ASSERT_TRUE(Load<CMaskPatternFile>(whole, loaded));
   EXPECT_EQ(Save<CMaskPatternFile>(loaded), whole);
 
-  std::vector<Bytes> streams = {With(whole, 0, 0), With(whole, 16, 0xFFFFFFFF), With(whole, 40 + 16, 0xFFFFFFFF)};
-  for (std::size_t length = 0; length < whole.size(); ++length)
-    streams.emplace_back(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(length));
-  for (const Bytes& stream : streams) {
+  const std::vector<Bytes> broken = {With(whole, 0, 0), With(whole, 16, 0xFFFFFFFF), With(whole, 40 + 16, 0xFFFFFFFF)};
+  for (const Bytes& stream : CutStreams(whole, broken)) {
     CMaskPatternData target;
     EXPECT_FALSE(Load<CMaskPatternFile>(stream, target)) << stream.size();
     EXPECT_EQ(target.GetEntryCount(), 0);
@@ -311,17 +278,7 @@ TEST(MaskPattern, BlocksGoToPatternsInOrderOfTheirIds) {
   CMaskPatternData table;
   table.Add(NewPattern(4, {4}));
   // 3 stands twice and 4 is taken; 5 takes the size of the second record, and the last block stays unread.
-  const Bytes repeated = FileHeader("HTPM", 4)
-                             .Append(PatternRecord(3, 1))
-                             .Append(PatternRecord(3, 2))
-                             .Append(PatternRecord(4, 9))
-                             .Append(PatternRecord(5, 3))
-                             .Text("EDPM")
-                             .Text("a")
-                             .Text("EDPM")
-                             .Text("bc")
-                             .Text("EDPM")
-                             .Text("def");
+  const Bytes repeated = PatternRecords({{3, 1}, {3, 2}, {4, 9}, {5, 3}}).Text("EDPMa").Text("EDPMbc").Text("EDPMdef");
   nvx::Diagnosis diagnosis;
   ASSERT_TRUE(Load<CMaskPatternFile>(repeated, table, &diagnosis));
   EXPECT_EQ(diagnosis.Findings().size(), 1u);
@@ -332,15 +289,7 @@ TEST(MaskPattern, BlocksGoToPatternsInOrderOfTheirIds) {
 
   // Out of order, with a wrong magic: the second pattern stays empty and leaves its size unused.
   CMaskPatternData other;
-  const Bytes unordered = FileHeader("HTPM", 3)
-                              .Append(PatternRecord(9, 1))
-                              .Append(PatternRecord(6, 2))
-                              .Append(PatternRecord(8, 3))
-                              .Text("EDPM")
-                              .Text("a")
-                              .Text("DEPM")
-                              .Text("EDPM")
-                              .Text("def");
+  const Bytes unordered = PatternRecords({{9, 1}, {6, 2}, {8, 3}}).Text("EDPMa").Text("DEPM").Text("EDPMdef");
   ASSERT_TRUE(Load<CMaskPatternFile>(unordered, other));
   EXPECT_EQ(PatternBytes(*other.GetEntry(6)), ByteBuilder().Text("a").Take());
   EXPECT_EQ(other.GetEntry(8)->GetMaskPatternSize(), 0u);
@@ -349,8 +298,9 @@ TEST(MaskPattern, BlocksGoToPatternsInOrderOfTheirIds) {
 
 TEST(MaskPattern, ManyIdsInDescendingOrderLoadAtOnce) {
   constexpr std::uint32_t kCount = 60000;
-  ByteBuilder builder = FileHeader("HTPM", kCount);
-  for (std::uint32_t i = 0; i < kCount; ++i) builder.Append(PatternRecord(kCount - i, 0));
+  std::vector<std::pair<std::uint32_t, std::uint32_t>> records;
+  for (std::uint32_t id = kCount; id > 0; --id) records.emplace_back(id, 0);
+  ByteBuilder builder = PatternRecords(records);
   for (std::uint32_t i = 0; i < kCount; ++i) builder.Text("EDPM");
   CMaskPatternData table;
   table.Add(NewPattern(0));

@@ -1,0 +1,293 @@
+#include "support/entry_bytes.h"
+
+#include <nvxprofile/diagnosis.h>
+#include <nvxprofile/large_parameter.h>
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <memory>
+#include <vector>
+
+namespace {
+
+using nvx::test::ByteBuilder;
+using nvx::test::Bytes;
+using nvx::test::BytesOf;
+using nvx::test::ToCapacity;
+using nvx::test::Parse;
+using Words = std::vector<std::int32_t>;
+using Table = std::unique_ptr<CLargeParameterDataEntry>;
+
+constexpr std::int32_t kLeast = std::numeric_limits<std::int32_t>::min();
+constexpr std::int32_t kGreatest = std::numeric_limits<std::int32_t>::max();
+
+Words ArrayOf(CLargeParameterDataEntry& table, std::int32_t array) {
+  const auto words = table.Arrays().Words(array);
+  return Words(words.begin(), words.end());
+}
+
+Table FixedTable() { return Table(CLargeParameterDataEntry::CreateLargeParameterDataEntry(1, nullptr)); }
+
+Table PatternTable(std::int32_t patterns, const Words& first, const Words& second) {
+  const std::uint32_t sizes[] = {static_cast<std::uint32_t>(first.size()), static_cast<std::uint32_t>(second.size())};
+  Table table(CLargeParameterDataEntry::CreateLargeParameterDataEntry(2, sizes));
+  table->SetPatternCount(patterns);
+  for (std::size_t i = 0; i < first.size(); ++i) table->SetParameter(static_cast<std::int32_t>(i), first[i], 0);
+  for (std::size_t i = 0; i < second.size(); ++i) table->SetParameter(static_cast<std::int32_t>(i), second[i], 1);
+  return table;
+}
+
+// Two patterns of 14 words with blocks of 10 and 3 words.
+const Words kPatterns = {120, 0,                                              //
+                         70,  71, 1, 2,  3, 100,  0, 0, 0, 0, 8, 2, 11, 12,   //
+                         80,  81, 1, -1, 3, 1250, 0, 0, 0, 0, 1, 1, 21, 22};  //
+const Words kStore = {100, 101, 102, 103, 104, 105, 106, 107, 108, 109, 200, 201, 202};
+
+ByteBuilder Header(std::int32_t count) { return ByteBuilder().Text("MRAP").U32(16).I32(count).U32(0); }
+
+ByteBuilder& Add(ByteBuilder& bytes, const Words& words) {
+  for (const std::int32_t word : words) bytes.I32(word);
+  return bytes;
+}
+
+ByteBuilder& AddRecord(ByteBuilder& bytes, std::uint32_t usedType, std::uint32_t dataSize, std::int32_t count) {
+  return bytes.Text("HMRP").U32(20).U32(usedType).U32(dataSize).I32(count);
+}
+
+ByteBuilder& AddFixedBlock(ByteBuilder& bytes) {
+  bytes.Text("DMRP").U32(0).U32(0);
+  bytes.I32(0).I32(-1).I32(-1).Zero(4 * 128);
+  return bytes.I32(1).I32(-1).I32(-1).Zero(4 * 128);
+}
+
+ByteBuilder& AddPatternBlock(ByteBuilder& bytes) {
+  Add(bytes.Text("HERP"), kPatterns);
+  return Add(bytes.Text("EMRP"), kStore);
+}
+
+// A fixed table between two pattern tables.
+Bytes ThreeTables() {
+  ByteBuilder bytes = Header(3);
+  AddRecord(bytes, 2, 4 + 4 * 30 + 4 + 4 * 13, 2);
+  AddRecord(bytes, 1, 1060, 264);
+  AddRecord(bytes, 2, 4 + 4 * 30 + 4 + 4 * 13, 2);
+  AddPatternBlock(bytes);
+  AddFixedBlock(bytes);
+  AddPatternBlock(bytes);
+  return bytes;
+}
+
+TEST(LargeParameter, FixedTableHasItsShapeAndDefaults) {
+  const Table table = FixedTable();
+  Words expected(264);
+  expected[3] = expected[4] = expected[134] = expected[135] = -1;
+  expected[133] = 1;
+  EXPECT_EQ(ArrayOf(*table, 0), expected);
+  EXPECT_EQ(*table->GetParameterMax(), 264);
+  EXPECT_EQ(table->GetParamsCount(), 1);
+  EXPECT_FALSE(table->SetParameter(264, 1, 0));
+  EXPECT_FALSE(table->SetParameter(-1, 1, 0));
+  EXPECT_FALSE(table->SetParameter(5, 1, 1));
+  EXPECT_TRUE(table->SetParameter(263, 1, 0));
+  EXPECT_TRUE(table->SetParameter(5, 55, 0));
+  EXPECT_EQ(table->GetParameter(5, 1), 55);
+  EXPECT_EQ(table->GetParameter(264, 0), 0);
+  EXPECT_EQ(table->SeekPatternIndexByCondition(1, 2, 3, 4), 0);
+  EXPECT_EQ(table->GetRefBufferByPatternIndex(0), nullptr);
+  EXPECT_EQ(table->GetRefBuffer(1), nullptr);
+  EXPECT_EQ(CLargeParameterDataEntry::CreateLargeParameterDataEntry(3, nullptr), nullptr);
+}
+
+TEST(LargeParameter, ConditionsPickTheFirstPatternThatPasses) {
+  const Table table = PatternTable(2, kPatterns, kStore);
+  EXPECT_EQ(table->SeekPatternIndexByCondition(1, 2, 3, 150), 0);
+  EXPECT_EQ(table->SeekPatternIndexByCondition(1, 9, 3, 1250), 1);
+  EXPECT_EQ(table->SeekPatternIndexByCondition(1, 9, 3, 1251), -1);
+  EXPECT_EQ(table->SeekPatternIndexByCondition(1, 2, 3, 1250), 1);
+  EXPECT_EQ(table->SeekPatternIndexByCondition(-1, 2, 3, 100), -1) << "-1 in a query is an ordinary value";
+  EXPECT_EQ(table->SeekPatternIndexByCondition(1, 9, 3, 1200), -1) << "a hundred in a query is an ordinary value";
+
+  const auto passes = [&](std::int32_t stored, std::int32_t wanted) {
+    table->SetParameter(2 + 5, stored, 0);
+    return table->SeekPatternIndexByCondition(1, 2, 3, wanted) == 0;
+  };
+  EXPECT_TRUE(passes(0, -99));
+  EXPECT_TRUE(passes(0, 99));
+  EXPECT_FALSE(passes(0, 100));
+  EXPECT_TRUE(passes(-100, -199));
+  EXPECT_FALSE(passes(-100, -99));
+  EXPECT_TRUE(passes(1200, 1299));
+  EXPECT_FALSE(passes(1200, 1300));
+  EXPECT_TRUE(passes(-1, kLeast));
+  table->SetPatternCount(0);
+  EXPECT_EQ(table->SeekPatternIndexByCondition(1, 2, 3, 150), -1);
+}
+
+TEST(LargeParameter, PatternsSayWhereTheirParametersAre) {
+  const Table table = PatternTable(2, kPatterns, kStore);
+  EXPECT_EQ(table->SeekPatternParamCount(0), 10);
+  EXPECT_EQ(table->SeekPatternParamCount(1), 3);
+  EXPECT_EQ(table->SeekPatternSplitCount(1), 1);
+  EXPECT_EQ(table->SeekPatternSplitParamCount(0, 1), 12);
+  EXPECT_EQ(table->SeekPatternSplitParamCount(1, 0), 21);
+  std::int32_t* const store = table->GetRefBuffer(1);
+  EXPECT_EQ(table->GetRefBufferByPatternIndex(0), store);
+  EXPECT_EQ(table->GetRefBufferByPatternIndex(1), store + 10);
+  EXPECT_EQ(table->GetRefBufferByPatternIndex(2), store + 13);
+}
+
+// Every question stays inside the arrays: a sanitizer build sees it if one does not.
+TEST(LargeParameter, HostileWordsLeadNowhere) {
+  for (const std::int32_t patterns : {kLeast, -1, 0, 1, 2, 3, 30, 31, kGreatest}) {
+    const Table table = PatternTable(patterns, kPatterns, kStore);
+    for (const std::int32_t pattern : {kLeast, -1, 0, 1, 2, 29, kGreatest}) {
+      for (const std::int32_t split : {kLeast, -1, 0, 17, kGreatest}) table->SeekPatternSplitParamCount(pattern, split);
+      EXPECT_GE(table->SeekPatternParamCount(pattern), 0);
+      table->SeekPatternSplitCount(pattern);
+      table->GetRefBufferByPatternIndex(pattern);
+    }
+    EXPECT_EQ(table->SeekPatternIndexByCondition(9, 9, 9, 9), -1);
+    EXPECT_EQ(table->SeekPatternSplitParamCount(0, -1), 0);
+    EXPECT_EQ(table->SeekPatternSplitCount(-1), 0);
+  }
+  for (const std::int32_t count : {kLeast, -3, 12, kGreatest - 1, kGreatest}) {
+    const Table table = PatternTable(2, kPatterns, kStore);
+    table->SetParameter(2 + 10, count, 0);
+    EXPECT_EQ(table->SeekPatternParamCount(0), count == 12 ? 14 : 0);
+    EXPECT_EQ(table->GetRefBufferByPatternIndex(1), count == 12 ? nullptr : table->GetRefBuffer(1));
+  }
+  const Table shortTable = PatternTable(1, {28, 0, 0, 0, 1, 2, 3}, {});
+  EXPECT_EQ(shortTable->SeekPatternIndexByCondition(1, 2, 3, 0), -1);
+  EXPECT_EQ(shortTable->SeekPatternParamCount(0), 0);
+}
+
+TEST(LargeParameter, ReadsTablesOfBothGenerationsInAnyOrder) {
+  CLargeParameterEntry entry;
+  ASSERT_TRUE(Parse(entry, ThreeTables()));
+  CLargeParameterData& data = *entry.GetLargeParameterData();
+  ASSERT_EQ(data.GetPropertyCount(), 3);
+  bool more = data.GetHeadPosition();
+  for (const std::uint32_t usedType : {2u, 1u, 2u}) {
+    ASSERT_TRUE(more);
+    CLargeParameterDataEntry& table = *data.GetNext(more);
+    EXPECT_EQ(table.GetUsedType(), usedType);
+    if (usedType == 1) {
+      EXPECT_EQ(ArrayOf(table, 0), ArrayOf(*FixedTable(), 0));
+    } else {
+      EXPECT_EQ(ArrayOf(table, 0), kPatterns);
+      EXPECT_EQ(ArrayOf(table, 1), kStore);
+      EXPECT_EQ(table.GetPatternCount(), 2);
+    }
+  }
+  EXPECT_FALSE(more);
+  ASSERT_TRUE(entry.DataToBuffer());
+  EXPECT_EQ(BytesOf(entry), ToCapacity(ThreeTables()));
+
+  CLargeParameterEntry copy;
+  EXPECT_TRUE(copy.DoImport(&entry));
+  EXPECT_EQ(copy.GetLargeParameterData()->GetPropertyCount(), 3);
+  EXPECT_EQ(BytesOf(copy), ToCapacity(ThreeTables()));
+  EXPECT_TRUE(entry.DoImport(&entry));
+  EXPECT_EQ(BytesOf(entry), ToCapacity(ThreeTables()));
+  CProfileDataEntry other;
+  EXPECT_FALSE(copy.DoImport(&other));
+}
+
+TEST(LargeParameter, EmptyListIsTheHeaderAlone) {
+  CLargeParameterEntry entry;
+  EXPECT_FALSE(entry.BufferToData());
+  ASSERT_TRUE(Parse(entry, Header(0)));
+  EXPECT_TRUE(Parse(entry, Header(-1)));
+  ASSERT_TRUE(entry.DataToBuffer());
+  EXPECT_EQ(BytesOf(entry), ToCapacity(Header(0)));
+}
+
+TEST(LargeParameter, ReshapedTableKeepsItsWordsAndLoadsAsTheLaterKind) {
+  CLargeParameterEntry entry;
+  CLargeParameterDataEntry* const table = FixedTable().release();
+  entry.GetLargeParameterData()->AddTail(table);
+  const std::uint32_t sizes[] = {30, 13};
+  table->SetUsedTypeID001toID002(sizes);
+  EXPECT_EQ(table->GetParamsCount(), 2);
+  EXPECT_EQ(table->GetParameterMax()[1], 13);
+  EXPECT_EQ(table->GetParameter(3, 1), -1) << "words stay, and the answers are still those of array 0";
+  EXPECT_FALSE(entry.DataToBuffer()) << "word 0 is not the byte length yet";
+  for (std::int32_t i = 0; i < 30; ++i) table->SetParameter(i, kPatterns[static_cast<std::size_t>(i)], 0);
+  for (std::int32_t i = 0; i < 13; ++i) table->SetParameter(i, kStore[static_cast<std::size_t>(i)], 1);
+  table->SetPatternCount(2);
+  EXPECT_EQ(table->SeekPatternIndexByCondition(1, 9, 3, 1250), 0);
+  ASSERT_TRUE(entry.DataToBuffer());
+  ASSERT_TRUE(entry.BufferToData());
+  EXPECT_EQ(entry.GetLargeParameterData()->Find(2)->SeekPatternIndexByCondition(1, 9, 3, 1250), 1);
+}
+
+TEST(LargeParameter, RefusesToSaveWhatCannotBeReadBack) {
+  const auto isSaved = [](Table table) {
+    CLargeParameterEntry entry;
+    entry.GetBuffer(1)[0] = 7;
+    entry.GetLargeParameterData()->AddTail(table.release());
+    const bool saved = entry.DataToBuffer();
+    EXPECT_TRUE(saved || BytesOf(entry) == Bytes{7}) << "a refusal leaves the buffer";
+    return saved;
+  };
+  Words wrongLength = kPatterns;
+  wrongLength[0] = 116;
+  EXPECT_TRUE(isSaved(PatternTable(2, kPatterns, kStore)));
+  EXPECT_TRUE(isSaved(PatternTable(-5, {4}, {})));
+  EXPECT_FALSE(isSaved(PatternTable(2, wrongLength, kStore)));
+  EXPECT_FALSE(isSaved(PatternTable(0, {}, kStore)));
+  EXPECT_FALSE(isSaved(std::make_unique<CLargeParameterID001Entry>()));
+  Table strange = FixedTable();
+  strange->SetUsedType(3, nullptr);
+  EXPECT_FALSE(isSaved(std::move(strange)));
+}
+
+TEST(LargeParameter, EveryTruncationIsRefusedWithAReason) {
+  const Bytes whole = ThreeTables();
+  for (std::size_t size = 1; size < whole.size(); ++size) {
+    CLargeParameterEntry entry;
+    nvx::Diagnosis diagnosis;
+    entry.SetDiagnosis(&diagnosis);
+    EXPECT_FALSE(Parse(entry, Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size)))) << size;
+    EXPECT_TRUE(diagnosis.HasErrors()) << size;
+  }
+}
+
+TEST(LargeParameter, HostileFormsAreRefused) {
+  CLargeParameterEntry entry;
+  const auto loads = [&](std::size_t offset, std::uint32_t value) {
+    Bytes bytes = ThreeTables();
+    for (std::size_t i = 0; i < 4; ++i) bytes[offset + i] = static_cast<std::uint8_t>(value >> (8 * i));
+    return Parse(entry, bytes);
+  };
+  constexpr std::size_t kFirstBlock = 16 + 3 * 20;
+  EXPECT_FALSE(loads(0, 0)) << "magic";
+  EXPECT_FALSE(loads(8, 0x7FFFFFFF)) << "record count";
+  EXPECT_FALSE(loads(16 + 8, 3)) << "used type";
+  EXPECT_EQ(entry.GetLargeParameterData()->GetPropertyCount(), 0);
+  EXPECT_FALSE(loads(16 + 20 + 8, 0xFFFFFFFF));
+  EXPECT_EQ(entry.GetLargeParameterData()->GetPropertyCount(), 1) << "what was made before the failure stays";
+  for (const std::uint32_t size : {0u, 119u, 127u, 0xFFFFFFFFu}) EXPECT_FALSE(loads(16 + 12, size)) << size;
+  for (const std::uint32_t size : {180u, 0x80000000u, 0xFFFFFFFCu}) EXPECT_FALSE(loads(kFirstBlock + 4, size)) << size;
+  // What is not examined: the magic and the size of a record, the sizes of a fixed table.
+  EXPECT_TRUE(loads(16, 0));
+  EXPECT_TRUE(loads(16 + 4, 99));
+  EXPECT_TRUE(loads(16 + 20 + 12, 8));
+  EXPECT_TRUE(loads(16 + 20 + 16, 8));
+}
+
+TEST(LargeParameter, AWrongBlockMagicSparesTheOtherTables) {
+  Bytes bytes = ThreeTables();
+  bytes[16 + 3 * 20] = 'X';
+  CLargeParameterEntry entry;
+  EXPECT_FALSE(Parse(entry, bytes));
+  CLargeParameterData& data = *entry.GetLargeParameterData();
+  ASSERT_EQ(data.GetPropertyCount(), 3);
+  EXPECT_EQ(ArrayOf(*data.Find(2), 0), Words(30));
+  EXPECT_EQ(ArrayOf(*data.Entries().At(2), 1), kStore);
+  EXPECT_FALSE(Parse(entry, Bytes(20, 'M')));
+  EXPECT_EQ(data.GetPropertyCount(), 0) << "a form that is none still empties the list";
+}
+
+}  // namespace

@@ -1,0 +1,287 @@
+#include "support/entry_bytes.h"
+
+#include <nvxprofile/diagnosis.h>
+#include <nvxprofile/special_color.h>
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <memory>
+#include <vector>
+
+namespace {
+
+using nvx::test::ByteBuilder;
+using nvx::test::Bytes;
+using nvx::test::BytesOf;
+using nvx::test::ToCapacity;
+using nvx::test::Parse;
+using Words = std::vector<std::int32_t>;
+using Table = std::unique_ptr<CSpecialColorInfoDataEntry>;
+
+constexpr std::int32_t kLeast = std::numeric_limits<std::int32_t>::min();
+constexpr std::int32_t kGreatest = std::numeric_limits<std::int32_t>::max();
+
+// Two patterns of three slots, and what they recommend. Two curve sets of 174 and 32 bytes.
+const Words kPatterns = {80, 0, 2,    206,                 //
+                         0,  0, 1200, 5,   3, 3, 7,  0,    //
+                         0,  0, 1250, -1,  3, 3, -1, -1};  //
+const Words kAdvice = {0, 0, 1, 40, 2,                     //
+                       0, 0, 3, 60, 0};
+
+Words ArrayOf(CSpecialColorInfoDataEntry& table, std::int32_t array) {
+  const auto words = table.Arrays().Words(array);
+  return Words(words.begin(), words.end());
+}
+
+Table MakeTable(std::int32_t patterns, const Words& first, const Words& second) {
+  const std::uint32_t sizes[] = {static_cast<std::uint32_t>(first.size()), static_cast<std::uint32_t>(second.size())};
+  Table table(CSpecialColorInfoDataEntry::CreateSpecialColorInfoDataEntry(1, sizes));
+  table->SetPatternCount(patterns);
+  for (std::size_t i = 0; i < first.size(); ++i) table->SetParameter(static_cast<std::int32_t>(i), first[i], 0);
+  for (std::size_t i = 0; i < second.size(); ++i) table->SetParameter(static_cast<std::int32_t>(i), second[i], 1);
+  return table;
+}
+
+CCurveDataEntry* NewCurve(std::uint32_t ink, const std::vector<std::uint32_t>& samples) {
+  auto* const curve = new CCurveDataEntry16;
+  curve->SetInkID(ink);
+  for (const std::uint32_t sample : samples) curve->Add(sample);
+  return curve;
+}
+
+// The set of 174 bytes: one curve of ink 9 with three samples.
+CCurveData* NewCurveSet() {
+  auto* const set = new CCurveData;
+  set->SetUsedType(4);
+  set->AddTail(NewCurve(9, {1, 2, 0x1234}));
+  return set;
+}
+
+std::int32_t Seek(CSpecialColorInfoDataEntry& table, std::int32_t condition1, std::int32_t condition2, Words colors) {
+  return table.SeekPatternIndexByCondition(condition1, condition2, static_cast<std::int32_t>(colors.size()),
+                                           colors.data());
+}
+
+ByteBuilder Header(std::uint32_t colorType, std::int32_t count) {
+  return ByteBuilder().Text("RCPS").U32(32).U32(1).U32(0).U32(colorType).I32(count).Zero(8);
+}
+
+ByteBuilder& AddRecord(ByteBuilder& bytes, std::uint32_t usedType, std::uint32_t dataSize, std::int32_t count) {
+  return bytes.Text("HCPS").U32(20).U32(usedType).U32(dataSize).I32(count);
+}
+
+ByteBuilder& AddArrays(ByteBuilder& bytes, const Words& first, const Words& second) {
+  bytes.Text("HEPS");
+  for (const std::int32_t word : first) bytes.I32(word);
+  bytes.Text("ECPS");
+  for (const std::int32_t word : second) bytes.I32(word);
+  return bytes;
+}
+
+ByteBuilder& AddCurveSets(ByteBuilder& bytes) {
+  bytes.Text(" FCC").U32(32).U32(0x10000).U32(4).U32(1).Zero(12);
+  bytes.Text("IHEC").U32(132).U32(9).U32(0).U32(0).U32(0).U32(0).U32(0).U32(2).U32(6).Zero(92);
+  bytes.Text("SDEC").U16(1).U16(2).U16(0x1234);
+  return bytes.Text(" FCC").U32(32).U32(0x10000).U32(0).U32(0).Zero(12);
+}
+
+constexpr std::uint32_t kDataSize = 4 + 80 + 4 + 40;
+constexpr std::size_t kTwoRecords = 32 + 2 * 20;
+
+// A table with curve sets before one without.
+Bytes TwoTables() {
+  ByteBuilder bytes = Header(1, 2);
+  AddRecord(bytes, 1, kDataSize, 2);
+  AddRecord(bytes, 1, 4 + 16 + 4 + 4, 0);
+  AddCurveSets(AddArrays(bytes, kPatterns, kAdvice));
+  AddArrays(bytes, {16, 7, 0, 99}, {8});
+  return bytes;
+}
+
+TEST(SpecialColor, ColoursAndConditionsPickTheFirstPattern) {
+  const Table table = MakeTable(2, kPatterns, kAdvice);
+  EXPECT_EQ(Seek(*table, 1250, 5, {7, 3}), 0) << "the order of the caller does not matter";
+  EXPECT_EQ(Seek(*table, 1299, 5, {0, 7, 0, 3, 0}), 0) << "zeros go to the end, and those too many play no part";
+  EXPECT_EQ(Seek(*table, 1300, 5, {3, 7}), -1);
+  EXPECT_EQ(Seek(*table, 1250, 6, {3, 7}), 1);
+  EXPECT_EQ(Seek(*table, 1251, 6, {3, 7}), -1) << "1250 stands for itself alone";
+  EXPECT_EQ(Seek(*table, 1250, 5, {3}), 1) << "slot 7 of the first meets a 0";
+  EXPECT_EQ(Seek(*table, 1250, 5, {2, 3}), -1);
+  EXPECT_EQ(Seek(*table, 1250, 5, {3, 7, 8, 9}), -1) << "more colours than slots";
+  EXPECT_EQ(Seek(*table, -1, 5, {3, 7}), -1);
+  EXPECT_EQ(table->SeekPatternIndexByCondition(1250, 5, -4, nullptr), -1);
+
+  table->SetParameter(8, 0, 0);
+  EXPECT_EQ(Seek(*table, 1299, 5, {8}), 0) << "no slots, nothing to compare";
+  for (const std::int32_t slots : {kLeast, -1, 4, kGreatest}) {
+    table->SetParameter(8, slots, 0);
+    EXPECT_EQ(Seek(*table, 1250, 5, {3, 7}), -1) << slots;
+  }
+}
+
+TEST(SpecialColor, PatternsRecommend) {
+  const Table table = MakeTable(2, kPatterns, kAdvice);
+  EXPECT_EQ(table->SeekPatternRecommendLevel(0), 1);
+  EXPECT_EQ(table->SeekPatternRecommendDensity(1), 60);
+  EXPECT_EQ(table->SeekPatternVDCurveIndex(0), 2);
+  Words wide(20);
+  wide[13] = 77;
+  EXPECT_EQ(MakeTable(2, {}, wide)->SeekPatternRecommendDensity(1), 77);
+}
+
+TEST(SpecialColor, HostileCountsLeadNowhere) {
+  for (const std::int32_t patterns : {kLeast, -1, 0, 3, 16, 17, 20, 21, kGreatest}) {
+    const Table table = MakeTable(patterns, kPatterns, kAdvice);
+    EXPECT_EQ(Seek(*table, 1250, 5, {3, 7}), -1) << patterns;
+    for (const std::int32_t pattern : {kLeast, -1, 0, 2, 19, kGreatest}) {
+      table->SeekPatternRecommendLevel(pattern);
+      table->SeekPatternRecommendDensity(pattern);
+      table->SeekPatternVDCurveIndex(pattern);
+    }
+    EXPECT_EQ(table->SeekPatternRecommendLevel(-1), 0);
+    EXPECT_EQ(table->SeekPatternRecommendLevel(kGreatest), 0);
+  }
+  EXPECT_EQ(Seek(*MakeTable(1, {12, 0, 0}, {}), 0, 0, {}), -1);
+}
+
+TEST(SpecialColor, ReadsAndWritesSeveralTablesWithTheirCurves) {
+  CSpecialColorInfoEntry entry;
+  ASSERT_TRUE(Parse(entry, TwoTables()));
+  CSpecialColorInfoData& data = *entry.GetSpecialColorInfoData();
+  EXPECT_EQ(data.GetProfileColorType(), 1u);
+  ASSERT_EQ(data.GetPropertyCount(), 2);
+  CSpecialColorInfoDataEntry& first = *data.Find(1);
+  EXPECT_EQ(ArrayOf(first, 0), kPatterns);
+  EXPECT_EQ(ArrayOf(first, 1), kAdvice);
+  ASSERT_EQ(first.GetCountVD(), 2);
+  EXPECT_EQ(first.CurvesVD().At(0)->GetUsedType(), 4u);
+  EXPECT_EQ(static_cast<std::uint16_t*>(first.CurvesVD().At(0)->FindInkIDEntry(9)->GetRefBuffer())[2], 0x1234);
+  EXPECT_EQ(first.CurvesVD().At(1)->GetCount(), 0);
+  EXPECT_EQ(ArrayOf(*data.Entries().At(1), 0), (Words{16, 7, 0, 99}));
+  EXPECT_EQ(ArrayOf(*data.Entries().At(1), 1), Words{8});
+  EXPECT_EQ(data.Entries().At(1)->GetCountVD(), 0);
+
+  ASSERT_TRUE(entry.DataToBuffer());
+  EXPECT_EQ(BytesOf(entry), ToCapacity(TwoTables()));
+  CSpecialColorInfoEntry copy;
+  ASSERT_TRUE(copy.DoImport(&entry));
+  EXPECT_EQ(BytesOf(copy), ToCapacity(TwoTables()));
+  EXPECT_EQ(copy.GetSpecialColorInfoData()->Find(1)->GetCountVD(), 2);
+  CProfileDataEntry other;
+  EXPECT_FALSE(copy.DoImport(&other));
+
+  first.SetUsedType(1, nullptr);
+  EXPECT_EQ(first.GetCountVD(), 0);
+  EXPECT_EQ(first.GetRefBuffer(0), nullptr);
+}
+
+TEST(SpecialColor, TheProfileColourTypeComesFromAnyHeader) {
+  CSpecialColorInfoEntry entry;
+  EXPECT_FALSE(entry.BufferToData());
+  ASSERT_TRUE(Parse(entry, Header(5, 0)));
+  EXPECT_EQ(entry.GetSpecialColorInfoData()->GetProfileColorType(), 5u);
+  ASSERT_TRUE(entry.DataToBuffer());
+  EXPECT_EQ(BytesOf(entry), ToCapacity(Header(5, 0)));
+
+  Bytes wrong = Header(6, 0);
+  wrong[0] = 'X';
+  CNvxMemFile file(wrong.data(), static_cast<std::uint32_t>(wrong.size()));
+  EXPECT_EQ(CSpecialColorInfoFile::CreateSpecialColorInfoFile(file), nullptr);
+  EXPECT_FALSE(CSpecialColorInfoFile().LoadFile(file, entry.GetSpecialColorInfoData()));
+  EXPECT_EQ(entry.GetSpecialColorInfoData()->GetProfileColorType(), 6u);
+}
+
+TEST(SpecialColor, OtherUsedTypesMakeNoTable) {
+  for (const bool hasBlock : {true, false}) {
+    ByteBuilder bytes = Header(0, hasBlock ? 2 : 1);
+    AddRecord(bytes, 2, kDataSize, 2);
+    if (hasBlock) AddRecord(bytes, 1, 4 + 16 + 4 + 4, 0);
+    if (hasBlock) AddCurveSets(AddArrays(bytes, kPatterns, kAdvice));
+    if (hasBlock) AddArrays(bytes, {16, 7, 0, 99}, {8});
+    CSpecialColorInfoEntry entry;
+    EXPECT_TRUE(Parse(entry, bytes));
+    CSpecialColorInfoData& data = *entry.GetSpecialColorInfoData();
+    ASSERT_EQ(data.GetPropertyCount(), hasBlock ? 1 : 0);
+    if (hasBlock) {
+      EXPECT_EQ(ArrayOf(*data.Find(1), 1), Words{8});
+    }
+  }
+}
+
+TEST(SpecialColor, RefusesToSaveWhatCannotBeReadBack) {
+  const auto isSaved = [](const Words& first, std::vector<CCurveData*> sets, std::uint32_t usedType = 1) {
+    CSpecialColorInfoEntry entry;
+    Table table = MakeTable(0, first, {});
+    const std::uint32_t sizes[] = {static_cast<std::uint32_t>(first.size()), 0};
+    table->SetUsedType(usedType, sizes);
+    for (CCurveData* const set : sets) table->AddTailVD(set);
+    entry.GetSpecialColorInfoData()->AddTail(table.release());
+    const bool saved = entry.DataToBuffer();
+    EXPECT_TRUE(!saved || entry.BufferToData());
+    EXPECT_TRUE(saved || entry.GetSize() == 0);
+    return saved;
+  };
+  EXPECT_TRUE(isSaved({16, 0, 2, 348}, {NewCurveSet(), NewCurveSet()}));
+  EXPECT_FALSE(isSaved({16, 0, 1, 348}, {NewCurveSet(), NewCurveSet()}));
+  EXPECT_FALSE(isSaved({16, 0, 2, 347}, {NewCurveSet(), NewCurveSet()}));
+  EXPECT_FALSE(isSaved({16, 0, 1, 0}, {}));
+  EXPECT_FALSE(isSaved({8, 0}, {NewCurveSet()}));
+  EXPECT_TRUE(isSaved({16, 0, -1, 55}, {}));
+  EXPECT_TRUE(isSaved({4}, {}));
+  EXPECT_FALSE(isSaved({}, {}));
+  EXPECT_FALSE(isSaved({12, 0, 0, 0}, {}));
+  EXPECT_FALSE(isSaved({16, 0, 0, 0}, {}, 2));
+
+  CCurveData* const uneven = NewCurveSet();
+  uneven->AddTail(NewCurve(1, {1, 2}));
+  EXPECT_FALSE(isSaved({16, 0, 1, 314}, {uneven}));
+  for (const std::uint32_t type : {0u, 2u, 3u}) {
+    auto* const curve = new CCurveDataEntry8;
+    curve->Add(1);
+    curve->SetDataType(type);
+    auto* const set = new CCurveData;
+    set->AddTail(curve);
+    EXPECT_FALSE(isSaved({16, 0, 1, 169}, {set})) << type;
+  }
+}
+
+TEST(SpecialColor, EveryTruncationIsRefusedWithAReason) {
+  const Bytes whole = TwoTables();
+  for (std::size_t size = 1; size < whole.size(); ++size) {
+    CSpecialColorInfoEntry entry;
+    nvx::Diagnosis diagnosis;
+    entry.SetDiagnosis(&diagnosis);
+    EXPECT_FALSE(Parse(entry, Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size)))) << size;
+    EXPECT_TRUE(diagnosis.HasErrors()) << size;
+  }
+}
+
+TEST(SpecialColor, HostileFormsAreRefused) {
+  CSpecialColorInfoEntry entry;
+  const auto loads = [&](std::size_t offset, std::uint32_t value) {
+    Bytes bytes = TwoTables();
+    for (std::size_t i = 0; i < 4; ++i) bytes[offset + i] = static_cast<std::uint8_t>(value >> (8 * i));
+    return Parse(entry, bytes);
+  };
+  constexpr std::size_t kWords = kTwoRecords + 4;
+  constexpr std::size_t kCurves = kTwoRecords + kDataSize;
+  EXPECT_FALSE(loads(20, 0x7FFFFFFF)) << "record count";
+  for (const std::uint32_t size : {0u, 87u, 0xFFFFFFFFu}) EXPECT_FALSE(loads(32 + 12, size)) << size;
+  for (const std::uint32_t size : {128u, 0xFFFFFFFCu}) EXPECT_FALSE(loads(kWords, size)) << size;
+  for (const std::uint32_t count : {3u, 0x7FFFFFFFu}) EXPECT_FALSE(loads(kWords + 8, count)) << count;
+  for (const std::uint32_t size : {0u, 173u, 205u, 0xFFFFFFFFu}) EXPECT_FALSE(loads(kWords + 12, size)) << size;
+  for (const std::uint32_t size : {0u, 31u, 33u, 0xFFFFFFFFu}) EXPECT_FALSE(loads(kCurves + 4, size)) << size;
+  for (const std::uint32_t count : {2u, 0xFFFFFFFFu}) EXPECT_FALSE(loads(kCurves + 16, count)) << count;
+  for (const std::uint32_t size : {131u, 133u, 0xFFFFFFFFu}) EXPECT_FALSE(loads(kCurves + 36, size)) << size;
+  for (const std::uint32_t size : {4u, 8u, 0xFFFFFFFFu}) EXPECT_FALSE(loads(kCurves + 68, size)) << size;
+  EXPECT_FALSE(loads(kCurves + 64, 3)) << "DataType";
+
+  EXPECT_FALSE(loads(kTwoRecords + 84, 0)) << "magic of array 1";
+  CSpecialColorInfoData& data = *entry.GetSpecialColorInfoData();
+  ASSERT_EQ(data.GetPropertyCount(), 2);
+  EXPECT_EQ(ArrayOf(*data.Find(1), 0), kPatterns);
+  EXPECT_EQ(ArrayOf(*data.Entries().At(1), 1), Words{8}) << "the other table is read all the same";
+}
+
+}  // namespace

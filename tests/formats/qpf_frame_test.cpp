@@ -1,0 +1,129 @@
+// Real ICC profiles as frames of profiles of the current generation, with Little CMS as the judge of what came of them.
+#include "support/environment.h"
+#include "support/qpf_builder.h"
+#include "support/qpf_reader.h"
+#include "support/temp_folder.h"
+
+#include <nvxprofile/profile_access.h>
+#include <nvxprofile/profile_file_qpf.h>
+
+#include <gtest/gtest.h>
+#include <lcms2.h>
+
+#include <cstring>
+#include <filesystem>
+#include <memory>
+
+namespace {
+
+using namespace nvx::test;
+
+std::string ColorSpace(const Bytes& profile) { return std::string(profile.begin() + 16, profile.begin() + 20); }
+
+std::vector<std::filesystem::path> Frames() {
+  std::vector<std::filesystem::path> frames;
+  std::error_code error;
+  for (const auto& item : std::filesystem::recursive_directory_iterator("/usr/share/color/icc", error)) {
+    if (!item.is_regular_file()) continue;
+    const Bytes bytes = ReadBytes(item.path().string());
+    if (bytes.size() < 132 || std::memcmp(bytes.data() + 36, "acsp", 4) != 0) continue;
+    if (ColorSpace(bytes) == "CMYK" || ColorSpace(bytes) == "RGB ") frames.push_back(item.path());
+  }
+  return frames;
+}
+
+CProfileDataEntry& Add(CProfileData& data, std::uint32_t usedType, const Bytes& bytes, std::uint32_t route) {
+  CProfileDataEntry* const entry =
+      CProfileDataEntry::CreateDataEntry(static_cast<CProfileDataEntry::UsedType>(usedType));
+  std::copy(bytes.begin(), bytes.end(), entry->GetBuffer(static_cast<std::uint32_t>(bytes.size())));
+  data.SetProfileDataEntry(entry, route);
+  return *entry;
+}
+
+void Wrap(CProfileData& data, const Bytes& frame) {
+  Add(data, 10, frame, 4).SetComplete(true);
+  Add(data, 6, CurveSet(2, Bytes(512, 3)), 4);
+  Add(data, 27, MaskStream(6), 8);
+  Add(data, 18, frame, 256);
+  data.GetProfileInfo()->HasMaskDownload = data.GetProfileInfo()->HasOutputBlock = true;
+  data.GetProfileInfo()->ScanResolution = 720;
+  std::u16string(u"0000").copy(data.GetProfileInfo()->Binary.StoredRevisionCode, 4);
+}
+
+bool Save(const TempFolder& folder, const char* name, CProfileData& data, const char* time) {
+  const ScopedVariable clock("SOURCE_DATE_EPOCH", time);
+  return CProfileFileQPFv3().SaveData(folder.WideFile(name).c_str(), &data, nvx::kSaveReplaceProfile);
+}
+
+// Lab of a grid of device colours, empty if Little CMS makes no transform of the profile.
+std::vector<double> Colours(const Bytes& profile) {
+  const auto close = [](void* handle) { cmsCloseProfile(handle); };
+  const std::unique_ptr<void, decltype(close)> device(
+      cmsOpenProfileFromMem(profile.data(), static_cast<cmsUInt32Number>(profile.size())), close);
+  const std::unique_ptr<void, decltype(close)> lab(cmsCreateLab4Profile(nullptr), close);
+  if (!device) return {};
+  const bool cmyk = ColorSpace(profile) == "CMYK";
+  const auto drop = [](void* handle) { cmsDeleteTransform(handle); };
+  const std::unique_ptr<void, decltype(drop)> transform(
+      cmsCreateTransform(device.get(), cmyk ? TYPE_CMYK_8 : TYPE_RGB_8, lab.get(), TYPE_Lab_DBL, INTENT_PERCEPTUAL, 0),
+      drop);
+  if (!transform) return {};
+  Bytes inks;
+  const std::uint32_t channels = cmyk ? 4 : 3;
+  for (std::uint32_t i = 0; i < 625; ++i) {
+    for (std::uint32_t c = 0, n = i; c < channels; ++c, n /= 5) inks.push_back(static_cast<std::uint8_t>(n % 5 * 63));
+  }
+  std::vector<double> out(625 * 3);
+  cmsDoTransform(transform.get(), inks.data(), out.data(), 625);
+  return out;
+}
+
+// The bytes without the two things in which two saves of one profile may differ.
+Bytes WithoutTime(Bytes file) {
+  const std::size_t updateTime = QpfReader(file).OffsetOf("NVX1") + 92;
+  std::fill_n(file.begin() + static_cast<std::ptrdiff_t>(updateTime), 8, std::uint8_t{0});
+  std::fill_n(file.begin() + 84, 16, std::uint8_t{0});  // Profile ID
+  return file;
+}
+
+TEST(QpfFrames, ServeEveryIccEngineAsBefore) {
+  const auto frames = Frames();
+  if (frames.empty()) GTEST_SKIP() << "no ICC profiles on this machine";
+  int withColours = 0;
+  for (const auto& path : frames) {
+    SCOPED_TRACE(path.string());
+    const TempFolder folder;
+    const Bytes frame = ReadBytes(path.string());
+    CProfileData data;
+    Wrap(data, frame);
+    ASSERT_TRUE(Save(folder, "a.icc", data, "1700000000"));
+    const Bytes first = ReadBytes(folder.File("a.icc"));
+
+    const QpfReader reader(first);
+    const QpfReader original(frame, QpfReader::Frame::kForeign);
+    for (const auto& [tag, bytes] : original.Tags()) {
+      const bool renamed = tag == "desc" && std::memcmp(bytes.data(), "desc", 4) == 0;
+      EXPECT_EQ(reader.Tag(tag) == bytes, !renamed) << tag;
+    }
+    EXPECT_EQ(reader.Tags().size(), original.Tags().size() + 4) << "NVX1, NVX2, NVX3 and NVX5";
+    EXPECT_EQ(reader.Entries().at(0).bytes, CurveSet(2, Bytes(512, 3)));
+    EXPECT_EQ(reader.Body("NVX3"), Padded(frame));
+
+    const auto colours = Colours(frame);
+    EXPECT_TRUE(Colours(first) == colours);
+    withColours += colours.empty() ? 0 : 1;
+
+    CProfileAccess access;
+    CError error;
+    ASSERT_TRUE(access.Init(folder.WideFile("a.icc").c_str(), &error));
+    CProfileDataEntry* const icc = access.GetProfileData()->GetProfileDataEntry(4, 10);
+    EXPECT_EQ(Colours(Bytes(icc->GetRefBuffer(), icc->GetRefBuffer() + icc->GetSize())), colours);
+    ASSERT_TRUE(Save(folder, "a.icc", *access.GetProfileData(), "1800000000"));
+    const Bytes second = ReadBytes(folder.File("a.icc"));
+    EXPECT_NE(second, first);
+    EXPECT_TRUE(WithoutTime(second) == WithoutTime(first));
+  }
+  EXPECT_GT(withColours, 0);
+}
+
+}  // namespace

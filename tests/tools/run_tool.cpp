@@ -1,0 +1,43 @@
+#include "tools/run_tool.h"
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+
+namespace nvx::test {
+namespace {
+
+std::string TextOf(const std::string& path) {
+  const Bytes bytes = ReadBytes(path);
+  return std::string(bytes.begin(), bytes.end());
+}
+
+}  // namespace
+
+ToolResult RunTool(const std::vector<std::string>& arguments) {
+  const TempFolder folder;
+  const std::string out = folder.File("out");
+  const std::string err = folder.File("err");
+  std::vector<std::string> words{NVXPROFILE_TOOL};
+  words.insert(words.end(), arguments.begin(), arguments.end());
+  std::vector<char*> pointers;
+  for (std::string& word : words) pointers.push_back(word.data());
+  pointers.push_back(nullptr);
+
+  const ::pid_t child = ::fork();
+  if (child == 0) {
+    if (std::freopen(out.c_str(), "w", stdout) != nullptr && std::freopen(err.c_str(), "w", stderr) != nullptr) {
+      ::execv(pointers[0], pointers.data());
+    }
+    ::_exit(127);
+  }
+  ToolResult result;
+  int status = 0;
+  if (child > 0 && ::waitpid(child, &status, 0) == child && WIFEXITED(status)) result.status = WEXITSTATUS(status);
+  result.out = TextOf(out);
+  result.err = TextOf(err);
+  return result;
+}
+
+}  // namespace nvx::test

@@ -1,0 +1,20 @@
+// The command line tool, driven as a process.
+#pragma once
+
+#include "support/temp_folder.h"
+
+#include <string>
+#include <vector>
+
+namespace nvx::test {
+
+struct ToolResult {
+  int status = -1;
+  std::string out;
+  std::string err;
+};
+
+// Runs the tool with these arguments and waits for it.
+ToolResult RunTool(const std::vector<std::string>& arguments);
+
+}  // namespace nvx::test

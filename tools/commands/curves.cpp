@@ -1,0 +1,211 @@
+// nvxprofile curves: the curves of a profile, as tables with small plots, as CSV or as JSON.
+#include "command.h"
+#include "loading.h"
+#include "terminal.h"
+
+#include <nvxprofile/curve_entry.h>
+#include <nvxprofile/text_conversion.h>
+
+#include <fmt/format.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace nvx::tool {
+namespace {
+
+struct Options {
+  std::string file;
+  std::string entry;
+  std::optional<std::uint32_t> ink;
+  std::optional<std::uint32_t> extendInfo;
+  bool csv = false;
+  bool json = false;
+};
+
+// The curves of one entry that were asked for.
+struct Selection {
+  CProfileDataEntry* entry = nullptr;
+  std::vector<CCurveDataEntry*> curves;
+};
+
+bool IsWanted(const CCurveDataEntry& curve, const Options& options) {
+  return (!options.ink || curve.GetInkID() == *options.ink) &&
+         (!options.extendInfo || curve.GetExtendInfo() == *options.extendInfo);
+}
+
+// The curves as a query reads them: parsed from the entry's buffer.
+Selection Select(CProfileCurveEntry& entry, const Options& options, int& status) {
+  if (!entry.BufferToData()) {
+    PrintError(fmt::format("{}: the curve set is damaged or empty", EntryName(entry.GetUsedType())));
+    status = kFailure;
+  }
+  Selection selection{&entry, {}};
+  CCurveData& set = *entry.GetCurveData();
+  bool more = set.GetHeadPosition();
+  while (more) {
+    CCurveDataEntry* const curve = set.GetNext(more);
+    if (IsWanted(*curve, options)) selection.curves.push_back(curve);
+  }
+  return selection;
+}
+
+std::vector<Selection> SelectAll(CProfileData& data, const Options& options, int& status) {
+  const std::uint32_t wanted = options.entry.empty() ? 0 : UsedTypeByName(options.entry);
+  std::vector<Selection> selections;
+  bool more = data.GetEntryStartPos();
+  while (more) {
+    CProfileDataEntry* const entry = data.GetNextEntry(more);
+    auto* const curves = dynamic_cast<CProfileCurveEntry*>(entry);
+    if (curves == nullptr || (wanted != 0 && entry->GetUsedType() != wanted)) continue;
+    Selection selection = Select(*curves, options, status);
+    if (!selection.curves.empty()) selections.push_back(std::move(selection));
+  }
+  return selections;
+}
+
+std::vector<std::uint32_t> SamplesOf(CCurveDataEntry& curve) {
+  std::vector<std::uint32_t> samples(curve.GetCount());
+  for (std::uint32_t i = 0; i < curve.GetCount(); ++i) curve.GetAt(i, samples[i]);
+  return samples;
+}
+
+std::string NameOf(const CCurveDataEntry& curve) { return WideToUtf8(AnsiToWide(curve.GetInkName())); }
+
+void PrintTable(const Selection& selection) {
+  using enum Table::Align;
+  Table table({{"ink", kRight},
+               {"name"},
+               {"slot", kRight},
+               {"extend", kRight},
+               {"bits", kRight},
+               {"samples", kRight},
+               {"min", kRight},
+               {"max", kRight},
+               {"first", kRight},
+               {"middle", kRight},
+               {"last", kRight}});
+  for (CCurveDataEntry* const curve : selection.curves) {
+    const std::vector<std::uint32_t> samples = SamplesOf(*curve);
+    const auto sample = [&](std::size_t index) { return samples.empty() ? "-" : std::to_string(samples[index]); };
+    table.Add({std::to_string(curve->GetInkID()), NameOf(*curve), std::to_string(curve->GetSlotNo()),
+               std::to_string(curve->GetExtendInfo()), std::to_string(8 * curve->GetDataType()),
+               std::to_string(samples.size()), std::to_string(curve->GetMin()), std::to_string(curve->GetMax()),
+               sample(0), sample(samples.size() / 2), sample(samples.size() - 1)});
+  }
+  table.Print(2);
+}
+
+void PrintPlot(CCurveDataEntry& curve) {
+  const std::vector<std::uint32_t> samples = SamplesOf(curve);
+  if (samples.empty()) return;
+  const auto greatest = static_cast<std::uint32_t>(curve.GetMaxBitValue());
+  PrintLine();
+  std::string title = fmt::format("  ink {}", curve.GetInkID());
+  if (const std::string name = NameOf(curve); !name.empty()) title += " " + name;
+  if (curve.GetExtendInfo() != 0) title += fmt::format(", extend {}", curve.GetExtendInfo());
+  PrintLine(Styled(Style::kHeading, title));
+  const std::vector<std::string> lines = Plot(samples, greatest);
+  for (std::size_t i = 0; i < lines.size(); ++i) {
+    const std::string label = i == 0 ? std::to_string(greatest) : i + 1 == lines.size() ? "0" : "";
+    PrintLine(fmt::format("  {:>6} {}", label, lines[i]));
+  }
+  PrintLine(fmt::format("  {:>6} 0{:>47}", "", samples.size() - 1));
+}
+
+void Print(const std::vector<Selection>& selections) {
+  for (const Selection& selection : selections) {
+    if (&selection != &selections.front()) PrintLine();
+    const std::uint32_t usedType = selection.entry->GetUsedType();
+    PrintLine(Styled(Style::kHeading, EntryName(usedType)) + fmt::format(" (type {})", usedType));
+    PrintTable(selection);
+    for (CCurveDataEntry* const curve : selection.curves) PrintPlot(*curve);
+  }
+}
+
+// A field of a CSV line; quoted where it has to be.
+std::string CsvField(const std::string& text) {
+  if (text.find_first_of(",\"\r\n") == text.npos) return text;
+  std::string field = "\"";
+  for (const char c : text) {
+    if (c == '"') field += '"';
+    field += c;
+  }
+  return field + '"';
+}
+
+void PrintCsv(const std::vector<Selection>& selections) {
+  PrintLine("entry,ink,extend,name,index,sample");
+  for (const Selection& selection : selections) {
+    for (CCurveDataEntry* const curve : selection.curves) {
+      const std::string start = fmt::format("{},{},{},{}", EntryName(selection.entry->GetUsedType()), curve->GetInkID(),
+                                            curve->GetExtendInfo(), CsvField(NameOf(*curve)));
+      const std::vector<std::uint32_t> samples = SamplesOf(*curve);
+      for (std::size_t i = 0; i < samples.size(); ++i) PrintLine(fmt::format("{},{},{}", start, i, samples[i]));
+    }
+  }
+}
+
+void PrintDocument(const std::vector<Selection>& selections, const Options& options) {
+  Json entries = Json::array();
+  for (const Selection& selection : selections) {
+    const std::uint32_t usedType = selection.entry->GetUsedType();
+    Json payload = CurvesToJson(*selection.entry);
+    Json curves = Json::array();
+    if (payload.is_object()) {
+      for (Json& curve : payload["curves"]) {
+        const bool wanted = (!options.ink || curve["inkID"] == *options.ink) &&
+                            (!options.extendInfo || curve["extendInfo"] == *options.extendInfo);
+        if (wanted) curves.push_back(std::move(curve));
+      }
+    }
+    entries.push_back(
+        {{"usedType", usedType}, {"name", std::string(EntryName(usedType))}, {"curves", std::move(curves)}});
+  }
+  PrintJson({{"file", options.file}, {"entries", std::move(entries)}});
+}
+
+int Run(const Options& options) {
+  if (!options.entry.empty() && UsedTypeByName(options.entry) == 0) {
+    PrintError(fmt::format("\"{}\" is no kind of entry", options.entry));
+    return kUsage;
+  }
+  CProfileAccess access;
+  if (!LoadProfile(options.file, access)) return kFailure;
+  int status = kSuccess;
+  const std::vector<Selection> selections = SelectAll(*access.GetProfileData(), options, status);
+  if (selections.empty()) {
+    PrintError("the profile has no such curve");
+    status = kFailure;
+  }
+  if (options.json) {
+    PrintDocument(selections, options);
+  } else if (options.csv) {
+    PrintCsv(selections);
+  } else {
+    Print(selections);
+  }
+  return status;
+}
+
+}  // namespace
+
+void AddCurvesCommand(CLI::App& app, int& status) {
+  CLI::App* const command = app.add_subcommand("curves", "Show the curves of a profile");
+  const auto options = std::make_shared<Options>();
+  command->add_option("FILE", options->file, "A profile of any format")->required();
+  command
+      ->add_option("--entry", options->entry,
+                   "One kind of curves alone: ink-limit, variable-ink-limit, variable, light-ink, linearization, "
+                   "gray-balance, ucr, multi-ink-limit, or its number")
+      ->type_name("NAME");
+  command->add_option("--ink", options->ink, "The curves of one ink colour code")->type_name("N");
+  command->add_option("--extend", options->extendInfo, "The curves of one ExtendInfo")->type_name("N");
+  CLI::Option* const csv = command->add_flag("--csv", options->csv, "Write one line for each sample");
+  command->add_flag("--json", options->json, "Write a JSON document")->excludes(csv);
+  command->callback([options, &status] { status = Run(*options); });
+}
+
+}  // namespace nvx::tool

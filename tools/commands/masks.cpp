@@ -1,0 +1,176 @@
+// nvxprofile masks: the print masks of a profile, and the buffer that goes to the printer.
+#include "command.h"
+#include "loading.h"
+#include "terminal.h"
+
+#include <nvxprofile/mask_download.h>
+#include <nvxprofile/text_conversion.h>
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <charconv>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace nvx::tool {
+namespace {
+
+struct Options {
+  std::string file;
+  bool json = false;
+  std::vector<std::string> pack;  // condition, output file
+};
+
+struct Condition {
+  std::uint32_t pass = 0;
+  std::uint32_t specialColorsetCode = 0;
+  std::uint32_t printMethod = 0;
+  std::vector<std::uint32_t> layerColors;
+};
+
+std::vector<std::uint32_t> ParseNumbers(std::string_view text) {
+  std::vector<std::uint32_t> numbers;
+  const char* const end = text.data() + text.size();
+  for (const char* place = text.data();; ++place) {
+    std::uint32_t number = 0;
+    const auto [rest, error] = std::from_chars(place, end, number);
+    if (error != std::errc() || (rest != end && *rest != ',')) {
+      throw CLI::ValidationError("--pack", "numbers with commas between them are expected: " + std::string(text));
+    }
+    numbers.push_back(number);
+    if (rest == end) return numbers;
+    place = rest;
+  }
+}
+
+Condition ParseCondition(std::string_view text) {
+  const std::vector<std::uint32_t> numbers = ParseNumbers(text);
+  if (numbers.size() < 3) throw CLI::ValidationError("--pack", "pass, colour set and print method are expected");
+  return {numbers[0], numbers[1], numbers[2], {numbers.begin() + 3, numbers.end()}};
+}
+
+bool WriteFile(const std::string& path, const std::vector<std::uint8_t>& bytes) {
+  CNvxFile file;
+  const auto size = static_cast<std::uint32_t>(bytes.size());
+  return file.Open(Utf8ToWide(path).c_str(), kGenericWrite, kNoShare, kCreateAlways) &&
+         file.Write(bytes.data(), size) == size && file.Flush();
+}
+
+int Pack(CProfileAccess& access, Condition condition, const std::string& path) {
+  CError error;
+  const auto pack = [&](std::uint8_t* buffer) {
+    return access.GetMaskParameterAndPatternBuffer(
+        buffer, condition.pass, condition.specialColorsetCode, condition.printMethod,
+        static_cast<std::uint32_t>(condition.layerColors.size()), condition.layerColors.data(), &error);
+  };
+  std::vector<std::uint8_t> bytes(pack(nullptr));
+  if (bytes.empty()) {
+    const std::string message = MessageOf(error);
+    PrintError(message.empty() ? "the condition uses a mask pattern that the profile lacks" : message);
+    return kFailure;
+  }
+  pack(bytes.data());
+  if (WriteFile(path, bytes)) return kSuccess;
+  PrintError("cannot write " + path);
+  return kFailure;
+}
+
+std::string OutputInformation(const _tagDeviceProfileInfo& info) {
+  return fmt::format("value {}, codes {} and {}, text \"{}\"", info.OutputFourthValue, info.OutputCodeA,
+                     info.OutputCodeB, WideToUtf8(info.OutputText));
+}
+
+void PrintBlocks(CMaskDownLoadEntry& masks, const _tagDeviceProfileInfo& info) {
+  const tagWeftHeader& header = *masks.GetWeftHeader();
+  PrintLine(
+      Styled(Style::kHeading, fmt::format("mask blocks, version {}.{}", header.VersionMajor, header.VersionMinor)));
+  Table table({{"type", Table::Align::kRight}, {"bytes", Table::Align::kRight}, {"values"}});
+  for (const tagWeftDatas& block : masks.GetWeftBlocks()) {
+    const bool isOutput = &block == masks.GetWeftData(6);
+    table.Add({std::to_string(block.BlockType), std::to_string(block.ByteCount),
+               isOutput ? OutputInformation(info)
+                        : fmt::format("{}", fmt::join(block.Values, block.Values + block.ValueCount, " "))});
+  }
+  table.Print(2);
+}
+
+void PrintRecords(const CMaskParameterData& records) {
+  PrintLine(Styled(Style::kHeading, fmt::format("mask parameters, {}", records.GetEntryCount())));
+  Table table({{"pass", Table::Align::kRight},
+               {"colour set", Table::Align::kRight},
+               {"method", Table::Align::kRight},
+               {"bytes", Table::Align::kRight},
+               {"layer colours"},
+               {"patterns"}});
+  for (const CMaskParameterDataEntry* const record : records.Entries()) {
+    std::vector<std::uint32_t> colors(record->GetLayerColorCount());
+    for (std::size_t i = 0; i < colors.size(); ++i) colors[i] = record->GetLeyerColor(static_cast<int>(i));
+    std::vector<std::uint32_t> ids(record->GetUsePatternIDCount());
+    for (std::size_t i = 0; i < ids.size(); ++i) ids[i] = record->GetUsePatternID(static_cast<int>(i));
+    table.Add({std::to_string(record->GetPass()), std::to_string(record->GetSpecialColorsetCode()),
+               std::to_string(record->GetPrintMethod()), std::to_string(record->GetParamDataSize()),
+               fmt::format("{}", fmt::join(colors, " ")), fmt::format("{}", fmt::join(ids, " "))});
+  }
+  table.Print(2);
+}
+
+void PrintPatterns(const CMaskPatternData& patterns) {
+  PrintLine(Styled(Style::kHeading, fmt::format("mask patterns, {}", patterns.GetEntryCount())));
+  Table table({{"ID", Table::Align::kRight}, {"bytes", Table::Align::kRight}});
+  for (const CMaskPatternDataEntry* const pattern : patterns.Entries()) {
+    table.Add({std::to_string(pattern->GetMaskPatternID()), std::to_string(pattern->GetMaskPatternSize())});
+  }
+  table.Print(2);
+}
+
+int Print(CProfileAccess& access, bool json) {
+  CProfileData& profile = *access.GetProfileData();
+  auto* const blocks =
+      dynamic_cast<CMaskDownLoadEntry*>(profile.GetProfileDataEntryFromList(CProfileDataEntry::kMaskDownload));
+  auto* const patterns = dynamic_cast<CMaskDownloadIncludePatternEntry*>(
+      profile.GetProfileDataEntryFromList(CProfileDataEntry::kMaskDownloadIncludePattern));
+  CError error;
+  if (blocks == nullptr && patterns == nullptr && !access.IsSupportWeftVersion(&error)) {
+    PrintError(MessageOf(error));
+    return kFailure;
+  }
+  if (json) {
+    PrintJson({{"maskDownload", blocks != nullptr ? PayloadToJson(*blocks) : Json(nullptr)},
+               {"maskPatterns", patterns != nullptr ? PayloadToJson(*patterns) : Json(nullptr)}});
+    return kSuccess;
+  }
+  if (blocks != nullptr) PrintBlocks(*blocks, *access.GetProfileInfo());
+  if (patterns != nullptr) {
+    PrintRecords(*patterns->GetMaskParameterData());
+    PrintPatterns(*patterns->GetMaskPatternData());
+  }
+  return kSuccess;
+}
+
+int Run(const Options& options) {
+  Condition condition;
+  if (!options.pack.empty()) condition = ParseCondition(options.pack.front());
+  CProfileAccess access;
+  if (!LoadProfile(options.file, access)) return kFailure;
+  return options.pack.empty() ? Print(access, options.json) : Pack(access, condition, options.pack.back());
+}
+
+}  // namespace
+
+void AddMasksCommand(CLI::App& app, int& status) {
+  CLI::App* const command = app.add_subcommand("masks", "Show print masks, or pack one for the printer");
+  const auto options = std::make_shared<Options>();
+  command->add_option("FILE", options->file, "A profile of any format")->required();
+  CLI::Option* const json = command->add_flag("--json", options->json, "Write one JSON document");
+  command
+      ->add_option("--pack", options->pack,
+                   "Write the printer's buffer for PASS,COLORSET,METHOD[,COLOR...] to the file OUT")
+      ->expected(2)
+      ->type_name("CONDITION OUT")
+      ->excludes(json);
+  command->callback([options, &status] { status = Run(*options); });
+}
+
+}  // namespace nvx::tool

@@ -1,0 +1,74 @@
+// Curve sets as JSON: the used type of the set, and of each curve its attributes and samples.
+#include "payload.h"
+
+#include <nvxprofile/curve_entry.h>
+
+#include <memory>
+
+namespace nvx::tool {
+namespace {
+
+constexpr std::size_t kLongestName = CCurveDataEntry::kInkNameLength - 1;
+
+CCurveData* CurvesOf(CProfileDataEntry& entry) {
+  auto* const curves = dynamic_cast<CProfileCurveEntry*>(&entry);
+  return curves != nullptr ? curves->GetCurveData() : nullptr;
+}
+
+Json CurveToJson(CCurveDataEntry& curve) {
+  Json samples = Json::array();
+  std::uint32_t sample = 0;
+  for (std::uint32_t i = 0; curve.GetAt(i, sample); ++i) samples.push_back(sample);
+  return {{"inkID", curve.GetInkID()},
+          {"inkName", NarrowToJson(curve.GetInkName())},
+          {"slotNo", curve.GetSlotNo()},
+          {"displayRGB", curve.GetDisplayRGB()},
+          {"extendInfo", curve.GetExtendInfo()},
+          {"max", curve.GetMax()},
+          {"min", curve.GetMin()},
+          {"dataType", curve.GetDataType()},
+          {"samples", std::move(samples)}};
+}
+
+// Ink and samples are what a curve needs; all else has the value of a new curve of 16-bit samples.
+std::unique_ptr<CCurveDataEntry> CurveFromJson(const Node& node) {
+  const std::uint32_t wanted = node.U32Or("dataType", CCurveDataEntry::kSamples16);
+  if (wanted < 1 || wanted > 2) node.At("dataType").Fail("the data type must be 1 or 2");
+  std::unique_ptr<CCurveDataEntry> curve(
+      CCurveDataEntry::CreateCurveDataEntry(static_cast<CCurveDataEntry::typeData>(wanted)));
+  const auto greatest = static_cast<std::int64_t>(curve->GetMaxBitValue());
+  curve->SetInkID(static_cast<std::uint32_t>(node.At("inkID").Integer(0, 255)));
+  if (node.Has("inkName")) curve->SetInkName(NarrowFromJson(node.At("inkName"), kLongestName).c_str());
+  curve->SetSlotNo(node.U32Or("slotNo", 0));
+  curve->SetDisplayRGB(node.U32Or("displayRGB", 0));
+  curve->SetExtendInfo(node.U32Or("extendInfo", 0));
+  curve->SetMax(node.U32Or("max", static_cast<std::uint32_t>(greatest)));
+  curve->SetMin(node.U32Or("min", 0));
+  for (const Node& sample : node.At("samples").Items()) {
+    curve->Add(static_cast<std::uint32_t>(sample.Integer(0, greatest)));
+  }
+  return curve;
+}
+
+}  // namespace
+
+// The buffer is what a file holds and what every query reads, so the document tells of the buffer.
+Json CurvesToJson(CProfileDataEntry& entry) {
+  CCurveData* const set = CurvesOf(entry);
+  if (set == nullptr || !entry.BufferToData()) return nullptr;
+  Json curves = Json::array();
+  bool more = set->GetHeadPosition();
+  while (more) curves.push_back(CurveToJson(*set->GetNext(more)));
+  return {{"usedType", set->GetUsedType()}, {"curves", std::move(curves)}};
+}
+
+void CurvesFromJson(const Node& node, CProfileDataEntry& entry) {
+  CCurveData* const set = CurvesOf(entry);
+  if (set == nullptr) node.Fail("the entry holds no curves");
+  set->DeleteContents();
+  set->SetUsedType(node.U32Or("usedType", entry.GetUsedType()));
+  for (const Node& curve : node.At("curves").Items()) set->AddTail(CurveFromJson(curve).release());
+  if (!entry.DataToBuffer()) node.Fail("the curves are too many for one entry");
+}
+
+}  // namespace nvx::tool
