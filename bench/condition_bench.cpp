@@ -8,23 +8,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdint>
-#include <cstdlib>
 #include <memory>
-#include <new>
-
-namespace {
-
-std::size_t allocations = 0;
-
-}  // namespace
-
-void* operator new(std::size_t size) {
-  ++allocations;
-  if (void* const block = std::malloc(size != 0 ? size : 1)) return block;
-  throw std::bad_alloc();
-}
-void operator delete(void* block) noexcept { std::free(block); }
-void operator delete(void* block, std::size_t) noexcept { std::free(block); }
 
 namespace {
 
@@ -111,9 +95,6 @@ double WalkSeconds(const std::int32_t* first, std::int32_t patterns, std::uint32
 template <class Table>
 void Run(benchmark::State& state, Table& many, Table& few, std::uint32_t head, std::uint32_t stride) {
   if (Find(many, kMany - 1) != kMany - 1) return state.SkipWithError("the last pattern is not found");
-  const std::size_t before = allocations;
-  benchmark::DoNotOptimize(Find(many, kMany - 1));
-  state.counters["allocations"] = static_cast<double>(allocations - before);
   for (auto _ : state) benchmark::DoNotOptimize(Find(many, kMany - 1));
   const double seconds = Quickest([&] { benchmark::DoNotOptimize(Find(many, kMany - 1)); });
   state.counters["ratio"] = seconds / Quickest([&] { benchmark::DoNotOptimize(Find(few, kFew - 1)); });

@@ -80,11 +80,11 @@ class NVX_EXPORT CContainerEntry : public CProfileDataEntry {
   ~CContainerEntry() override;
 
   // The description, which stays the entry's.
-  tag_ContainerData* GetContainerData() { return data_.GetContainerData(); }
+  tag_ContainerData* GetContainerData();
   // Copies the description; null changes nothing.
   void SetContainerData(const tag_ContainerData* description);
 
-  int GetEntryCount() const { return static_cast<int>(data_.Children().Count()); }
+  int GetEntryCount() const;
 
   // The child at a position, null for a position without one; or the first child with that used type and option info,
   // null if there is none. It stays the container's.

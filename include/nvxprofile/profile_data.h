@@ -97,7 +97,7 @@ class NVX_EXPORT CProfileData {
   bool IsSpecifiedRoute(std::uint32_t route);
 
   // Both stay the property of this object.
-  _tagDeviceProfileInfo* GetProfileInfo() { return &info_.Info; }
+  _tagDeviceProfileInfo* GetProfileInfo();
   CProfileDataInfo* GetProfileInfoObject() { return &info_; }
 
   // Zeroed records for BinaryView::MediaInfo, null for a count below 1. Stored nowhere: the record that they are put

@@ -114,6 +114,8 @@ CProfileRoute* CProfileData::GetNextRoute(bool& more) {
   return route;
 }
 
+_tagDeviceProfileInfo* CProfileData::GetProfileInfo() { return &info_.Info; }
+
 bool CProfileData::IsSpecifiedRoute(std::uint32_t route) { return routes_.find(route) != routes_.end(); }
 
 tagMedia* CProfileData::CreateMediaInfoArray(int count) {

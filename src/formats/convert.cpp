@@ -14,6 +14,7 @@
 #include <cstring>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace platform = nvx::platform;
 
@@ -180,8 +181,10 @@ void CConvertV2ToV3Profile::ConvertV2ToV3Profile(const _tagDBDeviceProfileInfo* 
   v3_ = std::make_unique<CProfileData>();
   _tagDeviceProfileInfo& info = *v3_->GetProfileInfo();
   info = *v2_->GetProfileInfo();
-  if (info.LayoutNumber == 3)
-    info.Binary.MediaInfo = CopyNames(*v3_, info.Binary.MediaInfo, info.Binary.MediaInfoCount);
+  if (info.LayoutNumber == 3) {
+    const tagMedia* const names = std::exchange(info.Binary.MediaInfo, nullptr);
+    info.Binary.MediaInfo = CopyNames(*v3_, names, info.Binary.MediaInfoCount);
+  }
   SetupV3HeaderString(database);
   bool more = v2_->GetEntryStartPos();
   while (more) ConvertEntry(*v2_->GetNextEntry(more));

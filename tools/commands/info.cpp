@@ -5,6 +5,7 @@
 #include "record_json.h"
 #include "terminal.h"
 
+#include <nvxprofile/file.h>
 #include <nvxprofile/icc_header.h>
 #include <nvxprofile/text_conversion.h>
 

@@ -1,5 +1,6 @@
 // Curve sets as JSON: the used type of the set, and of each curve its attributes and samples.
 #include "payload.h"
+#include "payloads/curve_set.h"
 
 #include <nvxprofile/curve_entry.h>
 
@@ -52,22 +53,30 @@ std::unique_ptr<CCurveDataEntry> CurveFromJson(const Node& node) {
 
 }  // namespace
 
+Json CurveSetToJson(CCurveData& set) {
+  Json curves = Json::array();
+  bool more = set.GetHeadPosition();
+  while (more) curves.push_back(CurveToJson(*set.GetNext(more)));
+  return {{"usedType", set.GetUsedType()}, {"curves", std::move(curves)}};
+}
+
+void CurveSetFromJson(const Node& node, CCurveData& set, std::uint32_t usedType) {
+  set.DeleteContents();
+  set.SetUsedType(node.U32Or("usedType", usedType));
+  for (const Node& curve : node.At("curves").Items()) set.AddTail(CurveFromJson(curve).release());
+}
+
 // The buffer is what a file holds and what every query reads, so the document tells of the buffer.
 Json CurvesToJson(CProfileDataEntry& entry) {
   CCurveData* const set = CurvesOf(entry);
   if (set == nullptr || !entry.BufferToData()) return nullptr;
-  Json curves = Json::array();
-  bool more = set->GetHeadPosition();
-  while (more) curves.push_back(CurveToJson(*set->GetNext(more)));
-  return {{"usedType", set->GetUsedType()}, {"curves", std::move(curves)}};
+  return CurveSetToJson(*set);
 }
 
 void CurvesFromJson(const Node& node, CProfileDataEntry& entry) {
   CCurveData* const set = CurvesOf(entry);
   if (set == nullptr) node.Fail("the entry holds no curves");
-  set->DeleteContents();
-  set->SetUsedType(node.U32Or("usedType", entry.GetUsedType()));
-  for (const Node& curve : node.At("curves").Items()) set->AddTail(CurveFromJson(curve).release());
+  CurveSetFromJson(node, *set, entry.GetUsedType());
   if (!entry.DataToBuffer()) node.Fail("the curves are too many for one entry");
 }
 

@@ -41,6 +41,10 @@ bool CContainerData::SetProfileDataEntry(CProfileDataEntry* entry) {
   return true;
 }
 
+tag_ContainerData* CContainerEntry::GetContainerData() { return data_.GetContainerData(); }
+
+int CContainerEntry::GetEntryCount() const { return static_cast<int>(data_.Children().Count()); }
+
 CContainerEntry::CContainerEntry() {
   SetFormatType(kFormatContainer);
   SetDisplay(false);

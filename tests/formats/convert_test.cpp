@@ -1,0 +1,312 @@
+#include "support/legacy_profile.h"
+
+#include <nvxprofile/convert.h>
+#include <nvxprofile/curve_entry.h>
+#include <nvxprofile/model_info.h>
+#include <nvxprofile/profile_access.h>
+#include <nvxprofile/profile_file.h>
+
+#include <gtest/gtest.h>
+#include <lcms2.h>
+
+#include <atomic>
+#include <cstring>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace {
+
+using nvx::test::Bytes;
+using nvx::test::CurveSamples;
+using nvx::test::LegacyFolder;
+using nvx::test::ReadBytes;
+using nvx::test::ScopedLanguage;
+using nvx::test::ScopedVariable;
+using nvx::test::WriteBytes;
+
+constexpr _tagDBDeviceProfileInfo kDatabase{{11, 12, 13, 14, 15}, 77};
+
+struct Curve {
+  std::uint32_t ink, extendInfo, max, min, slot, rgb;
+  std::string name;
+  std::vector<std::uint32_t> samples;
+};
+
+std::vector<Curve> CurvesOf(CProfileDataEntry* entry) {
+  std::vector<Curve> curves;
+  auto* const curveEntry = dynamic_cast<CProfileCurveEntry*>(entry);
+  if (curveEntry == nullptr || !curveEntry->BufferToData()) return curves;
+  CCurveData& set = *curveEntry->GetCurveData();
+  bool more = set.GetHeadPosition();
+  while (more) {
+    CCurveDataEntry& from = *set.GetNext(more);
+    EXPECT_EQ(from.GetDataType(), 2u);
+    Curve curve{from.GetInkID(),  from.GetExtendInfo(), from.GetMax(),     from.GetMin(),
+                from.GetSlotNo(), from.GetDisplayRGB(), from.GetInkName(), {}};
+    for (std::uint32_t i = 0, value = 0; from.GetAt(i, value); ++i) curve.samples.push_back(value);
+    curves.push_back(std::move(curve));
+  }
+  return curves;
+}
+
+std::vector<std::uint32_t> Widened(std::uint32_t ink) {
+  std::vector<std::uint32_t> samples;
+  for (const std::uint8_t sample : CurveSamples(ink)) samples.push_back(257u * sample);
+  return samples;
+}
+
+std::vector<std::uint32_t> Line() {
+  std::vector<std::uint32_t> samples;
+  for (std::uint32_t i = 0; i < 256; ++i) samples.push_back(257 * i);
+  return samples;
+}
+
+// "ink/ExtendInfo" of each curve in turn.
+std::string KeysOf(const std::vector<Curve>& curves) {
+  std::string keys;
+  for (const Curve& curve : curves) keys += " " + std::to_string(curve.ink) + "/" + std::to_string(curve.extendInfo);
+  return keys;
+}
+
+std::string TypesOf(CProfileData& data, std::uint32_t route) {
+  std::string types;
+  CProfileRoute* const place = data.GetProfileRoute(route);
+  bool more = place != nullptr && place->GetHeadPos();
+  while (more) types += " " + std::to_string(place->GetNext(more)->GetUsedType());
+  return types;
+}
+
+class Convert : public ::testing::Test {
+ protected:
+  // Writes a legacy profile and loads it.
+  void LoadLegacy(const std::vector<std::uint32_t>& route1, const std::vector<std::uint32_t>& route2) {
+    ASSERT_TRUE(nvx::test::WriteLegacyProfile(folder_.File("old.qpf"), route1, route2));
+    ASSERT_TRUE(converter_.ProfileLoad(folder_.WideFile("old.qpf").c_str()));
+    converter_.SetupModuleVersion(u"2.1");
+  }
+  // Saves what was converted and loads it.
+  void SaveAndLoad(CProfileAccess& access, const std::string& name = "new.icc") {
+    converter_.SaveV3Profile(folder_.WideFile(name).c_str());
+    CError error;
+    ASSERT_TRUE(access.Init(folder_.WideFile(name).c_str(), &error));
+    EXPECT_EQ(access.GetProfileLoadFormat(), 4);
+  }
+
+  ScopedLanguage language_{"ja_JP.UTF-8"};
+  LegacyFolder folder_;
+  CConvertV2ToV3Profile converter_;
+};
+
+TEST_F(Convert, EachEntryBecomesWhatItShall) {
+  LoadLegacy({1, 2, 6, 10, 14, 16}, {7, 4, 5, 8, 9});
+  EXPECT_EQ(converter_.GetProfileDataEntry_V3(6), nullptr);
+  converter_.ConvertV2ToV3Profile(&kDatabase);
+
+  const std::vector<Curve> limit = CurvesOf(converter_.GetProfileDataEntry_V3(17));
+  ASSERT_EQ(KeysOf(limit), " 1/12 2/12 1/14 2/14");
+  EXPECT_EQ(limit[0].samples, Widened(1));
+  EXPECT_EQ(limit[1].samples, Widened(2));
+  EXPECT_EQ(limit[0].max, 200u * 257);
+  EXPECT_EQ(limit[0].min, 257u);
+  EXPECT_EQ(limit[3].samples, Line());
+  EXPECT_EQ(limit[3].max, 65535u);
+  EXPECT_EQ(limit[3].min, 0u);
+  for (const Curve& curve : limit) {
+    EXPECT_EQ(curve.name, curve.ink == 1 ? "Cyan" : "Magenta");
+    EXPECT_EQ(curve.slot, curve.ink + 10);
+    EXPECT_EQ(curve.rgb, 0x00FF00FF + curve.ink);
+  }
+  for (const std::uint32_t type : {4u, 5u}) {
+    const std::vector<Curve> widened = CurvesOf(converter_.GetProfileDataEntry_V3(type));
+    ASSERT_EQ(KeysOf(widened), " 1/7 2/3");
+    EXPECT_EQ(widened[1].samples, Widened(2));
+  }
+  for (const std::uint32_t type : {6u, 7u}) {
+    const std::vector<Curve> straight = CurvesOf(converter_.GetProfileDataEntry_V3(type));
+    ASSERT_EQ(KeysOf(straight), " 1/7 2/3");
+    EXPECT_EQ(straight[0].samples, Line());
+  }
+  for (const std::uint32_t type : {8u, 9u, 2u}) EXPECT_EQ(converter_.GetProfileDataEntry_V3(type), nullptr) << type;
+  for (const std::uint32_t type : {1u, 10u, 14u}) {
+    CProfileDataEntry* const from = converter_.GetProfileDataEntry_V2(type);
+    CProfileDataEntry* const to = converter_.GetProfileDataEntry_V3(type);
+    ASSERT_EQ(from->GetSize(), to->GetSize()) << type;
+    EXPECT_EQ(std::memcmp(from->GetRefBuffer(), to->GetRefBuffer(), to->GetSize()), 0) << type;
+    EXPECT_STREQ(from->GetLabelString(), to->GetLabelString());
+  }
+
+  CProfileAccess access;
+  SaveAndLoad(access);
+  // The ICC entry stands last after a save.
+  EXPECT_EQ(TypesOf(*access.GetProfileData(), 4), " 1 17 6 14 16 7 4 5 10");
+  EXPECT_EQ(CurvesOf(access.GetProfileData()->GetProfileDataEntry(4, 17))[1].samples, Widened(2));
+  for (const std::uint32_t route : {1u, 2u, 8u, 0x100u, 0x200u}) EXPECT_FALSE(access.IsSpecifiedRoute(route)) << route;
+}
+
+TEST_F(Convert, VariableLimitsCountByTheirKey) {
+  LoadLegacy({3, 10}, {6});
+  converter_.ConvertV2ToV3Profile(&kDatabase);
+  EXPECT_EQ(KeysOf(CurvesOf(converter_.GetProfileDataEntry_V3(17))), " 1/12 1/14");
+
+  LoadLegacy({3, 2, 10}, {6});
+  converter_.ConvertV2ToV3Profile(&kDatabase);
+  CProfileAccess access;
+  SaveAndLoad(access);
+  EXPECT_EQ(TypesOf(*access.GetProfileData(), 4), " 17 17 6 10") << "the first limit stays, on both places";
+  EXPECT_EQ(KeysOf(CurvesOf(access.GetProfileData()->GetProfileDataEntry(4, 17))), " 1/12 1/14");
+}
+
+TEST_F(Convert, TheRecordGetsItsNumbersAndNames) {
+  const ScopedVariable epoch("SOURCE_DATE_EPOCH", "1700000000");
+  LoadLegacy({1, 10, 14}, {6});
+  converter_.ConvertV2ToV3Profile(&kDatabase);
+  CProfileAccess access;
+  SaveAndLoad(access);
+  const _tagDeviceProfileInfo& info = *access.GetProfileInfo();
+  ASSERT_EQ(info.LayoutNumber, 3u);
+  EXPECT_EQ(info.Binary.ModelNumber, 42u);
+  EXPECT_EQ(info.Binary.ModelSubNumber, 7u);
+  EXPECT_EQ(info.Binary.InternalNumber, 13u);
+  EXPECT_EQ(info.Binary.MediaNumber, 815u);
+  EXPECT_EQ(info.ModelCode, std::u16string(u"0042"));
+  EXPECT_EQ(info.Binary.DefaultMediaName, std::u16string(u"Glossy Film"));
+  ASSERT_EQ(info.Binary.MediaInfoCount, 2u);
+  EXPECT_EQ(info.Binary.MediaInfo[0].Language, 17);
+  EXPECT_EQ(info.Binary.MediaInfo[0].Name, std::u16string(u"光沢ソ"));
+  EXPECT_EQ(info.Binary.MediaInfo[1].Language, 9);
+  EXPECT_EQ(info.Binary.MediaInfo[1].Name, std::u16string(u"Glossy Film"));
+  EXPECT_EQ(info.MediaName, std::u16string(u"光沢ソ"));
+  EXPECT_EQ(info.Binary.CreateModule, std::u16string(u"ChromaDesk.exe v2.1"));
+  EXPECT_EQ(info.Binary.MakerText, std::u16string(u"Norvex"));
+  EXPECT_EQ(info.Binary.StoredRevisionCode, std::u16string(u"0000"));
+  EXPECT_EQ(info.RevisionCode, std::u16string(u"0000"));
+  for (int i = 0; i < 5; ++i) EXPECT_EQ(info.DatabaseKey[i], 11 + i);
+  EXPECT_EQ(info.HalftoneCode, 77);
+  EXPECT_EQ(info.ScanResolution, 720u);
+  EXPECT_EQ(info.DotType, 2);
+  EXPECT_EQ(info.InkMakerCode, 3);
+  EXPECT_EQ(info.ProfileMajorVersion, 3u);
+  EXPECT_EQ(info.ProfileMinorVersion, 0u);
+  EXPECT_EQ(info.CreateTimeValue, 1700000000);
+  const ScopedVariable english("LC_ALL", "en_US.UTF-8");
+  CError error;
+  ASSERT_TRUE(access.Init(folder_.WideFile("new.icc").c_str(), &error));
+  EXPECT_EQ(access.GetProfileInfo()->MediaName, std::u16string(u"Glossy Film"));
+}
+
+TEST_F(Convert, RepeatedItSavesTheSame) {
+  const ScopedVariable epoch("SOURCE_DATE_EPOCH", "1700000000");
+  LoadLegacy({1, 2, 10, 14}, {6, 7});
+  converter_.ConvertV2ToV3Profile(&kDatabase);
+  converter_.SaveV3Profile(folder_.WideFile("new.icc").c_str());
+  const Bytes first = ReadBytes(folder_.File("new.icc"));
+  EXPECT_FALSE(first.empty());
+  converter_.ConvertV2ToV3Profile(&kDatabase);
+  converter_.SaveV3Profile(folder_.WideFile("new.icc").c_str());
+  EXPECT_EQ(ReadBytes(folder_.File("new.icc")), first);
+
+  EXPECT_FALSE(converter_.ProfileLoad(folder_.WideFile("none").c_str()));
+  EXPECT_EQ(converter_.GetProfileDataEntry_V2(1), nullptr);
+  EXPECT_EQ(converter_.GetProfileDataEntry_V3(1), nullptr);
+  LoadLegacy({10}, {6});
+  converter_.ConvertV2ToV3Profile(&kDatabase);
+  CProfileAccess access;
+  SaveAndLoad(access);
+  EXPECT_EQ(TypesOf(*access.GetProfileData(), 4), " 6 10");
+}
+
+TEST_F(Convert, ASaveThatFailsLeavesTheTarget) {
+  WriteBytes(folder_.File("new.icc"), {1, 2, 3});
+  LoadLegacy({1}, {6});
+  converter_.SaveV3Profile(folder_.WideFile("new.icc").c_str());
+  converter_.ConvertV2ToV3Profile(&kDatabase);
+  converter_.SaveV3Profile(folder_.WideFile("new.icc").c_str());
+  EXPECT_EQ(ReadBytes(folder_.File("new.icc")), (Bytes{1, 2, 3})) << "there is no ICC profile";
+}
+
+// Nothing reads the view that a source of another generation does not have.
+TEST_F(Convert, SourcesOfOtherGenerationsKeepTheirNames) {
+  LoadLegacy({1, 2, 10, 14}, {6});
+  converter_.ConvertV2ToV3Profile(&kDatabase);
+  CProfileAccess access;
+  SaveAndLoad(access);
+  ASSERT_TRUE(converter_.ProfileLoad(folder_.WideFile("new.icc").c_str()));
+  converter_.ConvertV2ToV3Profile(&kDatabase);
+  SaveAndLoad(access, "newer.icc");
+  EXPECT_EQ(TypesOf(*access.GetProfileData(), 4), " 1 14 6 10") << "a limit of the new kind is no source";
+  EXPECT_EQ(access.GetProfileInfo()->Binary.ModelNumber, 42u);
+  EXPECT_EQ(access.GetProfileInfo()->Binary.MediaNumber, 815u);
+  EXPECT_EQ(access.GetProfileInfo()->MediaName, std::u16string(u"光沢ソ"));
+
+  WriteBytes(folder_.File("plain.icc"), nvx::test::SmallIccProfile());
+  ASSERT_TRUE(converter_.ProfileLoad(folder_.WideFile("plain.icc").c_str()));
+  converter_.ConvertV2ToV3Profile(&kDatabase);
+  SaveAndLoad(access, "newest.icc");
+  EXPECT_EQ(TypesOf(*access.GetProfileData(), 4), " 10");
+  EXPECT_EQ(access.GetProfileInfo()->Binary.MediaInfoCount, 2u);
+}
+
+TEST_F(Convert, BytesThatDoNotParseGoOver) {
+  LoadLegacy({1, 10}, {6});
+  CProfileDataEntry* const model = converter_.GetProfileDataEntry_V2(1);
+  std::memset(model->GetBuffer(5), 'x', 5);
+  converter_.ConvertV2ToV3Profile(&kDatabase);
+  CProfileDataEntry* const copy = converter_.GetProfileDataEntry_V3(1);
+  ASSERT_EQ(copy->GetSize(), 5u);
+  EXPECT_EQ(std::memcmp(copy->GetRefBuffer(), "xxxxx", 5), 0);
+  EXPECT_STREQ(copy->GetLabelString(), "entry 1");
+  EXPECT_TRUE(copy->IsComplete());
+}
+
+TEST_F(Convert, AnIccEngineOpensTheResult) {
+  LoadLegacy({1, 2, 10, 14}, {6});
+  converter_.ConvertV2ToV3Profile(&kDatabase);
+  converter_.SaveV3Profile(folder_.WideFile("new.icc").c_str());
+  const auto close = [](void* profile) { cmsCloseProfile(profile); };
+  const std::unique_ptr<void, decltype(close)> profile(cmsOpenProfileFromFile(folder_.File("new.icc").c_str(), "r"),
+                                                       close);
+  ASSERT_NE(profile, nullptr);
+  EXPECT_TRUE(cmsIsTag(profile.get(), static_cast<cmsTagSignature>(0x4E565831)));  // NVX1
+  char name[64];
+  cmsGetProfileInfoASCII(profile.get(), cmsInfoDescription, "en", "US", name, sizeof name);
+  EXPECT_STREQ(name, "new.icc");
+  const std::unique_ptr<void, decltype(close)> lab(cmsCreateLab4Profile(nullptr), close);
+  const auto drop = [](void* transform) { cmsDeleteTransform(transform); };
+  const std::unique_ptr<void, decltype(drop)> transform(
+      cmsCreateTransform(profile.get(), TYPE_RGB_8, lab.get(), TYPE_Lab_DBL, INTENT_PERCEPTUAL, 0), drop);
+  ASSERT_NE(transform, nullptr);
+  const std::uint8_t white[3] = {255, 255, 255};
+  double out[3] = {};
+  cmsDoTransform(transform.get(), white, out, 1);
+  EXPECT_NEAR(out[0], 100, 0.5);
+}
+
+TEST_F(Convert, ThreadsConvertSideBySide) {
+  const ScopedVariable epoch("SOURCE_DATE_EPOCH", "1700000000");
+  constexpr int kFiles = 24;
+  ASSERT_TRUE(nvx::test::WriteLegacyProfile(folder_.File("old.qpf"), {1, 2, 4, 6, 10, 14}, {7, 5}));
+  std::atomic<int> next{0};
+  const auto work = [&] {
+    for (int i = next++; i < kFiles; i = next++) {
+      const std::u16string target = folder_.WideFile("new" + std::to_string(i) + ".icc");
+      CConvertV2ToV3Profile converter;
+      if (!converter.ProfileLoad(folder_.WideFile("old.qpf").c_str())) continue;
+      converter.SetupModuleVersion(u"1");
+      converter.ConvertV2ToV3Profile(&kDatabase);
+      converter.SaveV3Profile(target.c_str());
+    }
+  };
+  std::vector<std::thread> threads;
+  for (int i = 0; i < 4; ++i) threads.emplace_back(work);
+  for (std::thread& thread : threads) thread.join();
+  for (int i = 0; i < kFiles; ++i) {
+    CProfileAccess access;
+    CError error;
+    ASSERT_TRUE(access.Init(folder_.WideFile("new" + std::to_string(i) + ".icc").c_str(), &error)) << i;
+    EXPECT_EQ(TypesOf(*access.GetProfileData(), 4), " 1 17 4 6 14 7 5 10");
+  }
+}
+
+}  // namespace

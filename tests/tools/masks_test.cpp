@@ -1,0 +1,87 @@
+// Print masks through the tool: documents both ways, and the printer's buffer.
+#include "support/byte_builder.h"
+#include "support/temp_folder.h"
+#include "tools/run_tool.h"
+
+#include <nvxprofile/mask_download.h>
+#include <nvxprofile/profile_file.h>
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <string>
+
+namespace {
+
+using nvx::test::ByteBuilder;
+using nvx::test::ReadBytes;
+using nvx::test::RunTool;
+using nvx::test::TempFolder;
+
+// Two blocks; and one record with a block of 5 bytes that uses one pattern of 3.
+void WriteMasks(const std::u16string& path) {
+  auto* const blocks = new CMaskDownLoadEntry;
+  blocks->Initialize(2);
+  blocks->SetWeftDataParameter(0, 4);
+  blocks->SetWeftDataParameter(1, 6);
+  blocks->GetWeftData(4)->Values[1] = 0xFFFFFFFF;
+  std::copy_n("\1\2\3\4text", 8, blocks->GetWeftData(6)->Bytes);
+  blocks->GetWeftHeader()->Reserved[0] = 7;
+
+  auto* const patterns = new CMaskDownloadIncludePatternEntry;
+  CMaskParameterDataEntry* const record = CMaskParameterDataEntry::CreateEntry();
+  record->SetPass(4);
+  record->SetSpecialColorsetCode(2);
+  record->SetPrintMethod(200);
+  for (const std::uint32_t color : {9u, 5u}) record->AddLayerColor(color);
+  record->AddUsePatternID(3);
+  record->SetParamDataBuffer(reinterpret_cast<const std::uint8_t*>("block"), 5);
+  patterns->GetMaskParameterData()->AddTail(record);
+  CMaskPatternDataEntry* const pattern = CMaskPatternDataEntry::CreateEntry();
+  pattern->SetMaskPatternID(3);
+  pattern->SetMaskPatternBuffer(reinterpret_cast<const std::uint8_t*>("abc"), 3);
+  patterns->GetMaskPatternData()->Add(pattern);
+
+  CProfileData data;
+  for (CProfileDataEntry* const entry :
+       {static_cast<CProfileDataEntry*>(blocks), static_cast<CProfileDataEntry*>(patterns)}) {
+    ASSERT_TRUE(entry->DataToBuffer());
+    data.SetProfileDataEntry(entry, nvx::kRouteMaskDownload);
+  }
+  ASSERT_TRUE(CProfileFileQCT().SaveData(path.c_str(), &data, nvx::kRouteMaskDownload));
+}
+
+TEST(ToolMasks, DocumentsBuildTheSameProfile) {
+  const TempFolder folder;
+  WriteMasks(folder.WideFile("masks.qct"));
+  const auto dump = RunTool({"dump", folder.File("masks.qct")});
+  ASSERT_EQ(dump.status, 0) << dump.err;
+  EXPECT_NE(dump.out.find("\"weftData\""), std::string::npos) << "payloads travel as such, not as raw bytes";
+  EXPECT_NE(dump.out.find("\"usePatternIDs\""), std::string::npos);
+  nvx::test::WriteBytes(folder.File("masks.json"), {dump.out.begin(), dump.out.end()});
+  const auto build = RunTool({"build", folder.File("masks.json"), "-o", folder.File("built.qct")});
+  ASSERT_EQ(build.status, 0) << build.err;
+  EXPECT_EQ(ReadBytes(folder.File("built.qct")), ReadBytes(folder.File("masks.qct")));
+}
+
+TEST(ToolMasks, PacksForThePrinterAndTellsWhyNot) {
+  const TempFolder folder;
+  const std::string file = folder.File("masks.qct");
+  const std::string out = folder.File("packed");
+  WriteMasks(folder.WideFile("masks.qct"));
+  EXPECT_EQ(RunTool({"masks", file, "--pack", "4,2,1,5,9", out}).status, 0);
+  EXPECT_EQ(ReadBytes(out), ByteBuilder().U16(5).U8(1).U16(3).U32(3).Text("blockabc").Take());
+
+  const auto none = RunTool({"masks", file, "--pack", "4,2,200", out});
+  EXPECT_EQ(none.status, 1);
+  EXPECT_NE(none.err.find("Profile:There is no specified condition."), std::string::npos);
+  EXPECT_EQ(RunTool({"masks", file, "--pack", "4,2", out}).status, 2);
+  EXPECT_EQ(RunTool({"masks", file, "--pack", "4,2,200,", out}).status, 2);
+
+  const auto document = nlohmann::json::parse(RunTool({"masks", file, "--json"}).out);
+  EXPECT_EQ(document["maskDownload"]["weftData"][0]["values"][1], 0xFFFFFFFF);
+  EXPECT_EQ(document["maskPatterns"]["maskParameters"][0]["layerColors"], (nlohmann::json{5, 9}));
+}
+
+}  // namespace
