@@ -94,7 +94,8 @@ class NVX_EXPORT CProfileFileQPFv3 : public CProfileFileQCT {
   bool LoadNVX5Tag(CICCProfile& profile, CProfileData* data);
   bool LoadNVX6Tag(CICCProfile& profile, CProfileData* data);
   bool LoadNVX7Tag(CICCProfile& profile, CProfileData* data);
-  // Without their route NVX3 and NVX4 are true and write no tag; the other three are false.
+  // Without their route NVX3 and NVX4 are true and write no tag; the other three are false. A route whose entries hold
+  // no bytes gives no tag either, and true.
   bool SaveNVX1Tag(CICCProfile& profile, CProfileData* data);
   bool SaveNVX2Tag(CICCProfile& profile, CProfileData* data);
   bool SaveNVX3Tag(CICCProfile& profile, CProfileData* data);

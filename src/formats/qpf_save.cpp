@@ -74,6 +74,12 @@ bool SetTag(CICCProfile& profile, const char* tag, std::uint64_t size, Save save
   return profile.AttachTag(tag, stream.Take(), stream.Length);
 }
 
+// The same for the bytes of a route. Where they are none there is no tag: one with its opening alone would not load.
+template <class Save>
+bool SetRouteTag(CICCProfile& profile, const RouteTag& tag, std::uint64_t size, Save save) {
+  return size == kOpeningSize ? profile.SetTag(tag.name, nullptr, 0) : SetTag(profile, tag.name, size, save);
+}
+
 }  // namespace
 
 bool CProfileFileQPFv3::SaveData(const char16_t* path, CProfileData* data, std::uint32_t flags) {
@@ -224,26 +230,26 @@ bool CProfileFileQPFv3::SaveNVX7Data(CNvxFile& stream, CProfileData* data) {
 }
 
 bool CProfileFileQPFv3::SaveNVX3Tag(CICCProfile& profile, CProfileData* data) {
-  return GetSizeNvx3Tag(data) == 0 || SetTag(profile, nvx::kReplaceProfileTag.name, GetSizeNvx3Tag(data),
-                                             [&](CNvxFile& stream) { return SaveNVX3Data(stream, data); });
+  return GetSizeNvx3Tag(data) == 0 || SetRouteTag(profile, nvx::kReplaceProfileTag, GetSizeNvx3Tag(data),
+                                                  [&](CNvxFile& stream) { return SaveNVX3Data(stream, data); });
 }
 
 bool CProfileFileQPFv3::SaveNVX4Tag(CICCProfile& profile, CProfileData* data) {
-  return GetSizeNvx4Tag(data) == 0 || SetTag(profile, nvx::kCalibrationTag.name, GetSizeNvx4Tag(data),
-                                             [&](CNvxFile& stream) { return SaveNVX4Data(stream, data); });
+  return GetSizeNvx4Tag(data) == 0 || SetRouteTag(profile, nvx::kCalibrationTag, GetSizeNvx4Tag(data),
+                                                  [&](CNvxFile& stream) { return SaveNVX4Data(stream, data); });
 }
 
 bool CProfileFileQPFv3::SaveNVX5Tag(CICCProfile& profile, CProfileData* data) {
-  return SetTag(profile, nvx::kMaskDownloadTag.name, GetSizeNvx5Tag(data),
-                [&](CNvxFile& stream) { return SaveNVX5Data(stream, data); });
+  return SetRouteTag(profile, nvx::kMaskDownloadTag, GetSizeNvx5Tag(data),
+                     [&](CNvxFile& stream) { return SaveNVX5Data(stream, data); });
 }
 
 bool CProfileFileQPFv3::SaveNVX6Tag(CICCProfile& profile, CProfileData* data) {
-  return SetTag(profile, nvx::kLargeParameterTag.name, GetSizeNVX6Tag(data),
-                [&](CNvxFile& stream) { return SaveNVX6Data(stream, data); });
+  return SetRouteTag(profile, nvx::kLargeParameterTag, GetSizeNVX6Tag(data),
+                     [&](CNvxFile& stream) { return SaveNVX6Data(stream, data); });
 }
 
 bool CProfileFileQPFv3::SaveNVX7Tag(CICCProfile& profile, CProfileData* data) {
-  return SetTag(profile, nvx::kSpecialColorTag.name, GetSizeNVX7Tag(data),
-                [&](CNvxFile& stream) { return SaveNVX7Data(stream, data); });
+  return SetRouteTag(profile, nvx::kSpecialColorTag, GetSizeNVX7Tag(data),
+                     [&](CNvxFile& stream) { return SaveNVX7Data(stream, data); });
 }

@@ -326,6 +326,18 @@ TEST(Qpf, LaterTagsBecomeOneEntryEach) {
   const auto saved = Save(data, nvx::kSaveReplaceProfile);
   ASSERT_TRUE(saved);
   EXPECT_EQ(QpfReader(*saved).Body("NVX3"), Bytes({7, 8, 9, 0}));
+
+  // And one without bytes has no tag, so that the file loads.
+  CProfileData empty;
+  AddFrame(empty);
+  Add(empty, 18, {}, 256);
+  Add(empty, 28, {}, 1024);
+  empty.GetProfileInfo()->HasLargeParameter = true;
+  const auto small = Save(empty, nvx::kSaveReplaceProfile);
+  ASSERT_TRUE(small);
+  EXPECT_FALSE(QpfReader(*small).Has("NVX3") || QpfReader(*small).Has("NVX6"));
+  CProfileData again;
+  EXPECT_TRUE(Load(*small, again));
 }
 
 TEST(Qpf, CurvesBecome16BitAndWhatDoesNotParseStays) {
