@@ -95,6 +95,22 @@ TEST(IccImage, LaysOutAnEditedImage) {
   EXPECT_EQ(image->Header().phSize, 216u);
 }
 
+TEST(IccImage, AProfileIDLeavesOutFlagsIntentAndItself) {
+  const auto image = IccImage::Open(Patched(IccWithTags({"desc"}), 96, 0x01020304));
+  ASSERT_NE(image, nullptr);
+  Set(*image, Signature("cprt"), "text");
+  const Bytes composed = ImageOf(*image);
+  Bytes hashed = composed;
+  ASSERT_NE(hashed[47] + hashed[67], 0) << "flags and intent are there to be left out";
+  std::fill_n(hashed.begin() + 44, 4, std::uint8_t{0});
+  std::fill_n(hashed.begin() + 64, 4, std::uint8_t{0});
+  std::fill_n(hashed.begin() + 84, 16, std::uint8_t{0});
+  nvx::Md5 md5;
+  md5.Update(hashed.data(), hashed.size());
+  const nvx::Md5Digest digest = md5.Finish();
+  EXPECT_EQ(Bytes(composed.begin() + 84, composed.begin() + 100), Bytes(digest.begin(), digest.end()));
+}
+
 TEST(IccImage, SharedDataStaysSharedUntilItIsSet) {
   const auto image =
       IccImage::Open(IccBytes({{"A2B0", 168, 8}, {"A2B1", 168, 8}, {"A2B2", 170, 4}}, BigBuilder().Text("01234567")));
