@@ -23,7 +23,7 @@ using nvx::test::IccWithTags;
 using nvx::test::Patched;
 
 Bytes ImageOf(const IccImage& image) {
-  Bytes out(static_cast<std::size_t>(image.Size()));
+  Bytes out(static_cast<std::size_t>(image.Size()), 0xEE);
   EXPECT_TRUE(image.CopyTo(out));
   EXPECT_FALSE(image.CopyTo(std::span(out).first(out.size() - 1)));
   return out;
