@@ -13,21 +13,21 @@ inline constexpr int kFailure = 1;  // the library's own message went to standar
 inline constexpr int kUsage = 2;
 
 // An Add function adds a subcommand to `app`; its callback stores the exit status in `status`.
-[[gnu::weak]] void AddInfoCommand(CLI::App& app, int& status);
-[[gnu::weak]] void AddCurvesCommand(CLI::App& app, int& status);
-[[gnu::weak]] void AddMediaCommand(CLI::App& app, int& status);
-[[gnu::weak]] void AddLutCommand(CLI::App& app, int& status);
-[[gnu::weak]] void AddExtractCommand(CLI::App& app, int& status);
-[[gnu::weak]] void AddMasksCommand(CLI::App& app, int& status);
-[[gnu::weak]] void AddLampCommand(CLI::App& app, int& status);
-[[gnu::weak]] void AddSpecialCommand(CLI::App& app, int& status);
-[[gnu::weak]] void AddHistoryCommand(CLI::App& app, int& status);
-[[gnu::weak]] void AddImportHistoryCommand(CLI::App& app, int& status);
-[[gnu::weak]] void AddConvertCommand(CLI::App& app, int& status);
-[[gnu::weak]] void AddAdjustCommand(CLI::App& app, int& status);
-[[gnu::weak]] void AddDumpCommand(CLI::App& app, int& status);
-[[gnu::weak]] void AddBuildCommand(CLI::App& app, int& status);
-[[gnu::weak]] void AddDiffCommand(CLI::App& app, int& status);
-[[gnu::weak]] void AddValidateCommand(CLI::App& app, int& status);
+void AddInfoCommand(CLI::App& app, int& status);
+void AddCurvesCommand(CLI::App& app, int& status);
+void AddMediaCommand(CLI::App& app, int& status);
+void AddLutCommand(CLI::App& app, int& status);
+void AddExtractCommand(CLI::App& app, int& status);
+void AddMasksCommand(CLI::App& app, int& status);
+void AddLampCommand(CLI::App& app, int& status);
+void AddSpecialCommand(CLI::App& app, int& status);
+void AddHistoryCommand(CLI::App& app, int& status);
+void AddImportHistoryCommand(CLI::App& app, int& status);
+void AddConvertCommand(CLI::App& app, int& status);
+void AddAdjustCommand(CLI::App& app, int& status);
+void AddDumpCommand(CLI::App& app, int& status);
+void AddBuildCommand(CLI::App& app, int& status);
+void AddDiffCommand(CLI::App& app, int& status);
+void AddValidateCommand(CLI::App& app, int& status);
 
 }  // namespace nvx::tool

@@ -66,25 +66,25 @@ std::u16string WideFromJson(const Node& node, std::size_t longest);
 std::string ToBase64(const std::uint8_t* bytes, std::size_t size);
 
 // The families, one file each below payloads/.
-[[gnu::weak]] Json CurvesToJson(CProfileDataEntry& entry);
-[[gnu::weak]] void CurvesFromJson(const Node& node, CProfileDataEntry& entry);
-[[gnu::weak]] Json ModelToJson(CProfileDataEntry& entry);
-[[gnu::weak]] void ModelFromJson(const Node& node, CProfileDataEntry& entry);
-[[gnu::weak]] Json InfoToJson(CProfileDataEntry& entry);
-[[gnu::weak]] void InfoFromJson(const Node& node, CProfileDataEntry& entry);
-[[gnu::weak]] Json MediaToJson(CProfileDataEntry& entry);
-[[gnu::weak]] void MediaFromJson(const Node& node, CProfileDataEntry& entry);
-[[gnu::weak]] Json LutToJson(CProfileDataEntry& entry);
-[[gnu::weak]] void LutFromJson(const Node& node, CProfileDataEntry& entry);
-[[gnu::weak]] Json MaskDownloadToJson(CProfileDataEntry& entry);
-[[gnu::weak]] void MaskDownloadFromJson(const Node& node, CProfileDataEntry& entry);
-[[gnu::weak]] Json MaskPatternsToJson(CProfileDataEntry& entry);
-[[gnu::weak]] void MaskPatternsFromJson(const Node& node, CProfileDataEntry& entry);
-[[gnu::weak]] Json LargeParameterToJson(CProfileDataEntry& entry);
-[[gnu::weak]] void LargeParameterFromJson(const Node& node, CProfileDataEntry& entry);
-[[gnu::weak]] Json SpecialColorToJson(CProfileDataEntry& entry);
-[[gnu::weak]] void SpecialColorFromJson(const Node& node, CProfileDataEntry& entry);
-[[gnu::weak]] Json CalibrationToJson(CProfileDataEntry& entry);  // types 19 to 22 and 26, nested
-[[gnu::weak]] void CalibrationFromJson(const Node& node, CProfileDataEntry& entry);
+Json CurvesToJson(CProfileDataEntry& entry);
+void CurvesFromJson(const Node& node, CProfileDataEntry& entry);
+Json ModelToJson(CProfileDataEntry& entry);
+void ModelFromJson(const Node& node, CProfileDataEntry& entry);
+Json InfoToJson(CProfileDataEntry& entry);
+void InfoFromJson(const Node& node, CProfileDataEntry& entry);
+Json MediaToJson(CProfileDataEntry& entry);
+void MediaFromJson(const Node& node, CProfileDataEntry& entry);
+Json LutToJson(CProfileDataEntry& entry);
+void LutFromJson(const Node& node, CProfileDataEntry& entry);
+Json MaskDownloadToJson(CProfileDataEntry& entry);
+void MaskDownloadFromJson(const Node& node, CProfileDataEntry& entry);
+Json MaskPatternsToJson(CProfileDataEntry& entry);
+void MaskPatternsFromJson(const Node& node, CProfileDataEntry& entry);
+Json LargeParameterToJson(CProfileDataEntry& entry);
+void LargeParameterFromJson(const Node& node, CProfileDataEntry& entry);
+Json SpecialColorToJson(CProfileDataEntry& entry);
+void SpecialColorFromJson(const Node& node, CProfileDataEntry& entry);
+Json CalibrationToJson(CProfileDataEntry& entry);  // types 19 to 22 and 26, nested
+void CalibrationFromJson(const Node& node, CProfileDataEntry& entry);
 
 }  // namespace nvx::tool

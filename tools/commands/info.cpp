@@ -84,6 +84,17 @@ std::string TimeText(const SYSTEMTIME& time) {
                      time.wMinute, time.wSecond);
 }
 
+// What the header of a text-headed profile says beside the record's own fields.
+void PrintTextView(const _tagDeviceProfileInfo::TextView& view) {
+  const auto ansi = [](const char* text) { return WideToUtf8(AnsiToWide(text)); };
+  PrintPair("printer label", ansi(view.Printer_Label));
+  PrintPair("ink set label", ansi(view.InkSet_Label));
+  PrintPair("media label", ansi(view.Media_Label));
+  PrintPair("media name 17", ansi(view.Media_Jpn));
+  PrintPair("media name 9", ansi(view.Media_Eng));
+  PrintPair("resolution code", ansi(view.Dpi_Code));
+}
+
 void PrintRecord(const _tagDeviceProfileInfo& info) {
   const auto wide = [](const char16_t* text) { return WideToUtf8(text); };
   if (info.ModelCode[0] != 0) {
@@ -103,6 +114,7 @@ void PrintRecord(const _tagDeviceProfileInfo& info) {
   }
   PrintPair("created", TimeText(info.CreateTime));
   PrintPair("updated", TimeText(info.UpdateTime));
+  if (info.LayoutNumber == 1) PrintTextView(info.Text);
   if (info.LayoutNumber == 3) {
     PrintPair("made by", wide(info.Binary.MakerText));
     PrintPair("made with", wide(info.Binary.CreateModule));

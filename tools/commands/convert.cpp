@@ -1,0 +1,270 @@
+// nvxprofile convert: text-headed profiles into those of the current generation, many at once.
+#include "command.h"
+#include "progress.h"
+#include "terminal.h"
+
+#include <nvxprofile/convert.h>
+#include <nvxprofile/diagnosis.h>
+#include <nvxprofile/profile_access.h>
+#include <nvxprofile/profile_file.h>
+#include <nvxprofile/text_conversion.h>
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <atomic>
+#include <condition_variable>
+#include <deque>
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <random>
+#include <string>
+#include <system_error>
+#include <thread>
+#include <vector>
+
+namespace nvx::tool {
+namespace {
+
+namespace fs = std::filesystem;
+
+struct Options {
+  std::vector<std::string> files;
+  std::string output;
+  std::string moduleVersion;
+  std::vector<std::int32_t> databaseKeys;
+  unsigned jobs = std::max(1u, std::thread::hardware_concurrency());
+};
+
+struct Job {
+  fs::path source;
+  fs::path target;
+};
+
+// A folder beside the target in which a result is made and looked at before it takes the target's place. It is removed
+// with all that is left in it.
+class WorkFolder {
+ public:
+  explicit WorkFolder(const fs::path& parent) {
+    std::random_device random;
+    path_ = parent / fmt::format(".nvx-{:08x}", random());
+    if (!fs::create_directory(path_, error_)) path_.clear();
+  }
+  WorkFolder(const WorkFolder&) = delete;
+  WorkFolder& operator=(const WorkFolder&) = delete;
+  ~WorkFolder() {
+    std::error_code error;
+    if (!path_.empty()) fs::remove_all(path_, error);
+  }
+
+  bool IsThere() const { return !path_.empty(); }
+  const fs::path& Path() const { return path_; }
+  std::string Failure() const { return error_ ? error_.message() : "a folder of that name exists"; }
+
+ private:
+  fs::path path_;
+  std::error_code error_;
+};
+
+std::u16string Wide(const fs::path& path) { return Utf8ToWide(path.string()); }
+
+// The first thing that keeps a profile from loading.
+std::string WhyNotLoaded(const fs::path& path) {
+  Diagnosis diagnosis;
+  DiagnoseProfile(Wide(path).c_str(), diagnosis);
+  for (const Finding& finding : diagnosis.Findings()) {
+    if (finding.severity != Severity::kError) continue;
+    return finding.place.empty() ? finding.rule : finding.place + ": " + finding.rule;
+  }
+  return "cannot be loaded";
+}
+
+// The database record of a conversion: the caller's values, or none and the halftone method of the old profile.
+_tagDBDeviceProfileInfo DatabaseRecord(const Options& options, const _tagDeviceProfileInfo& source) {
+  _tagDBDeviceProfileInfo record{{-1, -1, -1, -1, -1}, source.HalftoneCode};
+  if (options.databaseKeys.empty()) return record;
+  std::copy_n(options.databaseKeys.begin(), std::size(record.DatabaseKey), record.DatabaseKey);
+  record.HalftoneCode = options.databaseKeys.back();
+  return record;
+}
+
+// The saved file loads and has each entry of the converted profile.
+bool IsComplete(const fs::path& path, CConvertV2ToV3Profile& converter) {
+  CProfileAccess access;
+  CError error;
+  if (!access.Init(Wide(path).c_str(), &error) || !access.IsV3Route()) return false;
+  for (std::uint32_t type = CProfileDataEntry::kModel; type <= CProfileDataEntry::kSpecialColorInfo; ++type) {
+    const bool wanted = converter.GetProfileDataEntry_V3(type) != nullptr;
+    if (wanted != (access.GetProfileData()->GetProfileDataEntryFromList(type) != nullptr)) return false;
+  }
+  return true;
+}
+
+// Moves the result over the target, with the target's permissions where it exists. A link is followed.
+std::string PutInPlace(const fs::path& made, fs::path target) {
+  std::error_code error;
+  if (const fs::path real = fs::canonical(target, error); !error) {
+    target = real;
+    fs::permissions(made, fs::status(target).permissions(), error);
+  }
+  fs::rename(made, target, error);
+  return error ? target.string() + ": " + error.message() : std::string();
+}
+
+// Why the conversion failed; empty if it did not.
+std::string Convert(const Job& job, const Options& options) {
+  const std::u16string source = Wide(job.source);
+  const std::unique_ptr<CProfileFile> format(CProfileFile::CreateProfileFile(source.c_str(), true));
+  CProfileData header;
+  if (!format) return WhyNotLoaded(job.source);
+  if (format->GetMyFormat() != 2 && format->GetMyFormat() != 3) return "is no text-headed profile";
+  if (!format->LoadData(source.c_str(), &header, true)) return WhyNotLoaded(job.source);
+
+  CConvertV2ToV3Profile converter;
+  if (!converter.ProfileLoad(source.c_str())) return WhyNotLoaded(job.source);
+  if (converter.GetProfileDataEntry_V2(CProfileDataEntry::kIcm) == nullptr) return "has no ICC profile entry";
+  converter.SetupModuleVersion(Utf8ToWide(options.moduleVersion).c_str());
+  const _tagDBDeviceProfileInfo database = DatabaseRecord(options, *header.GetProfileInfo());
+  converter.ConvertV2ToV3Profile(&database);
+
+  const WorkFolder folder(fs::absolute(job.target).parent_path());
+  if (!folder.IsThere()) return fmt::format("cannot write beside {}: {}", job.target.string(), folder.Failure());
+  // The name goes into the profile as its description, so it is the target's from the start.
+  const fs::path made = folder.Path() / job.target.filename();
+  converter.SaveV3Profile(Wide(made).c_str());
+  if (!fs::exists(made)) return "cannot be saved: the ICC profile entry is no usable profile, or the disk is full";
+  if (!IsComplete(made, converter)) return "the result does not load: " + WhyNotLoaded(made);
+  return PutInPlace(made, job.target);
+}
+
+// Runs the jobs on several threads and tells of each one, on the calling thread, when it is done.
+class Workers {
+ public:
+  Workers(const std::vector<Job>& jobs, const Options& options) : jobs_(jobs) {
+    const std::size_t count = std::min<std::size_t>(options.jobs, jobs.size());
+    for (std::size_t i = 0; i < count; ++i) threads_.emplace_back([this, &options] { Work(options); });
+  }
+  Workers(const Workers&) = delete;
+  Workers& operator=(const Workers&) = delete;
+  ~Workers() {
+    for (std::thread& thread : threads_) thread.join();
+  }
+
+  struct Outcome {
+    std::size_t job = 0;
+    std::string failure;
+  };
+  // Waits for the next job to be done.
+  Outcome Next() {
+    std::unique_lock lock(mutex_);
+    changed_.wait(lock, [this] { return !outcomes_.empty(); });
+    Outcome outcome = std::move(outcomes_.front());
+    outcomes_.pop_front();
+    return outcome;
+  }
+
+ private:
+  void Work(const Options& options) {
+    for (std::size_t i = next_++; i < jobs_.size(); i = next_++) {
+      Outcome outcome{i, {}};
+      try {
+        outcome.failure = Convert(jobs_[i], options);
+      } catch (const std::exception& error) {
+        outcome.failure = error.what();
+      }
+      const std::lock_guard lock(mutex_);
+      outcomes_.push_back(std::move(outcome));
+      changed_.notify_one();
+    }
+  }
+
+  const std::vector<Job>& jobs_;
+  std::atomic<std::size_t> next_{0};
+  std::mutex mutex_;
+  std::condition_variable changed_;
+  std::deque<Outcome> outcomes_;
+  std::vector<std::thread> threads_;
+};
+
+// One name for a file, however it is written.
+std::string NameOf(const fs::path& path) {
+  std::error_code error;
+  const fs::path name = fs::weakly_canonical(path, error);
+  return error ? path.string() : name.string();
+}
+
+// What goes where; nothing, with the reason told, if two files would meet.
+std::optional<std::vector<Job>> Plan(const Options& options) {
+  const fs::path output(options.output);
+  std::error_code error;
+  const bool isFolder = fs::is_directory(output, error);
+  const bool toFolder = isFolder || options.files.size() > 1 || !output.has_filename();
+  if (toFolder && !isFolder && !fs::create_directories(output, error)) {
+    PrintError(fmt::format("{}: {}", options.output, error ? error.message() : "cannot be created"));
+    return std::nullopt;
+  }
+  std::vector<Job> jobs;
+  // What each name is taken for, so that no file is lost to another one.
+  std::map<std::string, std::string> taken;
+  for (const std::string& file : options.files) taken.emplace(NameOf(file), "a source");
+  for (const std::string& file : options.files) {
+    const fs::path target = toFolder ? output / fs::path(file).filename().replace_extension(".icc") : output;
+    const auto [place, isFree] = taken.emplace(NameOf(target), "the target of " + file);
+    if (!isFree) {
+      PrintError(fmt::format("{}: would go to {}, which is {}", file, target.string(), place->second));
+      return std::nullopt;
+    }
+    jobs.push_back({file, target});
+  }
+  return jobs;
+}
+
+int Run(const Options& options) {
+  const std::optional<std::vector<Job>> jobs = Plan(options);
+  if (!jobs) return kUsage;
+  std::size_t failures = 0;
+  {
+    const ProgressBar bar(jobs->size());
+    Workers workers(*jobs, options);
+    for (std::size_t done = 1; done <= jobs->size(); ++done) {
+      const Workers::Outcome outcome = workers.Next();
+      if (!outcome.failure.empty()) {
+        ++failures;
+        bar.Clear();
+        PrintError(fmt::format("{}: {}", (*jobs)[outcome.job].source.string(), outcome.failure));
+      }
+      bar.Show(done);
+    }
+  }
+  PrintLine(fmt::format("{} of {} profiles converted", jobs->size() - failures, jobs->size()));
+  return failures == 0 ? kSuccess : kFailure;
+}
+
+}  // namespace
+
+void AddConvertCommand(CLI::App& app, int& status) {
+  CLI::App* const command = app.add_subcommand("convert", "Convert text-headed profiles to the current generation");
+  const auto options = std::make_shared<Options>();
+  command->add_option("OLD", options->files, "Text-headed profiles, of version 1 or 2")->required();
+  command
+      ->add_option("-o,--output", options->output,
+                   "The new profile; for several, the folder of the new ones, each named after its old one with .icc")
+      ->required();
+  command->add_option("--module-version", options->moduleVersion, "Version of the making program, at most 9 characters")
+      ->required();
+  command
+      ->add_option(
+          "--database-keys", options->databaseKeys,
+          "Five database keys and the halftone method, joined by commas; without it -1 each, and the method of "
+          "the old profile")
+      ->delimiter(',')
+      ->expected(6)
+      ->type_name("A,B,C,D,E,F");
+  command->add_option("-j,--jobs", options->jobs, "Files to convert at the same time")->check(CLI::Range(1, 256));
+  command->callback([options, &status] { status = Run(*options); });
+}
+
+}  // namespace nvx::tool
