@@ -1,0 +1,167 @@
+// The tool on calibration histories and adjust files.
+#include "support/temp_folder.h"
+#include "tools/run_tool.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace nvx::test {
+namespace {
+
+using nlohmann::json;
+using testing::HasSubstr;
+
+constexpr const char* kFrame = "/usr/share/color/icc/ghostscript/default_cmyk.icc";
+
+json Calibration(int code, const std::string& name, int time) {
+  const json curves = {{"curves", {{{"inkID", 3}, {"extendInfo", 12}, {"samples", {0, 100 * code, 65535}}}}}};
+  return {{"type", "calibration"},
+          {"optionInfo", code},
+          {"containerData", {{"value", -code}, {"time", time}, {"name", name}}},
+          {"payload", {{"entries", {{{"type", "calibration-ink-limit"}, {"payload", curves}}}}}}};
+}
+
+class CalibrationTool : public testing::Test {
+ protected:
+  // Builds a profile of the current generation; without calibrations it has no history.
+  void Build(const std::string& name, const std::vector<json>& calibrations, int nextId = 0, int minor = 0) {
+    json entries = {{{"type", "icc"}, {"file", kFrame}}};
+    if (!calibrations.empty()) {
+      json children = {{{"type", "calibration-target"}, {"payload", {{"createTime", 77}, {"rest", "AQI="}}}}};
+      for (const json& calibration : calibrations) children.push_back(calibration);
+      entries.push_back({{"type", "calibration-history"}, {"payload", {{"nextID", nextId}, {"entries", children}}}});
+    }
+    const json document = {{"nvxprofile", 1},
+                           {"format", "printer-profile"},
+                           {"record", {{"SaveVersion5", minor == 5}}},
+                           {"entries", entries}};
+    const std::string text = document.dump();
+    WriteBytes(folder_.File("d.json"), Bytes(text.begin(), text.end()));
+    const ToolResult built = RunTool({"build", folder_.File("d.json"), "-o", folder_.File(name)});
+    ASSERT_EQ(built.status, 0) << built.err;
+  }
+
+  json History(const std::string& name, std::vector<std::string> more = {}) {
+    more.insert(more.begin(), {"history", folder_.File(name), "--json"});
+    return json::parse(RunTool(more).out);
+  }
+
+  std::vector<std::string> Names(const std::string& name) {
+    std::vector<std::string> names;
+    const json history = History(name);
+    for (const json& item : history["calibrations"]) {
+      names.push_back(std::to_string(item["code"].get<int>()) + " " + item["name"].get<std::string>());
+    }
+    return names;
+  }
+
+  ToolResult Import(const std::string& from, const std::string& into, bool recode = false) {
+    std::vector<std::string> words = {"import-history", folder_.File(from), folder_.File(into)};
+    if (recode) words.push_back("--recode");
+    return RunTool(words);
+  }
+
+  TempFolder folder_;
+};
+
+TEST_F(CalibrationTool, HistoryAndDocuments) {
+  Build("a.icc", {Calibration(0, "first", 5), Calibration(4, "second", 9)}, 5);
+  const json history = History("a.icc", {"--curves", "4"});
+  EXPECT_EQ(history["targetCreateTime"], 77);
+  EXPECT_EQ(history["nextID"], 5);
+  EXPECT_EQ(history["newest"], 4);
+  EXPECT_EQ(history["calibrations"][1]["value"], -4);
+  EXPECT_EQ(history["calibrations"][1]["inks"], json({3}));
+  EXPECT_EQ(history["calibrations"][1]["curves"][0]["curves"][0]["samples"], json({0, 400, 65535}));
+  EXPECT_FALSE(history["calibrations"][0].contains("curves"));
+  const ToolResult shown = RunTool({"history", folder_.File("a.icc"), "--curves", "0"});
+  EXPECT_EQ(shown.status, 0);
+  EXPECT_THAT(shown.out, HasSubstr("second"));
+  EXPECT_THAT(shown.out, HasSubstr("calibration-ink-limit (type 23)"));
+  EXPECT_EQ(RunTool({"history", folder_.File("a.icc"), "--curves", "3"}).status, 1);
+
+  const ToolResult dump = RunTool({"dump", folder_.File("a.icc")});
+  EXPECT_FALSE(json::parse(dump.out)["entries"][1].contains("bytes"));
+  std::filesystem::create_directory(folder_.Path() / "copy");
+  WriteBytes(folder_.File("dump.json"), Bytes(dump.out.begin(), dump.out.end()));
+  ASSERT_EQ(RunTool({"build", folder_.File("dump.json"), "-o", folder_.File("copy/a.icc")}).status, 0);
+  EXPECT_EQ(RunTool({"diff", folder_.File("a.icc"), folder_.File("copy/a.icc")}).status, 0);
+
+  Build("none.icc", {});
+  EXPECT_EQ(RunTool({"history", folder_.File("none.icc")}).status, 1);
+}
+
+TEST_F(CalibrationTool, ImportNeverLosesACalibration) {
+  Build("from.icc", {Calibration(0, "x", 1), Calibration(2, "y", 2)}, 3);
+  Build("into.icc", {Calibration(0, "a", 3), Calibration(1, "b", 4)}, 2, 5);
+  const Bytes before = ReadBytes(folder_.File("into.icc"));
+
+  // Equal counts would replace the history, equal codes would merge two calibrations.
+  const ToolResult stopped = Import("from.icc", "into.icc");
+  EXPECT_EQ(stopped.status, 1);
+  EXPECT_THAT(stopped.err, HasSubstr("1 of 2 calibrations have codes that are taken"));
+  EXPECT_EQ(ReadBytes(folder_.File("into.icc")), before);
+
+  const ToolResult imported = Import("from.icc", "into.icc", true);
+  EXPECT_EQ(imported.status, 0) << imported.err;
+  EXPECT_THAT(imported.out, HasSubstr("code 0 became 3"));
+  EXPECT_THAT(Names("into.icc"), testing::ElementsAre("3 x", "2 y", "0 a", "1 b"));
+  EXPECT_EQ(History("into.icc")["nextID"], 4);
+  EXPECT_EQ(json::parse(RunTool({"info", "--json", folder_.File("into.icc")}).out)["info"]["ProfileMinorVersion"], 5);
+
+  Build("empty.icc", {});
+  EXPECT_EQ(Import("empty.icc", "into.icc").status, 1);
+  EXPECT_EQ(Import("from.icc", "empty.icc").status, 0);
+  EXPECT_THAT(Names("empty.icc"), testing::ElementsAre("0 x", "2 y"));
+  EXPECT_EQ(RunTool({"import-history", folder_.File("from.icc"), kFrame}).status, 1);
+}
+
+TEST_F(CalibrationTool, ImportLeavesADamagedHistoryAlone) {
+  json damaged = Calibration(1, "damaged", 1);
+  damaged["payload"]["entries"][0] = {{"type", "calibration-ink-limit"}, {"bytes", "AAECAw=="}};
+  Build("from.icc", {Calibration(0, "x", 1)}, 1);
+  Build("into.icc", {damaged}, 2);
+  const Bytes before = ReadBytes(folder_.File("into.icc"));
+  const ToolResult result = Import("from.icc", "into.icc");
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(result.err, HasSubstr("calibration 1, calibration-ink-limit 0"));
+  EXPECT_EQ(ReadBytes(folder_.File("into.icc")), before);
+  // The document carries the bytes that do not parse, too.
+  EXPECT_TRUE(json::parse(RunTool({"dump", folder_.File("into.icc")}).out)["entries"][1].contains("bytes"));
+}
+
+TEST_F(CalibrationTool, AdjustFiles) {
+  const auto adjust = [&](std::string_view text, std::vector<std::string> more = {}) {
+    WriteBytes(folder_.File("a.txt"), Bytes(text.begin(), text.end()));
+    more.insert(more.begin(), {"adjust", folder_.File("a.txt")});
+    return RunTool(more);
+  };
+  const std::string special =
+      "SpecialInkset=2\nSpecialInkCount=1\nSpecialInk=12\ng_SpecialDensity_0012=80\nVDApplyWay_0012=1\n"
+      "VD02Curve_0012=5,6\nLimitCurve_0012=7\nlast=1";
+  const ToolResult result = adjust(special, {"--json"});
+  EXPECT_EQ(result.status, 0) << result.err;
+  const json document = json::parse(result.out);
+  EXPECT_EQ(document["kind"], "special");
+  EXPECT_EQ(document["values"]["inks"][0]["density"], 80);
+  EXPECT_EQ(document["curves"]["VD02Curve_0012"][1], 6);
+  EXPECT_EQ(document["curves"]["LimitCurve_0012"][0], 7);
+  EXPECT_EQ(document["remarks"].size(), 3u);
+  EXPECT_THAT(adjust(special).out, HasSubstr("the last line has no line end and is dropped"));
+
+  const ToolResult incomplete = adjust("Heater1[Value]=1\n");
+  EXPECT_EQ(incomplete.status, 1);
+  EXPECT_THAT(incomplete.err, HasSubstr("Adjust file:Parameter none (key = FeedAdjust[WhichUse])"));
+  EXPECT_THAT(adjust(special, {"--kind", "device"}).out, HasSubstr("nothing reads this key"));
+  EXPECT_EQ(adjust("x=1\n").status, 1);
+  EXPECT_EQ(adjust("x=1\n", {"--kind", "paper"}).status, 2);
+  EXPECT_EQ(RunTool({"adjust", folder_.File("none")}).status, 1);
+}
+
+}  // namespace
+}  // namespace nvx::test
