@@ -75,8 +75,6 @@ KeyRules RulesOf(AdjustKind kind) {
 
 // The key as a reader asks for it, if the rule is the one that does.
 std::optional<AdjustKey> Match(const KeyRule& rule, std::string_view key) {
-  AdjustKey found{std::string(key), rule.name, rule.form, std::nullopt, std::nullopt};
-  if (rule.numbers == Numbers::kNone) return key == rule.name ? std::optional(found) : std::nullopt;
   if (key.substr(0, rule.name.size()) != rule.name) return std::nullopt;
   const char* at = key.data() + rule.name.size();
   const char* const end = key.data() + key.size();
@@ -85,17 +83,18 @@ std::optional<AdjustKey> Match(const KeyRule& rule, std::string_view key) {
     at = std::from_chars(at, end, value).ptr;
     return value;
   };
-  std::string asked;
-  if (rule.numbers == Numbers::kIndexAndInk) {
+  AdjustKey found{std::string(key), rule.name, rule.form, std::nullopt, std::nullopt};
+  std::string asked = rule.name;
+  if (rule.numbers == Numbers::kInk) {
+    found.ink = number();
+    asked = InkKey(rule.name.c_str(), *found.ink);
+  } else if (rule.numbers == Numbers::kIndexAndInk) {
     found.index = number();
     if (at != end) ++at;
     found.ink = number();
     asked = IndexInkKey(rule.name.c_str(), *found.index, *found.ink);
-  } else {
-    found.ink = number();
-    asked = InkKey(rule.name.c_str(), *found.ink);
   }
-  return key == asked ? std::optional(found) : std::nullopt;
+  return key == asked ? std::optional(std::move(found)) : std::nullopt;
 }
 
 std::optional<AdjustKey> Match(const KeyRules& rules, std::string_view key) {

@@ -1,0 +1,80 @@
+// A printer profile of the current generation of the usual size, some 3.3 MB: 11 curve entries of 16 inks, a table of
+// grid 33, a replacement profile and 2 MB of print masks. Benchmarks and memory tests share it.
+#pragma once
+
+#include <nvxprofile/curve_entry.h>
+#include <nvxprofile/lut.h>
+#include <nvxprofile/mask_download.h>
+#include <nvxprofile/profile_data.h>
+
+#include <cstdint>
+#include <cstring>
+#include <memory>
+#include <vector>
+
+namespace nvx::test {
+
+// An ICC profile of one tag with `size` bytes, all numbers most significant byte first.
+inline std::vector<std::uint8_t> SampleIccProfile(std::uint32_t size) {
+  constexpr std::uint32_t kFrontSize = 144;
+  std::vector<std::uint8_t> bytes(kFrontSize + size, 0x33);
+  std::fill_n(bytes.begin(), kFrontSize, std::uint8_t{0});
+  const auto store = [&](std::size_t offset, std::uint32_t value) {
+    for (int i = 0; i < 4; ++i)
+      bytes[offset + static_cast<std::size_t>(i)] = static_cast<std::uint8_t>(value >> (24 - 8 * i));
+  };
+  store(0, kFrontSize + size);
+  std::memcpy(bytes.data() + 12, "prtrCMYKLab ", 12);
+  std::memcpy(bytes.data() + 36, "acsp", 4);
+  store(128, 1);
+  std::memcpy(bytes.data() + 132, "A2B0", 4);
+  store(136, kFrontSize);
+  store(140, size);
+  return bytes;
+}
+
+inline void AddIccProfile(CProfileData& data, CProfileDataEntry::UsedType usedType, std::uint32_t route,
+                          std::uint32_t size) {
+  CProfileDataEntry* const entry = CProfileDataEntry::CreateDataEntry(usedType);
+  const auto bytes = SampleIccProfile(size);
+  std::memcpy(entry->GetBuffer(static_cast<std::uint32_t>(bytes.size())), bytes.data(), bytes.size());
+  data.SetProfileDataEntry(entry, route);
+}
+
+inline void FillSampleProfile(CProfileData& data) {
+  for (const std::uint32_t usedType : {2, 3, 4, 5, 6, 7, 9, 17, 23, 24, 25}) {
+    auto* const entry = static_cast<CProfileCurveEntry*>(
+        CProfileDataEntry::CreateDataEntry(static_cast<CProfileDataEntry::UsedType>(usedType)));
+    for (std::uint32_t ink = 0; ink < 16; ++ink) {
+      auto* const curve = new CCurveDataEntry16;
+      curve->SetInkID(ink);
+      for (std::uint32_t i = 0; i < 256; ++i) curve->Add(i * 257);
+      entry->GetCurveData()->AddTail(curve);
+    }
+    entry->DataToBuffer();
+    data.SetProfileDataEntry(entry, kRouteMain);
+  }
+  auto chroma = std::make_unique<CSeparateChromaEntry>();
+  chroma->GetLutData()->Initialize(8, 33);
+  const SampleRun run = chroma->GetLutData()->GetRun(0);
+  std::memset(run.samples, 0x44, run.size);
+  chroma->DataToBuffer();
+  data.SetProfileDataEntry(chroma.release(), kRouteMain);
+
+  auto masks = std::make_unique<CMaskDownloadIncludePatternEntry>();
+  const std::vector<std::uint8_t> pattern(65536, 0x55);
+  for (std::uint32_t id = 0; id < 32; ++id) {
+    CMaskPatternDataEntry* const mask = CMaskPatternDataEntry::CreateEntry();
+    mask->SetMaskPatternID(id);
+    mask->SetMaskPatternBuffer(pattern.data(), static_cast<std::uint32_t>(pattern.size()));
+    masks->GetMaskPatternData()->Add(mask);
+  }
+  masks->DataToBuffer();
+  data.SetProfileDataEntry(masks.release(), kRouteMaskDownload);
+  data.GetProfileInfo()->HasMaskDownload = true;
+
+  AddIccProfile(data, CProfileDataEntry::kIcm, kRouteMain, 190'000);
+  AddIccProfile(data, CProfileDataEntry::kReplaceProfile, kRouteReplaceProfile, 560'000);
+}
+
+}  // namespace nvx::test
