@@ -54,17 +54,22 @@ void SetBytes(CProfileDataEntry& entry, const Bytes& bytes) {
 
 bool IsIcc(CProfileDataEntry& entry) { return entry.GetFormatType() == CProfileDataEntry::kFormatIcc; }
 
-// True if the payload in the document rebuilds the bytes that the entry itself rebuilds from its own.
+// True if the payload in the document rebuilds the entry's bytes. The zeros that fill up a private tag of a file are
+// not the entry's.
 bool Rebuilds(const Json& payload, CProfileDataEntry& entry) {
+  constexpr std::size_t kPadding = 3;
   const EntryPointer rebuilt = MakeEntry(entry.GetUsedType());
   try {
     PayloadFromJson(Node(payload, ""), *rebuilt);
   } catch (const DocumentError&) {
     return false;
   }
-  const EntryPointer own = MakeEntry(entry.GetUsedType());
-  SetBytes(*own, BytesOf(entry));
-  return own->DataToBuffer() && BytesOf(*own) == BytesOf(*rebuilt);
+  const Bytes wanted = BytesOf(entry);
+  const Bytes made = BytesOf(*rebuilt);
+  if (made.size() > wanted.size() || wanted.size() - made.size() > kPadding) return false;
+  const auto end = wanted.begin() + static_cast<std::ptrdiff_t>(made.size());
+  return std::equal(made.begin(), made.end(), wanted.begin()) &&
+         std::all_of(end, wanted.end(), [](std::uint8_t byte) { return byte == 0; });
 }
 
 std::string WriteIccFile(CProfileDataEntry& entry, const std::string& folder) {

@@ -114,6 +114,10 @@ class NVX_EXPORT CContainerEntry : public CProfileDataEntry {
   // for children below kMaxLevels.
   bool DataToBuffer() override;
 
+  // Makes this entry's buffer of the children's buffers as they are, without renewing them: what does not parse keeps its
+  // bytes. `optionValue` goes into the form's header. False, with the old buffer, for a form beyond 4 GiB.
+  bool JoinBuffers(std::uint32_t optionValue);
+
   // The children and their level.
   CContainerData& GetChildData() { return data_; }
   const CContainerData& GetChildData() const { return data_; }

@@ -154,9 +154,9 @@ class CSpecialColorInfoFile : public CDataFile {
 
   // Appends the tables to the list and stores the profile colour type, the latter even if the header is wrong; reads
   // the header first if that is not done. A record of a used type other than 1 makes no table; its block is passed over
-  // if there is one. False for a form that breaks a rule: tables made before that stay in the list. A table whose block has a
-  // wrong magic, or a curve set that does not load, keeps what was read until then, and the others are read all the
-  // same.
+  // if there is one. False for a form that breaks a rule: tables made before that stay in the list. A table whose block
+  // has a wrong magic, or a curve set that does not load, keeps what was read until then, and the others are read all
+  // the same.
   virtual bool LoadFile(CNvxFile& file, CSpecialColorInfoData* data);
 
   // False, with nothing written, for what the form cannot carry: a used type other than 1; a word 0 of array 0 that is

@@ -268,7 +268,7 @@ class Inspector {
     if (items > kCurveLength) {
       Remark(line, "of " + std::to_string(items) + " items the first 256 are read");
     } else if (items < kCurveLength) {
-      Remark(line, "has " + std::to_string(items) + " items; the other samples stay as the caller has them");
+      Remark(line, "has " + std::to_string(items) + " of 256 items; the other samples stay as the caller has them");
     }
   }
 

@@ -77,7 +77,7 @@ TEST(AdjustInspection, ValuesThatDoNotReadAsTheyStand) {
       Remarks(curve + ",300,1\nr_KCurve=300,-1,x\nv_InkRatio=TRUE\nProfileCode=12a\nv_Cyan=\n", AdjustKind::kColor),
       ElementsAre("1 v_KCurve: of 258 items the first 256 are read",
                   "2 r_KCurve: item 1, \"300\", reads as 44, and 2 more do not read as they stand",
-                  "2 r_KCurve: has 3 items; the other samples stay as the caller has them",
+                  "2 r_KCurve: has 3 of 256 items; the other samples stay as the caller has them",
                   "3 v_InkRatio: is neither true nor false and counts as missing",
                   "4 ProfileCode: is no whole number and reads as 12", "5 v_Cyan: has no value and counts as missing"));
   EXPECT_THAT(Remarks("SpecialInkCount=9\nSpecialInk=1,99999999999\n", AdjustKind::kSpecial),

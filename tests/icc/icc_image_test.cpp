@@ -23,7 +23,7 @@ using nvx::test::IccWithTags;
 using nvx::test::Patched;
 
 Bytes ImageOf(const IccImage& image) {
-  Bytes out(static_cast<std::size_t>(image.Size()));
+  Bytes out(static_cast<std::size_t>(image.Size()), 0xEE);
   EXPECT_TRUE(image.CopyTo(out));
   EXPECT_FALSE(image.CopyTo(std::span(out).first(out.size() - 1)));
   return out;
@@ -93,6 +93,22 @@ TEST(IccImage, LaysOutAnEditedImage) {
   expected.Text("xxx").Zero(1).Text("yyyyy").Zero(3).Text("12345").Zero(3).Text("6").Zero(3);
   EXPECT_EQ(ImageOf(*image), static_cast<const Bytes&>(expected));
   EXPECT_EQ(image->Header().phSize, 216u);
+}
+
+TEST(IccImage, AProfileIDLeavesOutFlagsIntentAndItself) {
+  const auto image = IccImage::Open(Patched(IccWithTags({"desc"}), 96, 0x01020304));
+  ASSERT_NE(image, nullptr);
+  Set(*image, Signature("cprt"), "text");
+  const Bytes composed = ImageOf(*image);
+  Bytes hashed = composed;
+  ASSERT_NE(hashed[47] + hashed[67], 0) << "flags and intent are there to be left out";
+  std::fill_n(hashed.begin() + 44, 4, std::uint8_t{0});
+  std::fill_n(hashed.begin() + 64, 4, std::uint8_t{0});
+  std::fill_n(hashed.begin() + 84, 16, std::uint8_t{0});
+  nvx::Md5 md5;
+  md5.Update(hashed.data(), hashed.size());
+  const nvx::Md5Digest digest = md5.Finish();
+  EXPECT_EQ(Bytes(composed.begin() + 84, composed.begin() + 100), Bytes(digest.begin(), digest.end()));
 }
 
 TEST(IccImage, SharedDataStaysSharedUntilItIsSet) {

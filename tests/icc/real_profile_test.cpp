@@ -139,7 +139,7 @@ TEST_P(RealProfile, SurvivesEdits) {
   set(Signature("NVX2"), Filled(10));
   expected.insert(expected.end(), {Signature("NVX1"), Signature("NVX2")});
 
-  Bytes edited(static_cast<std::size_t>(image->Size()));
+  Bytes edited(static_cast<std::size_t>(image->Size()), 0xEE);
   ASSERT_TRUE(image->CopyTo(edited));
   ASSERT_EQ(nvx::LoadBig<std::uint32_t>(edited.data()), edited.size());
   ASSERT_EQ(edited.size() % 4, 0u);
@@ -174,7 +174,7 @@ TEST_P(RealProfile, KeepsARightProfileID) {
   Judge before(original);
   const Bytes stored = before.StoredID();
   image->SetTag(Signature("NVX1"), Filled(777));
-  Bytes edited(static_cast<std::size_t>(image->Size()));
+  Bytes edited(static_cast<std::size_t>(image->Size()), 0xEE);
   ASSERT_TRUE(image->CopyTo(edited));
   Judge after(edited);
   if (stored == Bytes(16)) {

@@ -98,15 +98,19 @@ bool CContainerEntry::ParseChildren(std::uint32_t& optionValue) {
   });
 }
 
+bool CContainerEntry::JoinBuffers(std::uint32_t optionValue) {
+  CProfileFileCalibration form;
+  form.SetOptionValue(optionValue);
+  return nvx::RebuildBuffer(*this, CProfileFileCalibration::GetSavedSize(data_), nvx::BufferLength::kExact,
+                            [&](CNvxFile& stream) { return form.SaveData(stream, &data_); });
+}
+
 bool CContainerEntry::RebuildForm(std::uint32_t optionValue) {
   // What was too deep to be parsed keeps its bytes.
   if (data_.GetLevel() > kMaxLevels) return data_.Children().IsEmpty();
   if (NestsTooDeep(data_, data_.GetLevel())) return false;
   for (CProfileDataEntry* const child : data_.Children()) child->DataToBuffer();
-  CProfileFileCalibration form;
-  form.SetOptionValue(optionValue);
-  return nvx::RebuildBuffer(*this, CProfileFileCalibration::GetSavedSize(data_), nvx::BufferLength::kExact,
-                            [&](CNvxFile& stream) { return form.SaveData(stream, &data_); });
+  return JoinBuffers(optionValue);
 }
 
 bool CContainerEntry::BufferToData() {

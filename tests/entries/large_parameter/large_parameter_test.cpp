@@ -14,8 +14,8 @@ namespace {
 using nvx::test::ByteBuilder;
 using nvx::test::Bytes;
 using nvx::test::BytesOf;
-using nvx::test::ToCapacity;
 using nvx::test::Parse;
+using nvx::test::ToCapacity;
 using Words = std::vector<std::int32_t>;
 using Table = std::unique_ptr<CLargeParameterDataEntry>;
 

@@ -1,0 +1,138 @@
+// nvxprofile import-history: takes the calibrations of one profile over into another, and never loses one.
+#include "calibration_view.h"
+#include "command.h"
+#include "loading.h"
+#include "terminal.h"
+
+#include <nvxprofile/calibration_history.h>
+#include <nvxprofile/curve_entry.h>
+#include <nvxprofile/profile_file.h>
+#include <nvxprofile/text_conversion.h>
+
+#include <fmt/format.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace nvx::tool {
+namespace {
+
+constexpr int kPrinterProfile = 4;
+constexpr std::uint32_t kPrinterProfileVersion5 = 5;
+
+struct Options {
+  std::string from;
+  std::string into;
+  bool recode = false;
+};
+
+// The place of an entry whose bytes do not parse, and which a save would therefore not keep; empty if there is none.
+std::string FindDamage(CContainerEntry& container) {
+  for (int i = 0; i < container.GetEntryCount(); ++i) {
+    CProfileDataEntry& child = *container.GetProfileDataEntry(i);
+    auto* const inner = dynamic_cast<CContainerEntry*>(&child);
+    const bool parses = inner != nullptr || dynamic_cast<CProfileCurveEntry*>(&child) != nullptr ||
+                        dynamic_cast<CCalibrationInfoEntry*>(&child) != nullptr;
+    const std::string place = fmt::format("{} {}", EntryName(child.GetUsedType()), child.GetOptionInfo());
+    if (parses && child.GetSize() != 0 && !child.BufferToData()) return place;
+    const std::string below = inner != nullptr ? FindDamage(*inner) : std::string();
+    if (!below.empty()) return place + ", " + below;
+  }
+  return {};
+}
+
+bool IsWhole(const std::string& file, CCalibrationHistoryEntry& history) {
+  std::string damage = history.GetSize() != 0 && !history.BufferToData() ? "its table" : FindDamage(history);
+  if (damage.empty()) return true;
+  PrintError(fmt::format("{}: the calibration history is damaged ({}); nothing was imported", file, damage));
+  return false;
+}
+
+void PrintCollisions(const Options& options, CCalibrationHistoryEntry& into, CCalibrationHistoryEntry& from,
+                     const std::vector<std::uint32_t>& codes) {
+  PrintError(
+      fmt::format("{} of {} calibrations have codes that are taken; nothing was imported. --recode gives them "
+                  "fresh codes.",
+                  codes.size(), CalibrationsOf(from).size()));
+  const auto nameIn = [](CCalibrationHistoryEntry& history, std::uint32_t code) {
+    auto* const calibration =
+        dynamic_cast<CContainerEntry*>(history.GetProfileDataEntry(CProfileDataEntry::kCalibrationContainer, code));
+    return calibration != nullptr ? NameOf(*calibration) : std::string();
+  };
+  Table table({{"code", Table::Align::kRight}, {options.from}, {options.into}});
+  for (const std::uint32_t code : codes) table.Add({std::to_string(code), nameIn(from, code), nameIn(into, code)});
+  table.Print(2);
+}
+
+// The history of the profile, made on its route if there is none.
+CCalibrationHistoryEntry& HistoryIn(CProfileData& data) {
+  if (CCalibrationHistoryEntry* const history = HistoryOf(data)) return *history;
+  auto* const history = new CCalibrationHistoryEntry;
+  data.SetProfileDataEntry(history, kRouteCalibration);
+  return *history;
+}
+
+bool Save(const std::string& path, CProfileData& data) {
+  _tagDeviceProfileInfo& info = *data.GetProfileInfo();
+  info.SaveVersion5 = info.ProfileMinorVersion == kPrinterProfileVersion5;
+  const std::u16string widePath = Utf8ToWide(path);
+  const std::unique_ptr<CProfileFile> format(CProfileFile::CreateProfileFile(widePath.c_str(), true));
+  return format && format->GetMyFormat() == kPrinterProfile &&
+         format->SaveData(widePath.c_str(), &data, kRouteMain | kRouteReplaceProfile | kRouteCalibration);
+}
+
+void PrintImported(const Options& options, CCalibrationHistoryEntry& into,
+                   const std::vector<ImportedCalibration>& imported) {
+  PrintLine(fmt::format("{}: {} calibrations taken over, {} in all", options.into, imported.size(),
+                        CalibrationsOf(into).size()));
+  for (const ImportedCalibration& calibration : imported) {
+    if (calibration.code == calibration.sourceCode) continue;
+    PrintLine(fmt::format("  code {} became {}", calibration.sourceCode, calibration.code));
+  }
+}
+
+int Run(const Options& options) {
+  CProfileAccess source;
+  CProfileAccess target;
+  if (!LoadProfile(options.from, source) || !LoadProfile(options.into, target)) return kFailure;
+  if (target.GetProfileLoadFormat() != kPrinterProfile) {
+    PrintError(options.into + ": only profiles of the current generation keep a calibration history");
+    return kFailure;
+  }
+  CCalibrationHistoryEntry* const from = HistoryOf(*source.GetProfileData());
+  if (from == nullptr) {
+    PrintError(options.from + ": the profile has no calibration history");
+    return kFailure;
+  }
+  CCalibrationHistoryEntry& into = HistoryIn(*target.GetProfileData());
+  if (!IsWhole(options.from, *from) || !IsWhole(options.into, into)) return kFailure;
+
+  const std::vector<std::uint32_t> colliding = CollidingCodes(into, *from);
+  if (!colliding.empty() && !options.recode) {
+    PrintCollisions(options, into, *from, colliding);
+    return kFailure;
+  }
+  const std::optional<std::vector<ImportedCalibration>> imported = ImportCalibrations(into, *from);
+  if (!imported || !into.DataToBuffer() || !Save(options.into, *target.GetProfileData())) {
+    PrintError(options.into + ": the profile cannot be saved; it is as it was");
+    return kFailure;
+  }
+  PrintImported(options, into, *imported);
+  return kSuccess;
+}
+
+}  // namespace
+
+void AddImportHistoryCommand(CLI::App& app, int& status) {
+  CLI::App* const command =
+      app.add_subcommand("import-history", "Take the calibrations of one profile over into another");
+  const auto options = std::make_shared<Options>();
+  command->add_option("FROM", options->from, "The profile whose calibrations are wanted; it is only read")->required();
+  command->add_option("INTO", options->into, "The profile that gets them, of the current generation")->required();
+  command->add_flag("--recode", options->recode, "Give calibrations whose codes are taken in INTO fresh codes");
+  command->callback([options, &status] { status = Run(*options); });
+}
+
+}  // namespace nvx::tool

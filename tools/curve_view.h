@@ -1,0 +1,19 @@
+// Curves for people: a table with a line for each, and a plot of each.
+#pragma once
+
+#include <nvxprofile/curve.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace nvx::tool {
+
+std::vector<std::uint32_t> SamplesOf(CCurveDataEntry& curve);
+// The ink name in UTF-8.
+std::string NameOf(const CCurveDataEntry& curve);
+
+// Writes the curves of an entry of that type to standard output.
+void PrintCurves(std::uint32_t usedType, const std::vector<CCurveDataEntry*>& curves);
+
+}  // namespace nvx::tool

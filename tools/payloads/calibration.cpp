@@ -1,0 +1,179 @@
+// Calibration histories as JSON: containers with their children nested, targets and info records.
+#include "loading.h"
+#include "payload.h"
+
+#include <nvxprofile/calibration.h>
+
+#include <cstring>
+#include <limits>
+#include <memory>
+
+namespace nvx::tool {
+namespace {
+
+using EntryPointer = std::unique_ptr<CProfileDataEntry>;
+
+// What the form keeps of a name.
+constexpr std::size_t kLongestName = 20;
+constexpr std::uint32_t kTimeSize = 8;
+
+void SetBytes(CProfileDataEntry& entry, const std::vector<std::uint8_t>& bytes) {
+  std::uint8_t* const buffer = entry.GetBuffer(static_cast<std::uint32_t>(bytes.size()));
+  if (buffer != nullptr) std::memcpy(buffer, bytes.data(), bytes.size());
+  entry.BufferToData();
+}
+
+std::int64_t Int64(const Node& node) {
+  return node.Integer(std::numeric_limits<std::int64_t>::min(), std::numeric_limits<std::int64_t>::max());
+}
+
+Json DescriptionToJson(const tag_ContainerData& description) {
+  const std::u16string name(description.Name, std::char_traits<char16_t>::length(description.Name));
+  return {{"value", description.Value}, {"time", description.Time}, {"name", WideToJson(name)}};
+}
+
+tag_ContainerData DescriptionFromJson(const Node& node) {
+  tag_ContainerData description;
+  if (node.Has("value")) description.Value = node.At("value").I32();
+  if (node.Has("time")) description.Time = Int64(node.At("time"));
+  if (node.Has("name")) {
+    const std::u16string name = WideFromJson(node.At("name"), kLongestName);
+    name.copy(description.Name, name.size());
+  }
+  return description;
+}
+
+Json ChildToJson(CProfileDataEntry& child) {
+  Json json = {{"usedType", child.GetUsedType()},
+               {"class", std::string(ClassName(child.GetUsedType()))},
+               {"complete", child.IsComplete()},
+               {"optionInfo", child.GetOptionInfo()}};
+  if (auto* const container = dynamic_cast<CContainerEntry*>(&child)) {
+    json["containerData"] = DescriptionToJson(*container->GetContainerData());
+  }
+  Json payload = PayloadToJson(child);
+  if (!payload.is_null()) {
+    json["payload"] = std::move(payload);
+  } else {
+    json["bytes"] = ToBase64(child.GetRefBuffer(), child.GetSize());
+  }
+  return json;
+}
+
+EntryPointer ChildFromJson(const Node& node) {
+  const bool byNumber = node.Has("usedType");
+  const std::uint32_t usedType = byNumber ? node.At("usedType").U32() : UsedTypeByName(node.At("type").Text(64));
+  EntryPointer child(CProfileDataEntry::CreateDataEntry(static_cast<CProfileDataEntry::UsedType>(usedType)));
+  if (!child) node.At(byNumber ? "usedType" : "type").Fail("no entry class has this type");
+  if (node.Has("bytes")) {
+    SetBytes(*child, node.At("bytes").Base64());
+  } else if (node.Has("payload")) {
+    PayloadFromJson(node.At("payload"), *child);
+  }
+  child->SetComplete(!node.Has("complete") || node.At("complete").Bool());
+  child->SetOptionInfo(node.U32Or("optionInfo", 0));
+  auto* const container = dynamic_cast<CContainerEntry*>(child.get());
+  if (container != nullptr && node.Has("containerData")) {
+    const tag_ContainerData description = DescriptionFromJson(node.At("containerData"));
+    container->SetContainerData(&description);
+  }
+  return child;
+}
+
+Json ContainerToJson(CContainerEntry& container) {
+  Json json = Json::object();
+  if (const auto* const history = dynamic_cast<CCalibrationHistoryEntry*>(&container)) {
+    json["nextID"] = history->PeekNextID();
+  }
+  Json entries = Json::array();
+  for (int i = 0; i < container.GetEntryCount(); ++i) {
+    entries.push_back(ChildToJson(*container.GetProfileDataEntry(i)));
+  }
+  json["entries"] = std::move(entries);
+  return json;
+}
+
+void ContainerFromJson(const Node& node, CContainerEntry& container) {
+  for (const Node& item : node.At("entries").Items()) {
+    EntryPointer child = ChildFromJson(item);
+    if (container.GetProfileDataEntry(child->GetUsedType(), child->GetOptionInfo()) != nullptr) {
+      item.Fail("an entry before has the same type and option info");
+    }
+    container.InsertProfileDataEntry(container.GetEntryCount(), child.release());
+  }
+  std::uint32_t nextId = 0;
+  if (auto* const history = dynamic_cast<CCalibrationHistoryEntry*>(&container)) {
+    nextId = node.U32Or("nextID", 0);
+    history->SetNextID(nextId);
+  }
+  // What did not parse keeps its bytes.
+  if (!container.JoinBuffers(nextId)) node.Fail("the entries are too many for one entry");
+}
+
+Json TargetToJson(CCalibrationTargetEntry& target) {
+  Json json = {{"createTime", target.GetCreateTime()}};
+  if (target.GetSize() > kTimeSize) {
+    json["rest"] = ToBase64(target.GetRefBuffer() + kTimeSize, target.GetSize() - kTimeSize);
+  }
+  return json;
+}
+
+void TargetFromJson(const Node& node, CCalibrationTargetEntry& target) {
+  const auto time = static_cast<std::uint64_t>(Int64(node.At("createTime")));
+  std::vector<std::uint8_t> bytes;
+  for (std::uint32_t i = 0; i < kTimeSize; ++i) bytes.push_back(static_cast<std::uint8_t>(time >> (8 * i)));
+  if (node.Has("rest")) {
+    const std::vector<std::uint8_t> rest = node.At("rest").Base64();
+    bytes.insert(bytes.end(), rest.begin(), rest.end());
+  }
+  SetBytes(target, bytes);
+}
+
+tag_CalibrationInfo RecordFromBytes(const Node& node) {
+  const std::vector<std::uint8_t> bytes = node.Base64();
+  tag_CalibrationInfo record;
+  if (bytes.size() > sizeof record.Data) node.Fail("the record is longer than 512 bytes");
+  std::memcpy(record.Data, bytes.data(), bytes.size());
+  return record;
+}
+
+Json InfoRecordsToJson(CCalibrationInfoEntry& info) {
+  const auto bytes = [](const tag_CalibrationInfo* record) { return ToBase64(record->Data, sizeof record->Data); };
+  return {{"calibrationInfo", bytes(info.GetCalibrationInfo())},
+          {"calibrationInfoEx", bytes(info.GetCalibrationInfoEx())}};
+}
+
+void InfoRecordsFromJson(const Node& node, CCalibrationInfoEntry& info) {
+  tag_CalibrationInfo record;
+  if (node.Has("calibrationInfo")) record = RecordFromBytes(node.At("calibrationInfo"));
+  info.SetCalibrationInfo(&record);
+  record = {};
+  if (node.Has("calibrationInfoEx")) record = RecordFromBytes(node.At("calibrationInfoEx"));
+  info.SetCalibrationInfoEx(&record);
+  info.DataToBuffer();
+}
+
+}  // namespace
+
+// The buffer is what a file holds, so the document tells of the buffer.
+Json CalibrationToJson(CProfileDataEntry& entry) {
+  if (!entry.BufferToData()) return nullptr;
+  if (auto* const container = dynamic_cast<CContainerEntry*>(&entry)) return ContainerToJson(*container);
+  if (auto* const target = dynamic_cast<CCalibrationTargetEntry*>(&entry)) return TargetToJson(*target);
+  if (auto* const info = dynamic_cast<CCalibrationInfoEntry*>(&entry)) return InfoRecordsToJson(*info);
+  return nullptr;
+}
+
+void CalibrationFromJson(const Node& node, CProfileDataEntry& entry) {
+  if (auto* const container = dynamic_cast<CContainerEntry*>(&entry)) {
+    ContainerFromJson(node, *container);
+  } else if (auto* const target = dynamic_cast<CCalibrationTargetEntry*>(&entry)) {
+    TargetFromJson(node, *target);
+  } else if (auto* const info = dynamic_cast<CCalibrationInfoEntry*>(&entry)) {
+    InfoRecordsFromJson(node, *info);
+  } else {
+    node.Fail("the entry is no calibration");
+  }
+}
+
+}  // namespace nvx::tool
