@@ -25,7 +25,7 @@ namespace fs = std::filesystem;
 constexpr int kProfiles = 100;
 constexpr int kRepetitions = 5;
 
-// The legacy profile of the tests with its table, and room for results; in memory where the system has a folder for that,
+// The example of the repository with its table, and room for results; in memory where the system has a folder for that,
 // since a disk's time is not the library's.
 class Workshop {
  public:
@@ -33,7 +33,7 @@ class Workshop {
     const fs::path root = fs::is_directory("/dev/shm") ? fs::path("/dev/shm") : fs::temp_directory_path();
     path_ = root / ("nvx-bench-" + std::to_string(std::random_device()()));
     fs::create_directories(path_);
-    fs::copy(NVXPROFILE_SOURCE_FOLDER "/tests/data/legacy", path_);
+    fs::copy(NVXPROFILE_SOURCE_FOLDER "/examples/legacy", path_);
     ::setenv("NVXPROFILE_PROFILE_DIR", path_.c_str(), 1);
   }
   Workshop(const Workshop&) = delete;

@@ -1,4 +1,4 @@
-// Conversion through the tool.
+// Conversion through the tool, with the example of the repository.
 #include "support/environment.h"
 #include "support/temp_folder.h"
 #include "tools/run_tool.h"
@@ -20,12 +20,12 @@ using nvx::test::ScopedVariable;
 using nvx::test::TempFolder;
 using nvx::test::WriteBytes;
 
-const std::string kData = NVXPROFILE_SOURCE_FOLDER "/tests/data/legacy";
+const std::string kExamples = NVXPROFILE_SOURCE_FOLDER "/examples/legacy";
 
 class ToolConvert : public ::testing::Test {
  protected:
   std::string Old(const std::string& name) {
-    std::filesystem::copy_file(kData + "/glossy.qpf", folder_.File(name));
+    std::filesystem::copy_file(kExamples + "/glossy.qpf", folder_.File(name));
     return folder_.File(name);
   }
   // Names in the folder, in order.
@@ -37,7 +37,7 @@ class ToolConvert : public ::testing::Test {
   }
 
   TempFolder folder_;
-  ScopedVariable table_{"NVXPROFILE_PROFILE_DIR", kData};
+  ScopedVariable table_{"NVXPROFILE_PROFILE_DIR", kExamples};
 };
 
 TEST_F(ToolConvert, OneFile) {
@@ -92,7 +92,7 @@ TEST_F(ToolConvert, RefusesWhatWouldLoseAFile) {
   EXPECT_EQ(RunTool({"convert", a, "-o", folder_.File("sub/../a.qpf"), "--module-version", "1"}).status, 2);
   EXPECT_EQ(RunTool({"convert", a, "-o", folder_.File("b"), "--module-version", "1", "--database-keys", "1,2"}).status,
             2);
-  EXPECT_EQ(ReadBytes(a), ReadBytes(kData + "/glossy.qpf"));
+  EXPECT_EQ(ReadBytes(a), ReadBytes(kExamples + "/glossy.qpf"));
 
   ASSERT_EQ(RunTool({"convert", a, "-o", folder_.File("new.icc"), "--module-version", "1"}).status, 0);
   const auto again = RunTool({"convert", folder_.File("new.icc"), "-o", folder_.File("x"), "--module-version", "1"});
