@@ -1,10 +1,11 @@
 #include "support/legacy_profile.h"
 
+#include <nvxprofile/profile_access.h>
+
 #include <gtest/gtest.h>
 
 namespace {
 
-using nvx::test::Bytes;
 using nvx::test::ReadBytes;
 using nvx::test::ScopedVariable;
 
@@ -17,7 +18,12 @@ TEST(LegacyExample, IsWhatTheWritersWrite) {
   const nvx::test::LegacyFolder folder;
   ASSERT_TRUE(nvx::test::WriteLegacyProfile(folder.File("glossy.qpf"), {1, 2, 4, 5, 6, 10, 14, 16}, {2, 6, 7, 10}));
   EXPECT_EQ(ReadBytes(folder.File("glossy.qpf")), ReadBytes(examples + "glossy.qpf"));
-  EXPECT_EQ(ReadBytes(folder.File("QPFConvert.qpd")), ReadBytes(examples + "QPFConvert.qpd"));
+
+  const ScopedVariable table("NVXPROFILE_PROFILE_DIR", examples);
+  CProfileAccess access;
+  CError error;
+  ASSERT_TRUE(access.Init(nvx::platform::Utf8ToWide(examples + "glossy.qpf").c_str(), &error));
+  EXPECT_EQ(access.GetProfileInfo()->PrinterComment, std::u16string(u"Test printer PX"));
 }
 
 }  // namespace
