@@ -77,10 +77,10 @@ void CNvxFile::DropReads() {
   buffer_->begin = buffer_->end = 0;
 }
 
-std::uint32_t CNvxFile::Read(void* out, std::uint32_t count) {
+std::uint32_t CNvxFile::Read(void* buffer, std::uint32_t count) {
   if (handle_ == platform::kNoFile) return 0;
   FlushWrites();
-  std::uint8_t* target = static_cast<std::uint8_t*>(out);
+  auto* const target = static_cast<std::uint8_t*>(buffer);
   std::uint32_t done = 0;
   if (buffer_) {
     done = std::min(count, buffer_->Ahead());
@@ -91,31 +91,31 @@ std::uint32_t CNvxFile::Read(void* out, std::uint32_t count) {
   if (rest >= Buffer::kCapacity) {
     done += static_cast<std::uint32_t>(platform::ReadFile(handle_, target + done, rest));
   } else if (rest != 0) {
-    Buffer& buffer = UseBuffer();
-    buffer.begin = 0;
-    buffer.end = static_cast<std::uint32_t>(platform::ReadFile(handle_, buffer.bytes.data(), Buffer::kCapacity));
-    const std::uint32_t taken = std::min(rest, buffer.end);
-    std::memcpy(target + done, buffer.bytes.data(), taken);
-    buffer.begin = taken;
+    Buffer& ahead = UseBuffer();
+    ahead.begin = 0;
+    ahead.end = static_cast<std::uint32_t>(platform::ReadFile(handle_, ahead.bytes.data(), Buffer::kCapacity));
+    const std::uint32_t taken = std::min(rest, ahead.end);
+    std::memcpy(target + done, ahead.bytes.data(), taken);
+    ahead.begin = taken;
     done += taken;
   }
   position_ += done;
   return done;
 }
 
-std::uint32_t CNvxFile::Write(const void* bytes, std::uint32_t count) {
+std::uint32_t CNvxFile::Write(const void* buffer, std::uint32_t count) {
   if (handle_ == platform::kNoFile || failed_) return 0;
   DropReads();
   std::uint32_t done = 0;
   if (count >= Buffer::kCapacity) {
     if (!FlushWrites()) return 0;
-    done = static_cast<std::uint32_t>(platform::WriteFile(handle_, bytes, count));
+    done = static_cast<std::uint32_t>(platform::WriteFile(handle_, buffer, count));
   } else if (count != 0) {
-    Buffer& buffer = UseBuffer();
-    if (buffer.end + count > Buffer::kCapacity && !FlushWrites()) return 0;
-    std::memcpy(buffer.bytes.data() + buffer.end, bytes, count);
-    buffer.end += count;
-    buffer.writing = true;
+    Buffer& pending = UseBuffer();
+    if (pending.end + count > Buffer::kCapacity && !FlushWrites()) return 0;
+    std::memcpy(pending.bytes.data() + pending.end, buffer, count);
+    pending.end += count;
+    pending.writing = true;
     done = count;
   }
   position_ += done;
@@ -170,4 +170,6 @@ void CNvxFile::GetFileName(char16_t* out) const {
 
 void CNvxFile::GetPathName(char16_t* out) const { nvx::CopyText(out, kPathLength, nvx::FieldText(path_)); }
 
-void* CNvxFile::GetHandle() const { return reinterpret_cast<void*>(handle_); }
+void* CNvxFile::GetHandle() const {
+  return reinterpret_cast<void*>(handle_);  // NOLINT(performance-no-int-to-ptr): a handle is published as a pointer
+}
