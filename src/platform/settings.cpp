@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
+#include <utility>
 
 namespace nvx::platform {
 namespace {
@@ -45,32 +46,85 @@ std::string_view SectionName(std::string_view line, std::uint32_t page) {
   return Trim(line.substr(1, std::min(end, line.size()) - 1));
 }
 
+// From the first line on that starts with a bracket; empty if there is none.
+std::string_view FromSectionLine(std::string_view lines) {
+  for (std::size_t at = 0; (at = lines.find('[', at)) != lines.npos;) {
+    const std::size_t start = at == 0 ? 0 : lines.rfind('\n', at - 1) + 1;
+    if (lines.substr(start, at - start).find_first_not_of(kBlanks) == lines.npos) return lines.substr(start);
+    at = std::min(lines.find('\n', at), lines.size());
+  }
+  return {};
+}
+
+// Searches a section of an INI file for values.
+class IniSearch {
+ public:
+  IniSearch(std::string_view section, std::initializer_list<std::string_view> keys)
+      : section_(section), keys_(keys), values_(keys.size()), missing_(keys.size()), inside_(section.empty()) {}
+
+  // Looks at whole lines, the next ones of the file. False once there is nothing left to find.
+  bool TakeLines(std::string_view lines) {
+    while (missing_ != 0) {
+      // Most lines of a long file belong to other sections.
+      if (!inside_) lines = FromSectionLine(lines);
+      if (lines.empty()) return true;
+      const std::size_t end = lines.find('\n');
+      TakeLine(lines.substr(0, end));
+      lines.remove_prefix(end == lines.npos ? lines.size() : end + 1);
+    }
+    return false;
+  }
+  std::vector<std::optional<std::string>>& Values() { return values_; }
+
+ private:
+  void TakeLine(std::string_view line) {
+    line = Trim(line);
+    if (line.empty() || line.front() == ';') return;
+    if (line.front() == '[') {
+      inside_ = section_.empty() || EqualNames(SectionName(line, page_), section_, page_);
+      return;
+    }
+    const std::size_t equals = inside_ ? line.find('=') : line.npos;
+    if (equals == line.npos) return;
+    const std::string_view name = Trim(line.substr(0, equals));
+    for (std::size_t i = 0; i < values_.size(); ++i) {
+      if (values_[i] || !EqualNames(name, keys_.begin()[i], page_)) continue;
+      values_[i] = Unquote(Trim(line.substr(equals + 1)));
+      --missing_;
+    }
+  }
+
+  std::string_view section_;
+  std::initializer_list<std::string_view> keys_;
+  std::vector<std::optional<std::string>> values_;
+  std::size_t missing_;
+  bool inside_;
+  std::uint32_t page_ = AnsiCodePage();
+};
+
 struct CloseStream {
   void operator()(std::FILE* file) const { std::fclose(file); }
 };
 
-// Calls visit(line) for each line of a file until it gives false. The file passes through one block, which grows only
-// for a line that is longer.
-template <class Visit>
-void ForEachLine(const std::string& path, Visit visit) {
+// Takes a file through one block, which grows only for a line that is longer.
+void SearchFile(const std::string& path, IniSearch& search) {
   const std::unique_ptr<std::FILE, CloseStream> file(std::fopen(path.c_str(), "rbe"));
   if (!file) return;
   std::setvbuf(file.get(), nullptr, _IONBF, 0);
   std::string block(std::size_t{1} << 16, '\0');
   std::size_t held = 0;
+  bool first = true;
   while (true) {
     if (held == block.size()) block.resize(2 * block.size());
     const std::size_t got = std::fread(block.data() + held, 1, block.size() - held, file.get());
-    std::string_view rest(block.data(), held + got);
-    for (std::size_t end; (end = rest.find('\n')) != rest.npos; rest.remove_prefix(end + 1)) {
-      if (!visit(rest.substr(0, end))) return;
-    }
-    if (got == 0) {
-      visit(rest);
-      return;
-    }
-    held = rest.size();
-    std::copy(rest.begin(), rest.end(), block.begin());
+    std::string_view text(block.data(), held + got);
+    if (first && text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
+    first = false;
+    const std::size_t whole = got == 0 ? text.size() : text.rfind('\n') + 1;
+    if (!search.TakeLines(text.substr(0, whole)) || got == 0) return;
+    text.remove_prefix(whole);
+    held = text.size();
+    std::copy(text.begin(), text.end(), block.begin());
   }
 }
 
@@ -83,31 +137,9 @@ std::string Variable(const char* name) {
 
 std::vector<std::optional<std::string>> ReadIniTexts(const std::string& path, std::string_view section,
                                                      std::initializer_list<std::string_view> keys) {
-  std::vector<std::optional<std::string>> values(keys.size());
-  const std::uint32_t page = AnsiCodePage();
-  std::size_t missing = keys.size();
-  bool inside = section.empty();
-  bool first = true;
-  ForEachLine(path, [&](std::string_view text) {
-    if (first && text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
-    first = false;
-    const std::size_t start = text.find_first_not_of(kBlanks);
-    if (start == text.npos || text[start] == ';') return true;
-    if (text[start] == '[') {
-      inside = section.empty() || EqualNames(SectionName(text.substr(start), page), section, page);
-      return true;
-    }
-    const std::size_t equals = inside ? text.find('=') : text.npos;
-    if (equals == text.npos) return true;
-    const std::string_view name = Trim(text.substr(0, equals));
-    for (std::size_t i = 0; i < values.size(); ++i) {
-      if (values[i] || !EqualNames(name, keys.begin()[i], page)) continue;
-      values[i] = Unquote(Trim(text.substr(equals + 1)));
-      --missing;
-    }
-    return missing != 0;
-  });
-  return values;
+  IniSearch search(section, keys);
+  SearchFile(path, search);
+  return std::move(search.Values());
 }
 
 std::optional<std::string> ReadIniText(const std::string& path, std::string_view section, std::string_view key) {

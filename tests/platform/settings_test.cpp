@@ -89,6 +89,8 @@ TEST_F(Ini, SeesEachChangeAndReadsLongFiles) {
   Write(text);
   EXPECT_EQ(Text("section 19999", "k"), "19999");
   EXPECT_EQ(Text("first", std::string(200'000, 'X')), "long");
+  Write(std::string(70'000, '[') + "]\nk=0\n x [first]\n \t[first]\nk=1");
+  EXPECT_EQ(Text("first", "k"), "1") << "a bracket inside a line starts no section";
   Write("[first]\nk=2\n");
   EXPECT_EQ(Text("first", "k"), "2");
   const auto values = nvx::platform::ReadIniTexts(path_, "first", {"none", "k"});

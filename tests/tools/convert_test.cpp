@@ -62,7 +62,7 @@ TEST_F(ToolConvert, ManyFilesOfWhichSomeFail) {
   broken.resize(2000);
   WriteBytes(folder_.File("broken.qpf"), broken);
   std::string text(broken.begin(), broken.end());
-  text.replace(text.find("InkSet_Label:SetA"), 17, "InkSet_Label:SetB");
+  text.replace(text.find("InkSet_Label:SetA"), 17, "InkSet_Label:SetZ");
   WriteBytes(folder_.File("inks.qpf"), Bytes(text.begin(), text.end()));
   std::filesystem::create_directories(folder_.Path() / "out");
   WriteBytes(folder_.File("out/broken.icc"), {1, 2, 3});
@@ -74,7 +74,7 @@ TEST_F(ToolConvert, ManyFilesOfWhichSomeFail) {
   const auto run = RunTool(arguments);
   EXPECT_EQ(run.status, 1);
   EXPECT_NE(run.out.find("6 of 9 profiles converted"), std::string::npos) << run.out;
-  EXPECT_NE(run.err.find("inks.qpf: conversion table: no key Maker in [Inkset.SetB]"), std::string::npos) << run.err;
+  EXPECT_NE(run.err.find("inks.qpf: conversion table: no key Maker in [Inkset.SetZ]"), std::string::npos) << run.err;
   EXPECT_NE(run.err.find("broken.qpf: "), std::string::npos) << run.err;
   EXPECT_NE(run.err.find("none.qpf: file: cannot be opened"), std::string::npos) << run.err;
   EXPECT_EQ(Names(folder_.Path() / "out"), (std::vector<std::string>{"broken.icc", "old0.icc", "old1.icc", "old2.icc",
