@@ -11,6 +11,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 // What is known of a calibration beside its entries. The form keeps the first 20 characters of the name.
@@ -205,8 +206,8 @@ class NVX_EXPORT CCalibrationInfoEntry : public CProfileDataEntry {
   CCalibrationInfoEntry();
 
   // The base record and the extended record; both stay the entry's.
-  tag_CalibrationInfo* GetCalibrationInfo() { return &base_; }
-  tag_CalibrationInfo* GetCalibrationInfoEx() { return &extended_; }
+  tag_CalibrationInfo* GetCalibrationInfo() { return &UseRecords().base; }
+  tag_CalibrationInfo* GetCalibrationInfoEx() { return &UseRecords().extended; }
   // Copy the record; null changes nothing.
   void SetCalibrationInfo(const tag_CalibrationInfo* info);
   void SetCalibrationInfoEx(const tag_CalibrationInfo* info);
@@ -219,8 +220,15 @@ class NVX_EXPORT CCalibrationInfoEntry : public CProfileDataEntry {
   bool DataToBuffer() override;
 
  private:
-  tag_CalibrationInfo base_;
-  tag_CalibrationInfo extended_;
+  struct Records {
+    tag_CalibrationInfo base;
+    tag_CalibrationInfo extended;
+  };
+
+  Records& UseRecords();
+
+  // Made when they are first asked for, so that a form of many empty entries does not fill the memory with zeros.
+  std::unique_ptr<Records> records_;
 };
 
 // The curves of a calibration.
@@ -252,10 +260,11 @@ class NVX_EXPORT CProfileFileCalibration {
   ~CProfileFileCalibration();
 
   // Fill `data` from a stream or a path; with headerOnly the file header alone is read. A child that `data` has already
-  // with the used type and option info of an entry header is filled anew and stays where it is. Entries whose payload
-  // does not parse keep their bytes. False for null data and for a damaged form: wrong magic or version, an unknown
-  // used type, a format type that does not belong to it, or a stored count or size that the stream does not hold.
-  // Entries before the fault then stay in `data`.
+  // with the used type and option info of an entry header is filled anew and stays where it is; an empty body leaves
+  // its buffer, while a new entry with an empty body has none. Entries whose payload does not parse keep their bytes.
+  // False for null data and for a damaged form: wrong magic or version, an unknown used type, a format type that does
+  // not belong to it, or a stored count or size that the stream does not hold. Entries before the fault then stay in
+  // `data`.
   virtual bool LoadData(CNvxFile& file, CContainerData* data, bool headerOnly);
   virtual bool LoadData(const char16_t* path, CContainerData* data, bool headerOnly);
 

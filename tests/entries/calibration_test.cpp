@@ -222,6 +222,18 @@ TEST(CalibrationForm, EqualKeysBecomeOneChild) {
   EXPECT_EQ(TargetTime(history), 2);
 }
 
+TEST(CalibrationForm, EmptyBuffersStayEmpty) {
+  for (const auto& [type, format] : {std::pair(21u, 9u), {22u, 11u}, {23u, 6u}, {20u, 10u}}) {
+    const Bytes form = Form(type, format, {{0, {}}});
+    CCalibrationHistoryEntry history;
+    SetBuffer(history, form);
+    ASSERT_TRUE(history.BufferToData());
+    EXPECT_EQ(history.GetProfileDataEntry(0)->GetSize(), 0u);
+    EXPECT_TRUE(history.JoinBuffers(0));
+    EXPECT_EQ(BufferOf(history), form);
+  }
+}
+
 TEST(CalibrationForm, RefusesDamageAndKeepsWhatCameBefore) {
   const Bytes good = Form(21, 9, {{0, ByteBuilder().U64(1)}, {1, ByteBuilder().U64(2)}});
   const auto load = [&](std::size_t offset, std::uint32_t word) {

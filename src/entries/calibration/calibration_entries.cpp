@@ -67,26 +67,33 @@ CCalibrationInfoEntry::CCalibrationInfoEntry() : CProfileDataEntry(kCalibrationI
   std::memset(GetBuffer(2 * kRecordLength), 0, 2 * kRecordLength);
 }
 
+CCalibrationInfoEntry::Records& CCalibrationInfoEntry::UseRecords() {
+  if (!records_) records_ = std::make_unique<Records>();
+  return *records_;
+}
+
 void CCalibrationInfoEntry::SetCalibrationInfo(const tag_CalibrationInfo* info) {
-  if (info != nullptr) base_ = *info;
+  if (info != nullptr) UseRecords().base = *info;
 }
 
 void CCalibrationInfoEntry::SetCalibrationInfoEx(const tag_CalibrationInfo* info) {
-  if (info != nullptr) extended_ = *info;
+  if (info != nullptr) UseRecords().extended = *info;
 }
 
 bool CCalibrationInfoEntry::BufferToData() {
   return nvx::ParseBuffer(*this, [&](CNvxFile& stream) {
     if (!nvx::Holds(stream, 1, kRecordLength)) return nvx::Refuse(stream, "calibration info: below 512 bytes");
-    stream.Read(base_.Data, kRecordLength);
-    if (nvx::Holds(stream, 1, kRecordLength)) stream.Read(extended_.Data, kRecordLength);
+    Records& records = UseRecords();
+    stream.Read(records.base.Data, kRecordLength);
+    if (nvx::Holds(stream, 1, kRecordLength)) stream.Read(records.extended.Data, kRecordLength);
     return true;
   });
 }
 
 bool CCalibrationInfoEntry::DataToBuffer() {
+  const Records& records = UseRecords();
   std::uint8_t* const buffer = GetBuffer(2 * kRecordLength);
-  std::memcpy(buffer, base_.Data, kRecordLength);
-  std::memcpy(buffer + kRecordLength, extended_.Data, kRecordLength);
+  std::memcpy(buffer, records.base.Data, kRecordLength);
+  std::memcpy(buffer + kRecordLength, records.extended.Data, kRecordLength);
   return true;
 }

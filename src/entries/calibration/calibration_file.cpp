@@ -66,6 +66,7 @@ class ChildLoader {
         CProfileDataEntry::CreateDataEntry(static_cast<CProfileDataEntry::UsedType>(header.usedType)));
     if (!entry) return nvx::Refuse(file_, "calibration entry header: unknown used type");
     entry->SetOptionInfo(header.optionInfo);
+    entry->DeleteBuffer();
     if (auto* const container = dynamic_cast<CContainerEntry*>(entry.get())) {
       container->GetChildData().SetLevel(data_.GetLevel() + 1);
     }
