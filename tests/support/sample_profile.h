@@ -42,7 +42,7 @@ inline void AddIccProfile(CProfileData& data, CProfileDataEntry::UsedType usedTy
 }
 
 inline void FillSampleProfile(CProfileData& data) {
-  for (const std::uint32_t usedType : {2, 3, 4, 5, 6, 7, 9, 17, 23, 24, 25}) {
+  for (const std::uint32_t usedType : {2u, 3u, 4u, 5u, 6u, 7u, 9u, 17u, 23u, 24u, 25u}) {
     auto* const entry = static_cast<CProfileCurveEntry*>(
         CProfileDataEntry::CreateDataEntry(static_cast<CProfileDataEntry::UsedType>(usedType)));
     for (std::uint32_t ink = 0; ink < 16; ++ink) {
