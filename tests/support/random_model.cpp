@@ -232,6 +232,8 @@ void FillRandomProfile(CProfileData& data, std::mt19937& random) {
   info.Binary.ModelNumber = maker.Below(10'000);
   info.Binary.MediaNumber = maker.Below(1'000'000'000);
   if (info.HasMaskDownload) AddRandomEntry(data, maker.Below(2) == 0 ? 27 : 29, kRouteMaskDownload, maker);
+  auto* const download = dynamic_cast<CMaskDownLoadEntry*>(data.GetProfileDataEntryFromList(27));
+  info.HasOutputBlock = download != nullptr && download->GetWeftData(6) != nullptr;
   if (info.HasLargeParameter) AddRandomEntry(data, 28, kRouteLargeParameter, maker);
   if (info.HasSpecialColor) AddRandomEntry(data, 30, kRouteSpecialColor, maker);
   if (maker.Below(2) == 0) AddRandomEntry(data, 19, kRouteCalibration, maker);

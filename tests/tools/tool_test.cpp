@@ -1,6 +1,7 @@
 // The tool on real profiles and on profiles that the tests build.
 #include "support/environment.h"
 #include "support/qpf_builder.h"
+#include "support/random_model.h"
 #include "support/temp_folder.h"
 #include "tools/run_tool.h"
 
@@ -13,6 +14,7 @@
 
 #include <cstring>
 #include <filesystem>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -137,6 +139,37 @@ TEST(Tool, DumpAndBuildKeepTheModel) {
   const ToolResult files2 = RunTool({"dump", "--files", copies.string(), kCmyk});
   EXPECT_EQ(files2.status, 0);
   EXPECT_EQ(ReadBytes((copies / "icc.icc").string()), ReadBytes(kCmyk));
+}
+
+TEST(Tool, DumpAndBuildKeepRandomProfiles) {
+  const TempFolder folder;
+  const std::filesystem::path copies = folder.Path() / "copies";
+  std::filesystem::create_directories(copies);
+  std::mt19937 random(6);
+  for (int round = 0; round < 24; ++round) {
+    SCOPED_TRACE(round);
+    CProfileData data;
+    const bool container = round % 3 == 0;
+    const std::u16string path = folder.WideFile("r.icc");
+    const std::u16string plain = folder.WideFile("r.qct");
+    if (container) {
+      nvx::test::FillRandomRoute(data, 4, random);
+      ASSERT_TRUE(CProfileFileQCT().SaveData(plain.c_str(), &data, 4));
+    } else {
+      nvx::test::FillRandomProfile(data, random);
+      ASSERT_TRUE(CProfileFileQPFv3().SaveData(path.c_str(), &data, nvx::kRouteCalibration));
+    }
+    const std::string name = container ? "r.qct" : "r.icc";
+    const ToolResult dump = RunTool({"dump", folder.File(name)});
+    ASSERT_EQ(dump.status, 0) << dump.err;
+    WriteBytes(folder.File("d.json"), Bytes(dump.out.begin(), dump.out.end()));
+    const std::string copy = (copies / name).string();
+    const ToolResult build = RunTool({"build", folder.File("d.json"), "-o", copy});
+    ASSERT_EQ(build.status, 0) << build.err;
+    EXPECT_EQ(ModelOf(copy), ModelOf(folder.File(name)));
+    const ToolResult diff = RunTool({"diff", folder.File(name), copy});
+    EXPECT_EQ(diff.status, 0) << diff.out << diff.err;
+  }
 }
 
 TEST(Tool, BuildsAMinimalDocumentAndNamesThePlaceOfAMistake) {
