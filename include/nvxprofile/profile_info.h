@@ -129,7 +129,7 @@ class CProfileInfoObject {
 // The information object of a loaded profile. Copies share what MediaInfo points to, so there are none.
 class CProfileDataInfo : public CProfileInfoObject {
  public:
-  CProfileDataInfo() = default;
+  CProfileDataInfo() = default;  // cppcheck-suppress uninitMemberVar
   CProfileDataInfo(const CProfileDataInfo&) = delete;
   CProfileDataInfo& operator=(const CProfileDataInfo&) = delete;
 

@@ -112,15 +112,14 @@ bool TakeIccProfile(CICCProfile& profile, CProfileData& data) {
   std::uint32_t size = 0;
   nvx::Block image(profile.DetachImage(size));
   if (!image) return false;
-  CProfileDataEntry* const placeholder = data.GetProfileDataEntryFromList(CProfileDataEntry::kIcm);
-  std::unique_ptr<CICMEntry> made(placeholder == nullptr ? new CICMEntry : nullptr);
-  CProfileDataEntry& entry = placeholder != nullptr ? *placeholder : *made;
-  entry.AttachBuffer(image.release(), size);
-  entry.BufferToData();
-  if (made) {
-    made->SetComplete(true);
-    data.SetProfileDataEntry(made.release(), nvx::kRouteMain);
+  CProfileDataEntry* entry = data.GetProfileDataEntryFromList(CProfileDataEntry::kIcm);
+  if (entry == nullptr) {
+    entry = new CICMEntry;
+    entry->SetComplete(true);
+    data.SetProfileDataEntry(entry, nvx::kRouteMain);
   }
+  entry->AttachBuffer(image.release(), size);
+  entry->BufferToData();
   return true;
 }
 

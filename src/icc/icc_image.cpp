@@ -167,6 +167,7 @@ void IccImage::ArrangeOpened(Layout& layout) const {
     if (entries_[i].IsPresent() && !entries_[i].block) order.push_back(static_cast<std::uint32_t>(i));
   }
   std::sort(order.begin(), order.end(), [&](std::uint32_t a, std::uint32_t b) {
+    // cppcheck-suppress arrayIndexThenCheck
     return std::less<>()(entries_[a].data, entries_[b].data) || (entries_[a].data == entries_[b].data && a < b);
   });
   for (const std::uint32_t index : order) {

@@ -16,7 +16,7 @@ bool CICCTextDescription::Parse(const void* data, std::uint32_t size) {
   const std::uint32_t asciiCount = stream.ReadUInt32();
   std::string ascii(std::min(asciiCount, nvx::Remaining(stream)), '\0');
   stream.Read(ascii.data(), static_cast<std::uint32_t>(ascii.size()));
-  ascii_ = ascii.c_str();
+  ascii_ = ascii.substr(0, ascii.find('\0'));
 
   languageCode_ = stream.ReadUInt32();
   const std::uint32_t unicodeCount = stream.ReadUInt32();

@@ -128,10 +128,10 @@ bool CLargeParameterFile::LoadFile(CNvxFile& file, CLargeParameterData* data) {
   std::uint64_t end = file.GetPosition();
   for (const WordTableRecord& record : *records) {
     std::uint64_t size = 0;
-    std::unique_ptr<CLargeParameterDataEntry> table = MakeTable(file, record, end, size);
-    if (!table) return false;
-    blocks.push_back({table.get(), end});
-    data->AddTail(table.release());
+    CLargeParameterDataEntry* const table = MakeTable(file, record, end, size).release();
+    if (table == nullptr) return false;
+    data->AddTail(table);
+    blocks.push_back({table, end});
     end += size;
   }
 
