@@ -59,11 +59,8 @@ bool ReadLine(ByteReader& bytes, std::string& line) {
 }
 
 void SkipOneLineEnd(ByteReader& bytes) {
-  if (bytes.SkipIf('\r')) {
-    bytes.SkipIf('\n');
-  } else {
-    bytes.SkipIf('\n');
-  }
+  bytes.SkipIf('\r');
+  bytes.SkipIf('\n');
 }
 
 void TakeValue(const std::string& line, TextHeader& header) {

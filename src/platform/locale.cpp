@@ -50,6 +50,7 @@ class Converter {
     if (IsOpen()) ::iconv_close(handle_);
   }
 
+  // NOLINTNEXTLINE(performance-no-int-to-ptr): that is how the interface marks failure.
   bool IsOpen() const { return handle_ != reinterpret_cast<::iconv_t>(-1); }
 
   // Converts all that can be converted; bad(out, in, end) writes a substitute and moves `in` past what is bad.

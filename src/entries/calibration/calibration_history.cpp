@@ -77,7 +77,7 @@ Codes CodesOf(const CCalibrationHistoryEntry& history) {
 // The next code that is in neither set.
 std::uint32_t FreshCode(CCalibrationHistoryEntry& history, const Codes& taken, const Codes& wanted) {
   std::uint32_t code = history.GetNextID();
-  while (taken.count(code) != 0 || wanted.count(code) != 0) code = history.GetNextID();
+  while (taken.contains(code) || wanted.contains(code)) code = history.GetNextID();
   return code;
 }
 
@@ -177,7 +177,7 @@ std::optional<std::vector<ImportedCalibration>> ImportCalibrations(CCalibrationH
   for (std::unique_ptr<CProfileDataEntry>& copy : copies) {
     if (IsCalibration(*copy)) {
       const std::uint32_t code = copy->GetOptionInfo();
-      if (taken.count(code) != 0) copy->SetOptionInfo(FreshCode(history, taken, wanted));
+      if (taken.contains(code)) copy->SetOptionInfo(FreshCode(history, taken, wanted));
       taken.insert(copy->GetOptionInfo());
       imported.push_back({code, copy->GetOptionInfo()});
     }
