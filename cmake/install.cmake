@@ -14,6 +14,8 @@ configure_package_config_file(
   ${PROJECT_SOURCE_DIR}/cmake/nvxprofileConfig.cmake.in ${PROJECT_BINARY_DIR}/nvxprofileConfig.cmake
   INSTALL_DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/nvxprofile)
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/nvxprofileConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+# The prefix is found from where the file lies, so that the installed tree can be moved.
+file(RELATIVE_PATH NVXPROFILE_PREFIX_FROM_PC /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
 configure_file(${PROJECT_SOURCE_DIR}/cmake/nvxprofile.pc.in ${PROJECT_BINARY_DIR}/nvxprofile.pc @ONLY)
 
 install(EXPORT nvxprofileTargets NAMESPACE nvxprofile:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/nvxprofile)
