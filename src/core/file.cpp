@@ -78,7 +78,7 @@ void CNvxFile::DropReads() {
 }
 
 std::uint32_t CNvxFile::Read(void* buffer, std::uint32_t count) {
-  if (handle_ == platform::kNoFile) return 0;
+  if (handle_ == platform::kNoFile || count == 0) return 0;
   FlushWrites();
   auto* const target = static_cast<std::uint8_t*>(buffer);
   std::uint32_t done = 0;

@@ -70,6 +70,8 @@ void* operator new(std::size_t size) {
   return block;
 }
 void* operator new[](std::size_t size) { return operator new(size); }
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return __wrap_malloc(size != 0 ? size : 1); }
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept { return __wrap_malloc(size != 0 ? size : 1); }
 void operator delete(void* block) noexcept { __wrap_free(block); }
 void operator delete[](void* block) noexcept { __wrap_free(block); }
 void operator delete(void* block, std::size_t) noexcept { __wrap_free(block); }

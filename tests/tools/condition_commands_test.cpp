@@ -74,7 +74,8 @@ TEST_F(ConditionCommands, DocumentsRebuildTheBytes) {
   const std::string document = folder_.File("profile.json");
   const ToolResult dump = RunTool({"dump", path_});
   ASSERT_EQ(dump.status, 0) << dump.err;
-  for (const json& entry : json::parse(dump.out)["entries"]) {
+  const json entries = json::parse(dump.out)["entries"];
+  for (const json& entry : entries) {
     EXPECT_TRUE(entry.contains("payload") && !entry.contains("bytes")) << entry;
   }
   nvx::test::WriteBytes(document, Bytes(dump.out.begin(), dump.out.end()));

@@ -124,7 +124,8 @@ TEST(Tool, DumpAndBuildKeepTheModel) {
     if (file == files[0]) {
       // The frame was laid out by somebody else and its description names another file: all else is the same.
       const ToolResult diff = RunTool({"diff", "--json", file, copy});
-      for (const json& item : Parse(diff.out)["differences"]) {
+      const json differences = Parse(diff.out)["differences"];
+      for (const json& item : differences) {
         const std::string place = item["place"];
         EXPECT_TRUE(place.find("entry 10") == 0 || place.find("record/Rendering") == 0 ||
                     place.find("record/ProfileMinorVersion") == 0)
