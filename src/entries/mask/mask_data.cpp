@@ -31,6 +31,14 @@ void Adopt(Entries<Entry> entries, nvx::CursorList<Entry>& list) {
   for (std::unique_ptr<Entry>& entry : entries) list.Append(entry.release());
 }
 
+// Deep copies take the place of what the list held; the copies are there before anything goes.
+template <class Entry>
+void ReplaceByCopies(nvx::CursorList<Entry>& list, nvx::Ownership held, const nvx::CursorList<Entry>& other) {
+  Entries<Entry> copies = CopiesOf(other);
+  list.Clear(held);
+  Adopt(std::move(copies), list);
+}
+
 std::uint32_t At(const std::vector<std::uint32_t>& values, int index) {
   const auto place = static_cast<std::size_t>(index);
   return place < values.size() ? values[place] : 0;
@@ -73,11 +81,9 @@ CMaskParameterData::CMaskParameterData(const CMaskParameterData& other) : CDataO
 
 CMaskParameterData& CMaskParameterData::operator=(const CMaskParameterData& other) {
   if (this == &other) return *this;
-  auto copies = CopiesOf(other.entries_);
-  DeleteContents();
+  ReplaceByCopies(entries_, OwnershipOf(*this), other.entries_);
   CDataObject::operator=(other);
   SetAutoDelete(true);
-  Adopt(std::move(copies), entries_);
   return *this;
 }
 
@@ -118,11 +124,9 @@ CMaskPatternData::CMaskPatternData(const CMaskPatternData& other) : CDataObject(
 
 CMaskPatternData& CMaskPatternData::operator=(const CMaskPatternData& other) {
   if (this == &other) return *this;
-  auto copies = CopiesOf(other.entries_);
-  DeleteContents();
+  ReplaceByCopies(entries_, OwnershipOf(*this), other.entries_);
   CDataObject::operator=(other);
   SetAutoDelete(true);
-  Adopt(std::move(copies), entries_);
   return *this;
 }
 
