@@ -1,20 +1,19 @@
 // Calibration histories: what loads must save, load again as the same bytes, and import without loss.
+#include "check.h"
 #include "core/payload.h"
+#include "forms.h"
 
 #include <nvxprofile/calibration_history.h>
 
-#include <cstdlib>
 #include <cstring>
 #include <vector>
 
 namespace {
 
-void Require(bool condition) {
-  if (!condition) std::abort();
-}
+using nvx::fuzz::Check;
 
 std::vector<std::uint8_t> Saved(CCalibrationHistoryEntry& history) {
-  Require(history.DataToBuffer());
+  Check(history.DataToBuffer());
   return {history.GetRefBuffer(), history.GetRefBuffer() + history.GetSize()};
 }
 
@@ -28,6 +27,11 @@ std::size_t Calibrations(CCalibrationHistoryEntry& history) {
 
 }  // namespace
 
+extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size, std::size_t maxSize,
+                                               unsigned int seed) {
+  return nvx::fuzz::Mutate(nvx::fuzz::CalibrationForm(), data, size, maxSize, seed);
+}
+
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   CCalibrationHistoryEntry history;
   std::uint8_t* const buffer = history.GetBuffer(static_cast<std::uint32_t>(size));
@@ -35,16 +39,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (!history.BufferToData()) return 0;
 
   const std::vector<std::uint8_t> saved = Saved(history);
-  Require(history.BufferToData());
-  Require(Saved(history) == saved);
+  Check(history.BufferToData());
+  Check(Saved(history) == saved);
 
   CCalibrationHistoryEntry grown;
   nvx::AddCalibration(grown, {});
   const auto imported = nvx::ImportCalibrations(grown, history);
-  Require(imported && imported->size() == Calibrations(history));
-  Require(Saved(history) == saved);
+  Check(imported && imported->size() == Calibrations(history));
+  Check(Saved(history) == saved);
   Saved(grown);
-  Require(grown.BufferToData());
-  Require(Calibrations(grown) == Calibrations(history) + 1);
+  Check(grown.BufferToData());
+  Check(Calibrations(grown) == Calibrations(history) + 1);
   return 0;
 }

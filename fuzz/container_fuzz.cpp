@@ -1,4 +1,7 @@
 // The entry-table container: load, save, load again; both models hold the same.
+#include "check.h"
+#include "forms.h"
+
 #include <nvxprofile/diagnosis.h>
 #include <nvxprofile/profile_file.h>
 
@@ -8,17 +11,20 @@
 
 namespace {
 
+using nvx::fuzz::Check;
+
 bool Load(const std::uint8_t* bytes, std::size_t size, CProfileData& data, nvx::Diagnosis* diagnosis) {
   CNvxMemFile stream(const_cast<std::uint8_t*>(bytes), static_cast<std::uint32_t>(size));
   stream.SetDiagnosis(diagnosis);
   return CProfileFileQCT().LoadData(stream, &data, false);
 }
 
-void Check(bool condition) {
-  if (!condition) std::abort();
-}
-
 }  // namespace
+
+extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size, std::size_t maxSize,
+                                               unsigned int seed) {
+  return nvx::fuzz::Mutate(nvx::fuzz::ContainerForm(), data, size, maxSize, seed);
+}
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
   CProfileData data;

@@ -1,19 +1,18 @@
 // A curve set: what loads is written back and loads again as the same, and an entry that already holds curves parses it
 // as a fresh one does.
+#include "check.h"
 #include "entries/curve/curve_form.h"
+#include "forms.h"
 
 #include <nvxprofile/curve_entry.h>
 #include <nvxprofile/diagnosis.h>
 
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 
 namespace {
 
-void Check(bool condition) {
-  if (!condition) std::abort();
-}
+using nvx::fuzz::Check;
 
 void SetBytes(CProfileDataEntry& entry, const std::uint8_t* bytes, std::size_t size) {
   if (size == 0) return entry.DeleteBuffer();
@@ -26,6 +25,11 @@ bool HasSameBuffer(CProfileDataEntry& a, CProfileDataEntry& b) {
 }
 
 }  // namespace
+
+extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size, std::size_t maxSize,
+                                               unsigned int seed) {
+  return nvx::fuzz::Mutate(nvx::fuzz::CurveSetForm(), data, size, maxSize, seed);
+}
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
   // Through the serializer.

@@ -1,20 +1,17 @@
 // What every entry owes: a refusal says why; what loads saves, loads again and then saves the same bytes.
 #pragma once
 
+#include "check.h"
+
 #include <nvxprofile/diagnosis.h>
 #include <nvxprofile/profile_entry.h>
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <vector>
 
 namespace nvx::fuzz {
-
-inline void Check(bool condition) {
-  if (!condition) std::abort();
-}
 
 inline std::vector<std::uint8_t> BytesOf(CProfileDataEntry& entry) {
   return {entry.GetRefBuffer(), entry.GetRefBuffer() + entry.GetSize()};

@@ -1,23 +1,21 @@
 // An ICC image: open, edit as the last bytes say, take out in each way, open again; all of them hold the same tags. The
 // descriptions of what opens are taken apart and put together as well.
+#include "check.h"
+#include "forms.h"
 #include "icc/icc_image.h"
 
 #include <nvxprofile/icc_profile.h>
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <map>
 #include <vector>
 
 namespace {
 
+using nvx::fuzz::Check;
 using Bytes = std::vector<std::uint8_t>;
 using Tags = std::map<std::uint32_t, Bytes>;
-
-void Check(bool condition) {
-  if (!condition) std::abort();
-}
 
 Tags TagsOf(const nvx::IccImage& image) {
   Tags tags;
@@ -53,6 +51,11 @@ void CheckDescription(const Bytes& tag) {
 }
 
 }  // namespace
+
+extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size, std::size_t maxSize,
+                                               unsigned int seed) {
+  return nvx::fuzz::Mutate(nvx::fuzz::IccForm(), data, size, maxSize, seed);
+}
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
   const std::span<const std::uint8_t> input(bytes, size);

@@ -1,18 +1,18 @@
 // Large parameters: a refusal says why, no question leaves the arrays, and what saves loads again as it was.
+#include "check.h"
+#include "forms.h"
+
 #include <nvxprofile/diagnosis.h>
 #include <nvxprofile/large_parameter.h>
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <limits>
 
 namespace {
 
-void Check(bool condition) {
-  if (!condition) std::abort();
-}
+using nvx::fuzz::Check;
 
 std::int64_t Ask(CLargeParameterDataEntry& table) {
   constexpr std::int32_t kHostile[] = {std::numeric_limits<std::int32_t>::min(), -1, 0, 1, 2, 100,
@@ -33,6 +33,11 @@ std::int64_t Ask(CLargeParameterDataEntry& table) {
 }
 
 }  // namespace
+
+extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size, std::size_t maxSize,
+                                               unsigned int seed) {
+  return nvx::fuzz::Mutate(nvx::fuzz::LargeParameterForm(), data, size, maxSize, seed);
+}
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
   if (size == 0) return 0;

@@ -1,19 +1,18 @@
 // Both mask download entries over the same bytes: what loads rebuilds, and loads again as the same.
+#include "check.h"
+#include "forms.h"
+
 #include <nvxprofile/diagnosis.h>
 #include <nvxprofile/mask_download.h>
 
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <vector>
 
 namespace {
 
+using nvx::fuzz::Check;
 using Bytes = std::vector<std::uint8_t>;
-
-void Check(bool condition) {
-  if (!condition) std::abort();
-}
 
 void SetBuffer(CProfileDataEntry& entry, const std::uint8_t* bytes, std::size_t size) {
   if (size != 0) std::memcpy(entry.GetBuffer(static_cast<std::uint32_t>(size)), bytes, size);
@@ -43,6 +42,11 @@ void Run(const std::uint8_t* bytes, std::size_t size) {
 }
 
 }  // namespace
+
+extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size, std::size_t maxSize,
+                                               unsigned int seed) {
+  return nvx::fuzz::Mutate(nvx::fuzz::MaskDownloadForm(), data, size, maxSize, seed);
+}
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
   Run<CMaskDownLoadEntry>(bytes, size);

@@ -1,20 +1,19 @@
 // The mask parameter list and the mask pattern table, chosen by the first magic: what loads saves, and loads again as
 // the same.
+#include "check.h"
+#include "forms.h"
+
 #include <nvxprofile/diagnosis.h>
 #include <nvxprofile/mask.h>
 
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <vector>
 
 namespace {
 
+using nvx::fuzz::Check;
 using Bytes = std::vector<std::uint8_t>;
-
-void Check(bool condition) {
-  if (!condition) std::abort();
-}
 
 template <class File, class Data>
 Bytes Save(Data& data) {
@@ -41,11 +40,22 @@ void Run(Bytes bytes) {
   Check(Save<File>(again) == saved);
 }
 
+bool IsPatternTable(const std::uint8_t* bytes, std::size_t size) {
+  return size >= 4 && std::memcmp(bytes, "HTPM", 4) == 0;
+}
+
 }  // namespace
+
+extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size, std::size_t maxSize,
+                                               unsigned int seed) {
+  const nvx::fuzz::Form& form =
+      IsPatternTable(data, size) ? nvx::fuzz::MaskPatternForm() : nvx::fuzz::MaskParameterForm();
+  return nvx::fuzz::Mutate(form, data, size, maxSize, seed);
+}
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
   const Bytes input(bytes, bytes + size);
-  if (size >= 4 && std::memcmp(bytes, "HTPM", 4) == 0) {
+  if (IsPatternTable(bytes, size)) {
     Run<CMaskPatternFile, CMaskPatternData>(input);
   } else {
     Run<CMaskParameterFile, CMaskParameterData>(input);

@@ -1,9 +1,15 @@
 // The media property set: counts stay in their bounds, and parameters in use are those of the form.
 #include "entry_round_trip.h"
+#include "forms.h"
 
 #include <nvxprofile/media_property.h>
 
 using nvx::fuzz::Check;
+
+extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size, std::size_t maxSize,
+                                               unsigned int seed) {
+  return nvx::fuzz::Mutate(nvx::fuzz::MediaPropertyForm(), data, size, maxSize, seed);
+}
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
   CMediaPropertyEntry entry;

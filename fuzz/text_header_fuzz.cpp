@@ -1,5 +1,8 @@
 // A text-headed profile: load in both versions, save, load again; and its conversion. The format reads by path, so each
 // input becomes a file, in memory where the system has a folder for that.
+#include "check.h"
+#include "forms.h"
+
 #include <nvxprofile/convert.h>
 #include <nvxprofile/diagnosis.h>
 #include <nvxprofile/profile_file_text.h>
@@ -15,11 +18,9 @@
 
 namespace {
 
-namespace fs = std::filesystem;
+using nvx::fuzz::Check;
 
-void Check(bool condition) {
-  if (!condition) std::abort();
-}
+namespace fs = std::filesystem;
 
 // The folder of this process, with the conversion table in it.
 class Folder {
@@ -84,6 +85,11 @@ bool ComesBack(CProfileData& data) {
 }
 
 }  // namespace
+
+extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size, std::size_t maxSize,
+                                               unsigned int seed) {
+  return nvx::fuzz::Mutate(nvx::fuzz::TextHeadedForm(), data, size, maxSize, seed);
+}
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
   static const Folder folder;

@@ -1,0 +1,412 @@
+#include "forms.h"
+
+#include <nvxprofile/icc_header.h>
+#include <nvxprofile/profile_entry.h>
+
+#include <algorithm>
+#include <cstring>
+#include <string_view>
+#include <utility>
+
+namespace nvx::fuzz {
+namespace {
+
+constexpr std::size_t kMagic = 4;
+
+std::uint32_t Load(View bytes, std::size_t at) {
+  std::uint32_t value = 0;
+  if (at + sizeof value <= bytes.size()) std::memcpy(&value, bytes.data() + at, sizeof value);
+  return value;
+}
+
+void Store(Bytes& bytes, std::size_t at, std::size_t value) {
+  const auto word = static_cast<std::uint32_t>(value);
+  if (at + sizeof word <= bytes.size()) std::memcpy(bytes.data() + at, &word, sizeof word);
+}
+
+void StoreBig(Bytes& bytes, std::size_t at, std::size_t value) {
+  Store(bytes, at, __builtin_bswap32(static_cast<std::uint32_t>(value)));
+}
+
+void Append(Bytes& bytes, View more) { bytes.insert(bytes.end(), more.begin(), more.end()); }
+
+Bytes Cut(View& bytes, std::size_t size) {
+  const View front = bytes.first(std::min(size, bytes.size()));
+  bytes = bytes.subspan(front.size());
+  return Bytes(front.begin(), front.end());
+}
+
+// A header that counts records, the records, and a body for each of them in the same order.
+class TableForm : public Form {
+ public:
+  TableForm(std::size_t headerSize, std::size_t countAt, std::size_t recordSize)
+      : headerSize_(headerSize), countAt_(countAt), recordSize_(recordSize) {}
+
+  std::optional<Parts> Split(View bytes) const override {
+    const std::size_t count = Load(bytes, countAt_);
+    if (bytes.size() < headerSize_ || count > (bytes.size() - headerSize_) / recordSize_) return std::nullopt;
+    Parts parts;
+    parts.header = Cut(bytes, headerSize_);
+    parts.parts.resize(count);
+    for (Part& part : parts.parts) part.record = Cut(bytes, recordSize_);
+    for (Part& part : parts.parts) {
+      const std::size_t size = BodySize(part.record, bytes);
+      if (size > bytes.size()) return std::nullopt;
+      part.body = Cut(bytes, size);
+    }
+    parts.rest.assign(bytes.begin(), bytes.end());
+    return parts;
+  }
+
+  Bytes Join(Parts parts) const override {
+    Store(parts.header, countAt_, parts.parts.size());
+    Bytes bytes = std::move(parts.header);
+    for (Part& part : parts.parts) {
+      Fit(part);
+      Append(bytes, part.record);
+    }
+    for (const Part& part : parts.parts) Append(bytes, part.body);
+    Append(bytes, parts.rest);
+    return bytes;
+  }
+
+  Nested InBody(const Parts&, std::size_t) const override { return {}; }
+
+ private:
+  // Size of the body whose record this is, at the start of `left`.
+  virtual std::size_t BodySize(View record, View left) const = 0;
+  // Makes record and body agree on the body's size.
+  virtual void Fit(Part& part) const = 0;
+
+  std::size_t headerSize_;
+  std::size_t countAt_;
+  std::size_t recordSize_;
+};
+
+// Every body starts with a magic; a field of the record says how long it is, with or without that.
+class SizedTableForm : public TableForm {
+ public:
+  struct Layout {
+    std::size_t headerSize;
+    std::size_t countAt;
+    std::size_t recordSize;
+    std::size_t sizeAt;
+    bool sizeCountsMagic;
+  };
+  SizedTableForm(Layout layout, const Form* rest)
+      : TableForm(layout.headerSize, layout.countAt, layout.recordSize),
+        sizeAt_(layout.sizeAt),
+        uncounted_(layout.sizeCountsMagic ? 0 : kMagic),
+        rest_(rest) {}
+  explicit SizedTableForm(Layout layout) : SizedTableForm(layout, nullptr) {}
+
+  Nested InRest() const override { return {rest_, 0}; }
+
+ private:
+  std::size_t BodySize(View record, View) const override { return std::size_t{Load(record, sizeAt_)} + uncounted_; }
+  void Fit(Part& part) const override {
+    part.body.resize(std::max(part.body.size(), kMagic));
+    Store(part.record, sizeAt_, part.body.size() - uncounted_);
+  }
+
+  std::size_t sizeAt_;
+  std::size_t uncounted_;
+  const Form* rest_;
+};
+
+const Form* FormOfType(std::uint32_t usedType) {
+  switch (usedType) {
+    case CProfileDataEntry::kInkLimit:
+    case CProfileDataEntry::kVariableInkLimit:
+    case CProfileDataEntry::kVariable:
+    case CProfileDataEntry::kSeparateLight:
+    case CProfileDataEntry::kLinearization:
+    case CProfileDataEntry::kGrayBalance:
+    case CProfileDataEntry::kUcr:
+    case CProfileDataEntry::kMultiInkLimit:
+    case CProfileDataEntry::kCalibrationInklimit:
+    case CProfileDataEntry::kCalibrationLinearization:
+    case CProfileDataEntry::kCalibrationGrayBalance:
+      return &CurveSetForm();
+    case CProfileDataEntry::kIcm:
+    case CProfileDataEntry::kReplaceProfile:
+      return &IccForm();
+    case CProfileDataEntry::kMediaProperty:
+      return &MediaPropertyForm();
+    case CProfileDataEntry::kCalibrationHistory:
+    case CProfileDataEntry::kCalibrationContainer:
+      return &CalibrationForm();
+    case CProfileDataEntry::kMaskDownload:
+    case CProfileDataEntry::kMaskDownloadIncludePattern:
+      return &MaskDownloadForm();
+    case CProfileDataEntry::kLargeParameter:
+      return &LargeParameterForm();
+    case CProfileDataEntry::kSpecialColorInfo:
+      return &SpecialColorForm();
+    default:
+      return nullptr;
+  }
+}
+
+// A table of profile entries: the type in the record says what the body holds behind its magic.
+class EntryTableForm final : public SizedTableForm {
+ public:
+  EntryTableForm(Layout layout, std::size_t typeAt, const Form* rest = nullptr)
+      : SizedTableForm(layout, rest), typeAt_(typeAt) {}
+
+  Nested InBody(const Parts& parts, std::size_t index) const override {
+    return {FormOfType(Load(parts.parts[index].record, typeAt_)), kMagic};
+  }
+
+ private:
+  std::size_t typeAt_;
+};
+
+// Blocks of one size that no field tells.
+class FixedTableForm final : public TableForm {
+ public:
+  FixedTableForm(std::size_t headerSize, std::size_t countAt, std::size_t recordSize, std::size_t bodySize)
+      : TableForm(headerSize, countAt, recordSize), bodySize_(bodySize) {}
+
+ private:
+  std::size_t BodySize(View, View) const override { return bodySize_; }
+  void Fit(Part& part) const override { part.body.resize(bodySize_); }
+
+  std::size_t bodySize_;
+};
+
+// The type alone says how long a block is, but for type 5, behind whose magic the nested forms may stand.
+class MaskDownloadStream final : public TableForm {
+ public:
+  MaskDownloadStream() : TableForm(20, 8, 24) {}
+
+  Nested InBody(const Parts& parts, std::size_t) const override {
+    return parts.parts.size() == 1 ? Nested{&MaskParameterForm(), kMagic} : Nested{};
+  }
+
+ private:
+  static constexpr std::size_t kTypeAt = 8;
+  static constexpr std::size_t kLengthAt = 12;
+  static constexpr std::size_t kSizes[] = {4, 64, 4, 4, 12, 2, 164};
+
+  static bool HoldsForms(View record, View left) {
+    return Load(record, kTypeAt) == 5 && left.size() > kMagic && Load(left, kMagic) == Load(AsBytes("HPPM"), 0);
+  }
+  static View AsBytes(std::string_view text) {
+    return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
+  }
+  std::size_t BodySize(View record, View left) const override {
+    if (HoldsForms(record, left)) return left.size();
+    return kMagic + kSizes[std::min<std::size_t>(Load(record, kTypeAt), 6)];
+  }
+  void Fit(Part& part) const override {
+    if (!HoldsForms(part.record, part.body)) part.body.resize(BodySize(part.record, {}));
+    Store(part.record, kLengthAt, part.body.size());
+  }
+};
+
+class LargeParameterTable final : public TableForm {
+ public:
+  LargeParameterTable() : TableForm(16, 8, 20) {}
+
+ private:
+  static constexpr std::size_t kFixedSize = 4 + 4 * 264;
+
+  static bool IsFixed(View record) { return Load(record, 8) == 1; }
+  std::size_t BodySize(View record, View) const override { return IsFixed(record) ? kFixedSize : Load(record, 12); }
+  void Fit(Part& part) const override {
+    if (IsFixed(part.record)) part.body.resize(kFixedSize);
+    Store(part.record, 12, part.body.size());
+  }
+};
+
+// The first array says how many bytes of curve sets stand behind the arrays.
+class SpecialColorTable final : public TableForm {
+ public:
+  SpecialColorTable() : TableForm(32, 20, 20) {}
+
+  Nested InBody(const Parts& parts, std::size_t index) const override {
+    const Part& part = parts.parts[index];
+    return CurveBytes(part.body) > 0 ? Nested{&CurveSetForm(), Load(part.record, kSizeAt)} : Nested{};
+  }
+
+ private:
+  static constexpr std::size_t kSizeAt = 12;
+  static constexpr std::size_t kCurveCountAt = kMagic + 4 * 2;
+  static constexpr std::size_t kCurveBytesAt = kMagic + 4 * 3;
+
+  static std::size_t CurveBytes(View body) { return Load(body, kCurveCountAt) > 0 ? Load(body, kCurveBytesAt) : 0; }
+  std::size_t BodySize(View record, View left) const override {
+    return std::size_t{Load(record, kSizeAt)} + CurveBytes(left);
+  }
+  void Fit(Part& part) const override {
+    const std::size_t arrays = Load(part.record, kSizeAt);
+    if (CurveBytes(part.body) > 0 && part.body.size() > arrays) {
+      Store(part.body, kCurveBytesAt, part.body.size() - arrays);
+    } else {
+      Store(part.record, kSizeAt, part.body.size());
+    }
+  }
+};
+
+// The tag table with its data; the header is that of a profile, and each record the signature of a tag.
+class TagTableForm : public Form {
+ public:
+  std::optional<Parts> Split(View bytes) const override {
+    IccDirectory directory;
+    if (!ReadIccDirectory(bytes.data(), bytes.size(), directory)) return std::nullopt;
+    Parts parts;
+    parts.header.assign(bytes.begin(), bytes.begin() + kHeader);
+    for (std::size_t i = 0; i < directory.tags.size(); ++i) {
+      const View signature = bytes.subspan(kHeader + 4 + 12 * i, 4);
+      const View tag = bytes.subspan(directory.tags[i].offset, directory.tags[i].size);
+      parts.parts.push_back({Bytes(signature.begin(), signature.end()), Bytes(tag.begin(), tag.end())});
+    }
+    return parts;
+  }
+
+  Bytes Join(Parts parts) const override {
+    Bytes bytes = std::move(parts.header);
+    bytes.resize(kHeader + 4 + 12 * parts.parts.size());
+    StoreBig(bytes, kHeader, parts.parts.size());
+    std::size_t record = kHeader + 4;
+    for (const Part& part : parts.parts) {
+      std::copy(part.record.begin(), part.record.end(), bytes.begin() + static_cast<std::ptrdiff_t>(record));
+      StoreBig(bytes, record + 4, bytes.size());
+      StoreBig(bytes, record + 8, part.body.size());
+      Append(bytes, part.body);
+      bytes.resize((bytes.size() + 3) / 4 * 4);
+      record += 12;
+    }
+    StoreBig(bytes, 0, bytes.size());
+    return bytes;
+  }
+
+  Nested InBody(const Parts&, std::size_t) const override { return {}; }
+
+ private:
+  static constexpr std::size_t kHeader = 128;
+};
+
+// Each private tag has an opening of 12 bytes.
+class QpfTags final : public TagTableForm {
+ public:
+  Nested InBody(const Parts& parts, std::size_t index) const override {
+    constexpr std::size_t kOpening = 12;
+    const Bytes& signature = parts.parts[index].record;
+    if (!std::equal(signature.begin(), signature.begin() + 3, "NVX")) return {};
+    switch (signature[3]) {
+      case '1': {
+        // Entries behind a header block, which counts them.
+        static const EntryTableForm kEntries({400, 104, 292, 16, true}, 8);
+        return {&kEntries, 0};
+      }
+      case '2': {
+        static const FixedTableForm kNames(16, 12, 130, 0);
+        return {&kNames, 0};
+      }
+      case '3':
+        return {&IccForm(), kOpening};
+      case '4':
+        return {&CalibrationForm(), kOpening};
+      case '5':
+        return {&MaskDownloadForm(), kOpening};
+      case '6':
+        return {&LargeParameterForm(), kOpening};
+      case '7':
+        return {&SpecialColorForm(), kOpening};
+      default:
+        return {};
+    }
+  }
+};
+
+class TextHeadedProfile final : public Form {
+ public:
+  std::optional<Parts> Split(View bytes) const override {
+    static constexpr std::string_view kContainer = " TCQ";
+    const auto start = std::search(bytes.begin(), bytes.end(), kContainer.begin(), kContainer.end());
+    Parts parts;
+    parts.parts.resize(2);
+    parts.parts[0].body.assign(bytes.begin(), start);
+    parts.parts[1].body.assign(start, bytes.end());
+    return parts;
+  }
+  Bytes Join(Parts parts) const override {
+    Bytes bytes;
+    for (const Part& part : parts.parts) Append(bytes, part.body);
+    return bytes;
+  }
+  Nested InBody(const Parts&, std::size_t index) const override {
+    return index == 0 ? Nested{} : Nested{&ContainerForm(), 0};
+  }
+};
+
+constexpr SizedTableForm::Layout kContainerLayout = {32, 24, 292, 16, true};
+
+}  // namespace
+
+const Form& CalibrationForm() {
+  static const EntryTableForm kForm({20, 12, 88, 8, true}, 12);
+  return kForm;
+}
+
+const Form& ContainerForm() {
+  // A second container may stand behind the first.
+  static const EntryTableForm kSecond(kContainerLayout, 8);
+  static const EntryTableForm kForm(kContainerLayout, 8, &kSecond);
+  return kForm;
+}
+
+const Form& CurveSetForm() {
+  static const SizedTableForm kForm({32, 16, 132, 36, false});
+  return kForm;
+}
+
+const Form& IccForm() {
+  static const TagTableForm kForm;
+  return kForm;
+}
+
+const Form& LargeParameterForm() {
+  static const LargeParameterTable kForm;
+  return kForm;
+}
+
+const Form& MaskDownloadForm() {
+  static const MaskDownloadStream kForm;
+  return kForm;
+}
+
+const Form& MaskParameterForm() {
+  // The pattern table stands behind the list where both are nested.
+  static const SizedTableForm kForm({40, 16, 136, 68, false}, &MaskPatternForm());
+  return kForm;
+}
+
+const Form& MaskPatternForm() {
+  static const SizedTableForm kForm({40, 16, 40, 16, false});
+  return kForm;
+}
+
+const Form& MediaPropertyForm() {
+  static const FixedTableForm kForm(16, 12, 20, 68);
+  return kForm;
+}
+
+const Form& QpfForm() {
+  static const QpfTags kForm;
+  return kForm;
+}
+
+const Form& SpecialColorForm() {
+  static const SpecialColorTable kForm;
+  return kForm;
+}
+
+const Form& TextHeadedForm() {
+  static const TextHeadedProfile kForm;
+  return kForm;
+}
+
+}  // namespace nvx::fuzz
