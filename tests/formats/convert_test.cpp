@@ -9,11 +9,9 @@
 #include <gtest/gtest.h>
 #include <lcms2.h>
 
-#include <atomic>
 #include <cstring>
 #include <memory>
 #include <string>
-#include <thread>
 #include <vector>
 
 namespace {
@@ -281,32 +279,6 @@ TEST_F(Convert, AnIccEngineOpensTheResult) {
   double out[3] = {};
   cmsDoTransform(transform.get(), white, out, 1);
   EXPECT_NEAR(out[0], 100, 0.5);
-}
-
-TEST_F(Convert, ThreadsConvertSideBySide) {
-  const ScopedVariable epoch("SOURCE_DATE_EPOCH", "1700000000");
-  constexpr int kFiles = 24;
-  ASSERT_TRUE(nvx::test::WriteLegacyProfile(folder_.File("old.qpf"), {1, 2, 4, 6, 10, 14}, {7, 5}));
-  std::atomic<int> next{0};
-  const auto work = [&] {
-    for (int i = next++; i < kFiles; i = next++) {
-      const std::u16string target = folder_.WideFile("new" + std::to_string(i) + ".icc");
-      CConvertV2ToV3Profile converter;
-      if (!converter.ProfileLoad(folder_.WideFile("old.qpf").c_str())) continue;
-      converter.SetupModuleVersion(u"1");
-      converter.ConvertV2ToV3Profile(&kDatabase);
-      converter.SaveV3Profile(target.c_str());
-    }
-  };
-  std::vector<std::thread> threads;
-  for (int i = 0; i < 4; ++i) threads.emplace_back(work);
-  for (std::thread& thread : threads) thread.join();
-  for (int i = 0; i < kFiles; ++i) {
-    CProfileAccess access;
-    CError error;
-    ASSERT_TRUE(access.Init(folder_.WideFile("new" + std::to_string(i) + ".icc").c_str(), &error)) << i;
-    EXPECT_EQ(TypesOf(*access.GetProfileData(), 4), " 1 17 4 6 14 7 5 10");
-  }
 }
 
 }  // namespace

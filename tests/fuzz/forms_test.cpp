@@ -1,23 +1,16 @@
 // The mutator of the fuzz targets is worth nothing if it cannot take the seeds apart.
 #include "../../fuzz/forms.h"
+#include "support/temp_folder.h"
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
 namespace nvx::fuzz {
 namespace {
 
-Bytes BytesOf(const std::filesystem::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  return Bytes(std::istreambuf_iterator<char>(file), {});
-}
-
-Bytes Seed(const char* name) { return BytesOf(std::filesystem::path(NVXPROFILE_SOURCE_FOLDER) / "fuzz/corpus" / name); }
+Bytes Seed(const char* name) { return test::ReadBytes(std::string(NVXPROFILE_SOURCE_FOLDER "/fuzz/corpus/") + name); }
 
 struct SeedOfForm {
   const char* seed;

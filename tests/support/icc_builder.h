@@ -5,7 +5,6 @@
 #include "support/temp_folder.h"
 
 #include <cstdint>
-#include <filesystem>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -93,20 +92,6 @@ inline Bytes DescriptionTag(std::string_view ascii) {
   BigBuilder tag;
   tag.Text("desc").U32(0).U32(static_cast<std::uint32_t>(ascii.size() + 1)).Text(ascii).U8(0);
   return tag.U32(0).U32(0).U16(0).U8(0).Zero(67);
-}
-
-// The real ICC profiles below the system's colour folder.
-inline std::vector<std::string> RealProfiles() {
-  std::vector<std::string> paths;
-  std::error_code error;
-  for (const auto& file : std::filesystem::recursive_directory_iterator("/usr/share/color/icc", error)) {
-    if (!file.is_regular_file()) continue;
-    const Bytes bytes = ReadBytes(file.path().string());
-    if (bytes.size() > 132 && std::string(bytes.begin() + 36, bytes.begin() + 40) == "acsp") {
-      paths.push_back(file.path().string());
-    }
-  }
-  return paths;
 }
 
 }  // namespace nvx::test

@@ -1,12 +1,14 @@
-// A folder of its own for each test, removed behind it.
+// Files of tests: a folder of its own for each, removed behind it, and the real profiles of the machine.
 #pragma once
 
 #include "platform/locale.h"
 
+#include <strings.h>
+
+#include <algorithm>
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <random>
 #include <string>
 #include <vector>
@@ -37,13 +39,31 @@ class TempFolder {
 };
 
 inline Bytes ReadBytes(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  return Bytes(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
+  std::ifstream file(path, std::ios::binary | std::ios::ate);
+  const std::streamoff size = file.tellg();
+  if (size <= 0) return {};
+  Bytes bytes(static_cast<std::size_t>(size));
+  file.seekg(0).read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+  bytes.resize(static_cast<std::size_t>(file.gcount()));
+  return bytes;
 }
 
 inline void WriteBytes(const std::string& path, const Bytes& bytes) {
   std::ofstream file(path, std::ios::binary | std::ios::trunc);
   file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+}
+
+// The real ICC profiles below the system's colour folder.
+inline std::vector<std::string> RealProfiles() {
+  std::vector<std::string> paths;
+  std::error_code error;
+  for (const auto& file : std::filesystem::recursive_directory_iterator("/usr/share/color/icc", error)) {
+    const std::string extension = file.path().extension().string();
+    const bool isProfile = ::strcasecmp(extension.c_str(), ".icc") == 0 || ::strcasecmp(extension.c_str(), ".icm") == 0;
+    if (file.is_regular_file() && isProfile) paths.push_back(file.path().string());
+  }
+  std::sort(paths.begin(), paths.end());
+  return paths;
 }
 
 }  // namespace nvx::test

@@ -23,21 +23,13 @@ namespace {
 using nlohmann::json;
 using nvx::test::Bytes;
 using nvx::test::ReadBytes;
+using nvx::test::RealProfiles;
 using nvx::test::RunTool;
 using nvx::test::TempFolder;
 using nvx::test::ToolResult;
 using nvx::test::WriteBytes;
 
 constexpr const char* kCmyk = "/usr/share/color/icc/ghostscript/default_cmyk.icc";
-
-std::vector<std::string> RealProfiles() {
-  std::vector<std::string> files;
-  for (const auto& item : std::filesystem::recursive_directory_iterator("/usr/share/color/icc")) {
-    const std::string extension = item.path().extension().string();
-    if (item.is_regular_file() && (extension == ".icc" || extension == ".icm")) files.push_back(item.path().string());
-  }
-  return files;
-}
 
 // A profile of the current generation with curves, a block that does not parse, and two media names.
 Bytes PrinterProfile() {

@@ -3,6 +3,7 @@
 #include "support/random_model.h"
 #include "support/temp_folder.h"
 
+#include <nvxprofile/convert.h>
 #include <nvxprofile/profile_access.h>
 #include <nvxprofile/profile_file.h>
 #include <nvxprofile/profile_file_qpf.h>
@@ -42,6 +43,14 @@ int WorkOn(const std::u16string& path, const std::u16string& copy) {
   return failures;
 }
 
+// Calls `work` with a number for each thread.
+template <class Work>
+void RunOnThreads(int count, Work work) {
+  std::vector<std::thread> threads;
+  for (int number = 0; number < count; ++number) threads.emplace_back(work, number);
+  for (std::thread& thread : threads) thread.join();
+}
+
 TEST(Threads, LoadQueryAndSaveIndependentProfiles) {
   constexpr int kThreads = 8;
   constexpr int kRounds = 40;
@@ -58,17 +67,42 @@ TEST(Threads, LoadQueryAndSaveIndependentProfiles) {
   paths.push_back(folder.WideFile("old.qpf"));
 
   std::atomic<int> failures{0};
-  std::vector<std::thread> threads;
-  for (int thread = 0; thread < kThreads; ++thread) {
-    threads.emplace_back([&, thread] {
-      const std::u16string copy = folder.WideFile("copy" + std::to_string(thread) + ".icc");
-      for (int round = 0; round < kRounds; ++round) {
-        failures += WorkOn(paths[static_cast<std::size_t>(thread + round) % paths.size()], copy);
-      }
-    });
-  }
-  for (std::thread& thread : threads) thread.join();
+  RunOnThreads(kThreads, [&](int thread) {
+    const std::u16string copy = folder.WideFile("copy" + std::to_string(thread) + ".icc");
+    for (int round = 0; round < kRounds; ++round) {
+      failures += WorkOn(paths[static_cast<std::size_t>(thread + round) % paths.size()], copy);
+    }
+  });
   EXPECT_EQ(failures, 0);
+}
+
+// One table, one source, and a target for each conversion.
+TEST(Threads, ConvertSideBySide) {
+  constexpr int kThreads = 4;
+  constexpr int kFiles = 24;
+  const nvx::test::LegacyFolder folder;
+  ASSERT_TRUE(nvx::test::WriteLegacyProfile(folder.File("old.qpf"), {1, 2, 4, 6, 10, 14}, {7, 5}));
+  const auto name = [&](int file) { return folder.WideFile("new" + std::to_string(file) + ".icc"); };
+  RunOnThreads(kThreads, [&](int thread) {
+    for (int file = thread; file < kFiles; file += kThreads) {
+      const _tagDBDeviceProfileInfo database{{11, 12, 13, 14, 15}, 77};
+      CConvertV2ToV3Profile converter;
+      if (!converter.ProfileLoad(folder.WideFile("old.qpf").c_str())) continue;
+      converter.SetupModuleVersion(u"1");
+      converter.ConvertV2ToV3Profile(&database);
+      converter.SaveV3Profile(name(file).c_str());
+    }
+  });
+  CProfileAccess access;
+  CError error;
+  for (int file = 0; file < kFiles; ++file) {
+    ASSERT_TRUE(access.Init(name(file).c_str(), &error)) << file;
+    CProfileRoute* const route = access.GetProfileData()->GetProfileRoute(4);
+    std::vector<std::uint32_t> types;
+    for (bool more = route != nullptr && route->GetHeadPos(); more;)
+      types.push_back(route->GetNext(more)->GetUsedType());
+    EXPECT_EQ(types, (std::vector<std::uint32_t>{1, 17, 4, 6, 14, 7, 5, 10})) << file;
+  }
 }
 
 }  // namespace
