@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <memory>
 #include <string_view>
 #include <utility>
 
@@ -114,35 +115,24 @@ class SizedTableForm : public TableForm {
   const Form* rest_;
 };
 
+// Entries of one format type share a form, but for the tables with keys of their own.
 const Form* FormOfType(std::uint32_t usedType) {
-  switch (usedType) {
-    case CProfileDataEntry::kInkLimit:
-    case CProfileDataEntry::kVariableInkLimit:
-    case CProfileDataEntry::kVariable:
-    case CProfileDataEntry::kSeparateLight:
-    case CProfileDataEntry::kLinearization:
-    case CProfileDataEntry::kGrayBalance:
-    case CProfileDataEntry::kUcr:
-    case CProfileDataEntry::kMultiInkLimit:
-    case CProfileDataEntry::kCalibrationInklimit:
-    case CProfileDataEntry::kCalibrationLinearization:
-    case CProfileDataEntry::kCalibrationGrayBalance:
+  const std::unique_ptr<CProfileDataEntry> entry(
+      CProfileDataEntry::CreateDataEntry(static_cast<CProfileDataEntry::UsedType>(usedType)));
+  switch (entry ? entry->GetFormatType() : 0) {
+    case CProfileDataEntry::kFormatCurve:
       return &CurveSetForm();
-    case CProfileDataEntry::kIcm:
-    case CProfileDataEntry::kReplaceProfile:
+    case CProfileDataEntry::kFormatIcc:
       return &IccForm();
-    case CProfileDataEntry::kMediaProperty:
-      return &MediaPropertyForm();
-    case CProfileDataEntry::kCalibrationHistory:
-    case CProfileDataEntry::kCalibrationContainer:
+    case CProfileDataEntry::kFormatContainer:
       return &CalibrationForm();
-    case CProfileDataEntry::kMaskDownload:
-    case CProfileDataEntry::kMaskDownloadIncludePattern:
+    case CProfileDataEntry::kFormatMaskDownload:
+    case CProfileDataEntry::kFormatMaskDownloadIncludePattern:
       return &MaskDownloadForm();
-    case CProfileDataEntry::kLargeParameter:
-      return &LargeParameterForm();
-    case CProfileDataEntry::kSpecialColorInfo:
-      return &SpecialColorForm();
+    case CProfileDataEntry::kFormatKeyed:
+      if (usedType == CProfileDataEntry::kLargeParameter) return &LargeParameterForm();
+      if (usedType == CProfileDataEntry::kSpecialColorInfo) return &SpecialColorForm();
+      return &MediaPropertyForm();
     default:
       return nullptr;
   }

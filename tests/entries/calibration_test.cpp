@@ -274,7 +274,7 @@ TEST(CalibrationForm, TruncationAtEveryLengthIsRefused) {
   const Bytes form = HistoryForm();
   for (std::size_t length = 0; length < form.size(); ++length) {
     CCalibrationHistoryEntry history;
-    SetBuffer(history, Bytes(form.begin(), form.begin() + static_cast<std::ptrdiff_t>(length)));
+    SetBuffer(history, First(form, length));
     EXPECT_FALSE(history.BufferToData()) << length;
     EXPECT_LE(history.GetEntryCount(), 1) << length;
   }

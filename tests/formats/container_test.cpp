@@ -14,6 +14,7 @@ namespace {
 
 using nvx::test::ByteBuilder;
 using nvx::test::Bytes;
+using nvx::test::First;
 using nvx::test::ReadBytes;
 using nvx::test::TempFolder;
 using nvx::test::WriteBytes;
@@ -140,7 +141,7 @@ TEST(Container, RefusesWhatIsBrokenAndSaysWhere) {
   }
   for (std::size_t size = 0; size < good.size(); ++size) {
     CProfileData data;
-    EXPECT_FALSE(Load(Bytes(good.begin(), good.begin() + static_cast<std::ptrdiff_t>(size)), data)) << size;
+    EXPECT_FALSE(Load(First(good, size), data)) << size;
   }
 }
 

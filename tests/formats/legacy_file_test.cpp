@@ -18,6 +18,7 @@ namespace {
 using nvx::test::ByteBuilder;
 using nvx::test::Bytes;
 using nvx::test::ConversionTable;
+using nvx::test::First;
 using nvx::test::LegacyFolder;
 using nvx::test::ReadBytes;
 using nvx::test::ScopedLanguage;
@@ -379,7 +380,7 @@ TEST_F(LegacyFile, RefusesBrokenTextsAndTables) {
 
   const Bytes good = SimpleProfile(kLines);
   for (std::size_t size = 0; size < good.size(); ++size) {
-    EXPECT_FALSE(Loads(Bytes(good.begin(), good.begin() + static_cast<std::ptrdiff_t>(size)))) << size;
+    EXPECT_FALSE(Loads(First(good, size))) << size;
   }
   CNvxMemFile memory(const_cast<std::uint8_t*>(good.data()), static_cast<std::uint32_t>(good.size()));
   CProfileData data;

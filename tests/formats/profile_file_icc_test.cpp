@@ -16,6 +16,7 @@ namespace {
 
 using nvx::test::Bytes;
 using nvx::test::DescriptionTag;
+using nvx::test::First;
 using nvx::test::IccBytes;
 using nvx::test::IccWithTags;
 using nvx::test::Patched;
@@ -97,7 +98,7 @@ TEST(ProfileFileIcc, EveryBrokenFileGetsTheMessage) {
   std::vector<Bytes> files;
   for (std::size_t size = 0; size <= 200; ++size) files.push_back(Bytes(size, 0));
   for (std::size_t size = 0; size < good.size(); ++size) {
-    files.push_back(Bytes(good.begin(), good.begin() + static_cast<std::ptrdiff_t>(size)));
+    files.push_back(First(good, size));
   }
   files.push_back(Patched(good, 128, 0xFFFFFFFF));
   files.push_back(Patched(good, 136, 0xFFFFFFFF));

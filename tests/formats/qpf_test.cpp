@@ -376,13 +376,13 @@ TEST(Qpf, RefusesPrivateTagsCutAtEveryLength) {
   for (std::size_t size = 0; size < entryTag.size(); ++size) {
     CProfileData data;
     nvx::Diagnosis diagnosis;
-    const Bytes cut(entryTag.begin(), entryTag.begin() + static_cast<std::ptrdiff_t>(size));
+    const Bytes cut = First(entryTag, size);
     ASSERT_FALSE(Load(IccFile({{"NVX1", cut}, {"NVX2", mediaTag}}), data, &diagnosis)) << size;
     ASSERT_TRUE(diagnosis.HasErrors());
   }
   for (std::size_t size = 0; size < 146; ++size) {
     CProfileData data;
-    const Bytes cut(mediaTag.begin(), mediaTag.begin() + static_cast<std::ptrdiff_t>(size));
+    const Bytes cut = First(mediaTag, size);
     ASSERT_FALSE(Load(IccFile({{"NVX1", entryTag}, {"NVX2", cut}}), data)) << size;
   }
   for (const char* const tag : {"NVX3", "NVX4", "NVX5", "NVX6", "NVX7"}) {

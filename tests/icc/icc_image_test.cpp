@@ -16,6 +16,7 @@ using nvx::LoadBig;
 using nvx::Signature;
 using nvx::test::BigBuilder;
 using nvx::test::Bytes;
+using nvx::test::First;
 using nvx::test::IccBytes;
 using nvx::test::IccHeaderBytes;
 using nvx::test::IccPart;
@@ -179,7 +180,7 @@ TEST(IccImage, RefusesWhatIsBrokenAndSaysWhere) {
     EXPECT_EQ(diagnosis.Findings()[0].rule, c.rule);
   }
   for (std::size_t size = 0; size < good.size(); ++size) {
-    Bytes cut(good.begin(), good.begin() + static_cast<std::ptrdiff_t>(size));
+    Bytes cut = First(good, size);
     EXPECT_EQ(IccImage::Open(cut), nullptr) << size;
     if (size < 132) continue;
     // A size field that fits leaves the table to refuse.

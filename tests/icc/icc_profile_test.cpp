@@ -14,6 +14,7 @@ namespace {
 using nvx::test::BigBuilder;
 using nvx::test::Bytes;
 using nvx::test::DescriptionTag;
+using nvx::test::First;
 using nvx::test::IccBytes;
 using nvx::test::IccWithTags;
 using nvx::test::ReadBytes;
@@ -252,7 +253,7 @@ TEST(IccTextDescription, TakesATagApartAndPutsItTogether) {
 TEST(IccTextDescription, SurvivesEveryTruncationAndHostileCounts) {
   const Bytes whole = DescriptionTag("a description");
   for (std::size_t size = 0; size <= whole.size(); ++size) {
-    const auto description = Parsed(Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size)));
+    const auto description = Parsed(First(whole, size));
     EXPECT_EQ(description.GetAsciiDescription(),
               std::string("a description", size < 12 ? 0 : std::min<std::size_t>(size - 12, 13)));
     if (size == 90) {

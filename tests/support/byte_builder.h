@@ -48,4 +48,10 @@ class ByteBuilder {
   Bytes bytes_;
 };
 
+// The bytes with a number of 32 bits at an offset, least significant byte first.
+inline Bytes With(Bytes bytes, std::size_t offset, std::uint32_t value) {
+  for (std::size_t i = 0; i < 4; ++i) bytes[offset + i] = static_cast<std::uint8_t>(value >> (8 * i));
+  return bytes;
+}
+
 }  // namespace nvx::test

@@ -3,8 +3,11 @@
 
 #include "support/byte_builder.h"
 
+#include <nvxprofile/diagnosis.h>
 #include <nvxprofile/profile_access.h>
 #include <nvxprofile/profile_entry.h>
+
+#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <string>
@@ -24,6 +27,18 @@ inline Bytes BytesOf(CProfileDataEntry& entry) {
 inline bool Parse(CProfileDataEntry& entry, const Bytes& bytes) {
   SetBytes(entry, bytes);
   return entry.BufferToData();
+}
+
+// An entry refuses the form cut at any place, and says why.
+template <class Entry>
+void ExpectCutFormsRefused(const Bytes& form) {
+  for (std::size_t size = 1; size < form.size(); ++size) {
+    Entry entry;
+    Diagnosis diagnosis;
+    entry.SetDiagnosis(&diagnosis);
+    EXPECT_FALSE(Parse(entry, First(form, size))) << size;
+    EXPECT_TRUE(diagnosis.HasErrors()) << size;
+  }
 }
 
 // The form, and the zeros up to the next multiple of 1024 that a rebuilt buffer may have.

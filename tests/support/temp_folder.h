@@ -53,6 +53,9 @@ inline void WriteBytes(const std::string& path, const Bytes& bytes) {
   file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
 }
 
+// The bytes, cut to a size.
+inline Bytes First(const Bytes& bytes, std::size_t size) { return Bytes(bytes.data(), bytes.data() + size); }
+
 // The real ICC profiles below the system's colour folder.
 inline std::vector<std::string> RealProfiles() {
   std::vector<std::string> paths;

@@ -17,6 +17,7 @@ using nvx::test::ByteBuilder;
 using nvx::test::Bytes;
 using nvx::test::CurveHeader;
 using nvx::test::CurveSetHeader;
+using nvx::test::First;
 using nvx::test::MakeCurve;
 using nvx::test::SamplesOf;
 using nvx::test::TwoCurves;
@@ -120,7 +121,7 @@ TEST(CurveFile, RefusesEveryTruncationAndKeepsWhatCameBefore) {
   for (std::size_t length = 0; length < whole.size(); ++length) {
     CCurveData set;
     nvx::Diagnosis diagnosis;
-    EXPECT_FALSE(Load(Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(length)), set, &diagnosis));
+    EXPECT_FALSE(Load(First(whole, length), set, &diagnosis));
     EXPECT_TRUE(diagnosis.HasErrors()) << length;
     EXPECT_EQ(set.GetCount(), length < 303 ? 0 : 1) << length;
   }

@@ -1,40 +1,35 @@
 #include "support/entry_bytes.h"
+#include "support/word_table.h"
 
-#include <nvxprofile/diagnosis.h>
 #include <nvxprofile/large_parameter.h>
 
 #include <gtest/gtest.h>
 
-#include <limits>
 #include <memory>
 #include <vector>
 
 namespace {
 
+using nvx::test::ArrayOf;
 using nvx::test::ByteBuilder;
 using nvx::test::Bytes;
 using nvx::test::BytesOf;
+using nvx::test::ExpectCutFormsRefused;
+using nvx::test::FillTable;
+using nvx::test::kGreatest;
+using nvx::test::kLeast;
 using nvx::test::Parse;
 using nvx::test::ToCapacity;
-using Words = std::vector<std::int32_t>;
+using nvx::test::With;
+using nvx::test::Words;
 using Table = std::unique_ptr<CLargeParameterDataEntry>;
-
-constexpr std::int32_t kLeast = std::numeric_limits<std::int32_t>::min();
-constexpr std::int32_t kGreatest = std::numeric_limits<std::int32_t>::max();
-
-Words ArrayOf(CLargeParameterDataEntry& table, std::int32_t array) {
-  const auto words = table.Arrays().Words(array);
-  return Words(words.begin(), words.end());
-}
 
 Table FixedTable() { return Table(CLargeParameterDataEntry::CreateLargeParameterDataEntry(1, nullptr)); }
 
 Table PatternTable(std::int32_t patterns, const Words& first, const Words& second) {
   const std::uint32_t sizes[] = {static_cast<std::uint32_t>(first.size()), static_cast<std::uint32_t>(second.size())};
   Table table(CLargeParameterDataEntry::CreateLargeParameterDataEntry(2, sizes));
-  table->SetPatternCount(patterns);
-  for (std::size_t i = 0; i < first.size(); ++i) table->SetParameter(static_cast<std::int32_t>(i), first[i], 0);
-  for (std::size_t i = 0; i < second.size(); ++i) table->SetParameter(static_cast<std::int32_t>(i), second[i], 1);
+  FillTable(*table, patterns, first, second);
   return table;
 }
 
@@ -244,22 +239,13 @@ TEST(LargeParameter, RefusesToSaveWhatCannotBeReadBack) {
 }
 
 TEST(LargeParameter, EveryTruncationIsRefusedWithAReason) {
-  const Bytes whole = ThreeTables();
-  for (std::size_t size = 1; size < whole.size(); ++size) {
-    CLargeParameterEntry entry;
-    nvx::Diagnosis diagnosis;
-    entry.SetDiagnosis(&diagnosis);
-    EXPECT_FALSE(Parse(entry, Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size)))) << size;
-    EXPECT_TRUE(diagnosis.HasErrors()) << size;
-  }
+  ExpectCutFormsRefused<CLargeParameterEntry>(ThreeTables());
 }
 
 TEST(LargeParameter, HostileFormsAreRefused) {
   CLargeParameterEntry entry;
   const auto loads = [&](std::size_t offset, std::uint32_t value) {
-    Bytes bytes = ThreeTables();
-    for (std::size_t i = 0; i < 4; ++i) bytes[offset + i] = static_cast<std::uint8_t>(value >> (8 * i));
-    return Parse(entry, bytes);
+    return Parse(entry, With(ThreeTables(), offset, value));
   };
   constexpr std::size_t kFirstBlock = 16 + 3 * 20;
   EXPECT_FALSE(loads(0, 0)) << "magic";

@@ -14,6 +14,7 @@ namespace {
 using nvx::test::ByteBuilder;
 using nvx::test::Bytes;
 using nvx::test::BytesOf;
+using nvx::test::First;
 using nvx::test::Parse;
 
 ByteBuilder Header(std::uint32_t inputs, std::uint32_t outputs, std::uint32_t grid) {
@@ -218,7 +219,7 @@ TEST(ChromaEntry, RefusesWhatTheStreamDoesNotHold) {
   CSeparateChromaEntry entry;
   ASSERT_TRUE(Parse(entry, whole));
   for (std::size_t size = 0; size < whole.size(); ++size) {
-    EXPECT_FALSE(Parse(entry, Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size)))) << size;
+    EXPECT_FALSE(Parse(entry, First(whole, size))) << size;
   }
   struct Counts {
     std::uint32_t inputs, outputs, grid;

@@ -12,6 +12,7 @@ namespace {
 
 using nvx::test::ByteBuilder;
 using nvx::test::Bytes;
+using nvx::test::First;
 
 bool Parse(CProfileDataEntry& entry, const Bytes& bytes, nvx::Diagnosis* diagnosis = nullptr) {
   std::copy(bytes.begin(), bytes.end(), entry.GetBuffer(static_cast<std::uint32_t>(bytes.size())));
@@ -254,7 +255,7 @@ TEST(MaskDownload, PatternsNestTheirFormsInOneBlock) {
   EXPECT_EQ(BufferOf(entry), whole);
   for (std::size_t n = 0; n < whole.size(); ++n) {
     CMaskDownloadIncludePatternEntry cut;
-    EXPECT_FALSE(Parse(cut, Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(n)))) << n;
+    EXPECT_FALSE(Parse(cut, First(whole, n))) << n;
   }
   Bytes other = whole;
   other[20 + 8] = 4;

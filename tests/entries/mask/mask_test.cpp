@@ -13,6 +13,7 @@ namespace {
 
 using nvx::test::ByteBuilder;
 using nvx::test::Bytes;
+using nvx::test::With;
 
 CMaskParameterDataEntry* NewRecord(std::uint32_t pass, std::vector<std::uint32_t> colors, const Bytes& data = {}) {
   CMaskParameterDataEntry* const entry = CMaskParameterDataEntry::CreateEntry();
@@ -154,12 +155,6 @@ TEST(MaskParameter, FormIsExact) {
 std::vector<Bytes> CutStreams(const Bytes& whole, std::vector<Bytes> streams) {
   for (auto end = whole.begin(); end != whole.end(); ++end) streams.emplace_back(whole.begin(), end);
   return streams;
-}
-
-// The bytes at an offset replaced by a number.
-Bytes With(Bytes bytes, std::size_t offset, std::uint32_t value) {
-  for (int i = 0; i < 4; ++i) bytes[offset + static_cast<std::size_t>(i)] = static_cast<std::uint8_t>(value >> (8 * i));
-  return bytes;
 }
 
 TEST(MaskParameter, RefusedStreamsLeaveTheListAlone) {

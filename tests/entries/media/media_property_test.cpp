@@ -12,6 +12,7 @@ namespace {
 using nvx::test::ByteBuilder;
 using nvx::test::Bytes;
 using nvx::test::BytesOf;
+using nvx::test::First;
 using nvx::test::Parse;
 
 struct Block {
@@ -136,7 +137,7 @@ TEST(MediaEntry, ReadsWhatIsMissingOfTheLastBlockAsZero) {
     CMediaPropertyEntry entry;
     nvx::Diagnosis diagnosis;
     entry.SetDiagnosis(&diagnosis);
-    const bool loaded = Parse(entry, Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size)));
+    const bool loaded = Parse(entry, First(whole, size));
     EXPECT_EQ(loaded, size >= whole.size() - 64) << size;
     EXPECT_EQ(diagnosis.HasErrors(), !loaded);
     EXPECT_FALSE(diagnosis.Findings().empty());

@@ -12,6 +12,7 @@ namespace {
 using nvx::test::ByteBuilder;
 using nvx::test::Bytes;
 using nvx::test::BytesOf;
+using nvx::test::First;
 using nvx::test::Parse;
 
 ByteBuilder ModelRecord(std::uint32_t version, std::uint32_t cmyk = 1) {
@@ -87,7 +88,7 @@ TEST(ModelEntry, TakesAnyVersionAndAnyLengthBehindTheSignature) {
   const Bytes whole = ModelRecord(0x00010002).U32(3);
   for (std::size_t size = 1; size < whole.size(); ++size) {
     CModelEntry entry;
-    ASSERT_EQ(Parse(entry, Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size))), size >= 4) << size;
+    ASSERT_EQ(Parse(entry, First(whole, size)), size >= 4) << size;
     if (size < 4) continue;
     EXPECT_EQ(Name(*entry.GetModelData(), &CModelData::GetModelName).size(),
               std::min<std::size_t>(size < 16 ? 0 : size - 16, 5));
@@ -157,7 +158,7 @@ TEST(InfoEntry, RefusesOtherVersionsAndKeepsWhatItHad) {
   const Bytes whole = InfoRecord();
   for (std::size_t size = 1; size < whole.size(); ++size) {
     CInfoEntry cut;
-    ASSERT_EQ(Parse(cut, Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size))), size >= 11) << size;
+    ASSERT_EQ(Parse(cut, First(whole, size)), size >= 11) << size;
   }
 }
 

@@ -1,26 +1,28 @@
 #include "support/entry_bytes.h"
+#include "support/word_table.h"
 
-#include <nvxprofile/diagnosis.h>
 #include <nvxprofile/special_color.h>
 
 #include <gtest/gtest.h>
 
-#include <limits>
 #include <memory>
 #include <vector>
 
 namespace {
 
+using nvx::test::ArrayOf;
 using nvx::test::ByteBuilder;
 using nvx::test::Bytes;
 using nvx::test::BytesOf;
+using nvx::test::ExpectCutFormsRefused;
+using nvx::test::FillTable;
+using nvx::test::kGreatest;
+using nvx::test::kLeast;
 using nvx::test::Parse;
 using nvx::test::ToCapacity;
-using Words = std::vector<std::int32_t>;
+using nvx::test::With;
+using nvx::test::Words;
 using Table = std::unique_ptr<CSpecialColorInfoDataEntry>;
-
-constexpr std::int32_t kLeast = std::numeric_limits<std::int32_t>::min();
-constexpr std::int32_t kGreatest = std::numeric_limits<std::int32_t>::max();
 
 // Two patterns of three slots, and what they recommend. Two curve sets of 174 and 32 bytes.
 const Words kPatterns = {80, 0, 2,    206,                 //
@@ -29,17 +31,10 @@ const Words kPatterns = {80, 0, 2,    206,                 //
 const Words kAdvice = {0, 0, 1, 40, 2,                     //
                        0, 0, 3, 60, 0};
 
-Words ArrayOf(CSpecialColorInfoDataEntry& table, std::int32_t array) {
-  const auto words = table.Arrays().Words(array);
-  return Words(words.begin(), words.end());
-}
-
 Table MakeTable(std::int32_t patterns, const Words& first, const Words& second) {
   const std::uint32_t sizes[] = {static_cast<std::uint32_t>(first.size()), static_cast<std::uint32_t>(second.size())};
   Table table(CSpecialColorInfoDataEntry::CreateSpecialColorInfoDataEntry(1, sizes));
-  table->SetPatternCount(patterns);
-  for (std::size_t i = 0; i < first.size(); ++i) table->SetParameter(static_cast<std::int32_t>(i), first[i], 0);
-  for (std::size_t i = 0; i < second.size(); ++i) table->SetParameter(static_cast<std::int32_t>(i), second[i], 1);
+  FillTable(*table, patterns, first, second);
   return table;
 }
 
@@ -246,23 +241,12 @@ TEST(SpecialColor, RefusesToSaveWhatCannotBeReadBack) {
   }
 }
 
-TEST(SpecialColor, EveryTruncationIsRefusedWithAReason) {
-  const Bytes whole = TwoTables();
-  for (std::size_t size = 1; size < whole.size(); ++size) {
-    CSpecialColorInfoEntry entry;
-    nvx::Diagnosis diagnosis;
-    entry.SetDiagnosis(&diagnosis);
-    EXPECT_FALSE(Parse(entry, Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size)))) << size;
-    EXPECT_TRUE(diagnosis.HasErrors()) << size;
-  }
-}
+TEST(SpecialColor, EveryTruncationIsRefusedWithAReason) { ExpectCutFormsRefused<CSpecialColorInfoEntry>(TwoTables()); }
 
 TEST(SpecialColor, HostileFormsAreRefused) {
   CSpecialColorInfoEntry entry;
   const auto loads = [&](std::size_t offset, std::uint32_t value) {
-    Bytes bytes = TwoTables();
-    for (std::size_t i = 0; i < 4; ++i) bytes[offset + i] = static_cast<std::uint8_t>(value >> (8 * i));
-    return Parse(entry, bytes);
+    return Parse(entry, With(TwoTables(), offset, value));
   };
   constexpr std::size_t kWords = kTwoRecords + 4;
   constexpr std::size_t kCurves = kTwoRecords + kDataSize;
