@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <memory>
 #include <new>
@@ -17,16 +18,18 @@ namespace {
 namespace heap = nvx::test::heap;
 using nvx::test::Bytes;
 
+void AddFiles(const std::filesystem::path& root, std::vector<std::filesystem::path>& files) {
+  if (!std::filesystem::exists(root)) return;
+  for (const auto& item : std::filesystem::recursive_directory_iterator(root)) {
+    if (item.is_regular_file()) files.push_back(item.path());
+  }
+}
+
 // Files that the repository keeps as seeds and as past findings of its fuzzers, by the form that they hold.
 std::vector<std::filesystem::path> Corpus() {
   std::vector<std::filesystem::path> files;
-  for (const char* const folder : {"corpus", "regressions"}) {
-    const std::filesystem::path root = std::filesystem::path(NVXPROFILE_SOURCE_FOLDER) / "fuzz" / folder;
-    if (!std::filesystem::exists(root)) continue;
-    for (const auto& item : std::filesystem::recursive_directory_iterator(root)) {
-      if (item.is_regular_file()) files.push_back(item.path());
-    }
-  }
+  AddFiles(NVXPROFILE_SOURCE_FOLDER "/fuzz/corpus", files);
+  AddFiles(NVXPROFILE_SOURCE_FOLDER "/fuzz/regressions", files);
   return files;
 }
 
@@ -90,8 +93,10 @@ void RunOutOfMemory(Run run) {
 }
 
 TEST(LoadMemory, StaysBelowFiveTimesTheBytesAndOneMegabyte) {
-  const auto files = Corpus();
+  auto files = Corpus();
   ASSERT_FALSE(files.empty());
+  // What a long run of the fuzzers has gathered, in folders of the same names.
+  if (const char* const gathered = std::getenv("NVXPROFILE_GATHERED_CORPUS")) AddFiles(gathered, files);
   for (const auto& path : files) {
     SCOPED_TRACE(path.string());
     const std::size_t limit = 5 * std::filesystem::file_size(path) + (std::size_t{1} << 20);
