@@ -1,14 +1,13 @@
 #include "core/replacing_file.h"
 #include "core/stream.h"
+#include "support/environment.h"
 #include "support/temp_folder.h"
 
 #include <nvxprofile/file.h>
 
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <unistd.h>
 
-#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <numeric>
@@ -235,16 +234,13 @@ TEST(ReplacingFile, AFullDiskLeavesTheOldFileAndNothingElse) {
       return true;
     };
   };
-  std::signal(SIGXFSZ, SIG_IGN);
-  ::rlimit old{};
-  ::getrlimit(RLIMIT_FSIZE, &old);
-  ::rlimit small = old;
-  for (const ::rlim_t limit : {::rlim_t{0}, ::rlim_t{1}, ::rlim_t{32767}, ::rlim_t{32768}, ::rlim_t{99'999}}) {
-    small.rlim_cur = limit;
-    ::setrlimit(RLIMIT_FSIZE, &small);
-    EXPECT_FALSE(nvx::SaveByReplacing(folder.WideFile("p.icc").c_str(), writes(100, 1000)));
-    EXPECT_FALSE(nvx::SaveByReplacing(folder.WideFile("p.icc").c_str(), writes(1, 100'000)));
-    ::setrlimit(RLIMIT_FSIZE, &old);
+  for (const std::size_t limit :
+       {std::size_t{0}, std::size_t{1}, std::size_t{32767}, std::size_t{32768}, std::size_t{99'999}}) {
+    {
+      const nvx::test::ScopedFileSizeLimit full(limit);
+      EXPECT_FALSE(nvx::SaveByReplacing(folder.WideFile("p.icc").c_str(), writes(100, 1000)));
+      EXPECT_FALSE(nvx::SaveByReplacing(folder.WideFile("p.icc").c_str(), writes(1, 100'000)));
+    }
     EXPECT_EQ(ReadBytes(folder.File("p.icc")), Ramp(50));
     EXPECT_EQ(FilesIn(folder), 1u);
   }

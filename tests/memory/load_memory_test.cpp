@@ -1,5 +1,6 @@
 // What a load takes of the heap, and what it leaves when the heap gives nothing more.
 #include "memory/heap.h"
+#include "support/environment.h"
 #include "support/temp_folder.h"
 
 #include <nvxprofile/profile_access.h>
@@ -92,7 +93,13 @@ void RunOutOfMemory(Run run) {
   }
 }
 
-TEST(LoadMemory, StaysBelowFiveTimesTheBytesAndOneMegabyte) {
+class LoadMemory : public testing::Test {
+ private:
+  // Text-headed profiles need the table that stands beside an example.
+  nvx::test::ScopedVariable folder_{"NVXPROFILE_PROFILE_DIR", NVXPROFILE_SOURCE_FOLDER "/examples/legacy"};
+};
+
+TEST_F(LoadMemory, StaysBelowFiveTimesTheBytesAndOneMegabyte) {
   auto files = Corpus();
   ASSERT_FALSE(files.empty());
   // What a long run of the fuzzers has gathered, in folders of the same names.
@@ -108,7 +115,7 @@ TEST(LoadMemory, StaysBelowFiveTimesTheBytesAndOneMegabyte) {
   }
 }
 
-TEST(LoadMemory, AnExhaustedHeapIsPassedOnAndLeavesNothing) {
+TEST_F(LoadMemory, AnExhaustedHeapIsPassedOnAndLeavesNothing) {
   for (const auto& path : Corpus()) {
     if (std::filesystem::file_size(path) > 20'000) continue;
     SCOPED_TRACE(path.string());

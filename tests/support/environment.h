@@ -1,6 +1,10 @@
-// Environment variables for the time of a test.
+// What a test changes in its process for a while: environment variables, and the room that the disk has.
 #pragma once
 
+#include <sys/resource.h>
+
+#include <csignal>
+#include <cstddef>
 #include <cstdlib>
 #include <optional>
 #include <string>
@@ -40,6 +44,26 @@ class ScopedLanguage {
  private:
   ScopedVariable all_;
   ScopedVariable page_;
+};
+
+// No file grows beyond a size, as on a full disk.
+class ScopedFileSizeLimit {
+ public:
+  explicit ScopedFileSizeLimit(std::size_t size) : signal_(std::signal(SIGXFSZ, SIG_IGN)) {
+    ::getrlimit(RLIMIT_FSIZE, &before_);
+    const ::rlimit limit{size, before_.rlim_max};
+    ::setrlimit(RLIMIT_FSIZE, &limit);
+  }
+  ScopedFileSizeLimit(const ScopedFileSizeLimit&) = delete;
+  ScopedFileSizeLimit& operator=(const ScopedFileSizeLimit&) = delete;
+  ~ScopedFileSizeLimit() {
+    ::setrlimit(RLIMIT_FSIZE, &before_);
+    std::signal(SIGXFSZ, signal_);
+  }
+
+ private:
+  ::rlimit before_{};
+  void (*signal_)(int);
 };
 
 }  // namespace nvx::test
