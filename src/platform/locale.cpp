@@ -169,30 +169,70 @@ std::string WideToAnsi(std::u16string_view text) {
                            });
 }
 
+namespace {
+
+constexpr bool IsSurrogate(char32_t point) { return point >= 0xD800 && point < 0xE000; }
+
+// Bytes of the sequence that starts with `lead`; 0 if none does.
+constexpr std::size_t SequenceSize(unsigned char lead) {
+  if (lead < 0x80) return 1;
+  if (lead < 0xC2) return 0;
+  if (lead < 0xE0) return 2;
+  if (lead < 0xF0) return 3;
+  return lead < 0xF5 ? 4 : 0;
+}
+
+struct Utf8Sequence {
+  char32_t point;
+  std::size_t size;
+};
+
+// The code point at the start of the text, which is not empty. A broken sequence is one replacement character, as long
+// as the bytes that belong together.
+Utf8Sequence FirstSequence(std::string_view text) {
+  constexpr std::array<char32_t, 5> kLeast{0, 0, 0x80, 0x800, 0x10000};
+  const auto lead = static_cast<unsigned char>(text.front());
+  const std::size_t size = SequenceSize(lead);
+  if (size == 0) return {kReplacement, 1};
+  char32_t point = size == 1 ? lead : lead & (0x7Fu >> size);
+  for (std::size_t i = 1; i < size; ++i) {
+    const unsigned char next = i < text.size() ? static_cast<unsigned char>(text[i]) : 0;
+    if ((next & 0xC0) != 0x80) return {kReplacement, i};
+    point = point << 6 | (next & 0x3Fu);
+  }
+  const bool valid = point >= kLeast[size] && point < 0x110000 && !IsSurrogate(point);
+  return {valid ? point : char32_t{kReplacement}, size};
+}
+
+void AppendUtf16(std::u16string& out, char32_t point) {
+  if (point < 0x10000) {
+    out += static_cast<char16_t>(point);
+    return;
+  }
+  out += static_cast<char16_t>(0xD800 + ((point - 0x10000) >> 10));
+  out += static_cast<char16_t>(0xDC00 + ((point - 0x10000) & 0x3FF));
+}
+
+// The lead byte says how many bytes of 6 bits follow.
+void AppendUtf8(std::string& out, char32_t point) {
+  const int following = point < 0x80 ? 0 : point < 0x800 ? 1 : point < 0x10000 ? 2 : 3;
+  constexpr std::array<unsigned, 4> kLead{0, 0xC0, 0xE0, 0xF0};
+  out += static_cast<char>(kLead[static_cast<std::size_t>(following)] | point >> (6 * following));
+  for (int i = following - 1; i >= 0; --i) out += static_cast<char>(0x80 | (point >> (6 * i) & 0x3F));
+}
+
+}  // namespace
+
 std::string WideToUtf8(std::u16string_view text) {
   std::string out;
   out.reserve(text.size());
   for (std::size_t i = 0; i < text.size(); ++i) {
     char32_t point = text[i];
-    if (point >= 0xD800 && point < 0xE000) {
+    if (IsSurrogate(point)) {
       const bool pair = point < 0xDC00 && i + 1 < text.size() && text[i + 1] >= 0xDC00 && text[i + 1] < 0xE000;
       point = pair ? 0x10000 + ((point - 0xD800) << 10) + (text[++i] - 0xDC00u) : char32_t{kReplacement};
     }
-    if (point < 0x80) {
-      out += static_cast<char>(point);
-    } else if (point < 0x800) {
-      out += static_cast<char>(0xC0 | point >> 6);
-      out += static_cast<char>(0x80 | (point & 0x3F));
-    } else if (point < 0x10000) {
-      out += static_cast<char>(0xE0 | point >> 12);
-      out += static_cast<char>(0x80 | (point >> 6 & 0x3F));
-      out += static_cast<char>(0x80 | (point & 0x3F));
-    } else {
-      out += static_cast<char>(0xF0 | point >> 18);
-      out += static_cast<char>(0x80 | (point >> 12 & 0x3F));
-      out += static_cast<char>(0x80 | (point >> 6 & 0x3F));
-      out += static_cast<char>(0x80 | (point & 0x3F));
-    }
+    AppendUtf8(out, point);
   }
   return out;
 }
@@ -200,33 +240,10 @@ std::string WideToUtf8(std::u16string_view text) {
 std::u16string Utf8ToWide(std::string_view text) {
   std::u16string out;
   out.reserve(text.size());
-  for (std::size_t i = 0; i < text.size();) {
-    const unsigned char lead = static_cast<unsigned char>(text[i]);
-    const std::size_t length = lead < 0x80                   ? 1
-                               : lead >= 0xC2 && lead < 0xE0 ? 2
-                               : lead < 0xF0                 ? 3
-                               : lead < 0xF5                 ? 4
-                                                             : 0;
-    char32_t point = length == 1 ? lead : lead & (0x7Fu >> length);
-    std::size_t used = 1;
-    bool valid = length != 0 && !(lead >= 0x80 && lead < 0xC2);
-    for (; valid && used < length; ++used) {
-      const unsigned char next = i + used < text.size() ? static_cast<unsigned char>(text[i + used]) : 0;
-      if ((next & 0xC0) != 0x80) break;
-      point = point << 6 | (next & 0x3Fu);
-    }
-    constexpr std::array<char32_t, 5> kLeast{0, 0, 0x80, 0x800, 0x10000};
-    valid =
-        valid && used == length && point >= kLeast[length] && point < 0x110000 && !(point >= 0xD800 && point < 0xE000);
-    if (!valid) {
-      out += kReplacement;
-    } else if (point < 0x10000) {
-      out += static_cast<char16_t>(point);
-    } else {
-      out += static_cast<char16_t>(0xD800 + ((point - 0x10000) >> 10));
-      out += static_cast<char16_t>(0xDC00 + ((point - 0x10000) & 0x3FF));
-    }
-    i += used;
+  while (!text.empty()) {
+    const Utf8Sequence sequence = FirstSequence(text);
+    AppendUtf16(out, sequence.point);
+    text.remove_prefix(sequence.size);
   }
   return out;
 }
