@@ -2,6 +2,7 @@
 // input becomes a file, in memory where the system has a folder for that.
 #include "check.h"
 #include "forms.h"
+#include "scratch_folder.h"
 
 #include <nvxprofile/convert.h>
 #include <nvxprofile/diagnosis.h>
@@ -12,40 +13,11 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
 #include <string>
 
 namespace {
 
 using nvx::fuzz::Check;
-
-namespace fs = std::filesystem;
-
-// The folder of this process, with the conversion table in it.
-class Folder {
- public:
-  Folder() {
-    const fs::path root = fs::is_directory("/dev/shm") ? fs::path("/dev/shm") : fs::temp_directory_path();
-    std::string name = (root / "nvx-fuzz-XXXXXX").string();
-    Check(::mkdtemp(name.data()) != nullptr);
-    path_ = name;
-    std::ofstream(path_ / "QPFConvert.qpd") << "[Printer.PX]\nModelCode=0042\nModelSubCode=07\nInternalCode=13\n"
-                                               "[Inkset.SetA]\nMaker=3\nInk=5\nColorset=12\nVer=2\n"
-                                               "[Printer.00420713:Scan.720:Feed.1080]\nRendering_Scan=360\n"
-                                               "Rendering_Feed=540\nExpand=4\n";
-    ::setenv("NVXPROFILE_PROFILE_DIR", name.c_str(), 1);
-  }
-  ~Folder() {
-    std::error_code error;
-    fs::remove_all(path_, error);
-  }
-  std::u16string Wide(const char* name) const { return nvx::Utf8ToWide((path_ / name).string()); }
-  const fs::path& Path() const { return path_; }
-
- private:
-  fs::path path_;
-};
 
 template <class Format>
 bool Load(const std::u16string& path, CProfileData& data) {
@@ -92,12 +64,12 @@ extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t s
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
-  static const Folder folder;
+  static const nvx::fuzz::ScratchFolder folder;
+  folder.WriteConversionTable();
   ::setenv("NVXPROFILE_CODEPAGE", size % 2 == 0 ? "932" : "1252", 1);
   ::setenv("LC_ALL", size % 3 == 0 ? "ja_JP" : "en_US", 1);
-  std::ofstream(folder.Path() / "a.qpf", std::ios::binary | std::ios::trunc)
-      .write(reinterpret_cast<const char*>(bytes), static_cast<std::streamsize>(size));
-  const std::u16string path = folder.Wide("a.qpf");
+  folder.Write("a.qpf", {bytes, size});
+  const std::u16string path = folder.WideFile("a.qpf");
 
   CProfileData second;
   Load<CProfileFileQPFv2>(path, second);
@@ -105,7 +77,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
   if (!Load<CProfileFileQPFv1>(path, data)) return 0;
   if (ComesBack(data)) {
     bool more = data.GetRouteStartPos();
-    const std::u16string saved = folder.Wide("b.qpf");
+    const std::u16string saved = folder.WideFile("b.qpf");
     Check(CProfileFileQPFv1().SaveData(saved.c_str(), &data, data.GetNextRoute(more)->GetRouteType()));
     CProfileData again;
     Check(Load<CProfileFileQPFv1>(saved, again));
@@ -116,6 +88,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
   const _tagDBDeviceProfileInfo database;
   converter.SetupModuleVersion(u"1");
   converter.ConvertV2ToV3Profile(&database);
-  converter.SaveV3Profile(folder.Wide("c.icc").c_str());
+  converter.SaveV3Profile(folder.WideFile("c.icc").c_str());
   return 0;
 }

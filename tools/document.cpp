@@ -99,8 +99,11 @@ Json EntryToJson(CProfileDataEntry& entry, const std::string& filesFolder) {
   return json;
 }
 
+// A document comes from anywhere: what it names must be a file, not a device that never ends.
 Bytes ReadFile(const Node& node, const std::string& folder) {
   const std::filesystem::path path = std::filesystem::path(folder) / node.Text(4096);
+  std::error_code error;
+  if (!std::filesystem::is_regular_file(path, error)) node.Fail(path.string() + " is no file");
   std::ifstream file(path, std::ios::binary);
   if (!file) node.Fail("the file " + path.string() + " cannot be opened");
   return Bytes(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
