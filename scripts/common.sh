@@ -25,4 +25,4 @@ profile_packages=(icc-profiles-free colord-data libgs-common)
 test_packages=(libgtest-dev libgmock-dev liblcms2-dev python3-jsonschema)
 
 # Every real ICC profile of the profile packages.
-profiles() { find /usr/share/color/icc -type f \( -name '*.icc' -o -name '*.icm' \) | sort; }
+profiles() { find /usr/share/color/icc -type f \( -iname '*.icc' -o -iname '*.icm' \) | sort; }
