@@ -1,5 +1,7 @@
 // Histories of calibrations with three curve sets of 8 inks: loads and saves as ratios to a copy of their bytes, and
 // how queries grow with the number of calibrations.
+#include "timing.h"
+
 #include <nvxprofile/calibration_history.h>
 #include <nvxprofile/profile_access.h>
 #include <nvxprofile/profile_file.h>
@@ -10,12 +12,13 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
-#include <ctime>
 #include <filesystem>
 #include <memory>
 #include <string>
 
 namespace {
+
+using nvx::bench::ProcessorSeconds;
 
 template <class Entry>
 std::unique_ptr<Entry> EightInks() {
@@ -45,9 +48,6 @@ std::unique_ptr<CCalibrationHistoryEntry> MakeHistory(int calibrations) {
   return history;
 }
 
-// Processor time, which other work on the machine bends least.
-double Seconds() { return static_cast<double>(std::clock()) / CLOCKS_PER_SEC; }
-
 // Loads and copies alike start from a heap that holds no free pages, as in a process that loads its first profile.
 void GiveFreePagesBack() { ::malloc_trim(0); }
 
@@ -58,13 +58,13 @@ double CopySeconds(const std::uint8_t* bytes, std::size_t size) {
   for (int i = 0; i < 50; ++i) {
     void* copies[kCopies];
     GiveFreePagesBack();
-    const double start = Seconds();
-    for (void*& copy : copies) {
-      copy = std::malloc(size);
-      std::memcpy(copy, bytes, size);
-      benchmark::DoNotOptimize(copy);
-    }
-    best = std::min(best, Seconds() - start);
+    best = std::min(best, ProcessorSeconds([&] {
+                      for (void*& copy : copies) {
+                        copy = std::malloc(size);
+                        std::memcpy(copy, bytes, size);
+                        benchmark::DoNotOptimize(copy);
+                      }
+                    }));
     for (void* const copy : copies) std::free(copy);
   }
   return best / kCopies;
@@ -76,9 +76,8 @@ void ReportRatio(benchmark::State& state, double unit, Run run) {
   double best = 1e9;
   for (auto _ : state) {
     GiveFreePagesBack();
-    const double start = Seconds();
-    auto result = run();
-    const double seconds = Seconds() - start;
+    decltype(run()) result{};
+    const double seconds = ProcessorSeconds([&] { result = run(); });
     benchmark::DoNotOptimize(result);
     state.SetIterationTime(seconds);
     best = std::min(best, seconds);

@@ -1,18 +1,21 @@
 // Lookups by printing condition in tables of 10,000 patterns, of which the last one passes. Against the same lookup in
 // a tenth of the patterns (at most 10 when linear), and against a plain walk that compares one word of each record.
+#include "timing.h"
+
 #include <nvxprofile/large_parameter.h>
 #include <nvxprofile/special_color.h>
 
 #include <benchmark/benchmark.h>
 
-#include <algorithm>
-#include <chrono>
 #include <cstdint>
 #include <memory>
 
 namespace {
 
+using nvx::bench::Quickest;
+
 constexpr std::int32_t kMany = 10'000;
+constexpr int kRuns = 200;
 constexpr std::int32_t kFew = kMany / 10;
 constexpr std::uint32_t kLampStride = 14;
 constexpr std::uint32_t kColorStride = 9;
@@ -69,20 +72,8 @@ std::int32_t Find(CSpecialColorInfoDataEntry& table, std::int32_t number) {
   return table.SeekPatternIndexByCondition(1250, 2, 4, colors);
 }
 
-// Seconds of the quickest of several runs.
-template <class Work>
-double Quickest(Work&& work) {
-  double best = 1e9;
-  for (int i = 0; i < 200; ++i) {
-    const auto start = std::chrono::steady_clock::now();
-    work();
-    best = std::min(best, std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
-  }
-  return best;
-}
-
 double WalkSeconds(const std::int32_t* first, std::int32_t patterns, std::uint32_t stride) {
-  return Quickest([&] {
+  return Quickest(kRuns, [&] {
     std::int32_t found = -1;
     for (std::int32_t i = 0; i < patterns && found < 0; ++i) {
       const std::int32_t* const record = first + static_cast<std::uint32_t>(i) * stride;
@@ -96,26 +87,27 @@ template <class Table>
 void Run(benchmark::State& state, Table& many, Table& few, std::uint32_t head, std::uint32_t stride) {
   if (Find(many, kMany - 1) != kMany - 1) return state.SkipWithError("the last pattern is not found");
   for (auto _ : state) benchmark::DoNotOptimize(Find(many, kMany - 1));
-  const double seconds = Quickest([&] { benchmark::DoNotOptimize(Find(many, kMany - 1)); });
-  state.counters["ratio"] = seconds / Quickest([&] { benchmark::DoNotOptimize(Find(few, kFew - 1)); });
+  const double seconds = Quickest(kRuns, [&] { benchmark::DoNotOptimize(Find(many, kMany - 1)); });
+  state.counters["ratio"] = seconds / Quickest(kRuns, [&] { benchmark::DoNotOptimize(Find(few, kFew - 1)); });
   state.counters["walks"] = seconds / WalkSeconds(many.GetRefBuffer(0) + head, kMany, stride);
 }
 
-void BM_ConditionLamp(benchmark::State& state) { Run(state, *LampTable(kMany), *LampTable(kFew), 2, kLampStride); }
-BENCHMARK(BM_ConditionLamp)->Unit(benchmark::kMicrosecond);
+void ConditionLamp(benchmark::State& state) { Run(state, *LampTable(kMany), *LampTable(kFew), 2, kLampStride); }
+BENCHMARK(ConditionLamp)->Unit(benchmark::kMicrosecond);
 
-void BM_ConditionSpecialColor(benchmark::State& state) {
+void ConditionSpecialColor(benchmark::State& state) {
   Run(state, *ColorTable(kMany), *ColorTable(kFew), 4, kColorStride);
 }
-BENCHMARK(BM_ConditionSpecialColor)->Unit(benchmark::kMicrosecond);
+BENCHMARK(ConditionSpecialColor)->Unit(benchmark::kMicrosecond);
 
 // The block of the last pattern, found by adding up all before it; against the lookup of the pattern.
-void BM_ConditionLampBlock(benchmark::State& state) {
+void ConditionLampBlock(benchmark::State& state) {
   const auto table = LampTable(kMany);
   const auto block = [&] { benchmark::DoNotOptimize(table->GetRefBufferByPatternIndex(kMany - 1)); };
   for (auto _ : state) block();
-  state.counters["ratio"] = Quickest(block) / Quickest([&] { benchmark::DoNotOptimize(Find(*table, kMany - 1)); });
+  state.counters["ratio"] =
+      Quickest(kRuns, block) / Quickest(kRuns, [&] { benchmark::DoNotOptimize(Find(*table, kMany - 1)); });
 }
-BENCHMARK(BM_ConditionLampBlock)->Unit(benchmark::kMicrosecond);
+BENCHMARK(ConditionLampBlock)->Unit(benchmark::kMicrosecond);
 
 }  // namespace

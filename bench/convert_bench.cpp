@@ -1,17 +1,16 @@
 // Converting 100 legacy profiles on two threads against one, and the conversion table's part of a load.
+#include "timing.h"
+
 #include <nvxprofile/convert.h>
 #include <nvxprofile/profile_file.h>
 #include <nvxprofile/text_conversion.h>
 
 #include <benchmark/benchmark.h>
 
-#include <algorithm>
 #include <atomic>
-#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <limits>
 #include <memory>
 #include <random>
 #include <string>
@@ -19,6 +18,8 @@
 #include <vector>
 
 namespace {
+
+using nvx::bench::Quickest;
 
 namespace fs = std::filesystem;
 
@@ -49,20 +50,6 @@ class Workshop {
   fs::path path_;
 };
 
-template <class Run>
-double Seconds(Run run) {
-  const auto start = std::chrono::steady_clock::now();
-  run();
-  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
-template <class Run>
-double BestSeconds(Run run) {
-  double best = std::numeric_limits<double>::max();
-  for (int i = 0; i < kRepetitions; ++i) best = std::min(best, Seconds(run));
-  return best;
-}
-
 void ConvertAll(const Workshop& workshop, int threadCount) {
   const _tagDBDeviceProfileInfo database;
   std::atomic<int> next{0};
@@ -81,21 +68,21 @@ void ConvertAll(const Workshop& workshop, int threadCount) {
 }
 
 // ratio: time on two threads over time on one; 0.6 is the most it may be on two idle cores.
-void BM_ConvertOnTwoThreads(benchmark::State& state) {
+void ConvertOnTwoThreads(benchmark::State& state) {
   const Workshop workshop;
   double one = 0;
   double two = 0;
   for (auto _ : state) {
-    one = BestSeconds([&] { ConvertAll(workshop, 1); });
-    two = BestSeconds([&] { ConvertAll(workshop, 2); });
+    one = Quickest(kRepetitions, [&] { ConvertAll(workshop, 1); });
+    two = Quickest(kRepetitions, [&] { ConvertAll(workshop, 2); });
   }
   state.counters["ratio"] = two / one;
   state.counters["profiles/s"] = kProfiles / two;
 }
-BENCHMARK(BM_ConvertOnTwoThreads)->Iterations(1)->Unit(benchmark::kMillisecond);
+BENCHMARK(ConvertOnTwoThreads)->Iterations(1)->Unit(benchmark::kMillisecond);
 
 // ratio: a load whose labels stand at the end of a table of a megabyte, over a plain read of that table.
-void BM_LoadWithLongTable(benchmark::State& state) {
+void LoadWithLongTable(benchmark::State& state) {
   const Workshop workshop;
   const std::string table = workshop.Narrow("QPFConvert.qpd");
   std::string text;
@@ -119,8 +106,8 @@ void BM_LoadWithLongTable(benchmark::State& state) {
     benchmark::DoNotOptimize(copy.data());
   };
   for (auto _ : state) load();
-  state.counters["ratio"] = BestSeconds(load) / BestSeconds(read);
+  state.counters["ratio"] = Quickest(kRepetitions, load) / Quickest(kRepetitions, read);
 }
-BENCHMARK(BM_LoadWithLongTable)->Unit(benchmark::kMillisecond);
+BENCHMARK(LoadWithLongTable)->Unit(benchmark::kMillisecond);
 
 }  // namespace

@@ -1,4 +1,6 @@
 // A curve query against a plain copy of the entry's buffer, and the growth of a load with curves and samples.
+#include "timing.h"
+
 #include <nvxprofile/curve_entry.h>
 #include <nvxprofile/profile_access.h>
 #include <nvxprofile/profile_file.h>
@@ -16,6 +18,8 @@
 #include <vector>
 
 namespace {
+
+using nvx::bench::Seconds;
 
 constexpr std::uint32_t kInks = 16;
 constexpr std::uint32_t kSamples = 256;
@@ -62,13 +66,6 @@ class LoadedProfile {
   bool loaded_ = false;
 };
 
-template <class Run>
-double SecondsOf(Run run) {
-  const auto start = std::chrono::steady_clock::now();
-  run();
-  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
 // Both sides run in turn, and the best run of each counts, so that a busy machine disturbs neither.
 void LinearizationQueryAgainstCopy(benchmark::State& state) {
   LoadedProfile profile;
@@ -84,14 +81,14 @@ void LinearizationQueryAgainstCopy(benchmark::State& state) {
   double plain = query;
   CError error;
   for (auto _ : state) {
-    query = std::min(query, SecondsOf([&] {
+    query = std::min(query, Seconds([&] {
                        for (int i = 0; i < kRepeat; ++i) {
                          int size = 0;
                          int type = 0;
                          benchmark::DoNotOptimize(profile.Access().GetLinearization(kInks - 1, size, type, &error));
                        }
                      }));
-    plain = std::min(plain, SecondsOf([&] {
+    plain = std::min(plain, Seconds([&] {
                        for (int i = 0; i < kRepeat; ++i) {
                          std::memcpy(copy.data(), buffer, length);
                          benchmark::DoNotOptimize(copy.data());

@@ -1,13 +1,12 @@
 // Taking a profile's private tags out: open from memory, drop the tags NVX1 to NVX7, take the image out. Against Little
 // CMS doing the same, and against the two copies that nobody can avoid: the bytes given, and the image taken.
 #include "core/byte_order.h"
+#include "timing.h"
 
 #include <benchmark/benchmark.h>
 #include <lcms2.h>
 #include <nvxprofile/icc_profile.h>
 
-#include <algorithm>
-#include <chrono>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -18,6 +17,9 @@
 #include <vector>
 
 namespace {
+
+using nvx::bench::Median;
+using nvx::bench::Seconds;
 
 using Bytes = std::vector<std::uint8_t>;
 
@@ -100,19 +102,6 @@ void CopyTwice(const Bytes& profile, std::size_t imageSize) {
   benchmark::DoNotOptimize(image.get());
 }
 
-template <class Work>
-double Seconds(Work work) {
-  const auto start = std::chrono::steady_clock::now();
-  work();
-  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
-double Median(std::vector<double> values) {
-  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-  std::nth_element(values.begin(), middle, values.end());
-  return *middle;
-}
-
 // All run in turn, so that they meet the same machine.
 void Compare(benchmark::State& state, const Bytes& profile) {
   const std::size_t size = DropPrivateTags(profile);
@@ -135,10 +124,10 @@ void Compare(benchmark::State& state, const Bytes& profile) {
   state.counters["to_copies_copied"] = Median(copied) / Median(copies);
 }
 
-void BM_IccDropTagsOfProfile(benchmark::State& state) { Compare(state, RealProfile()); }
-void BM_IccDropTagsOfLargeProfile(benchmark::State& state) { Compare(state, WithPrivateTags(RealProfile())); }
+void IccDropTagsOfProfile(benchmark::State& state) { Compare(state, RealProfile()); }
+void IccDropTagsOfLargeProfile(benchmark::State& state) { Compare(state, WithPrivateTags(RealProfile())); }
 
-BENCHMARK(BM_IccDropTagsOfProfile)->UseManualTime()->Unit(benchmark::kMicrosecond);
-BENCHMARK(BM_IccDropTagsOfLargeProfile)->UseManualTime()->Unit(benchmark::kMicrosecond);
+BENCHMARK(IccDropTagsOfProfile)->UseManualTime()->Unit(benchmark::kMicrosecond);
+BENCHMARK(IccDropTagsOfLargeProfile)->UseManualTime()->Unit(benchmark::kMicrosecond);
 
 }  // namespace

@@ -1,15 +1,16 @@
 // Loading a colour table, against a copy of its form in the same run.
+#include "timing.h"
+
 #include <nvxprofile/lut.h>
 
 #include <benchmark/benchmark.h>
 
-#include <chrono>
 #include <cstring>
 #include <memory>
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
+using nvx::bench::Seconds;
 
 // An entry with the form of a table of 3 inputs.
 std::unique_ptr<CSeparateChromaEntry> MakeEntry(std::uint32_t outputs, std::uint32_t grid) {
@@ -20,13 +21,6 @@ std::unique_ptr<CSeparateChromaEntry> MakeEntry(std::uint32_t outputs, std::uint
   for (std::uint32_t i = 0; i < run.size; ++i) run.samples[i] = static_cast<std::uint8_t>(i * 7 + i / 251);
   entry->DataToBuffer();
   return entry;
-}
-
-template <class Work>
-double Seconds(Work work) {
-  const auto start = Clock::now();
-  work();
-  return std::chrono::duration<double>(Clock::now() - start).count();
 }
 
 // Runs `work` and a plain copy of `size` bytes into a new block in turns, and reports the ratio of their times.

@@ -1,12 +1,12 @@
 // Print masks: what a load and a packing cost beside plain copies of the same bytes, and how a lookup grows.
+#include "timing.h"
+
 #include <nvxprofile/mask_download.h>
 #include <nvxprofile/profile_access.h>
 #include <nvxprofile/profile_file.h>
 
 #include <benchmark/benchmark.h>
 
-#include <algorithm>
-#include <chrono>
 #include <cstring>
 #include <filesystem>
 #include <memory>
@@ -15,8 +15,11 @@
 
 namespace {
 
+using nvx::bench::Quickest;
+
 using Bytes = std::vector<std::uint8_t>;
 
+constexpr int kRuns = 30;
 constexpr std::uint32_t kTotal = 2 << 20;
 
 void Fill(CMaskDownloadIncludePatternEntry& entry, std::uint32_t records, std::uint32_t patterns, std::uint32_t size) {
@@ -35,21 +38,9 @@ void Fill(CMaskDownloadIncludePatternEntry& entry, std::uint32_t records, std::u
   }
 }
 
-// Seconds of the quickest of several runs.
-template <class Work>
-double Quickest(Work&& work) {
-  double best = 1e9;
-  for (int i = 0; i < 30; ++i) {
-    const auto start = std::chrono::steady_clock::now();
-    work();
-    best = std::min(best, std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
-  }
-  return best;
-}
-
 // One copy into a block that is allocated for it, as each step makes at least.
 double CopySeconds(const std::uint8_t* bytes, std::uint32_t size) {
-  return Quickest([&] {
+  return Quickest(kRuns, [&] {
     Bytes copy(bytes, bytes + size);
     benchmark::DoNotOptimize(copy.data());
   });
@@ -59,27 +50,27 @@ double CopySeconds(const std::uint8_t* bytes, std::uint32_t size) {
 template <class Work>
 void RunAgainst(benchmark::State& state, double reference, Work&& work) {
   for (auto _ : state) work();
-  state.counters["ratio"] = Quickest(work) / reference;
+  state.counters["ratio"] = Quickest(kRuns, work) / reference;
 }
 
 // Patterns of the given size, 2 MB in all.
-void BM_MaskLoad(benchmark::State& state) {
+void MaskLoad(benchmark::State& state) {
   const auto size = static_cast<std::uint32_t>(state.range(0));
   CMaskDownloadIncludePatternEntry entry;
   Fill(entry, 8, kTotal / size, size);
   entry.DataToBuffer();
   RunAgainst(state, CopySeconds(entry.GetRefBuffer(), entry.GetSize()), [&] { entry.BufferToData(); });
 }
-BENCHMARK(BM_MaskLoad)->Arg(4096)->Arg(65536)->Unit(benchmark::kMicrosecond);
+BENCHMARK(MaskLoad)->Arg(4096)->Arg(65536)->Unit(benchmark::kMicrosecond);
 
-void BM_MaskSave(benchmark::State& state) {
+void MaskSave(benchmark::State& state) {
   const auto size = static_cast<std::uint32_t>(state.range(0));
   CMaskDownloadIncludePatternEntry entry;
   Fill(entry, 8, kTotal / size, size);
   entry.DataToBuffer();
   RunAgainst(state, CopySeconds(entry.GetRefBuffer(), entry.GetSize()), [&] { entry.DataToBuffer(); });
 }
-BENCHMARK(BM_MaskSave)->Arg(4096)->Arg(65536)->Unit(benchmark::kMicrosecond);
+BENCHMARK(MaskSave)->Arg(4096)->Arg(65536)->Unit(benchmark::kMicrosecond);
 
 // An access object on a profile with that entry.
 std::unique_ptr<CProfileAccess> AccessWith(std::uint32_t records, std::uint32_t patterns, std::uint32_t size) {
@@ -104,29 +95,29 @@ std::uint32_t Pack(CProfileAccess& access, std::uint8_t* buffer, std::uint32_t p
 }
 
 // 15 patterns, 2 MB in all, against a copy between two blocks that are there.
-void BM_MaskPack(benchmark::State& state) {
+void MaskPack(benchmark::State& state) {
   const auto access = AccessWith(1, 15, kTotal / 15);
   const std::uint32_t size = access ? Pack(*access, nullptr, 0) : 0;
   if (size < kTotal) return state.SkipWithError("no packed form");
   Bytes from(size, 1);
   Bytes to(size, 2);
-  const double reference = Quickest([&] {
+  const double reference = Quickest(kRuns, [&] {
     std::memcpy(to.data(), from.data(), size);
     benchmark::ClobberMemory();
   });
   RunAgainst(state, reference, [&] { benchmark::DoNotOptimize(Pack(*access, to.data(), 0)); });
 }
-BENCHMARK(BM_MaskPack)->Unit(benchmark::kMicrosecond);
+BENCHMARK(MaskPack)->Unit(benchmark::kMicrosecond);
 
 // The last of 10,000 records in a table of 10,000 patterns, against the same with 1,000 of both: at most 10 when
 // linear.
-void BM_MaskLookup(benchmark::State& state) {
+void MaskLookup(benchmark::State& state) {
   const auto few = AccessWith(1000, 1000, 16);
   const auto many = AccessWith(10000, 10000, 16);
   if (!few || !many) return state.SkipWithError("no profile");
-  const double reference = Quickest([&] { benchmark::DoNotOptimize(Pack(*few, nullptr, 999)); });
+  const double reference = Quickest(kRuns, [&] { benchmark::DoNotOptimize(Pack(*few, nullptr, 999)); });
   RunAgainst(state, reference, [&] { benchmark::DoNotOptimize(Pack(*many, nullptr, 9999)); });
 }
-BENCHMARK(BM_MaskLookup)->Unit(benchmark::kMicrosecond);
+BENCHMARK(MaskLookup)->Unit(benchmark::kMicrosecond);
 
 }  // namespace

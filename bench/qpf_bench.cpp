@@ -3,6 +3,7 @@
 // both take is watched by a test.
 #include "../tests/support/sample_profile.h"
 #include "core/replacing_file.h"
+#include "timing.h"
 
 #include <nvxprofile/icc_profile.h>
 #include <nvxprofile/profile_access.h>
@@ -11,7 +12,6 @@
 #include <benchmark/benchmark.h>
 #include <malloc.h>
 #include <sys/mman.h>
-#include <time.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -22,6 +22,9 @@
 #include <vector>
 
 namespace {
+
+using nvx::bench::Median;
+using nvx::bench::ProcessorSeconds;
 
 class ProfileOnDisk {
  public:
@@ -72,25 +75,6 @@ void Read(const ProfileOnDisk& profile, const FreshBlock& block) {
   benchmark::DoNotOptimize(block.Get());
 }
 
-// Processor time, that of the system included: the disk and other processes are somebody else's.
-template <class Work>
-double Seconds(Work work) {
-  const auto now = [] {
-    timespec time;
-    ::clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
-    return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
-  };
-  const double start = now();
-  work();
-  return now() - start;
-}
-
-double Median(std::vector<double> times) {
-  const auto middle = times.begin() + static_cast<std::ptrdiff_t>(times.size() / 2);
-  std::nth_element(times.begin(), middle, times.end());
-  return *middle;
-}
-
 // Runs both in turns; the ratio is that of their medians. What `prepare` gives to the work takes no part in its time.
 // The heap has no free pages then, as in a process that loads its first profile: to get pages is the better part of a
 // load.
@@ -99,10 +83,10 @@ void Compare(benchmark::State& state, const ProfileOnDisk& profile, Plain plain,
   std::vector<double> plainTimes;
   std::vector<double> workTimes;
   for (auto _ : state) {
-    plainTimes.push_back(Seconds(plain));
+    plainTimes.push_back(ProcessorSeconds(plain));
     auto subject = prepare();
     ::malloc_trim(0);
-    workTimes.push_back(Seconds([&] { work(subject); }));
+    workTimes.push_back(ProcessorSeconds([&] { work(subject); }));
     state.SetIterationTime(workTimes.back());
   }
   state.counters["plain_ms"] = 1e3 * Median(plainTimes);
