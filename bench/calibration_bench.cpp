@@ -7,7 +7,6 @@
 #include <nvxprofile/profile_file.h>
 
 #include <benchmark/benchmark.h>
-#include <malloc.h>
 
 #include <algorithm>
 #include <cstdlib>
@@ -18,6 +17,7 @@
 
 namespace {
 
+using nvx::bench::GiveFreePagesBack;
 using nvx::bench::ProcessorSeconds;
 
 template <class Entry>
@@ -47,9 +47,6 @@ std::unique_ptr<CCalibrationHistoryEntry> MakeHistory(int calibrations) {
   history->DataToBuffer();
   return history;
 }
-
-// Loads and copies alike start from a heap that holds no free pages, as in a process that loads its first profile.
-void GiveFreePagesBack() { ::malloc_trim(0); }
 
 // Seconds for one copy of the bytes into a block of its own, where several live side by side as in a loaded history.
 double CopySeconds(const std::uint8_t* bytes, std::size_t size) {

@@ -10,7 +10,6 @@
 #include <nvxprofile/profile_file_qpf.h>
 
 #include <benchmark/benchmark.h>
-#include <malloc.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -23,6 +22,7 @@
 
 namespace {
 
+using nvx::bench::GiveFreePagesBack;
 using nvx::bench::Median;
 using nvx::bench::ProcessorSeconds;
 
@@ -92,22 +92,23 @@ void Compare(benchmark::State& state, const ProfileOnDisk& profile, Plain plain,
   state.counters["bytes"] = static_cast<double>(profile.Size());
 }
 
-// Leaves a heap without free pages, as in a process that loads its first profile: to get pages is the better part of
-// that.
-int GiveFreePagesBack() {
-  ::malloc_trim(0);
+std::unique_ptr<CProfileAccess> Loaded(const ProfileOnDisk& profile) {
+  auto access = std::make_unique<CProfileAccess>();
+  CError error;
+  if (!access->Init(profile.WidePath().c_str(), &error)) std::abort();
+  return access;
+}
+
+int PrepareFreshHeap() {
+  GiveFreePagesBack();
   return 0;
 }
 
 void QpfInit(benchmark::State& state) {
   const ProfileOnDisk profile;
   Compare(
-      state, profile, [&] { Read(profile, FreshBlock(profile.Size())); }, GiveFreePagesBack,
-      [&](int) {
-        CProfileAccess access;
-        CError error;
-        if (!access.Init(profile.WidePath().c_str(), &error)) std::abort();
-      });
+      state, profile, [&] { Read(profile, FreshBlock(profile.Size())); }, PrepareFreshHeap,
+      [&](int) { Loaded(profile); });
 }
 BENCHMARK(QpfInit)->UseManualTime()->Unit(benchmark::kMillisecond);
 
@@ -127,12 +128,10 @@ void CompareStep(benchmark::State& state, const ProfileOnDisk& profile, Prepare 
 
 void QpfLoadStepDetect(benchmark::State& state) {
   const ProfileOnDisk profile;
-  CompareStep(
-      state, profile, [] { return 0; },
-      [&](int) {
-        const std::unique_ptr<CProfileFile> format(CProfileFile::CreateProfileFile(profile.WidePath().c_str(), true));
-        if (!format || format->GetMyFormat() != CProfileFileQPFv3().GetMyFormat()) std::abort();
-      });
+  CompareStep(state, profile, PrepareFreshHeap, [&](int) {
+    const std::unique_ptr<CProfileFile> format(CProfileFile::CreateProfileFile(profile.WidePath().c_str(), true));
+    if (!format || format->GetMyFormat() != CProfileFileQPFv3().GetMyFormat()) std::abort();
+  });
 }
 BENCHMARK(QpfLoadStepDetect)->UseManualTime()->Unit(benchmark::kMillisecond);
 
@@ -171,24 +170,20 @@ void Parse(const Entries& entries) {
 
 void QpfLoadStepParse(benchmark::State& state) {
   const ProfileOnDisk profile;
-  CProfileAccess access;
-  CError error;
-  if (!access.Init(profile.WidePath().c_str(), &error)) return state.SkipWithError("no profile");
+  const auto access = Loaded(profile);
   CompareStep(
-      state, profile, [&] { return UnparsedEntries(*access.GetProfileData()); }, Parse);
+      state, profile, [&] { return UnparsedEntries(*access->GetProfileData()); }, Parse);
 }
 BENCHMARK(QpfLoadStepParse)->UseManualTime()->Unit(benchmark::kMillisecond);
 
 // Curves and the colour table alone: masks keep the buffer that they came in.
 void QpfLoadStepRebuildBuffers(benchmark::State& state) {
   const ProfileOnDisk profile;
-  CProfileAccess access;
-  CError error;
-  if (!access.Init(profile.WidePath().c_str(), &error)) return state.SkipWithError("no profile");
+  const auto access = Loaded(profile);
   CompareStep(
       state, profile,
       [&] {
-        Entries entries = UnparsedEntries(*access.GetProfileData());
+        Entries entries = UnparsedEntries(*access->GetProfileData());
         std::erase_if(entries, [](const auto& entry) {
           return entry->GetUsedType() == CProfileDataEntry::kMaskDownloadIncludePattern ||
                  entry->GetUsedType() == CProfileDataEntry::kIcm;
@@ -219,7 +214,7 @@ void QpfSave(benchmark::State& state, int (*prepare)()) {
         if (!profile.Save(profile.WidePath())) std::abort();
       });
 }
-BENCHMARK_CAPTURE(QpfSave, IntoFreshMemory, GiveFreePagesBack)->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(QpfSave, IntoFreshMemory, PrepareFreshHeap)->UseManualTime()->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(QpfSave, IntoUsedMemory, [] { return 0; })->UseManualTime()->Unit(benchmark::kMillisecond);
 
 }  // namespace

@@ -1,6 +1,7 @@
 // What the benchmarks measure ratios with. Absolute times go to nobody.
 #pragma once
 
+#include <malloc.h>
 #include <time.h>
 
 #include <algorithm>
@@ -44,5 +45,9 @@ inline double Median(std::vector<double> values) {
   std::nth_element(values.begin(), middle, values.end());
   return *middle;
 }
+
+// Leaves a heap without free pages, as in a process that loads its first profile: to get pages is the better part of
+// that.
+inline void GiveFreePagesBack() { ::malloc_trim(0); }
 
 }  // namespace nvx::bench

@@ -1,5 +1,5 @@
 // What a loaded profile answers about its calibrations.
-#include "support/temp_folder.h"
+#include "support/files.h"
 
 #include <nvxprofile/calibration_history.h>
 #include <nvxprofile/profile_access.h>

@@ -1,4 +1,4 @@
-#include "support/temp_folder.h"
+#include "support/files.h"
 
 #include <nvxprofile/large_parameter.h>
 #include <nvxprofile/profile_access.h>

@@ -1,5 +1,5 @@
 // Adjust files: syntax, values, and the structures that the readers fill.
-#include "support/temp_folder.h"
+#include "support/files.h"
 
 #include <nvxprofile/adjust_file.h>
 

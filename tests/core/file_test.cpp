@@ -1,7 +1,7 @@
 #include "core/replacing_file.h"
 #include "core/stream.h"
 #include "support/environment.h"
-#include "support/temp_folder.h"
+#include "support/files.h"
 
 #include <nvxprofile/file.h>
 

@@ -1,5 +1,5 @@
 #include "support/byte_builder.h"
-#include "support/temp_folder.h"
+#include "support/files.h"
 
 #include <nvxprofile/diagnosis.h>
 #include <nvxprofile/profile_access.h>

@@ -1,8 +1,8 @@
 // A save that cannot write all of its bytes says so, wherever it is cut off, and a file that it was to replace stays.
 #include "support/environment.h"
+#include "support/files.h"
 #include "support/legacy_profile.h"
 #include "support/random_model.h"
-#include "support/temp_folder.h"
 
 #include <nvxprofile/profile_file.h>
 #include <nvxprofile/profile_file_icc.h>

@@ -1,7 +1,7 @@
 // A process that is killed at a random moment of a save: the file is the old one or the new one, complete.
 #include "support/environment.h"
+#include "support/files.h"
 #include "support/random_model.h"
-#include "support/temp_folder.h"
 
 #include <nvxprofile/profile_file_qpf.h>
 

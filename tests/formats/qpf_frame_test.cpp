@@ -1,8 +1,8 @@
 // Real ICC profiles as frames of profiles of the current generation, with Little CMS as the judge of what came of them.
 #include "support/environment.h"
+#include "support/files.h"
 #include "support/qpf_builder.h"
 #include "support/qpf_reader.h"
-#include "support/temp_folder.h"
 
 #include <nvxprofile/profile_access.h>
 #include <nvxprofile/profile_file_qpf.h>

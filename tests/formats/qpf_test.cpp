@@ -1,7 +1,7 @@
 #include "support/environment.h"
+#include "support/files.h"
 #include "support/qpf_builder.h"
 #include "support/qpf_reader.h"
-#include "support/temp_folder.h"
 
 #include <nvxprofile/curve_entry.h>
 #include <nvxprofile/diagnosis.h>

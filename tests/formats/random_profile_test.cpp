@@ -1,7 +1,7 @@
 // Random profiles of every format, saved and loaded; the models are compared.
+#include "support/files.h"
 #include "support/legacy_profile.h"
 #include "support/random_model.h"
-#include "support/temp_folder.h"
 
 #include <nvxprofile/profile_access.h>
 #include <nvxprofile/profile_file.h>

@@ -1,6 +1,6 @@
 // The mutator of the fuzz targets is worth nothing if it cannot take the seeds apart.
 #include "../../fuzz/forms.h"
-#include "support/temp_folder.h"
+#include "support/files.h"
 
 #include <gtest/gtest.h>
 

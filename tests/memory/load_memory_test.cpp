@@ -1,7 +1,7 @@
 // What a load takes of the heap, and what it leaves when the heap gives nothing more.
 #include "memory/heap.h"
 #include "support/environment.h"
-#include "support/temp_folder.h"
+#include "support/files.h"
 
 #include <nvxprofile/profile_access.h>
 

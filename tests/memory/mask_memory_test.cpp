@@ -1,6 +1,6 @@
 // What print masks take of the heap.
 #include "memory/heap.h"
-#include "support/temp_folder.h"
+#include "support/files.h"
 
 #include <nvxprofile/mask_download.h>
 #include <nvxprofile/profile_access.h>

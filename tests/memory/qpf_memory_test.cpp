@@ -1,7 +1,7 @@
 // What a profile of the current generation takes of the heap.
 #include "memory/heap.h"
+#include "support/files.h"
 #include "support/sample_profile.h"
-#include "support/temp_folder.h"
 
 #include <nvxprofile/profile_access.h>
 #include <nvxprofile/profile_file_qpf.h>

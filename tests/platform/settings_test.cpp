@@ -1,7 +1,7 @@
 #include "platform/settings.h"
 
 #include "support/environment.h"
-#include "support/temp_folder.h"
+#include "support/files.h"
 
 #include <gtest/gtest.h>
 

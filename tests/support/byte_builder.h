@@ -1,7 +1,7 @@
 // Byte sequences written down by hand, field by field.
 #pragma once
 
-#include "support/temp_folder.h"
+#include "support/files.h"
 
 #include <cstdint>
 #include <string_view>

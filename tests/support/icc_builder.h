@@ -2,7 +2,7 @@
 #pragma once
 
 #include "core/byte_order.h"
-#include "support/temp_folder.h"
+#include "support/files.h"
 
 #include <cstdint>
 #include <string>

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "support/environment.h"
-#include "support/temp_folder.h"
+#include "support/files.h"
 
 #include <nvxprofile/profile_data.h>
 

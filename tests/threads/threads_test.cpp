@@ -1,7 +1,7 @@
 // Independent objects on different threads: nothing is shared, so nothing needs a lock.
+#include "support/files.h"
 #include "support/legacy_profile.h"
 #include "support/random_model.h"
-#include "support/temp_folder.h"
 
 #include <nvxprofile/convert.h>
 #include <nvxprofile/profile_access.h>

@@ -1,5 +1,5 @@
 // The tool on calibration histories and adjust files.
-#include "support/temp_folder.h"
+#include "support/files.h"
 #include "tools/run_tool.h"
 
 #include <gmock/gmock.h>

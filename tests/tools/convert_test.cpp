@@ -1,6 +1,6 @@
 // Conversion through the tool, with the example of the repository.
 #include "support/environment.h"
-#include "support/temp_folder.h"
+#include "support/files.h"
 #include "tools/run_tool.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 // Print masks through the tool: documents both ways, and the printer's buffer.
 #include "support/byte_builder.h"
-#include "support/temp_folder.h"
+#include "support/files.h"
 #include "tools/run_tool.h"
 
 #include <nvxprofile/mask_download.h>

@@ -1,7 +1,7 @@
 // The command line tool, driven as a process.
 #pragma once
 
-#include "support/temp_folder.h"
+#include "support/files.h"
 
 #include <string>
 #include <vector>

@@ -1,8 +1,8 @@
 // The tool on real profiles and on profiles that the tests build.
 #include "support/environment.h"
+#include "support/files.h"
 #include "support/qpf_builder.h"
 #include "support/random_model.h"
-#include "support/temp_folder.h"
 #include "tools/run_tool.h"
 
 #include <nvxprofile/curve_entry.h>
