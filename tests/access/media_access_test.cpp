@@ -1,4 +1,5 @@
 #include "support/entry_bytes.h"
+#include "support/media_builder.h"
 
 #include <nvxprofile/media_property.h>
 #include <nvxprofile/profile_access.h>
@@ -10,9 +11,9 @@
 
 namespace {
 
-using nvx::test::ByteBuilder;
-using nvx::test::Bytes;
 using nvx::test::InitFromEntries;
+using nvx::test::MediaBlock;
+using nvx::test::MediaForm;
 
 using Values = std::vector<std::int32_t>;
 
@@ -22,26 +23,8 @@ class Access : public CProfileAccess {
   using CProfileAccess::GetMediaPropertyData;
 };
 
-struct Block {
-  std::uint32_t usedType;
-  std::uint32_t parameterMax;
-  Values values;
-};
-
-Bytes Form(const std::vector<Block>& blocks) {
-  ByteBuilder form;
-  form.Text("IDEM").U32(16).U32(0x00010000).U32(static_cast<std::uint32_t>(blocks.size()));
-  for (const Block& block : blocks) form.Text("HEPM").U32(20).U32(block.usedType).U32(68).U32(block.parameterMax);
-  for (const Block& block : blocks) {
-    form.Text("ADPM");
-    for (const std::int32_t value : block.values) form.I32(value);
-    form.Zero(4 * (16 - block.values.size()));
-  }
-  return form;
-}
-
-bool InitWith(CProfileAccess& access, const std::vector<Block>& blocks) {
-  return InitFromEntries(access, {{16, 8, Form(blocks)}});
+bool InitWith(CProfileAccess& access, const std::vector<MediaBlock>& blocks) {
+  return InitFromEntries(access, {{16, 8, MediaForm(blocks)}});
 }
 
 void ExpectError(const CError& error, std::uint32_t reason, std::u16string_view comment) {
@@ -68,7 +51,7 @@ constexpr SingleValue kSingleValues[] = {
 };
 
 TEST(MediaAccess, GivesTheFirstValueOfABlock) {
-  std::vector<Block> blocks;
+  std::vector<MediaBlock> blocks;
   for (const SingleValue& query : kSingleValues) {
     blocks.push_back({query.block, 1, {-100 - static_cast<std::int32_t>(query.block), 5}});
   }
@@ -106,7 +89,7 @@ TEST(MediaAccess, LeavesStartValuesAndAMessageWhereABlockIsMissing) {
 }
 
 TEST(MediaAccess, FillsAsManyHeatersAsTheBlockHas) {
-  const auto heaters = [](const std::vector<Block>& blocks, bool& found, CError& error) {
+  const auto heaters = [](const std::vector<MediaBlock>& blocks, bool& found, CError& error) {
     CProfileAccess access;
     EXPECT_TRUE(InitWith(access, blocks));
     std::array<std::int32_t, 4> values{7, 7, 7, 7};

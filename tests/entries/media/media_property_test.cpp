@@ -1,4 +1,5 @@
 #include "support/entry_bytes.h"
+#include "support/media_builder.h"
 
 #include <nvxprofile/diagnosis.h>
 #include <nvxprofile/media_property.h>
@@ -13,25 +14,9 @@ using nvx::test::ByteBuilder;
 using nvx::test::Bytes;
 using nvx::test::BytesOf;
 using nvx::test::First;
+using nvx::test::MediaBlock;
+using nvx::test::MediaForm;
 using nvx::test::Parse;
-
-struct Block {
-  std::uint32_t usedType;
-  std::uint32_t parameterMax;
-  std::vector<std::int32_t> values;
-};
-
-ByteBuilder Form(const std::vector<Block>& blocks) {
-  ByteBuilder form;
-  form.Text("IDEM").U32(16).U32(0x00010000).U32(static_cast<std::uint32_t>(blocks.size()));
-  for (const Block& block : blocks) form.Text("HEPM").U32(20).U32(block.usedType).U32(68).U32(block.parameterMax);
-  for (const Block& block : blocks) {
-    form.Text("ADPM");
-    for (const std::int32_t value : block.values) form.I32(value);
-    form.Zero(4 * (16 - block.values.size()));
-  }
-  return form;
-}
 
 std::vector<std::int32_t> All(CMediaPropertyDataEntry& block) {
   return {block.GetRefBuffer(), block.GetRefBuffer() + 16};
@@ -75,7 +60,7 @@ TEST(MediaEntry, ReadsAndSavesItsForm) {
   EXPECT_FALSE(entry.BufferToData());
 
   // A type without parameters, two blocks of one type, and values beyond what is in use.
-  Bytes bytes = Form({{2, 3, {40, -1, 50, 99}}, {12, 7, {8, 8}}, {1, 9, {3}}, {2, 0, {1, 2, 3}}});
+  Bytes bytes = MediaForm({{2, 3, {40, -1, 50, 99}}, {12, 7, {8, 8}}, {1, 9, {3}}, {2, 0, {1, 2, 3}}});
   bytes[16] = 'X';  // the signature of an entry header is not looked at
   bytes[20] = 77;   // nor is its size
   ASSERT_TRUE(Parse(entry, bytes));
@@ -93,17 +78,18 @@ TEST(MediaEntry, ReadsAndSavesItsForm) {
   // What is in the array is saved, in use or not.
   data.Find(1)->GetRefBuffer()[15] = -2;
   ASSERT_TRUE(entry.DataToBuffer());
-  Block correct{1, 1, std::vector<std::int32_t>(16)};
+  MediaBlock correct{1, 1, std::vector<std::int32_t>(16)};
   correct.values[0] = 3;
   correct.values[15] = -2;
-  EXPECT_EQ(BytesOf(entry), Form({{2, 3, {40, -1, 50}}, {12, 0, {}}, correct, {2, 2, {1, 2}}}).Zero(1024 - 368).Take());
+  EXPECT_EQ(BytesOf(entry),
+            MediaForm({{2, 3, {40, -1, 50}}, {12, 0, {}}, correct, {2, 2, {1, 2}}}).Zero(1024 - 368).Take());
 }
 
 TEST(MediaEntry, RoundsItsBufferUpToStepsOf1024) {
   CMediaPropertyEntry entry;
   ASSERT_TRUE(entry.DataToBuffer());
-  EXPECT_EQ(BytesOf(entry), Form({}).Zero(1008).Take());
-  ASSERT_TRUE(Parse(entry, Form({})));
+  EXPECT_EQ(BytesOf(entry), MediaForm({}).Zero(1008).Take());
+  ASSERT_TRUE(Parse(entry, MediaForm({})));
   EXPECT_EQ(entry.GetMediaPropertyData()->GetPropertyCount(), 0);
   for (int i = 0; i < 12; ++i) {
     entry.GetMediaPropertyData()->AddTail(CMediaPropertyDataEntry::CreateMediaPropertyDataEntry(1, 1));
@@ -117,14 +103,14 @@ TEST(MediaEntry, RoundsItsBufferUpToStepsOf1024) {
 TEST(MediaEntry, RefusesWrongSignaturesAndKeepsWhatItRead) {
   CMediaPropertyEntry entry;
   CMediaPropertyData& data = *entry.GetMediaPropertyData();
-  Bytes bytes = Form({{1, 1, {3}}, {4, 1, {5}}});
+  Bytes bytes = MediaForm({{1, 1, {3}}, {4, 1, {5}}});
   bytes[16 + 2 * 20 + 68] = 'X';
   EXPECT_FALSE(Parse(entry, bytes));
   ASSERT_EQ(data.GetPropertyCount(), 2);
   EXPECT_EQ(data.Find(1)->GetParameter(0), 3);
   EXPECT_EQ(data.Find(4)->GetParameter(0), 0);
   for (const std::size_t place : {0u, 8u}) {
-    Bytes other = Form({{1, 1, {3}}});
+    Bytes other = MediaForm({{1, 1, {3}}});
     other[place] ^= 1;
     EXPECT_FALSE(Parse(entry, other));
     EXPECT_EQ(data.GetPropertyCount(), 0);
@@ -132,7 +118,7 @@ TEST(MediaEntry, RefusesWrongSignaturesAndKeepsWhatItRead) {
 }
 
 TEST(MediaEntry, ReadsWhatIsMissingOfTheLastBlockAsZero) {
-  const Bytes whole = Form({{1, 1, {0x01020304}}, {7, 16, std::vector<std::int32_t>(16, -1)}});
+  const Bytes whole = MediaForm({{1, 1, {0x01020304}}, {7, 16, std::vector<std::int32_t>(16, -1)}});
   for (std::size_t size = 1; size < whole.size(); ++size) {
     CMediaPropertyEntry entry;
     nvx::Diagnosis diagnosis;
@@ -159,7 +145,7 @@ TEST(MediaEntry, BelievesNoCount) {
     EXPECT_FALSE(Parse(entry, form));
     EXPECT_LE(entry.GetMediaPropertyData()->GetPropertyCount(), 4);
   }
-  ASSERT_TRUE(Parse(entry, Form({{6, 0xFFFFFFFF, std::vector<std::int32_t>(16, 7)}})));
+  ASSERT_TRUE(Parse(entry, MediaForm({{6, 0xFFFFFFFF, std::vector<std::int32_t>(16, 7)}})));
   EXPECT_EQ(entry.GetMediaPropertyData()->Find(6)->GetParameterMax(), 16);
   EXPECT_EQ(entry.GetMediaPropertyData()->Find(6)->GetParameter(15), 7);
 }
