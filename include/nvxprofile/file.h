@@ -26,8 +26,10 @@ inline constexpr std::uint32_t kFromEnd = 2;
 }  // namespace nvx
 
 // A stream over a file. Reads and writes go through a buffer inside the object. What Write accepted is on its way to
-// the file only after Flush, Close or the destructor; Flush alone tells whether it got there. No operation reports
-// through anything but its result, and none throws but for want of memory.
+// the file only after Flush, Close or the destructor; Flush alone tells whether it got there. A write that comes up
+// short fails the stream until it is opened anew: it accepts nothing more, and Flush gives false, so that what was
+// written in part is never taken for whole. No operation reports through anything but its result, and none throws but
+// for want of memory.
 class NVX_EXPORT CNvxFile {
  public:
   // Characters of a stored path, the terminator included. Open refuses a longer path.
@@ -48,7 +50,8 @@ class NVX_EXPORT CNvxFile {
   // Bytes actually read; 0 if the stream is closed.
   virtual std::uint32_t Read(void* buffer, std::uint32_t count);
 
-  // Bytes accepted; 0 if the stream is closed, fewer than `count` if the file refuses them.
+  // Bytes accepted; 0 if the stream is closed, failed or opened for reading alone, with the position as it was; fewer
+  // than `count` if the file refuses them.
   virtual std::uint32_t Write(const void* buffer, std::uint32_t count);
 
   // Size of the file in bytes, lower 32 bits; 0 if the stream is closed or the query fails.
@@ -62,13 +65,14 @@ class NVX_EXPORT CNvxFile {
   // Returns the new position; 0 if the stream is closed. A target before the start leaves the position.
   virtual std::uint32_t Seek(std::uint32_t offset, std::uint32_t origin);
 
-  // Hands buffered bytes to the file. False if any byte accepted since Open could not be written.
+  // Hands buffered bytes to the file. False if any byte offered since Open could not be written.
   bool Flush();
 
-  // Copies name and extension of the stored path, without folders, into room for 256 characters.
+  // Copies name and extension of the stored path, without folders: the text and its terminator, at most 256 characters,
+  // and nothing behind them.
   void GetFileName(char16_t* out) const;
 
-  // Copies the stored path into room for 256 characters.
+  // Copies the stored path in the same way.
   void GetPathName(char16_t* out) const;
 
   // The handle of the operating system; all bits set while the stream is closed.
@@ -77,6 +81,11 @@ class NVX_EXPORT CNvxFile {
   // Who wants to know why a load fails attaches a record here, or null. Not owned; must outlive its use.
   void SetDiagnosis(nvx::Diagnosis* diagnosis) { diagnosis_ = diagnosis; }
   nvx::Diagnosis* GetDiagnosis() const { return diagnosis_; }
+
+  // Readers note here that they passed over something of the form that the stream holds, so that what they made of it
+  // does not say all of it, although they give true.
+  void NotePassedOver() { passedOver_ = true; }
+  bool HasPassedOver() const { return passedOver_; }
 
  protected:
   // Takes over an open handle, for streams that write beside their target; the path is the one that GetFileName and
@@ -94,7 +103,9 @@ class NVX_EXPORT CNvxFile {
   std::intptr_t handle_ = -1;
   std::int64_t position_ = 0;       // as the caller sees it; the handle runs ahead of reads and behind writes
   std::unique_ptr<Buffer> buffer_;  // made at the first small transfer
-  bool failed_ = false;             // accepted bytes were lost
+  bool writable_ = false;
+  bool failed_ = false;  // a write came up short
+  bool passedOver_ = false;
   nvx::Diagnosis* diagnosis_ = nullptr;
 };
 
@@ -109,7 +120,7 @@ class NVX_EXPORT CNvxFile {
 // written. A failed resize makes Write give 0 and leaves all fields as they were.
 //
 // Seek with origin 2 counts backwards from the end, unlike the file stream. A position never leaves the block.
-class CNvxMemFile : public CNvxFile {
+class NVX_EXPORT CNvxMemFile : public CNvxFile {
  public:
   CNvxMemFile() = default;
   // Borrows a block for reading or for writing inside it.

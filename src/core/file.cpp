@@ -34,7 +34,9 @@ bool CNvxFile::Open(const char16_t* path, std::uint32_t access, std::uint32_t, s
   const platform::FileHandle handle = platform::OpenFile(text, access, creation);
   if (handle == platform::kNoFile) return false;
   Close();
-  return Attach(handle, path);
+  Attach(handle, path);
+  writable_ = (access & nvx::kGenericWrite) != 0;
+  return true;
 }
 
 bool CNvxFile::Attach(std::intptr_t handle, const char16_t* path) {
@@ -42,6 +44,7 @@ bool CNvxFile::Attach(std::intptr_t handle, const char16_t* path) {
   if (text.size() >= kPathLength) return false;
   handle_ = handle;
   position_ = 0;
+  writable_ = true;
   failed_ = false;
   nvx::CopyText(path_, text);
   return true;
@@ -104,12 +107,13 @@ std::uint32_t CNvxFile::Read(void* buffer, std::uint32_t count) {
 }
 
 std::uint32_t CNvxFile::Write(const void* buffer, std::uint32_t count) {
-  if (handle_ == platform::kNoFile || failed_) return 0;
+  if (handle_ == platform::kNoFile || !writable_ || failed_) return 0;
   DropReads();
   std::uint32_t done = 0;
   if (count >= Buffer::kCapacity) {
     if (!FlushWrites()) return 0;
     done = static_cast<std::uint32_t>(platform::WriteFile(handle_, buffer, count));
+    failed_ = done != count;
   } else if (count != 0) {
     Buffer& pending = UseBuffer();
     if (pending.end + count > Buffer::kCapacity && !FlushWrites()) return 0;
@@ -163,12 +167,11 @@ std::uint32_t CNvxFile::Seek(std::uint32_t offset, std::uint32_t origin) {
 
 void CNvxFile::GetFileName(char16_t* out) const {
   const platform::FileNameParts parts = platform::SplitFileName(nvx::FieldText(path_));
-  std::u16string name(parts.name);
-  name += parts.extension;
-  nvx::CopyText(out, kPathLength, std::u16string_view(name));
+  nvx::CopyOut(out, parts.name);
+  nvx::CopyOut(out + parts.name.size(), parts.extension);
 }
 
-void CNvxFile::GetPathName(char16_t* out) const { nvx::CopyText(out, kPathLength, nvx::FieldText(path_)); }
+void CNvxFile::GetPathName(char16_t* out) const { nvx::CopyOut(out, nvx::FieldText(path_)); }
 
 void* CNvxFile::GetHandle() const {
   return reinterpret_cast<void*>(handle_);  // NOLINT(performance-no-int-to-ptr): a handle is published as a pointer

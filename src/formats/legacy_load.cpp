@@ -2,6 +2,7 @@
 #include "core/stream.h"
 #include "core/text.h"
 #include "formats/legacy_header.h"
+#include "formats/record_views.h"
 #include "platform/locale.h"
 
 #include <nvxprofile/profile_file_text.h>
