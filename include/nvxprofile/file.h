@@ -5,6 +5,8 @@
 
 #include <cstdint>
 #include <memory>
+#include <string>
+#include <string_view>
 
 namespace nvx {
 
@@ -30,7 +32,8 @@ inline constexpr std::uint32_t kFromEnd = 2;
 // through anything but its result, and none throws but for want of memory.
 class NVX_EXPORT CNvxFile {
  public:
-  // Characters of a stored path, the terminator included. Open refuses a longer path.
+  // Characters of the field that keeps a path, the terminator included. Longer paths are opened all the same and kept
+  // beside it.
   static constexpr std::uint32_t kPathLength = 256;
 
   CNvxFile();
@@ -65,10 +68,14 @@ class NVX_EXPORT CNvxFile {
   // Hands buffered bytes to the file. False if any byte accepted since Open could not be written.
   bool Flush();
 
+  // The stored path, whatever its length; empty while the stream is closed. Valid until the next Open or Close.
+  std::u16string_view GetPath() const;
+
   // Copies name and extension of the stored path, without folders, into room for 256 characters.
   void GetFileName(char16_t* out) const;
 
-  // Copies the stored path into room for 256 characters.
+  // Copies the stored path into room for 256 characters; nothing of a longer one, since its start is the path of
+  // something else.
   void GetPathName(char16_t* out) const;
 
   // The handle of the operating system; all bits set while the stream is closed.
@@ -79,9 +86,9 @@ class NVX_EXPORT CNvxFile {
   nvx::Diagnosis* GetDiagnosis() const { return diagnosis_; }
 
  protected:
-  // Takes over an open handle, for streams that write beside their target; the path is the one that GetFileName and
-  // GetPathName give. False, with the handle left alone, if the path is too long.
-  bool Attach(std::intptr_t handle, const char16_t* path);
+  // Closes the stream and takes over an open handle, for streams that write beside their target; the path is the one
+  // that GetFileName and GetPathName give.
+  void Attach(std::intptr_t handle, std::u16string_view path);
 
  private:
   struct Buffer;
@@ -90,12 +97,13 @@ class NVX_EXPORT CNvxFile {
   bool FlushWrites();
   void DropReads();
 
-  char16_t path_[kPathLength] = {};
+  char16_t path_[kPathLength] = {};  // empty for a path that does not fit
   std::intptr_t handle_ = -1;
   std::int64_t position_ = 0;       // as the caller sees it; the handle runs ahead of reads and behind writes
   std::unique_ptr<Buffer> buffer_;  // made at the first small transfer
   bool failed_ = false;             // accepted bytes were lost
   nvx::Diagnosis* diagnosis_ = nullptr;
+  std::u16string longPath_;  // a path that does not fit into path_
 };
 
 // A stream over a block of memory. Its three fields are its interface:

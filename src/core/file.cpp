@@ -30,21 +30,24 @@ CNvxFile::~CNvxFile() {
 
 bool CNvxFile::Open(const char16_t* path, std::uint32_t access, std::uint32_t, std::uint32_t creation) {
   const std::u16string_view text = nvx::TextOf(path);
-  if (text.empty() || text.size() >= kPathLength) return false;
+  if (text.empty()) return false;
   const platform::FileHandle handle = platform::OpenFile(text, access, creation);
   if (handle == platform::kNoFile) return false;
-  Close();
-  return Attach(handle, path);
+  Attach(handle, text);
+  return true;
 }
 
-bool CNvxFile::Attach(std::intptr_t handle, const char16_t* path) {
-  const std::u16string_view text = nvx::TextOf(path);
-  if (text.size() >= kPathLength) return false;
+void CNvxFile::Attach(std::intptr_t handle, std::u16string_view path) {
+  // The path may be the one that is stored here.
+  std::u16string kept(path);
+  Close();
   handle_ = handle;
-  position_ = 0;
   failed_ = false;
-  nvx::CopyText(path_, text);
-  return true;
+  if (kept.size() < kPathLength) {
+    nvx::CopyText(path_, kept);
+  } else {
+    longPath_ = std::move(kept);
+  }
 }
 
 void CNvxFile::Close() {
@@ -54,6 +57,7 @@ void CNvxFile::Close() {
   if (buffer_) *buffer_ = Buffer();
   position_ = 0;
   path_[0] = 0;
+  longPath_.clear();
 }
 
 CNvxFile::Buffer& CNvxFile::UseBuffer() {
@@ -161,8 +165,10 @@ std::uint32_t CNvxFile::Seek(std::uint32_t offset, std::uint32_t origin) {
   return static_cast<std::uint32_t>(position_);
 }
 
+std::u16string_view CNvxFile::GetPath() const { return longPath_.empty() ? nvx::FieldText(path_) : longPath_; }
+
 void CNvxFile::GetFileName(char16_t* out) const {
-  const platform::FileNameParts parts = platform::SplitFileName(nvx::FieldText(path_));
+  const platform::FileNameParts parts = platform::SplitFileName(GetPath());
   std::u16string name(parts.name);
   name += parts.extension;
   nvx::CopyText(out, kPathLength, std::u16string_view(name));
