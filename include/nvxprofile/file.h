@@ -5,6 +5,8 @@
 
 #include <cstdint>
 #include <memory>
+#include <string>
+#include <string_view>
 
 namespace nvx {
 
@@ -32,7 +34,8 @@ inline constexpr std::uint32_t kFromEnd = 2;
 // for want of memory.
 class NVX_EXPORT CNvxFile {
  public:
-  // Characters of a stored path, the terminator included. Open refuses a longer path.
+  // Characters of the field that keeps a path, the terminator included. Longer paths are opened all the same and kept
+  // beside it.
   static constexpr std::uint32_t kPathLength = 256;
 
   CNvxFile();
@@ -68,11 +71,15 @@ class NVX_EXPORT CNvxFile {
   // Hands buffered bytes to the file. False if any byte offered since Open could not be written.
   bool Flush();
 
+  // The stored path, whatever its length; empty while the stream is closed. Valid until the next Open or Close.
+  std::u16string_view GetPath() const;
+
   // Copies name and extension of the stored path, without folders: the text and its terminator, at most 256 characters,
   // and nothing behind them.
   void GetFileName(char16_t* out) const;
 
-  // Copies the stored path in the same way.
+  // Copies the stored path in the same way; nothing of a path of 256 characters or more, since its start is the path of
+  // something else.
   void GetPathName(char16_t* out) const;
 
   // The handle of the operating system; all bits set while the stream is closed.
@@ -88,9 +95,9 @@ class NVX_EXPORT CNvxFile {
   bool HasPassedOver() const { return passedOver_; }
 
  protected:
-  // Takes over an open handle, for streams that write beside their target; the path is the one that GetFileName and
-  // GetPathName give. False, with the handle left alone, if the path is too long.
-  bool Attach(std::intptr_t handle, const char16_t* path);
+  // Closes the stream and takes over an open handle, for streams that write beside their target; the path is the one
+  // that GetFileName and GetPathName give.
+  void Attach(std::intptr_t handle, std::u16string_view path);
 
  private:
   struct Buffer;
@@ -99,7 +106,7 @@ class NVX_EXPORT CNvxFile {
   bool FlushWrites();
   void DropReads();
 
-  char16_t path_[kPathLength] = {};
+  char16_t path_[kPathLength] = {};  // empty for a path that does not fit
   std::intptr_t handle_ = -1;
   std::int64_t position_ = 0;       // as the caller sees it; the handle runs ahead of reads and behind writes
   std::unique_ptr<Buffer> buffer_;  // made at the first small transfer
@@ -107,6 +114,7 @@ class NVX_EXPORT CNvxFile {
   bool failed_ = false;  // a write came up short
   bool passedOver_ = false;
   nvx::Diagnosis* diagnosis_ = nullptr;
+  std::u16string longPath_;  // a path that does not fit into path_
 };
 
 // A stream over a block of memory. Its three fields are its interface:

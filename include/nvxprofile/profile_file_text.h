@@ -17,8 +17,7 @@
 // the ANSI code page. A lookup that gives false says in GetFailure why.
 class NVX_EXPORT CQPFConvertTable {
  public:
-  // Without a folder, with a path of more than 255 bytes and without the file the table stays empty, and no lookup
-  // finds anything.
+  // Without a folder and without the file the table stays empty, and no lookup finds anything.
   CQPFConvertTable();
 
   // The three code texts of section "Printer.<label>", cut to their fields; false if one is empty or missing.
@@ -44,7 +43,7 @@ class NVX_EXPORT CQPFConvertTable {
   bool GetInkNumber(const char* label, const char* key, std::int32_t& value);
   bool FailWithoutKey(const std::string& section, const char* key);
 
-  char path_[256] = {};  // UTF-8; empty if the table is not there
+  std::string path_;  // UTF-8; empty if the table is not there
   std::string failure_;
 };
 

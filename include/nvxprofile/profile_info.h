@@ -119,7 +119,7 @@ struct _tagDeviceProfileInfo {
   char16_t OutputText[32] = {};
   bool SaveVersion5 = false;       // set by callers: a save writes minor version 5
   char16_t ListKeys[5][256] = {};  // filled by callers, compared by CProfileDataInfo::IsOrderedBefore
-  char16_t FullPath[256] = {};     // full path of a text-headed file
+  char16_t FullPath[256] = {};     // full path of a text-headed file; empty if it is longer
 };
 
 // Zeroing the greater view zeroes both.
