@@ -1,6 +1,7 @@
 #include "platform/locale.h"
 
 #include "platform/environment.h"
+#include "platform/posix/private_characters.h"
 
 #include <iconv.h>
 
@@ -67,50 +68,32 @@ class Converter {
 
 std::string CodePageName(std::uint32_t page) { return page == kCodePageUtf8 ? "UTF-8" : "CP" + std::to_string(page); }
 
-// Bytes first to last without a character, and what stands for them from `wide` on.
-struct Holes {
-  std::uint32_t page;
-  unsigned char first;
-  unsigned char last;
-  char16_t wide;
-};
-
-// Holes above the range of the control characters. The vendor of these code pages gives them private characters, the
-// same in all of its systems; two characters came later than the standards of their pages.
-constexpr std::array<Holes, 20> kHoles{{
-    {857, 0xD5, 0xD5, 0xF8BB},  {857, 0xE7, 0xE7, 0xF8BC},  {857, 0xF2, 0xF2, 0xF8BD},  {874, 0xDB, 0xDE, 0xF8C1},
-    {874, 0xFC, 0xFF, 0xF8C5},  {932, 0xA0, 0xA0, 0xF8F0},  {932, 0xFD, 0xFF, 0xF8F1},  {936, 0x80, 0x80, 0x20AC},
-    {936, 0xFF, 0xFF, 0xF8F5},  {949, 0xFF, 0xFF, 0xF8F7},  {950, 0xFF, 0xFF, 0xF8F8},  {1253, 0xAA, 0xAA, 0xF8F9},
-    {1253, 0xD2, 0xD2, 0xF8FA}, {1253, 0xFF, 0xFF, 0xF8FB}, {1255, 0xCA, 0xCA, 0x05BA}, {1255, 0xD9, 0xDF, 0xF88D},
-    {1255, 0xFB, 0xFC, 0xF894}, {1255, 0xFF, 0xFF, 0xF896}, {1257, 0xA1, 0xA1, 0xF8FC}, {1257, 0xA5, 0xA5, 0xF8FD},
-}};
-
 // Pages whose letters are joined with the marks behind them, unless they come one at a time. What is joined cannot
 // always be taken apart again.
 bool JoinsMarks(std::uint32_t page) { return page == 1255 || page == 1258; }
 
-// What stands for a byte that the code page has no character for: the control character of the same number, where
-// there is one.
-char16_t StandIn(std::uint32_t page, unsigned char byte) {
-  for (const Holes& holes : kHoles) {
-    if (holes.page == page && byte >= holes.first && byte <= holes.last)
-      return static_cast<char16_t>(holes.wide + (byte - holes.first));
+// What stands for bytes that iconv has no character for: a private one, or the control character of the same number.
+struct StandIn {
+  char16_t unit;
+  std::size_t size;  // of the bytes that it stands for
+};
+
+StandIn ForBytes(std::uint32_t page, const char* in, const char* end) {
+  const auto byte = static_cast<unsigned char>(*in);
+  if (!IsLeadByte(page, *in)) {
+    if (const auto character = PrivateCharacter(page, 0, byte)) return {*character, 1};
+    return {byte >= 0x80 && byte < 0xA0 ? char16_t{byte} : kReplacement, 1};
   }
-  const bool control = byte >= 0x80 && byte < 0xA0 && !IsLeadByte(page, static_cast<char>(byte));
-  return control ? byte : kReplacement;
+  const auto character = end - in > 1 ? PrivateCharacter(page, byte, static_cast<unsigned char>(in[1])) : std::nullopt;
+  return character ? StandIn{*character, 2} : StandIn{kReplacement, 1};
 }
 
-// The byte that a unit stands for, or a question mark.
-char BehindStandIn(std::uint32_t page, char16_t unit) {
-  constexpr char kUnknown = '?';
-  unsigned char byte = unit >= 0x80 && unit < 0xA0 ? static_cast<unsigned char>(unit) : 0;
-  for (const Holes& holes : kHoles) {
-    if (holes.page == page && unit >= holes.wide && unit <= holes.wide + (holes.last - holes.first))
-      byte = static_cast<unsigned char>(holes.first + (unit - holes.wide));
-  }
-  if (byte == 0) return kUnknown;
-  const char narrow = static_cast<char>(byte);
-  return AnsiToWide({&narrow, 1}) == std::u16string_view(&unit, 1) ? narrow : kUnknown;
+// The bytes that a unit stands for, or a question mark.
+std::string BehindStandIn(std::uint32_t page, char16_t unit) {
+  std::string bytes = PrivateBytes(page, unit);
+  if (bytes.empty() && unit >= 0x80 && unit < 0xA0) bytes = static_cast<char>(unit);
+  // Not where the bytes have a character after all.
+  return !bytes.empty() && AnsiToWide(bytes) == std::u16string_view(&unit, 1) ? bytes : "?";
 }
 
 }  // namespace
@@ -132,12 +115,13 @@ std::u16string AnsiToWide(std::string_view text) {
   if (page == kCodePageUtf8) return Utf8ToWide(text);
   Converter converter(kWideName, CodePageName(page).c_str());
   if (!converter.IsOpen()) return Utf8ToWide(text);
-  const std::string bytes = converter.Convert(text.data(), text.size(), JoinsMarks(page) ? 1 : text.size(),
-                                              [page](std::string& out, const char*& in, const char*) {
-                                                const char16_t unit = StandIn(page, static_cast<unsigned char>(*in));
-                                                out.append(reinterpret_cast<const char*>(&unit), sizeof unit);
-                                                ++in;
-                                              });
+  const std::string bytes =
+      converter.Convert(text.data(), text.size(), JoinsMarks(page) ? 1 : text.size(),
+                        [page](std::string& out, const char*& in, const char* end) {
+                          const StandIn standIn = ForBytes(page, in, end);
+                          out.append(reinterpret_cast<const char*>(&standIn.unit), sizeof standIn.unit);
+                          in += standIn.size;
+                        });
   std::u16string wide(bytes.size() / sizeof(char16_t), u'\0');
   std::memcpy(wide.data(), bytes.data(), wide.size() * sizeof(char16_t));
   return wide;

@@ -20,11 +20,12 @@ std::optional<std::uint16_t> ChosenLanguage() {
   return name ? LanguageNumber(*name) : std::nullopt;
 }
 
-// Converts text that converts as a whole; false, with nothing added, otherwise.
-bool AppendWide(std::uint32_t page, std::string_view text, std::u16string& out) {
+// Converts text that converts as a whole; false, with nothing added, otherwise. The flags of the system say whether
+// bytes that stand for private characters are let through.
+bool AppendWide(std::uint32_t page, std::string_view text, std::u16string& out, DWORD flags = MB_ERR_INVALID_CHARS) {
   const std::size_t start = out.size();
   out.resize(start + text.size());  // no character of a code page takes more units than bytes
-  const int size = ::MultiByteToWideChar(page, MB_ERR_INVALID_CHARS, text.data(), static_cast<int>(text.size()),
+  const int size = ::MultiByteToWideChar(page, flags, text.data(), static_cast<int>(text.size()),
                                          reinterpret_cast<wchar_t*>(out.data() + start), static_cast<int>(text.size()));
   out.resize(start + static_cast<std::size_t>(size));
   return size != 0;
@@ -54,7 +55,9 @@ std::size_t FirstCharacter(std::u16string_view text) {
 void AppendEachWide(std::uint32_t page, std::string_view text, std::u16string& out) {
   while (!text.empty()) {
     std::size_t size = FirstCharacter(page, text);
-    if (!AppendWide(page, text.substr(0, size), out)) {
+    const bool half = size == 1 && IsLeadByte(page, text.front());
+    if (!AppendWide(page, text.substr(0, size), out) &&
+        (half || size == 2 || !AppendWide(page, text.substr(0, 1), out, 0))) {
       out += kReplacement;
       size = 1;
     }
