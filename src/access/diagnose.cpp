@@ -1,6 +1,7 @@
 // Why a profile does not load, and what is suspicious in one that does.
 #include "access/curve_samples.h"
 #include "core/stream.h"
+#include "formats/detection.h"
 #include "icc/icc_directory.h"
 
 #include <nvxprofile/curve_entry.h>
@@ -98,7 +99,7 @@ bool DiagnoseProfile(const char16_t* path, Diagnosis& diagnosis) {
   CNvxFile file;
   file.SetDiagnosis(&diagnosis);
   if (!file.Open(path, kGenericRead, kShareRead, kOpenExisting)) return RefuseAt(file, 0, "file: cannot be opened");
-  const std::unique_ptr<CProfileFile> format(CProfileFile::CreateProfileFile(path, true));
+  const std::unique_ptr<CProfileFile> format = DetectFormat(file);
   if (!format) {
     ExplainUnknown(file);
     if (!diagnosis.HasErrors()) RefuseAt(file, 0, "file: of no known format");

@@ -2,6 +2,7 @@
 #include "core/report.h"
 #include "core/text.h"
 #include "entries/mask/mask_download_records.h"
+#include "formats/detection.h"
 #include "platform/locale.h"
 
 #include <nvxprofile/mask_download.h>
@@ -47,14 +48,16 @@ CProfileAccess::~CProfileAccess() = default;
 
 bool CProfileAccess::Init(const char16_t* path, CError* error) {
   profile_.reset();
-  const std::unique_ptr<CProfileFile> file(CProfileFile::CreateProfileFile(path, true));
-  if (!file) return FailWithPath(error, __LINE__, u"Profile: File Format Error (file name:%s)", path);
+  CNvxFile file;
+  const bool isOpen = file.Open(path, nvx::kGenericRead, nvx::kShareRead, nvx::kOpenExisting);
+  const std::unique_ptr<CProfileFile> format = isOpen ? nvx::DetectFormat(file) : nullptr;
+  if (!format) return FailWithPath(error, __LINE__, u"Profile: File Format Error (file name:%s)", path);
   profile_ = std::make_unique<CProfileData>();
-  if (!file->LoadData(path, profile_.get(), false)) {
+  if (!format->LoadData(file, profile_.get(), false)) {
     profile_.reset();
     return FailWithPath(error, __LINE__, u"Profile: Load Error (file name:%s)", path);
   }
-  format_ = file->GetMyFormat();
+  format_ = format->GetMyFormat();
   SetupProfileInfoStructure();
   return true;
 }

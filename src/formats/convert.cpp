@@ -1,6 +1,7 @@
 // The conversion of a text-headed profile into one of the current generation.
 #include "core/payload.h"
 #include "core/text.h"
+#include "formats/detection.h"
 #include "formats/record_views.h"
 
 #include <nvxprofile/convert.h>
@@ -97,13 +98,15 @@ void CConvertV2ToV3Profile::DeleteContents() {
 
 bool CConvertV2ToV3Profile::ProfileLoad(const char16_t* path) {
   Initialize();
-  const std::unique_ptr<CProfileFile> file(CProfileFile::CreateProfileFile(path, true));
-  if (!file || !file->LoadData(path, v2_.get(), false)) {
+  CNvxFile file;
+  const bool isOpen = file.Open(path, nvx::kGenericRead, nvx::kShareRead, nvx::kOpenExisting);
+  const std::unique_ptr<CProfileFile> format = isOpen ? nvx::DetectFormat(file) : nullptr;
+  if (!format || !format->LoadData(file, v2_.get(), false)) {
     DeleteContents();
     return false;
   }
   nvx::CopyText(sourcePath_, nvx::TextOf(path));
-  sourceFormat_ = file->GetMyFormat();
+  sourceFormat_ = format->GetMyFormat();
   return true;
 }
 

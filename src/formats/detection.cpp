@@ -1,4 +1,6 @@
-// Which format a file has. Each format takes its place in the order of the tests here.
+// Each format takes its place in the order of the tests here.
+#include "formats/detection.h"
+
 #include "core/stream.h"
 #include "formats/container_records.h"
 #include "formats/legacy_header.h"
@@ -12,11 +14,12 @@
 #include <nvxprofile/profile_file_qpf.h>
 #include <nvxprofile/profile_file_text.h>
 
+#include <memory>
 #include <string_view>
 
 namespace {
 
-bool HasIccExtension(const char16_t* path) {
+bool HasIccExtension(std::u16string_view path) {
   const std::u16string_view extension = nvx::platform::SplitFileName(path).extension;
   return extension == u".icc" || extension == u".icm";
 }
@@ -29,7 +32,7 @@ bool StartsWithTextHeader(CNvxFile& file) {
 
 // The format of an ICC profile whose header block stands in `tag`: its version word decides. A block that is not whole
 // does not load in either class.
-CProfileFile* CreateContainer(CNvxFile& file, const nvx::IccTag& tag) {
+std::unique_ptr<CProfileFile> CreateContainer(CNvxFile& file, const nvx::IccTag& tag) {
   _tagDeviceProfileInfo scratch;
   nvx::HeaderBlockWords words;
   if (tag.size >= nvx::kHeaderBlockSize) {
@@ -37,11 +40,51 @@ CProfileFile* CreateContainer(CNvxFile& file, const nvx::IccTag& tag) {
     nvx::ReadHeaderBlock(file, scratch, words);
   }
   if (words.MajorVersion() >= 4 || (words.MajorVersion() == 3 && words.MinorVersion() >= 5))
-    return new CProfileFileQPFv4;
-  return new CProfileFileQPFv3;
+    return std::make_unique<CProfileFileQPFv4>();
+  return std::make_unique<CProfileFileQPFv3>();
+}
+
+// Null for what is no ICC profile.
+std::unique_ptr<CProfileFile> DetectIccFormat(CNvxFile& file) {
+  file.SeekToBegin();
+  nvx::IccDirectory directory;
+  if (!nvx::ReadIccDirectory(file, directory)) return nullptr;
+  if (const nvx::IccTag* const tag = directory.Find(CICCProfile::MakeTagSignature(nvx::kEntryTag)))
+    return CreateContainer(file, *tag);
+  return std::make_unique<CProfileFileICC>();
+}
+
+// Null for a header that cannot be read and for another version.
+std::unique_ptr<CProfileFile> DetectTextFormat(CNvxFile& file) {
+  CProfileData scratch;
+  file.SeekToBegin();
+  if (!CProfileFileQPFv1().LoadData(file, &scratch, true)) return nullptr;
+  const std::uint32_t version = scratch.GetProfileInfo()->ProfileMajorVersion;
+  if (version == 1) return std::make_unique<CProfileFileQPFv1>();
+  if (version == 2) return std::make_unique<CProfileFileQPFv2>();
+  return nullptr;
+}
+
+std::unique_ptr<CProfileFile> Detect(CNvxFile& file) {
+  if (HasIccExtension(file.GetPath())) return DetectIccFormat(file);
+  file.SeekToBegin();
+  if (nvx::ReadMagic(file, nvx::ContainerHeader::kMagic)) return std::make_unique<CProfileFileQCT>();
+  if (StartsWithTextHeader(file)) {
+    if (std::unique_ptr<CProfileFile> format = DetectTextFormat(file)) return format;
+  }
+  return DetectIccFormat(file);
 }
 
 }  // namespace
+
+std::unique_ptr<CProfileFile> nvx::DetectFormat(CNvxFile& file) {
+  Diagnosis* const diagnosis = file.GetDiagnosis();
+  file.SetDiagnosis(nullptr);
+  std::unique_ptr<CProfileFile> format = Detect(file);
+  file.SetDiagnosis(diagnosis);
+  file.SeekToBegin();
+  return format;
+}
 
 CProfileFile* CProfileFile::CreateProfileFile(const char16_t* path, bool readOnly) {
   if (path == nullptr) return nullptr;
@@ -49,25 +92,11 @@ CProfileFile* CProfileFile::CreateProfileFile(const char16_t* path, bool readOnl
   CNvxFile file;
   const std::uint32_t access = readOnly ? nvx::kGenericRead : nvx::kGenericRead | nvx::kGenericWrite;
   if (!file.Open(path, access, nvx::kShareRead, nvx::kOpenExisting)) return nullptr;
-  if (nvx::ReadMagic(file, nvx::ContainerHeader::kMagic)) return new CProfileFileQCT;
-  if (StartsWithTextHeader(file)) {
-    CProfileData scratch;
-    CProfileFileQPFv1 reader;
-    file.GetFileName(scratch.GetProfileInfo()->FileName);
-    const bool readable = static_cast<CProfileFile&>(reader).LoadHeader(file, &scratch);
-    const std::uint32_t version = readable ? scratch.GetProfileInfo()->ProfileMajorVersion : 0;
-    if (version == 1) return new CProfileFileQPFv1;
-    if (version == 2) return new CProfileFileQPFv2;
-  }
-  return CreateICCProfileFile(path);
+  return nvx::DetectFormat(file).release();
 }
 
 CProfileFile* CProfileFile::CreateICCProfileFile(const char16_t* path) {
   CNvxFile file;
-  nvx::IccDirectory directory;
   if (!file.Open(path, nvx::kGenericRead, nvx::kShareRead, nvx::kOpenExisting)) return nullptr;
-  if (!nvx::ReadIccDirectory(file, directory)) return nullptr;
-  if (const nvx::IccTag* const tag = directory.Find(CICCProfile::MakeTagSignature(nvx::kEntryTag)))
-    return CreateContainer(file, *tag);
-  return new CProfileFileICC;
+  return DetectIccFormat(file).release();
 }

@@ -215,13 +215,10 @@ bool CProfileFileQPFv1::LoadHeader(CNvxFile& file, CProfileData* data) {
   _tagDeviceProfileInfo& info = *data->GetProfileInfo();
   nvx::SelectTextView(info);
   file.GetPathName(info.FullPath);
-  CNvxFile text;
-  if (!text.Open(std::u16string(file.GetPath()).c_str(), nvx::kGenericRead, nvx::kShareRead, nvx::kOpenExisting)) {
-    return nvx::Refuse(file, "text header: the stream's path cannot be opened");
-  }
-  text.SetDiagnosis(file.GetDiagnosis());
+  // The model keeps the path, so that there has to be one.
+  if (file.GetPath().empty()) return nvx::Refuse(file, "text header: the stream has no path");
   nvx::TextHeader header;
-  if (!nvx::ReadTextHeader(text, header)) return false;
+  if (!nvx::ReadTextHeader(file, header)) return false;
   if (file.Seek(header.end, nvx::kFromBegin) != header.end) {
     return nvx::Refuse(file, "text header: ends beyond the stream");
   }
