@@ -2,12 +2,8 @@
 
 #include "loading.h"
 #include "record_json.h"
+#include "saving.h"
 
-#include <nvxprofile/icm_entry.h>
-#include <nvxprofile/profile_file.h>
-#include <nvxprofile/profile_file_icc.h>
-#include <nvxprofile/profile_file_qpf.h>
-#include <nvxprofile/profile_file_text.h>
 #include <nvxprofile/text_conversion.h>
 
 #include <algorithm>
@@ -223,35 +219,12 @@ int FormatFromJson(const Node& node) {
   node.Fail("the format must be one of " + keys);
 }
 
-bool SavePlainIcc(CProfileData& data, const std::u16string& path) {
-  auto* const entry = dynamic_cast<CICMEntry*>(data.GetProfileDataEntry(kRouteIccRoot, CProfileDataEntry::kIcm));
-  std::uint32_t error = 0;
-  return entry != nullptr && entry->Save(path.c_str(), error);
-}
-
-bool SaveContainer(const Node& document, CProfileData& data, const std::u16string& path) {
-  const std::vector<CProfileRoute*> routes = RoutesOf(data);
-  if (routes.size() != 1) document.Fail("a container holds the entries of exactly one route");
-  return CProfileFileQCT().SaveData(path.c_str(), &data, routes[0]->GetRouteType());
-}
-
-bool SaveAs(int format, const Node& document, CProfileData& data, const std::u16string& path) {
-  switch (format) {
-    case 1:
-      return SaveContainer(document, data, path);
-    case 2: {
-      const std::vector<CProfileRoute*> routes = RoutesOf(data);
-      if (routes.empty()) document.Fail("the profile has no route");
-      return CProfileFileQPFv1().SaveData(path.c_str(), &data, routes[0]->GetRouteType());
-    }
-    case 3:
-      return CProfileFileQPFv2().SaveData(path.c_str(), &data, 0);
-    case 4:
-      SetFlagsByRoutes(document, data);
-      return CProfileFileQPFv3().SaveData(path.c_str(), &data, kRouteMain | kRouteReplaceProfile | kRouteCalibration);
-    default:
-      return SavePlainIcc(data, path);
-  }
+bool SaveAs(int format, const Node& document, CProfileData& data, const std::string& path) {
+  const std::size_t routes = RoutesOf(data).size();
+  if (format == 1 && routes != 1) document.Fail("a container holds the entries of exactly one route");
+  if (format == 2 && routes == 0) document.Fail("the profile has no route");
+  if (format == 4) SetFlagsByRoutes(document, data);
+  return SaveModel(format, data, path);
 }
 
 }  // namespace
@@ -306,7 +279,7 @@ void BuildProfile(const Json& json, const std::string& folder, const std::string
   if (document.Has("processDataType")) data.SetProcessDataType(document.At("processDataType").U32());
   PlaceEntries(document, std::move(entries), format, data);
   SetClock(info);
-  if (!SaveAs(format, document, data, Utf8ToWide(path))) {
+  if (!SaveAs(format, document, data, path)) {
     throw std::runtime_error(path + ": cannot be written as the document says");
   }
 }

@@ -2,12 +2,11 @@
 #include "calibration_view.h"
 #include "command.h"
 #include "loading.h"
+#include "saving.h"
 #include "terminal.h"
 
 #include <nvxprofile/calibration_history.h>
 #include <nvxprofile/curve_entry.h>
-#include <nvxprofile/profile_file.h>
-#include <nvxprofile/text_conversion.h>
 
 #include <fmt/format.h>
 
@@ -20,7 +19,6 @@ namespace nvx::tool {
 namespace {
 
 constexpr int kPrinterProfile = 4;
-constexpr std::uint32_t kPrinterProfileVersion5 = 5;
 
 struct Options {
   std::string from;
@@ -74,15 +72,6 @@ CCalibrationHistoryEntry& HistoryIn(CProfileData& data) {
   return *history;
 }
 
-bool Save(const std::string& path, CProfileData& data) {
-  _tagDeviceProfileInfo& info = *data.GetProfileInfo();
-  info.SaveVersion5 = info.ProfileMinorVersion == kPrinterProfileVersion5;
-  const std::u16string widePath = Utf8ToWide(path);
-  const std::unique_ptr<CProfileFile> format(CProfileFile::CreateProfileFile(widePath.c_str(), true));
-  return format && format->GetMyFormat() == kPrinterProfile &&
-         format->SaveData(widePath.c_str(), &data, kRouteMain | kRouteReplaceProfile | kRouteCalibration);
-}
-
 void PrintImported(const Options& options, CCalibrationHistoryEntry& into,
                    const std::vector<ImportedCalibration>& imported) {
   PrintLine(fmt::format("{}: {} calibrations taken over, {} in all", options.into, imported.size(),
@@ -115,10 +104,11 @@ int Run(const Options& options) {
     return kFailure;
   }
   const std::optional<std::vector<ImportedCalibration>> imported = ImportCalibrations(into, *from);
-  if (!imported || !into.DataToBuffer() || !Save(options.into, *target.GetProfileData())) {
-    PrintError(options.into + ": the profile cannot be saved; it is as it was");
+  if (!imported || !into.DataToBuffer()) {
+    PrintError(options.into + ": the calibrations are too many for one profile; it is as it was");
     return kFailure;
   }
+  if (!SaveProfile(target, options.into)) return kFailure;
   PrintImported(options, into, *imported);
   return kSuccess;
 }
