@@ -7,10 +7,12 @@
 
 namespace nvx::tool {
 
-// Exit statuses.
+// Exit statuses, the same for every command.
 inline constexpr int kSuccess = 0;
-inline constexpr int kFailure = 1;  // the library's own message went to standard error
-inline constexpr int kUsage = 2;
+inline constexpr int kFailure = 1;    // something could not be done; standard error says what and why
+inline constexpr int kUsage = 2;      // the command line is wrong
+inline constexpr int kDifferent = 3;  // a comparison found differences
+inline constexpr int kUnsound = 4;    // a check found a file that is wrong
 
 // An Add function adds a subcommand to `app`; its callback stores the exit status in `status`.
 void AddInfoCommand(CLI::App& app, int& status);
