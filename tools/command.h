@@ -15,6 +15,7 @@ inline constexpr int kDifferent = 3;  // a comparison found differences
 inline constexpr int kUnsound = 4;    // a check found a file that is wrong
 
 // An Add function adds a subcommand to `app`; its callback stores the exit status in `status`.
+void AddListCommand(CLI::App& app, int& status);
 void AddInfoCommand(CLI::App& app, int& status);
 void AddCurvesCommand(CLI::App& app, int& status);
 void AddMediaCommand(CLI::App& app, int& status);

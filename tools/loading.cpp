@@ -1,7 +1,9 @@
 #include "loading.h"
 
+#include "files.h"
 #include "terminal.h"
 
+#include <nvxprofile/diagnosis.h>
 #include <nvxprofile/error.h>
 #include <nvxprofile/text_conversion.h>
 
@@ -57,11 +59,38 @@ const EntryNames* Find(std::uint32_t usedType) {
 }  // namespace
 
 bool LoadProfile(const std::string& path, CProfileAccess& access) {
+  const InputFile input(path);
+  if (!input.Failure().empty()) {
+    PrintErrorOf(path, input.Failure());
+    return false;
+  }
   CError error;
-  if (access.Init(Utf8ToWide(path).c_str(), &error)) return true;
-  PrintError(MessageOf(error));
-  return false;
+  if (!access.Init(input.Path().c_str(), &error)) {
+    PrintErrorOf(path, WhyNotLoaded(input.Path()));
+    return false;
+  }
+  if (path == kStandardStream) {
+    // The temporary file is nobody's business.
+    _tagDeviceProfileInfo& info = *access.GetProfileInfo();
+    std::fill(std::begin(info.FileName), std::end(info.FileName), u'\0');
+    std::fill(std::begin(info.FullPath), std::end(info.FullPath), u'\0');
+    info.FileName[0] = u'-';
+  }
+  return true;
 }
+
+std::string WhyNotLoaded(const std::u16string& path) {
+  if (std::string failure = WhyNotReadable(WideToUtf8(path)); !failure.empty()) return failure;
+  Diagnosis diagnosis;
+  DiagnoseProfile(path.c_str(), diagnosis);
+  for (const Finding& finding : diagnosis.Findings()) {
+    if (finding.severity != Severity::kError) continue;
+    return finding.place.empty() ? finding.rule : finding.place + ": " + finding.rule;
+  }
+  return "cannot be loaded";
+}
+
+void PrintErrorOf(const std::string& file, const std::string& message) { PrintError(file + ": " + message); }
 
 std::string_view FormatName(int format) {
   switch (format) {
@@ -116,5 +145,14 @@ std::vector<CProfileRoute*> RoutesOf(CProfileData& data) {
 std::string MessageOf(const CError& error) { return WideToUtf8(error.GetErrorCommentW()); }
 
 void PrintJson(const Json& json) { PrintLine(json.dump(2, ' ', false, Json::error_handler_t::replace)); }
+void PrintJsonLine(const Json& json) { PrintLine(json.dump(-1, ' ', false, Json::error_handler_t::replace)); }
+
+void PrintJsonOfFiles(std::vector<Json> documents, std::size_t fileCount) {
+  if (fileCount > 1) {
+    PrintJson(Json(std::move(documents)));
+  } else if (!documents.empty()) {
+    PrintJson(documents.front());
+  }
+}
 
 }  // namespace nvx::tool

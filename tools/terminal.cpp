@@ -57,6 +57,16 @@ void PrintError(std::string_view message) {
   std::fwrite(line.data(), 1, line.size(), stderr);
 }
 
+std::string CsvField(const std::string& text) {
+  if (text.find_first_of(",\"\r\n") == text.npos) return text;
+  std::string field = "\"";
+  for (const char c : text) {
+    if (c == '"') field += '"';
+    field += c;
+  }
+  return field + '"';
+}
+
 void Table::Print(int indent) const {
   std::vector<std::size_t> widths;
   for (const Column& column : columns_) widths.push_back(Width(column.title));

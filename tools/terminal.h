@@ -22,6 +22,9 @@ void PrintLine(std::string_view line = {});
 // Writes "nvxprofile: message" to standard error.
 void PrintError(std::string_view message);
 
+// A field of a line of comma-separated values (RFC 4180), quoted where it has to be.
+std::string CsvField(const std::string& text);
+
 // Columns of text, as wide as their widest cell. Numbers stand to the right.
 class Table {
  public:

@@ -32,6 +32,7 @@
 #include <nvxprofile/profile_file_qpf.h>
 #include <nvxprofile/profile_file_text.h>
 #include <nvxprofile/profile_info.h>
+#include <nvxprofile/profile_summary.h>
 #include <nvxprofile/special_color.h>
 #include <nvxprofile/system_time.h>
 #include <nvxprofile/text_conversion.h>
