@@ -53,6 +53,13 @@ void PrintPlot(CCurveDataEntry& curve) {
 
 }  // namespace
 
+std::vector<CCurveDataEntry*> CurvesOf(CCurveData& set) {
+  std::vector<CCurveDataEntry*> curves;
+  bool more = set.GetHeadPosition();
+  while (more) curves.push_back(set.GetNext(more));
+  return curves;
+}
+
 std::vector<std::uint32_t> SamplesOf(CCurveDataEntry& curve) {
   std::vector<std::uint32_t> samples(curve.GetCount());
   for (std::uint32_t i = 0; i < curve.GetCount(); ++i) curve.GetAt(i, samples[i]);

@@ -9,6 +9,8 @@
 
 namespace nvx::tool {
 
+// The curves of a set, in order.
+std::vector<CCurveDataEntry*> CurvesOf(CCurveData& set);
 std::vector<std::uint32_t> SamplesOf(CCurveDataEntry& curve);
 // The ink name in UTF-8.
 std::string NameOf(const CCurveDataEntry& curve);
