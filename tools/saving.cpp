@@ -1,7 +1,7 @@
 #include "saving.h"
 
+#include "files.h"
 #include "loading.h"
-#include "terminal.h"
 
 #include <nvxprofile/icm_entry.h>
 #include <nvxprofile/profile_file.h>
@@ -9,11 +9,7 @@
 #include <nvxprofile/profile_file_text.h>
 #include <nvxprofile/text_conversion.h>
 
-#include <fmt/format.h>
-#include <unistd.h>
-
 #include <cerrno>
-#include <cstring>
 #include <filesystem>
 
 namespace nvx::tool {
@@ -31,16 +27,11 @@ bool SavePlainIcc(CProfileData& data, const std::u16string& path) {
   return entry != nullptr && entry->Save(path.c_str(), error);
 }
 
-// What stands in the way of a file at that path; empty if nothing does.
-std::string Obstacle(const std::string& path) {
-  namespace fs = std::filesystem;
+// A profile takes the place of a file; anything else is left alone.
+bool IsFileOrNothing(const std::string& path) {
   std::error_code error;
-  const fs::file_status status = fs::status(path, error);
-  if (fs::is_directory(status)) return "it is a folder";
-  if (fs::exists(status) && !fs::is_regular_file(status)) return "it is no ordinary file";
-  const fs::path folder = fs::path(path).parent_path();
-  if (::access(folder.empty() ? "." : folder.c_str(), W_OK) != 0) return std::strerror(errno);
-  return {};
+  const std::filesystem::file_status status = std::filesystem::status(path, error);
+  return !std::filesystem::exists(status) || std::filesystem::is_regular_file(status);
 }
 
 }  // namespace
@@ -62,15 +53,24 @@ bool SaveModel(int format, CProfileData& data, const std::string& path) {
 }
 
 bool SaveProfile(CProfileAccess& access, const std::string& path) {
-  if (const std::string obstacle = Obstacle(path); !obstacle.empty()) {
-    PrintError(fmt::format("{}: cannot be written: {}", path, obstacle));
+  if (path == kStandardStream) {
+    PrintErrorOf(path, "a profile cannot be changed in a stream; -o names a file for the result");
+    return false;
+  }
+  if (!IsFileOrNothing(path)) {
+    PrintErrorOf(path, "is no file that a profile could replace");
     return false;
   }
   _tagDeviceProfileInfo& info = *access.GetProfileInfo();
   info.SaveVersion5 = info.ProfileMinorVersion == kVersion5;
+  errno = 0;
   if (SaveModel(access.GetProfileLoadFormat(), *access.GetProfileData(), path)) return true;
-  PrintError(fmt::format("{}: the profile cannot be saved; what was there is as it was", path));
+  PrintErrorOf(path, WhyNotWritten(path, errno));
   return false;
+}
+
+void WriteText(const std::string& path, const std::string& text) {
+  WriteOutput(path, {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()});
 }
 
 }  // namespace nvx::tool

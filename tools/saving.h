@@ -13,6 +13,9 @@ namespace nvx::tool {
 // end; on failure it is as it was, the reason goes to standard error and the result is false.
 bool SaveProfile(CProfileAccess& access, const std::string& path);
 
+// Writes a text as WriteOutput does.
+void WriteText(const std::string& path, const std::string& text);
+
 // Writes the model in the format of that number, and says whether it was written. A container is written from its first
 // route, and so is a text-headed profile of version 1.
 bool SaveModel(int format, CProfileData& data, const std::string& path);

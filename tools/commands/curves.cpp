@@ -1,13 +1,17 @@
 // nvxprofile curves: the curves of a profile, as tables with small plots, as CSV or as JSON.
+#include "cal_curves.h"
 #include "command.h"
 #include "curve_view.h"
+#include "files.h"
 #include "loading.h"
+#include "saving.h"
 #include "terminal.h"
 
 #include <nvxprofile/curve_entry.h>
 
 #include <fmt/format.h>
 
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
@@ -21,6 +25,8 @@ struct Options {
   std::string entry;
   std::optional<std::uint32_t> ink;
   std::optional<std::uint32_t> extendInfo;
+  std::string cal;
+  std::vector<std::string> inks;
   bool csv = false;
   bool json = false;
 };
@@ -43,10 +49,7 @@ Selection Select(CProfileCurveEntry& entry, const Options& options, int& status)
     status = kFailure;
   }
   Selection selection{&entry, {}};
-  CCurveData& set = *entry.GetCurveData();
-  bool more = set.GetHeadPosition();
-  while (more) {
-    CCurveDataEntry* const curve = set.GetNext(more);
+  for (CCurveDataEntry* const curve : CurvesOf(*entry.GetCurveData())) {
     if (IsWanted(*curve, options)) selection.curves.push_back(curve);
   }
   return selection;
@@ -71,17 +74,6 @@ void Print(const std::vector<Selection>& selections) {
     if (&selection != &selections.front()) PrintLine();
     PrintCurves(selection.entry->GetUsedType(), selection.curves);
   }
-}
-
-// A field of a CSV line; quoted where it has to be.
-std::string CsvField(const std::string& text) {
-  if (text.find_first_of(",\"\r\n") == text.npos) return text;
-  std::string field = "\"";
-  for (const char c : text) {
-    if (c == '"') field += '"';
-    field += c;
-  }
-  return field + '"';
 }
 
 void PrintCsv(const std::vector<Selection>& selections) {
@@ -115,6 +107,23 @@ void PrintDocument(const std::vector<Selection>& selections, const Options& opti
   PrintJson({{"file", options.file}, {"entries", std::move(entries)}});
 }
 
+// One entry as a calibration file. Nothing is written if the curves make none.
+int WriteCalFile(const std::vector<Selection>& selections, const Options& options) {
+  if (selections.size() != 1) {
+    PrintErrorOf(options.file, fmt::format("{} entries have such curves; choose one with --entry", selections.size()));
+    return kFailure;
+  }
+  try {
+    CalFile cal = CurvesToCal(selections.front().curves, InkTable(options.inks));
+    cal.description = std::filesystem::path(options.file).filename().string();
+    WriteText(options.cal, WriteCal(cal));
+    return kSuccess;
+  } catch (const std::runtime_error& error) {
+    PrintErrorOf(options.file, error.what());
+    return kFailure;
+  }
+}
+
 int Run(const Options& options) {
   if (!options.entry.empty() && UsedTypeByName(options.entry) == 0) {
     PrintError(fmt::format("\"{}\" is no kind of entry", options.entry));
@@ -128,6 +137,7 @@ int Run(const Options& options) {
     PrintError("the profile has no such curve");
     status = kFailure;
   }
+  if (!options.cal.empty()) return status == kSuccess ? WriteCalFile(selections, options) : status;
   if (options.json) {
     PrintDocument(selections, options);
   } else if (options.csv) {
@@ -152,7 +162,14 @@ void AddCurvesCommand(CLI::App& app, int& status) {
   command->add_option("--ink", options->ink, "The curves of one ink colour code")->type_name("N");
   command->add_option("--extend", options->extendInfo, "The curves of one ExtendInfo")->type_name("N");
   CLI::Option* const csv = command->add_flag("--csv", options->csv, "Write one line for each sample");
-  command->add_flag("--json", options->json, "Write a JSON document")->excludes(csv);
+  CLI::Option* const json = command->add_flag("--json", options->json, "Write a JSON document")->excludes(csv);
+  CLI::Option* const cal =
+      command->add_option("--cal", options->cal, "Write the curves of one entry as a calibration file (CGATS text)")
+          ->type_name("OUT")
+          ->excludes(csv)
+          ->excludes(json);
+  command->add_option("--inks", options->inks, kInksHelp)->delimiter(',')->type_name("N=LETTER...")->needs(cal);
+  command->footer("Example: nvxprofile curves glossy.icc --entry linearization --cal glossy.cal");
   command->callback([options, &status] { status = Run(*options); });
 }
 

@@ -1,0 +1,61 @@
+#include "calibration_edit.h"
+
+#include "calibration_view.h"
+#include "saving.h"
+
+#include <nvxprofile/text_conversion.h>
+
+#include <fmt/format.h>
+
+#include <stdexcept>
+
+namespace nvx::tool {
+namespace {
+
+constexpr int kPrinterProfile = 4;
+constexpr std::size_t kLongestName = 20;
+
+}  // namespace
+
+CCalibrationHistoryEntry& EditableHistory(CProfileAccess& access) {
+  if (access.GetProfileLoadFormat() != kPrinterProfile) {
+    throw std::runtime_error("only profiles of the current generation keep a calibration history");
+  }
+  CProfileData& data = *access.GetProfileData();
+  if (CCalibrationHistoryEntry* const history = HistoryOf(data)) {
+    if (history->GetSize() != 0 && !history->BufferToData()) {
+      throw std::runtime_error("the calibration history is damaged; validate tells where");
+    }
+    return *history;
+  }
+  auto* const history = new CCalibrationHistoryEntry;
+  data.SetProfileDataEntry(history, kRouteCalibration);
+  return *history;
+}
+
+CContainerEntry& CalibrationOf(CCalibrationHistoryEntry& history, std::uint32_t code) {
+  auto* const calibration =
+      dynamic_cast<CContainerEntry*>(history.GetProfileDataEntry(CProfileDataEntry::kCalibrationContainer, code));
+  if (calibration == nullptr) throw std::runtime_error(fmt::format("no calibration has the code {}", code));
+  return *calibration;
+}
+
+std::u16string CalibrationName(const std::string& name) {
+  std::u16string wide = Utf8ToWide(name);
+  if (wide.empty()) throw std::runtime_error("a calibration needs a name");
+  if (wide.size() > kLongestName) {
+    throw std::runtime_error(
+        fmt::format("the name \"{}\" has {} characters, and a profile keeps {}", name, wide.size(), kLongestName));
+  }
+  return wide;
+}
+
+bool SaveHistory(CProfileAccess& access, const std::string& path) {
+  CCalibrationHistoryEntry& history = *HistoryOf(*access.GetProfileData());
+  if (!history.JoinBuffers(history.PeekNextID())) {
+    throw std::runtime_error("the calibrations are too many for one profile");
+  }
+  return SaveProfile(access, path);
+}
+
+}  // namespace nvx::tool
