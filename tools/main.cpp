@@ -68,10 +68,11 @@ int main(int argc, char** argv) {
   app.require_subcommand(1);
   int status = kSuccess;
   using AddCommand = void(CLI::App&, int&);
-  for (AddCommand* const add : {AddListCommand, AddInfoCommand, AddCurvesCommand, AddMediaCommand, AddLutCommand,
-                                AddMasksCommand, AddLampCommand, AddSpecialCommand, AddHistoryCommand,
-                                AddExtractCommand, AddConvertCommand, AddImportHistoryCommand, AddAdjustCommand,
-                                AddDumpCommand, AddBuildCommand, AddDiffCommand, AddValidateCommand}) {
+  for (AddCommand* const add :
+       {AddListCommand,    AddInfoCommand,    AddGetCommand,     AddSetCommand,     AddCopyCommand,
+        AddCurvesCommand,  AddMediaCommand,   AddLutCommand,     AddMasksCommand,   AddLampCommand,
+        AddSpecialCommand, AddHistoryCommand, AddExtractCommand, AddConvertCommand, AddImportHistoryCommand,
+        AddAdjustCommand,  AddDumpCommand,    AddBuildCommand,   AddDiffCommand,    AddValidateCommand}) {
     add(app, status);
   }
   // For the build, which installs both beside the tool.
