@@ -17,6 +17,9 @@ inline constexpr int kUnsound = 4;    // a check found a file that is wrong
 // An Add function adds a subcommand to `app`; its callback stores the exit status in `status`.
 void AddListCommand(CLI::App& app, int& status);
 void AddInfoCommand(CLI::App& app, int& status);
+void AddGetCommand(CLI::App& app, int& status);
+void AddSetCommand(CLI::App& app, int& status);
+void AddCopyCommand(CLI::App& app, int& status);
 void AddCurvesCommand(CLI::App& app, int& status);
 void AddMediaCommand(CLI::App& app, int& status);
 void AddLutCommand(CLI::App& app, int& status);

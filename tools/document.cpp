@@ -50,24 +50,6 @@ void SetBytes(CProfileDataEntry& entry, const Bytes& bytes) {
 
 bool IsIcc(CProfileDataEntry& entry) { return entry.GetFormatType() == CProfileDataEntry::kFormatIcc; }
 
-// True if the payload in the document rebuilds the entry's bytes. The zeros that fill up a private tag of a file are
-// not the entry's.
-bool Rebuilds(const Json& payload, CProfileDataEntry& entry) {
-  constexpr std::size_t kPadding = 3;
-  const EntryPointer rebuilt = MakeEntry(entry.GetUsedType());
-  try {
-    PayloadFromJson(Node(payload, ""), *rebuilt);
-  } catch (const DocumentError&) {
-    return false;
-  }
-  const Bytes wanted = BytesOf(entry);
-  const Bytes made = BytesOf(*rebuilt);
-  if (made.size() > wanted.size() || wanted.size() - made.size() > kPadding) return false;
-  const auto end = wanted.begin() + static_cast<std::ptrdiff_t>(made.size());
-  return std::equal(made.begin(), made.end(), wanted.begin()) &&
-         std::all_of(end, wanted.end(), [](std::uint8_t byte) { return byte == 0; });
-}
-
 std::string WriteIccFile(CProfileDataEntry& entry, const std::string& folder) {
   const std::string name = std::string(EntryName(entry.GetUsedType())) + ".icc";
   const std::filesystem::path path = std::filesystem::path(folder) / name;
@@ -88,7 +70,8 @@ Json EntryToJson(CProfileDataEntry& entry, const std::string& filesFolder) {
     return json;
   }
   Json payload = IsIcc(entry) ? Json(nullptr) : PayloadToJson(entry);
-  const bool rebuilds = !payload.is_null() && Rebuilds(payload, entry);
+  std::size_t padding = 0;
+  const bool rebuilds = !payload.is_null() && RebuildsEntry(payload, entry, padding);
   if (!payload.is_null()) json["payload"] = std::move(payload);
   // Bytes stand where no payload says it all; a build takes them and leaves the payload alone.
   if (!rebuilds) json["bytes"] = ToBase64(entry.GetRefBuffer(), entry.GetSize());
@@ -229,11 +212,35 @@ bool SaveAs(int format, const Node& document, CProfileData& data, const std::str
 
 }  // namespace
 
+Json EntryToDocument(CProfileDataEntry& entry) { return EntryToJson(entry, {}); }
+
+bool RebuildsEntry(const Json& payload, CProfileDataEntry& entry, std::size_t& padding) {
+  constexpr std::size_t kMostPadding = 3;
+  if (payload.is_null()) return false;
+  const EntryPointer rebuilt = MakeEntry(entry.GetUsedType());
+  try {
+    PayloadFromJson(Node(payload, ""), *rebuilt);
+  } catch (const DocumentError&) {
+    return false;
+  }
+  const Bytes wanted = BytesOf(entry);
+  const Bytes made = BytesOf(*rebuilt);
+  if (made.size() > wanted.size() || wanted.size() - made.size() > kMostPadding) return false;
+  padding = wanted.size() - made.size();
+  const auto end = wanted.begin() + static_cast<std::ptrdiff_t>(made.size());
+  return std::equal(made.begin(), made.end(), wanted.begin()) &&
+         std::all_of(end, wanted.end(), [](std::uint8_t byte) { return byte == 0; });
+}
+
+std::string FormatKeyOf(int format) {
+  const auto found =
+      std::find_if(kFormats.begin(), kFormats.end(), [&](const FormatKey& key) { return key.format == format; });
+  return found != kFormats.end() ? found->key : "container";
+}
+
 Json ProfileToDocument(CProfileAccess& access, const std::string& filesFolder) {
   CProfileData& data = *access.GetProfileData();
-  const auto format = std::find_if(kFormats.begin(), kFormats.end(),
-                                   [&](const FormatKey& key) { return key.format == access.GetProfileLoadFormat(); });
-  Json document = {{"nvxprofile", kDocumentVersion}, {"format", format != kFormats.end() ? format->key : "container"}};
+  Json document = {{"nvxprofile", kDocumentVersion}, {"format", FormatKeyOf(access.GetProfileLoadFormat())}};
   document["record"] = RecordToJson(*access.GetProfileInfo());
   document["targetType"] = data.GetTargetType();
   document["deviceType"] = data.GetDeviceType();

@@ -67,6 +67,8 @@ int WriteAll(int descriptor, std::span<const std::uint8_t> bytes) {
   return 0;
 }
 
+std::u16string PathOf(std::FILE* file) { return Utf8ToWide("/proc/self/fd/" + std::to_string(::fileno(file))); }
+
 int WriteInto(const std::string& path, std::span<const std::uint8_t> bytes) {
   const int descriptor = ::open(path.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY);
   if (descriptor < 0) return errno;
@@ -128,7 +130,13 @@ void InputFile::KeepStandardInput() {
     if (length > std::numeric_limits<std::uint32_t>::max()) failure_ = "is longer than any profile";
     if (!failure_.empty()) break;
   }
-  path_ = Utf8ToWide("/proc/self/fd/" + std::to_string(descriptor));
+  path_ = PathOf(kept_.get());
+}
+
+HeldBytes::HeldBytes(std::span<const std::uint8_t> bytes) : file_(std::tmpfile()) {
+  const int error = file_ ? WriteAll(::fileno(file_.get()), bytes) : errno;
+  if (error != 0) throw std::runtime_error("no temporary file: " + Reason(error));
+  path_ = PathOf(file_.get());
 }
 
 std::string WhyNotWritten(const std::string& path, int error) {

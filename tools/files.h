@@ -16,6 +16,11 @@ inline constexpr const char* kStandardStream = "-";
 // and devices are refused without being opened: a load seeks.
 std::string WhyNotReadable(const std::string& path);
 
+struct CloseFile {
+  void operator()(std::FILE* file) const { std::fclose(file); }
+};
+using TemporaryFile = std::unique_ptr<std::FILE, CloseFile>;
+
 // A file to read from. What comes through standard input is kept in a temporary file without a name for as long as this
 // object lives, so that it can be read like any other.
 class InputFile {
@@ -28,14 +33,22 @@ class InputFile {
   const std::u16string& Path() const { return path_; }
 
  private:
-  struct Close {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-  };
-
   void KeepStandardInput();
 
-  std::unique_ptr<std::FILE, Close> kept_;
+  TemporaryFile kept_;
   std::string failure_;
+  std::u16string path_;
+};
+
+// Bytes as a temporary file without a name, for readers that go by path.
+class HeldBytes {
+ public:
+  // Throws std::runtime_error if there is no room for them.
+  explicit HeldBytes(std::span<const std::uint8_t> bytes);
+  const std::u16string& Path() const { return path_; }
+
+ private:
+  TemporaryFile file_;
   std::u16string path_;
 };
 

@@ -70,6 +70,9 @@ int main(int argc, char** argv) {
   using AddCommand = void(CLI::App&, int&);
   for (AddCommand* const add : {AddListCommand,
                                 AddInfoCommand,
+                                AddGetCommand,
+                                AddSetCommand,
+                                AddCopyCommand,
                                 AddCurvesCommand,
                                 AddMediaCommand,
                                 AddLutCommand,

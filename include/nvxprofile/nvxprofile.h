@@ -26,6 +26,7 @@
 #include <nvxprofile/model_info.h>
 #include <nvxprofile/profile_access.h>
 #include <nvxprofile/profile_data.h>
+#include <nvxprofile/profile_edit.h>
 #include <nvxprofile/profile_entry.h>
 #include <nvxprofile/profile_file.h>
 #include <nvxprofile/profile_file_icc.h>
