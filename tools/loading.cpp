@@ -1,6 +1,5 @@
 #include "loading.h"
 
-#include "files.h"
 #include "terminal.h"
 
 #include <nvxprofile/diagnosis.h>
@@ -58,8 +57,9 @@ const EntryNames* Find(std::uint32_t usedType) {
 
 }  // namespace
 
-bool LoadProfile(const std::string& path, CProfileAccess& access) {
-  const InputFile input(path);
+bool LoadProfile(const std::string& path, CProfileAccess& access) { return LoadProfile(path, InputFile(path), access); }
+
+bool LoadProfile(const std::string& path, const InputFile& input, CProfileAccess& access) {
   if (!input.Failure().empty()) {
     PrintErrorOf(path, input.Failure());
     return false;

@@ -1,6 +1,7 @@
 // What the commands have in common: loading a profile, and names for what is in it.
 #pragma once
 
+#include "files.h"
 #include "payload.h"
 
 #include <nvxprofile/profile_access.h>
@@ -14,6 +15,8 @@ namespace nvx::tool {
 // Loads a profile, from standard input for "-". On failure the real cause goes to standard error and the result is
 // false.
 bool LoadProfile(const std::string& path, CProfileAccess& access);
+// The same for a file that is at hand already; `path` is what the user calls it.
+bool LoadProfile(const std::string& path, const InputFile& input, CProfileAccess& access);
 
 // What keeps the file at `path` from loading: that it cannot be read, or the first rule that its bytes break, with the
 // place.

@@ -45,7 +45,7 @@ bool IsWanted(const CCurveDataEntry& curve, const Options& options) {
 // The curves as a query reads them: parsed from the entry's buffer.
 Selection Select(CProfileCurveEntry& entry, const Options& options, int& status) {
   if (!entry.BufferToData()) {
-    PrintError(fmt::format("{}: the curve set is damaged or empty", EntryName(entry.GetUsedType())));
+    PrintErrorOf(options.file, fmt::format("{}: the curve set is damaged or empty", EntryName(entry.GetUsedType())));
     status = kFailure;
   }
   Selection selection{&entry, {}};
@@ -134,7 +134,7 @@ int Run(const Options& options) {
   int status = kSuccess;
   const std::vector<Selection> selections = SelectAll(*access.GetProfileData(), options, status);
   if (selections.empty()) {
-    PrintError("the profile has no such curve");
+    PrintErrorOf(options.file, "the profile has no such curve");
     status = kFailure;
   }
   if (!options.cal.empty()) return status == kSuccess ? WriteCalFile(selections, options) : status;

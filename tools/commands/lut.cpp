@@ -121,11 +121,11 @@ int Run(const Options& options) {
     // The library has the words.
     CError error;
     access.GetChromaInputChannel(nullptr, &error);
-    PrintError(MessageOf(error));
+    PrintErrorOf(options.file, MessageOf(error));
     return kFailure;
   }
   if (!entry->BufferToData()) {
-    PrintError("the colour table of the profile cannot be read");
+    PrintErrorOf(options.file, "the colour table of the profile cannot be read");
     return kFailure;
   }
   CLutData& table = *entry->GetLutData();

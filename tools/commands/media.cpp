@@ -82,11 +82,11 @@ int Run(const Options& options) {
     CError error;
     std::int32_t value = 0;
     access.GetMediaCorrect(value, &error);
-    PrintError(MessageOf(error));
+    PrintErrorOf(options.file, MessageOf(error));
     return kFailure;
   }
   if (!entry->BufferToData()) {
-    PrintError("the media property set of the profile cannot be read");
+    PrintErrorOf(options.file, "the media property set of the profile cannot be read");
     return kFailure;
   }
   if (options.json) {
