@@ -1,7 +1,6 @@
 #include "calibration_edit.h"
 
 #include "calibration_view.h"
-#include "saving.h"
 
 #include <nvxprofile/text_conversion.h>
 
@@ -17,11 +16,11 @@ constexpr std::size_t kLongestName = 20;
 
 }  // namespace
 
-CCalibrationHistoryEntry& EditableHistory(CProfileAccess& access) {
-  if (access.GetProfileLoadFormat() != kPrinterProfile) {
+CCalibrationHistoryEntry& EditableHistory(ChangedProfile& profile) {
+  if (profile.Access().GetProfileLoadFormat() != kPrinterProfile) {
     throw std::runtime_error("only profiles of the current generation keep a calibration history");
   }
-  CProfileData& data = *access.GetProfileData();
+  CProfileData& data = profile.Data();
   if (CCalibrationHistoryEntry* const history = HistoryOf(data)) {
     if (history->GetSize() != 0 && !history->BufferToData()) {
       throw std::runtime_error("the calibration history is damaged; validate tells where");
@@ -50,12 +49,12 @@ std::u16string CalibrationName(const std::string& name) {
   return wide;
 }
 
-bool SaveHistory(CProfileAccess& access, const std::string& path) {
-  CCalibrationHistoryEntry& history = *HistoryOf(*access.GetProfileData());
+void SaveHistory(ChangedProfile& profile, const std::string& path) {
+  CCalibrationHistoryEntry& history = *HistoryOf(profile.Data());
   if (!history.JoinBuffers(history.PeekNextID())) {
     throw std::runtime_error("the calibrations are too many for one profile");
   }
-  return SaveProfile(access, path);
+  profile.Save(history.GetUsedType(), path);
 }
 
 }  // namespace nvx::tool

@@ -1,72 +1,62 @@
 #include "saving.h"
 
-#include "files.h"
 #include "loading.h"
+#include "terminal.h"
 
-#include <nvxprofile/icm_entry.h>
-#include <nvxprofile/profile_file.h>
 #include <nvxprofile/profile_file_qpf.h>
-#include <nvxprofile/profile_file_text.h>
 #include <nvxprofile/text_conversion.h>
 
-#include <cerrno>
 #include <filesystem>
+#include <stdexcept>
 
 namespace nvx::tool {
 namespace {
 
+constexpr int kPrinterProfile = 4;
 constexpr std::uint32_t kVersion5 = 5;
 
-std::uint32_t FirstRoute(CProfileData& data) {
-  return data.GetRouteStartPos() ? RoutesOf(data).front()->GetRouteType() : 0;
-}
-
-bool SavePlainIcc(CProfileData& data, const std::u16string& path) {
-  auto* const entry = dynamic_cast<CICMEntry*>(data.GetProfileDataEntry(kRouteIccRoot, CProfileDataEntry::kIcm));
-  std::uint32_t error = 0;
-  return entry != nullptr && entry->Save(path.c_str(), error);
-}
-
-// A profile takes the place of a file; anything else is left alone.
-bool IsFileOrNothing(const std::string& path) {
-  std::error_code error;
-  const std::filesystem::file_status status = std::filesystem::status(path, error);
-  return !std::filesystem::exists(status) || std::filesystem::is_regular_file(status);
-}
+[[noreturn]] void Fail(const std::string& path, const std::string& why) { throw std::runtime_error(path + ": " + why); }
 
 }  // namespace
 
-bool SaveModel(int format, CProfileData& data, const std::string& path) {
-  const std::u16string wide = Utf8ToWide(path);
-  switch (format) {
-    case 1:
-      return CProfileFileQCT().SaveData(wide.c_str(), &data, FirstRoute(data));
-    case 2:
-      return CProfileFileQPFv1().SaveData(wide.c_str(), &data, FirstRoute(data));
-    case 3:
-      return CProfileFileQPFv2().SaveData(wide.c_str(), &data, 0);
-    case 4:
-      return CProfileFileQPFv3().SaveData(wide.c_str(), &data, kSaveReplaceProfile | kSaveCalibration);
-    default:
-      return SavePlainIcc(data, wide);
-  }
+ChangedProfile::ChangedProfile(const std::string& file) : file_(file), input_(file) {
+  if (!input_.Failure().empty()) Fail(file, input_.Failure());
+  CError error;
+  if (!access_.Init(input_.Path().c_str(), &error)) Fail(file, WhyNotLoaded(input_.Path()));
+  Diagnosis diagnosis;
+  if (edit_.Open(input_.Path().c_str(), &diagnosis)) return;
+  Fail(file, diagnosis.Findings().empty() ? "cannot be changed" : diagnosis.Findings().front().rule);
 }
 
-bool SaveProfile(CProfileAccess& access, const std::string& path) {
-  if (path == kStandardStream) {
-    PrintErrorOf(path, "a profile cannot be changed in a stream; -o names a file for the result");
-    return false;
+void ChangedProfile::Save(std::uint32_t usedType, const std::string& path) {
+  if (!edit_.EntryBytes(usedType)) {
+    WriteOutput(path, SavedModel(path));
+    return;
   }
-  if (!IsFileOrNothing(path)) {
-    PrintErrorOf(path, "is no file that a profile could replace");
-    return false;
+  CProfileDataEntry& entry = *Data().GetProfileDataEntryFromList(usedType);
+  if (!edit_.SetEntryBytes(usedType, {entry.GetRefBuffer(), entry.GetSize()})) {
+    Fail(file_, "its format has no room for an entry of another size");
   }
-  _tagDeviceProfileInfo& info = *access.GetProfileInfo();
+  WriteOutput(path, edit_.Image());
+}
+
+// A save names the ICC profile around it after its file, so the model is saved under that name elsewhere first.
+std::vector<std::uint8_t> ChangedProfile::SavedModel(const std::string& path) {
+  if (access_.GetProfileLoadFormat() != kPrinterProfile) Fail(file_, "its format has no room for such an entry");
+  _tagDeviceProfileInfo& info = *access_.GetProfileInfo();
   info.SaveVersion5 = info.ProfileMinorVersion == kVersion5;
-  errno = 0;
-  if (SaveModel(access.GetProfileLoadFormat(), *access.GetProfileData(), path)) return true;
-  PrintErrorOf(path, WhyNotWritten(path, errno));
-  return false;
+  const WorkFolder folder(std::filesystem::temp_directory_path().string());
+  const std::string name = std::filesystem::path(path == kStandardStream ? file_ : path).filename().string();
+  const std::u16string saved = Utf8ToWide(folder.File(name));
+  if (!CProfileFileQPFv3().SaveData(saved.c_str(), &Data(), kSaveReplaceProfile | kSaveCalibration)) {
+    Fail(file_, "the changed profile cannot be saved");
+  }
+  const std::string bytes = ReadInput(folder.File(name));
+  return {bytes.begin(), bytes.end()};
+}
+
+void PrintDone(const std::string& path, const std::string& what) {
+  if (path != kStandardStream) PrintLine(path + ": " + what);
 }
 
 void WriteText(const std::string& path, const std::string& text) {

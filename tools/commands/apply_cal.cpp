@@ -34,8 +34,8 @@ struct Options {
   bool partial = false;
 };
 
-CProfileCurveEntry& CurveEntry(CProfileAccess& access, std::uint32_t usedType) {
-  auto* const entry = dynamic_cast<CProfileCurveEntry*>(access.GetProfileData()->GetProfileDataEntryFromList(usedType));
+CProfileCurveEntry& CurveEntry(CProfileData& data, std::uint32_t usedType) {
+  auto* const entry = dynamic_cast<CProfileCurveEntry*>(data.GetProfileDataEntryFromList(usedType));
   if (entry == nullptr) {
     throw std::runtime_error(
         fmt::format("the profile has no {} curves to take inks and sample counts from", EntryName(usedType)));
@@ -56,9 +56,9 @@ std::vector<CCurveDataEntry*> WantedCurves(CProfileCurveEntry& entry, const Opti
 }
 
 // The curves of an entry get the outputs of the file, cut at the limits, as the entry has no other place for those.
-std::string ReplaceCurves(CProfileAccess& access, const CalFile& cal, const Options& options) {
+std::string ReplaceCurves(CProfileData& data, const CalFile& cal, const Options& options) {
   const InkTable inks(options.inks);
-  CProfileCurveEntry& entry = CurveEntry(access, UsedTypeByName(options.entry));
+  CProfileCurveEntry& entry = CurveEntry(data, UsedTypeByName(options.entry));
   const std::vector<CCurveDataEntry*> curves =
       CurvesInCal(cal, inks, WantedCurves(entry, options), options.partial ? Fit::kPartial : Fit::kWhole);
   TakeOutputs(cal, inks, curves);
@@ -68,11 +68,11 @@ std::string ReplaceCurves(CProfileAccess& access, const CalFile& cal, const Opti
 }
 
 // Inks, names and sample counts are those of the profile's linearization.
-std::string AppendCalibration(CProfileAccess& access, const CalFile& cal, const Options& options) {
+std::string AppendCalibration(ChangedProfile& profile, const CalFile& cal, const Options& options) {
   const InkTable inks(options.inks);
   const std::u16string name = CalibrationName(options.calibration);
-  CCalibrationHistoryEntry& history = EditableHistory(access);
-  CProfileCurveEntry& model = CurveEntry(access, CProfileDataEntry::kLinearization);
+  CCalibrationHistoryEntry& history = EditableHistory(profile);
+  CProfileCurveEntry& model = CurveEntry(profile.Data(), CProfileDataEntry::kLinearization);
   auto linearization = std::make_unique<CCalibrationLinearizationEntry>();
   CCurveData& set = *linearization->GetCurveData();
   set.SetUsedType(linearization->GetUsedType());
@@ -107,13 +107,13 @@ void WarnOfFallingCurves(const CalFile& cal, const std::string& path) {
   }
 }
 
-std::optional<CalFile> ReadFile(const std::string& path) {
+CalFile ReadFile(const std::string& path) {
+  const std::string text = ReadInput(path);
   try {
-    return ReadCal(ReadInput(path));
+    return ReadCal(text);
   } catch (const TextError& error) {
-    PrintError(fmt::format("{}: {}", path, error.what()));
+    throw std::runtime_error(path + ": " + error.what());
   }
-  return std::nullopt;
 }
 
 int Run(const Options& options) {
@@ -121,21 +121,25 @@ int Run(const Options& options) {
     PrintError(fmt::format("\"{}\" is no kind of entry", options.entry));
     return kUsage;
   }
-  const std::optional<CalFile> cal = ReadFile(options.cal);
-  CProfileAccess access;
-  if (!cal || !LoadProfile(options.file, access)) return kFailure;
+  const CalFile cal = ReadFile(options.cal);
+  ChangedProfile profile(options.file);
   const std::string& target = options.output.empty() ? options.file : options.output;
+  std::string done;
   try {
-    const bool appends = options.entry.empty();
-    const std::string done = appends ? AppendCalibration(access, *cal, options) : ReplaceCurves(access, *cal, options);
-    WarnOfFallingCurves(*cal, options.cal);
-    if (!(appends ? SaveHistory(access, target) : SaveProfile(access, target))) return kFailure;
-    PrintLine(fmt::format("{}: {}", target, done));
-    return kSuccess;
+    done =
+        options.entry.empty() ? AppendCalibration(profile, cal, options) : ReplaceCurves(profile.Data(), cal, options);
   } catch (const std::runtime_error& error) {
-    PrintError(fmt::format("{}: {}: {}; nothing was changed", options.file, options.cal, error.what()));
+    PrintErrorOf(options.file, fmt::format("{}: {}; nothing was changed", options.cal, error.what()));
     return kFailure;
   }
+  WarnOfFallingCurves(cal, options.cal);
+  if (options.entry.empty()) {
+    SaveHistory(profile, target);
+  } else {
+    profile.Save(UsedTypeByName(options.entry), target);
+  }
+  PrintDone(target, done);
+  return kSuccess;
 }
 
 }  // namespace

@@ -32,43 +32,43 @@ struct Options {
 };
 
 // The inks that the profile has a linearization of; none for a profile without.
-std::set<std::uint32_t> InksOf(CProfileAccess& access) {
+std::set<std::uint32_t> InksOf(CProfileData& data) {
   std::set<std::uint32_t> inks;
-  auto* const entry = dynamic_cast<CProfileCurveEntry*>(
-      access.GetProfileData()->GetProfileDataEntryFromList(CProfileDataEntry::kLinearization));
+  auto* const entry =
+      dynamic_cast<CProfileCurveEntry*>(data.GetProfileDataEntryFromList(CProfileDataEntry::kLinearization));
   if (entry == nullptr || !entry->BufferToData()) return inks;
   for (const CCurveDataEntry* const curve : CurvesOf(*entry->GetCurveData())) inks.insert(curve->GetInkID());
   return inks;
 }
 
-NewCalibration ReadCurves(const Options& options, CProfileAccess& access) {
+NewCalibration ReadCurves(const Options& options, CProfileData& data) {
   const std::string text = ReadInput(options.csv);
   try {
-    return ReadMeasuredCurves(text, InksOf(access));
+    return ReadMeasuredCurves(text, InksOf(data));
   } catch (const TextError& error) {
     throw std::runtime_error(fmt::format("{}: {}", options.csv, error.what()));
   }
 }
 
 int Run(const Options& options) {
-  CProfileAccess access;
-  if (!LoadProfile(options.file, access)) return kFailure;
+  ChangedProfile profile(options.file);
   const std::string& target = options.output.empty() ? options.file : options.output;
+  std::uint32_t code = 0;
   try {
-    CCalibrationHistoryEntry& history = EditableHistory(access);
+    CCalibrationHistoryEntry& history = EditableHistory(profile);
     const std::u16string name = CalibrationName(options.name);
-    NewCalibration calibration = ReadCurves(options, access);
+    NewCalibration calibration = ReadCurves(options, profile.Data());
     calibration.name = name;
     calibration.value = options.value;
     calibration.time = options.time.value_or(PresentTime());
-    const std::uint32_t code = AddCalibration(history, std::move(calibration))->GetOptionInfo();
-    if (!SaveHistory(access, target)) return kFailure;
-    PrintLine(fmt::format("{}: calibration {} \"{}\" appended", target, code, options.name));
-    return kSuccess;
+    code = AddCalibration(history, std::move(calibration))->GetOptionInfo();
   } catch (const std::runtime_error& error) {
-    PrintError(fmt::format("{}: {}; nothing was changed", options.file, error.what()));
+    PrintErrorOf(options.file, fmt::format("{}; nothing was changed", error.what()));
     return kFailure;
   }
+  SaveHistory(profile, target);
+  PrintDone(target, fmt::format("calibration {} \"{}\" appended", code, options.name));
+  return kSuccess;
 }
 
 }  // namespace

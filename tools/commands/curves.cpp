@@ -28,6 +28,7 @@ struct Options {
   std::string cal;
   std::vector<std::string> inks;
   bool csv = false;
+  PlotStyle plot = PlotStyle::kNone;
   bool json = false;
 };
 
@@ -69,10 +70,10 @@ std::vector<Selection> SelectAll(CProfileData& data, const Options& options, int
   return selections;
 }
 
-void Print(const std::vector<Selection>& selections) {
+void Print(const std::vector<Selection>& selections, PlotStyle plot) {
   for (const Selection& selection : selections) {
     if (&selection != &selections.front()) PrintLine();
-    PrintCurves(selection.entry->GetUsedType(), selection.curves);
+    PrintCurves(selection.entry->GetUsedType(), selection.curves, plot);
   }
 }
 
@@ -143,7 +144,7 @@ int Run(const Options& options) {
   } else if (options.csv) {
     PrintCsv(selections);
   } else {
-    Print(selections);
+    Print(selections, options.plot);
   }
   return status;
 }
@@ -169,6 +170,7 @@ void AddCurvesCommand(CLI::App& app, int& status) {
           ->excludes(csv)
           ->excludes(json);
   command->add_option("--inks", options->inks, kInksHelp)->delimiter(',')->type_name("N=LETTER...")->needs(cal);
+  AddPlotOptions(*command, options->plot);
   command->footer("Example: nvxprofile curves glossy.icc --entry linearization --cal glossy.cal");
   command->callback([options, &status] { status = Run(*options); });
 }

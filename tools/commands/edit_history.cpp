@@ -25,20 +25,20 @@ struct Options {
   std::string name;
 };
 
-// Loads the profile, runs change(history), which may throw, and saves.
+// Runs change(history), which may throw, and saves.
 template <class Change>
 int EditHistory(const std::string& file, Change change) {
-  CProfileAccess access;
-  if (!LoadProfile(file, access)) return kFailure;
+  ChangedProfile profile(file);
+  std::string done;
   try {
-    const std::string done = change(EditableHistory(access));
-    if (!SaveHistory(access, file)) return kFailure;
-    PrintLine(fmt::format("{}: {}", file, done));
-    return kSuccess;
+    done = change(EditableHistory(profile));
   } catch (const std::runtime_error& error) {
-    PrintError(fmt::format("{}: {}; nothing was changed", file, error.what()));
+    PrintErrorOf(file, fmt::format("{}; nothing was changed", error.what()));
     return kFailure;
   }
+  SaveHistory(profile, file);
+  PrintDone(file, done);
+  return kSuccess;
 }
 
 std::string Remove(CCalibrationHistoryEntry& history, const std::vector<std::uint32_t>& codes) {

@@ -29,6 +29,7 @@ struct Options {
   std::string cal;
   std::vector<std::string> inks;
   bool timeline = false;
+  PlotStyle plot = PlotStyle::kNone;
   bool json = false;
 };
 
@@ -125,13 +126,13 @@ void PrintTable(CProfileAccess& access, CCalibrationHistoryEntry& history) {
   }
 }
 
-bool PrintCurvesOf(CCalibrationHistoryEntry& history, std::uint32_t code) {
+bool PrintCurvesOf(CCalibrationHistoryEntry& history, std::uint32_t code, PlotStyle plot) {
   auto* const calibration =
       dynamic_cast<CContainerEntry*>(history.GetProfileDataEntry(CProfileDataEntry::kCalibrationContainer, code));
   if (calibration == nullptr) return false;
   for (CProfileCurveEntry* const entry : CurveEntriesOf(*calibration)) {
     PrintLine();
-    PrintCurves(entry->GetUsedType(), CurvesOf(*entry->GetCurveData()));
+    PrintCurves(entry->GetUsedType(), CurvesOf(*entry->GetCurveData()), plot);
   }
   return true;
 }
@@ -170,7 +171,7 @@ int Run(const Options& options) {
     } else {
       PrintTable(access, *history);
     }
-    if (options.curves) PrintCurvesOf(*history, *options.curves);
+    if (options.curves) PrintCurvesOf(*history, *options.curves, options.plot);
   }
   if (known) return kSuccess;
   PrintError(fmt::format("{}: no calibration has the code {}", options.file, *options.curves));
@@ -195,6 +196,7 @@ void AddHistoryCommand(CLI::App& app, int& status) {
           ->needs(curves)
           ->excludes(json);
   command->add_option("--inks", options->inks, kInksHelp)->delimiter(',')->type_name("N=LETTER...")->needs(cal);
+  AddPlotOptions(*command, options->plot);
   command->footer("Example: nvxprofile history glossy.icc --timeline");
   command->callback([options, &status] { status = Run(*options); });
 }

@@ -1,4 +1,5 @@
 // nvxprofile import-history: takes the calibrations of one profile over into another, and never loses one.
+#include "calibration_edit.h"
 #include "calibration_view.h"
 #include "command.h"
 #include "loading.h"
@@ -17,8 +18,6 @@
 
 namespace nvx::tool {
 namespace {
-
-constexpr int kPrinterProfile = 4;
 
 struct Options {
   std::string from;
@@ -64,14 +63,6 @@ void PrintCollisions(const Options& options, CCalibrationHistoryEntry& into, CCa
   table.Print(2);
 }
 
-// The history of the profile, made on its route if there is none.
-CCalibrationHistoryEntry& HistoryIn(CProfileData& data) {
-  if (CCalibrationHistoryEntry* const history = HistoryOf(data)) return *history;
-  auto* const history = new CCalibrationHistoryEntry;
-  data.SetProfileDataEntry(history, kRouteCalibration);
-  return *history;
-}
-
 void PrintImported(const Options& options, CCalibrationHistoryEntry& into,
                    const std::vector<ImportedCalibration>& imported) {
   PrintLine(fmt::format("{}: {} calibrations taken over, {} in all", options.into, imported.size(),
@@ -84,18 +75,14 @@ void PrintImported(const Options& options, CCalibrationHistoryEntry& into,
 
 int Run(const Options& options) {
   CProfileAccess source;
-  CProfileAccess target;
-  if (!LoadProfile(options.from, source) || !LoadProfile(options.into, target)) return kFailure;
-  if (target.GetProfileLoadFormat() != kPrinterProfile) {
-    PrintError(options.into + ": only profiles of the current generation keep a calibration history");
-    return kFailure;
-  }
+  if (!LoadProfile(options.from, source)) return kFailure;
+  ChangedProfile target(options.into);
   CCalibrationHistoryEntry* const from = HistoryOf(*source.GetProfileData());
   if (from == nullptr) {
     PrintError(options.from + ": the profile has no calibration history");
     return kFailure;
   }
-  CCalibrationHistoryEntry& into = HistoryIn(*target.GetProfileData());
+  CCalibrationHistoryEntry& into = EditableHistory(target);
   if (!IsWhole(options.from, *from) || !IsWhole(options.into, into)) return kFailure;
 
   const std::vector<std::uint32_t> colliding = CollidingCodes(into, *from);
@@ -108,7 +95,7 @@ int Run(const Options& options) {
     PrintError(options.into + ": the calibrations are too many for one profile; it is as it was");
     return kFailure;
   }
-  if (!SaveProfile(target, options.into)) return kFailure;
+  target.Save(into.GetUsedType(), options.into);
   PrintImported(options, into, *imported);
   return kSuccess;
 }
