@@ -69,22 +69,17 @@ int main(int argc, char** argv) {
   int status = kSuccess;
   using AddCommand = void(CLI::App&, int&);
   for (AddCommand* const add :
-       {AddListCommand,    AddInfoCommand,    AddGetCommand,     AddSetCommand,     AddCopyCommand,
-        AddCurvesCommand,  AddMediaCommand,   AddLutCommand,     AddMasksCommand,   AddLampCommand,
-        AddSpecialCommand, AddHistoryCommand, AddExtractCommand, AddConvertCommand, AddImportHistoryCommand,
-        AddAdjustCommand,  AddDumpCommand,    AddBuildCommand,   AddDiffCommand,    AddValidateCommand}) {
+       {AddListCommand,      AddInfoCommand,    AddGetCommand,     AddSetCommand,     AddCopyCommand,
+        AddCurvesCommand,    AddMediaCommand,   AddLutCommand,     AddMasksCommand,   AddLampCommand,
+        AddSpecialCommand,   AddHistoryCommand, AddExtractCommand, AddConvertCommand, AddImportHistoryCommand,
+        AddAdjustCommand,    AddDumpCommand,    AddBuildCommand,   AddDiffCommand,    AddValidateCommand,
+        AddCompletionCommand}) {
     add(app, status);
   }
-  // For the build, which installs both beside the tool.
+  // For the build, which installs the page beside the tool.
   app.add_flag_callback("--man-page",
                         [&] {
                           std::fputs(ManualPage(app).c_str(), stdout);
-                          throw CLI::Success();
-                        })
-      ->group("");
-  app.add_flag_callback("--bash-completion",
-                        [&] {
-                          std::fputs(BashCompletion(app).c_str(), stdout);
                           throw CLI::Success();
                         })
       ->group("");
