@@ -39,5 +39,6 @@ void AddDumpCommand(CLI::App& app, int& status);
 void AddBuildCommand(CLI::App& app, int& status);
 void AddDiffCommand(CLI::App& app, int& status);
 void AddValidateCommand(CLI::App& app, int& status);
+void AddCompletionCommand(CLI::App& app, int& status);
 
 }  // namespace nvx::tool

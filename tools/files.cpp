@@ -28,11 +28,6 @@ namespace fs = std::filesystem;
 
 std::string Reason(int error) { return std::system_category().message(error); }
 
-std::string TooLong(const std::u16string& path) {
-  if (path.size() < CNvxFile::kPathLength) return {};
-  return fmt::format("the path has {} characters, and at most {} are possible", path.size(), CNvxFile::kPathLength - 1);
-}
-
 std::string KindOf(::mode_t mode) {
   if (S_ISDIR(mode)) return "is a folder";
   if (S_ISFIFO(mode)) return "is a pipe; \"-\" reads from standard input";
@@ -93,11 +88,17 @@ void Replace(const std::string& path, std::span<const std::uint8_t> bytes) {
 }  // namespace
 
 std::string WhyNotReadable(const std::string& path) {
-  if (std::string failure = TooLong(Utf8ToWide(path)); !failure.empty()) return failure;
   struct ::stat status {};
   if (::stat(path.c_str(), &status) != 0) return Reason(errno);
   if (std::string kind = KindOf(status.st_mode); !kind.empty()) return kind;
   return ::access(path.c_str(), R_OK) == 0 ? std::string() : Reason(errno);
+}
+
+std::string WhyNotOpened(const std::string& path) {
+  if (std::string failure = WhyNotReadable(path); !failure.empty()) return failure;
+  const std::size_t length = Utf8ToWide(path).size();
+  if (length < CNvxFile::kPathLength) return "cannot be opened";
+  return fmt::format("the path has {} characters, and at most {} are possible", length, CNvxFile::kPathLength - 1);
 }
 
 InputFile::InputFile(const std::string& path) {
@@ -140,7 +141,6 @@ HeldBytes::HeldBytes(std::span<const std::uint8_t> bytes) : file_(std::tmpfile()
 }
 
 std::string WhyNotWritten(const std::string& path, int error) {
-  if (std::string failure = TooLong(Utf8ToWide(path)); !failure.empty()) return failure;
   std::error_code code;
   if (fs::is_directory(path, code)) return "is a folder";
   const fs::path parent = fs::path(path).parent_path();
@@ -148,7 +148,9 @@ std::string WhyNotWritten(const std::string& path, int error) {
   if (!fs::is_directory(folder, code)) return fmt::format("there is no folder {}", folder);
   if (fs::exists(path, code) && ::access(path.c_str(), W_OK) != 0) return Reason(errno);
   if (::access(folder.c_str(), W_OK) != 0) return fmt::format("{} in the folder {}", Reason(errno), folder);
-  return error != 0 ? Reason(error) : "cannot be written";
+  if (error != 0) return Reason(error);
+  const bool isLong = Utf8ToWide(path).size() >= CNvxFile::kPathLength;
+  return isLong ? "cannot be written under a path as long as this" : "cannot be written";
 }
 
 void WriteOutput(const std::string& path, std::span<const std::uint8_t> bytes) {
@@ -173,7 +175,7 @@ std::string ReadInput(const std::string& path) {
   if (!input.Failure().empty()) throw std::runtime_error(path + ": " + input.Failure());
   CNvxFile file;
   if (!file.Open(input.Path().c_str(), kGenericRead, kShareRead, kOpenExisting)) {
-    throw std::runtime_error(path + ": cannot be opened");
+    throw std::runtime_error(path + ": " + WhyNotOpened(path));
   }
   std::string text(file.GetLength(), '\0');
   text.resize(file.Read(text.data(), static_cast<std::uint32_t>(text.size())));

@@ -21,6 +21,9 @@ struct CloseFile {
 };
 using TemporaryFile = std::unique_ptr<std::FILE, CloseFile>;
 
+// Why the library did not open the file; never empty.
+std::string WhyNotOpened(const std::string& path);
+
 // A file to read from. What comes through standard input is kept in a temporary file without a name for as long as this
 // object lives, so that it can be read like any other.
 class InputFile {

@@ -2,7 +2,6 @@
 
 #include "terminal.h"
 
-#include <nvxprofile/diagnosis.h>
 #include <nvxprofile/error.h>
 #include <nvxprofile/text_conversion.h>
 
@@ -80,11 +79,15 @@ bool LoadProfile(const std::string& path, const InputFile& input, CProfileAccess
 }
 
 std::string WhyNotLoaded(const std::u16string& path) {
-  if (std::string failure = WhyNotReadable(WideToUtf8(path)); !failure.empty()) return failure;
   Diagnosis diagnosis;
   DiagnoseProfile(path.c_str(), diagnosis);
+  return FirstError(diagnosis, path);
+}
+
+std::string FirstError(const Diagnosis& diagnosis, const std::u16string& path) {
   for (const Finding& finding : diagnosis.Findings()) {
     if (finding.severity != Severity::kError) continue;
+    if (finding.rule == "file: cannot be opened") return WhyNotOpened(WideToUtf8(path));
     return finding.place.empty() ? finding.rule : finding.place + ": " + finding.rule;
   }
   return "cannot be loaded";

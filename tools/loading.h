@@ -4,6 +4,7 @@
 #include "files.h"
 #include "payload.h"
 
+#include <nvxprofile/diagnosis.h>
 #include <nvxprofile/profile_access.h>
 
 #include <string>
@@ -21,6 +22,9 @@ bool LoadProfile(const std::string& path, const InputFile& input, CProfileAccess
 // What keeps the file at `path` from loading: that it cannot be read, or the first rule that its bytes break, with the
 // place.
 std::string WhyNotLoaded(const std::u16string& path);
+
+// The same out of what a look at the file found.
+std::string FirstError(const Diagnosis& diagnosis, const std::u16string& path);
 
 // Writes "nvxprofile: FILE: MESSAGE" to standard error.
 void PrintErrorOf(const std::string& file, const std::string& message);

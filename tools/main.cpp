@@ -91,19 +91,14 @@ int main(int argc, char** argv) {
                                 AddDumpCommand,
                                 AddBuildCommand,
                                 AddDiffCommand,
-                                AddValidateCommand}) {
+                                AddValidateCommand,
+                                AddCompletionCommand}) {
     add(app, status);
   }
-  // For the build, which installs both beside the tool.
+  // For the build, which installs the page beside the tool.
   app.add_flag_callback("--man-page",
                         [&] {
                           std::fputs(ManualPage(app).c_str(), stdout);
-                          throw CLI::Success();
-                        })
-      ->group("");
-  app.add_flag_callback("--bash-completion",
-                        [&] {
-                          std::fputs(BashCompletion(app).c_str(), stdout);
                           throw CLI::Success();
                         })
       ->group("");

@@ -98,14 +98,6 @@ void Fill(ProfileLine& line, ProfileSummary& summary) {
   }
 }
 
-std::string FirstError(const Diagnosis& diagnosis) {
-  for (const Finding& finding : diagnosis.Findings()) {
-    if (finding.severity != Severity::kError) continue;
-    return finding.place.empty() ? finding.rule : finding.place + ": " + finding.rule;
-  }
-  return "is no profile";
-}
-
 ProfileLine LineOf(const std::string& path) {
   ProfileLine line;
   line.file = path;
@@ -117,7 +109,7 @@ ProfileLine LineOf(const std::string& path) {
   if (SummarizeProfile(input.Path().c_str(), summary, &diagnosis)) {
     Fill(line, summary);
   } else {
-    line.failure = FirstError(diagnosis);
+    line.failure = FirstError(diagnosis, input.Path());
   }
   return line;
 }

@@ -88,11 +88,12 @@ std::array<std::uint8_t, kHeaderBlockSize> EncodeHeaderBlock(const _tagDevicePro
 // A stream that is closed and has a name.
 class NamedStream : public CNvxFile {
  public:
-  explicit NamedStream(const char16_t* name) { isNamed_ = Attach(-1, name); }
-  bool IsNamed() const { return isNamed_; }
-
- private:
-  bool isNamed_ = false;
+  explicit NamedStream(const char16_t* name) { Attach(-1, name); }
+  bool IsNamed() const {
+    char16_t name[kPathLength] = {};
+    GetFileName(name);
+    return name[0] != 0;
+  }
 };
 
 }  // namespace

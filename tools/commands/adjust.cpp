@@ -255,6 +255,7 @@ void AddAdjustCommand(CLI::App& app, int& status) {
       ->transform(CLI::CheckedTransformer(kKinds))
       ->type_name("color|color-v3|device|special");
   command->add_flag("--json", options->json, "Write a JSON document");
+  command->footer("Example: nvxprofile adjust color.txt");
   command->callback([options, &status] { status = Run(*options); });
 }
 

@@ -50,6 +50,7 @@ void AddBuildCommand(CLI::App& app, int& status) {
   command->add_option("-o,--output", options->output, "The profile to write; - for standard output")
       ->required()
       ->type_name("FILE");
+  command->footer("Example: nvxprofile build glossy.json -o glossy.icc");
   command->callback([options, &status] { status = Run(*options); });
 }
 

@@ -239,6 +239,7 @@ void AddConvertCommand(CLI::App& app, int& status) {
   command->add_option("-j,--jobs", options->jobs, "Files to convert at the same time")
       ->check(CLI::Range(1, 256))
       ->type_name("N");
+  command->footer("Example: nvxprofile convert old/*.qpf -o new --module-version 2.1");
   command->callback([options, &status] { status = Run(*options); });
 }
 

@@ -121,6 +121,7 @@ void AddCopyCommand(CLI::App& app, int& status) {
       ->expected(1)
       ->take_all();
   command->add_option("--number", options->number, "Number of the medium")->type_name("N");
+  command->footer("Example: nvxprofile copy glossy.icc satin.icc --media Satin --name de=Satinpapier --number 77");
   command->callback([options, &status] { status = Run(*options); });
 }
 

@@ -81,6 +81,7 @@ void AddExtractCommand(CLI::App& app, int& status) {
   parts->add_option("--entry", options->entry, "Write the bytes of an entry, by type number or name")
       ->type_name("TYPE OUT");
   parts->require_option(1, 3);
+  command->footer("Example: nvxprofile extract glossy.icc --icc frame.icc");
   command->callback([options, &status] { status = Run(*options); });
 }
 

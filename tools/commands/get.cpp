@@ -51,6 +51,7 @@ void AddGetCommand(CLI::App& app, int& status) {
           "record/MediaName, linearization/ink/1/samples or calibration/3/name")
       ->required();
   command->add_flag("--json", options->json, "Write texts as JSON, too");
+  command->footer("Example: nvxprofile get glossy.icc media/heater/0");
   command->callback([options, &status] { status = Run(*options); });
 }
 

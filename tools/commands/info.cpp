@@ -204,6 +204,7 @@ void AddInfoCommand(CLI::App& app, int& status) {
       command->add_flag("--json", options->json, "Write a JSON document; of several files, an array of them");
   command->add_flag("--json-lines", options->jsonLines, "Write one JSON object a line, each of one file")
       ->excludes(json);
+  command->footer("Example: nvxprofile info glossy.icc");
   command->callback([options, &status] { status = Run(*options); });
 }
 

@@ -159,6 +159,7 @@ void AddLampCommand(CLI::App& app, int& status) {
       ->expected(4)
       ->type_name("A,B,C,D");
   command->add_flag("--json", options->json, "Write one JSON document");
+  command->footer("Example: nvxprofile lamp glossy.icc --condition 1,2,3,4");
   command->callback([options, &status] { status = Run(*options); });
 }
 

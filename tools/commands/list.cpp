@@ -178,6 +178,7 @@ void AddListCommand(CLI::App& app, int& status) {
   command->add_option("-j,--jobs", options->jobs, "Files to read at the same time; without it one for each processor")
       ->check(CLI::Range(1, 256))
       ->type_name("N");
+  command->footer("Example: nvxprofile list -r --media 'glossy*' --resolution 720x1440 --older-than 90d profiles");
   command->callback([options, &status] {
     if (options->columns.empty()) options->columns = CLI::detail::split(kDefaultColumns, ',');
     status = Run(*options);

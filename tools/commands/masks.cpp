@@ -194,6 +194,7 @@ void AddMasksCommand(CLI::App& app, int& status) {
       ->expected(2)
       ->type_name("CONDITION OUT")
       ->excludes(json);
+  command->footer("Example: nvxprofile masks glossy.icc --pack 4,1,200,1,2 mask.bin");
   command->callback([options, &status] { status = Run(*options); });
 }
 

@@ -106,6 +106,7 @@ void AddMediaCommand(CLI::App& app, int& status) {
   const auto options = std::make_shared<Options>();
   command->add_option("FILE", options->file, "Profile of any format")->required();
   command->add_flag("--json", options->json, "Write a JSON document");
+  command->footer("Example: nvxprofile media glossy.icc");
   command->callback([options, &status] { status = Run(*options); });
 }
 

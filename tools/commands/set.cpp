@@ -54,6 +54,7 @@ void AddSetCommand(CLI::App& app, int& status) {
       ->required();
   command->add_option("-o,--output", options->output, "Write the changed profile to this file")->type_name("FILE");
   command->add_flag("--dry-run", options->dryRun, "Write nothing; show what would change");
+  command->footer("Example: nvxprofile set glossy.icc media/heater/0=45 --dry-run");
   command->callback([options, &status] { status = Run(*options); });
 }
 

@@ -196,6 +196,7 @@ void AddSpecialCommand(CLI::App& app, int& status) {
       ->type_name("N,N...")
       ->needs(condition);
   command->add_flag("--json", options->json, "Write one JSON document");
+  command->footer("Example: nvxprofile special glossy.icc --condition 1,2 --colors 17,18");
   command->callback([options, &status] { status = Run(*options); });
 }
 
