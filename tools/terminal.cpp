@@ -1,5 +1,7 @@
 #include "terminal.h"
 
+#include "files.h"
+
 #include <fmt/format.h>
 #include <unistd.h>
 
@@ -48,8 +50,8 @@ std::string Styled(Style style, std::string_view text) {
 }
 
 void PrintLine(std::string_view line) {
-  std::fwrite(line.data(), 1, line.size(), stdout);
-  std::fputc('\n', stdout);
+  WriteStandardOutput(line);
+  WriteStandardOutput("\n");
 }
 
 void PrintError(std::string_view message) {
