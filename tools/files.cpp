@@ -26,6 +26,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
+// What the first write to standard output that failed failed with.
+int outputError = 0;
+
 std::string Reason(int error) { return std::system_category().message(error); }
 
 std::string KindOf(::mode_t mode) {
@@ -156,7 +159,7 @@ std::string WhyNotWritten(const std::string& path, int error) {
 void WriteOutput(const std::string& path, std::span<const std::uint8_t> bytes) {
   const std::optional<int> descriptor = DescriptorOf(path);
   if (descriptor == STDOUT_FILENO) {
-    std::fwrite(bytes.data(), 1, bytes.size(), stdout);
+    WriteStandardOutput({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
     FinishStandardOutput();
     return;
   }
@@ -182,11 +185,16 @@ std::string ReadInput(const std::string& path) {
   return text;
 }
 
+void WriteStandardOutput(std::string_view text) {
+  errno = 0;
+  if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() && outputError == 0) outputError = errno;
+}
+
 void FinishStandardOutput() {
   errno = 0;
   if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return;
-  const int error = errno;
-  // What is left cannot be written either; told once is enough.
+  const int error = outputError != 0 ? outputError : errno;
+  // Told once is enough.
   std::clearerr(stdout);
   throw std::runtime_error("standard output: " + (error != 0 ? Reason(error) : "cannot be written"));
 }

@@ -7,6 +7,7 @@
 #include <memory>
 #include <span>
 #include <string>
+#include <string_view>
 
 namespace nvx::tool {
 
@@ -64,6 +65,9 @@ std::string ReadInput(const std::string& path);
 
 // Why a file could not be written, looked up after a write failed with that error number (0 for none).
 std::string WhyNotWritten(const std::string& path, int error);
+
+// Writes to standard output; FinishStandardOutput tells whether it got there.
+void WriteStandardOutput(std::string_view text);
 
 // Hands over what is left of standard output. Throws std::runtime_error if any of it is lost.
 void FinishStandardOutput();

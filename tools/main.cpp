@@ -6,7 +6,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <numeric>
 #include <string>
 #include <string_view>
@@ -98,7 +97,7 @@ int main(int argc, char** argv) {
   // For the build, which installs the page beside the tool.
   app.add_flag_callback("--man-page",
                         [&] {
-                          std::fputs(ManualPage(app).c_str(), stdout);
+                          WriteStandardOutput(ManualPage(app));
                           throw CLI::Success();
                         })
       ->group("");

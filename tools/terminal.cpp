@@ -1,5 +1,7 @@
 #include "terminal.h"
 
+#include "files.h"
+
 #include <fmt/format.h>
 #include <langinfo.h>
 #include <locale.h>
@@ -59,8 +61,8 @@ std::string Styled(Style style, std::string_view text) {
 }
 
 void PrintLine(std::string_view line) {
-  std::fwrite(line.data(), 1, line.size(), stdout);
-  std::fputc('\n', stdout);
+  WriteStandardOutput(line);
+  WriteStandardOutput("\n");
 }
 
 void PrintError(std::string_view message) {

@@ -1,8 +1,8 @@
 // nvxprofile completion: what a shell needs to complete the command line.
 #include "command.h"
+#include "files.h"
 #include "manual.h"
 
-#include <cstdio>
 #include <memory>
 #include <string>
 
@@ -17,7 +17,7 @@ void AddCompletionCommand(CLI::App& app, int& status) {
     const std::string script = *shell == "bash"  ? BashCompletion(app)
                                : *shell == "zsh" ? ZshCompletion(app)
                                                  : FishCompletion(app);
-    std::fputs(script.c_str(), stdout);
+    WriteStandardOutput(script);
     status = kSuccess;
   });
 }

@@ -167,7 +167,8 @@ std::optional<std::vector<Job>> Plan(const Options& options) {
     PrintError("only one profile can go to standard output");
     return std::nullopt;
   }
-  const bool toFolder = !toStandard && (isFolder || options.files.size() > 1 || !output.has_filename());
+  if (toStandard) return std::vector<Job>{{options.files.front(), output}};
+  const bool toFolder = isFolder || options.files.size() > 1 || !output.has_filename();
   if (toFolder && !isFolder && !fs::create_directories(output, error)) {
     PrintError(fmt::format("{}: {}", options.output, error ? error.message() : "cannot be created"));
     return std::nullopt;
