@@ -285,12 +285,12 @@ TEST(Tool, DiffTellsTheGreatestDifferenceOfCurves) {
   WriteBytes(folder.File("b.icc"), changed);
   EXPECT_EQ(RunTool({"diff", folder.File("a.icc"), folder.File("a.icc")}).status, 0);
   const ToolResult result = RunTool({"diff", "--json", folder.File("a.icc"), folder.File("b.icc")});
-  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.status, 3);
   const json differences = Parse(result.out)["differences"];
   ASSERT_EQ(differences.size(), 1u) << result.out;
   EXPECT_EQ(differences[0]["place"], "entry 6 linearization/ink 1 extend 4/samples");
   EXPECT_EQ(differences[0]["greatest"], 10);
-  EXPECT_EQ(RunTool({"diff", folder.File("a.icc"), "/no/such"}).status, 2);
+  EXPECT_EQ(RunTool({"diff", folder.File("a.icc"), "/no/such"}).status, 1);
 }
 
 TEST(Tool, ValidateNamesPlaceOffsetAndRule) {
@@ -309,7 +309,7 @@ TEST(Tool, ValidateNamesPlaceOffsetAndRule) {
   place[0] = 'X';
   WriteBytes(folder.File("p.icc"), bytes);
   const ToolResult broken = RunTool({"validate", "--json", folder.File("p.icc")});
-  EXPECT_EQ(broken.status, 1);
+  EXPECT_EQ(broken.status, 4);
   const json findings = Parse(broken.out)["findings"];
   ASSERT_EQ(findings.size(), 1u) << broken.out;
   EXPECT_EQ(findings[0]["rule"], "entry body: wrong magic");
