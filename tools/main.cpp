@@ -6,7 +6,9 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <numeric>
+#include <sstream>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -108,7 +110,11 @@ int main(int argc, char** argv) {
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    status = app.exit(error) == 0 ? kSuccess : kUsage;
+    std::ostringstream out;
+    std::ostringstream complaint;
+    status = app.exit(error, out, complaint) == 0 ? kSuccess : kUsage;
+    WriteStandardOutput(out.str());
+    std::fputs(complaint.str().c_str(), stderr);
   } catch (const std::exception& error) {
     PrintError(error.what());
     status = kFailure;

@@ -145,7 +145,7 @@ TEST_F(ToolValues, KeepForeignBytesOfFilesThatOthersWrote) {
   EXPECT_EQ(Get("linearization/ink/1/samples"), "[1,2,3,4]");
   ASSERT_EQ(Set({"linearization/ink/1/samples/2=200"}).status, 0);
   ASSERT_EQ(Set({"record/HalftoneCode=9"}).status, 0);
-  ASSERT_EQ(Set({"mask-download/weftHeader/versionMinor=1"}).status, 0);
+  ASSERT_EQ(Set({"mask-download/weftHeader/reserved/0=1"}).status, 0);
   EXPECT_EQ(Differences(before, ReadBytes(file_)).size(), 3u);
   // The name whose field holds letters behind its end is written anew, and nothing else.
   ASSERT_EQ(Set({"record/MediaName=Matte"}).status, 0);
