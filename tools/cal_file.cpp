@@ -12,6 +12,7 @@
 #include <ctime>
 #include <locale>
 #include <numeric>
+#include <set>
 #include <sstream>
 
 namespace nvx::tool {
@@ -49,8 +50,10 @@ std::string RepresentationOf(const CgatsTable& table) {
   }
   const std::string* const representation = table.Find("COLOR_REP");
   if (representation == nullptr) throw TextError(table.line, "COLOR_REP is missing");
-  if (ColorantsIn(*representation).empty()) {
-    throw TextError(table.line, fmt::format("COLOR_REP \"{}\" names no inks", *representation));
+  const std::vector<std::string> colorants = ColorantsIn(*representation);
+  if (colorants.empty()) throw TextError(table.line, fmt::format("COLOR_REP \"{}\" names no inks", *representation));
+  if (std::set<std::string>(colorants.begin(), colorants.end()).size() != colorants.size()) {
+    throw TextError(table.line, fmt::format("COLOR_REP \"{}\" names an ink twice", *representation));
   }
   return *representation;
 }
@@ -63,10 +66,11 @@ std::size_t ColumnOf(const CgatsTable& table, const std::string& name) {
 
 std::vector<double> ReadInputs(const CgatsTable& table, std::size_t column) {
   constexpr double kRounding = 1e-5;
+  constexpr double kLeastStep = 1e-7;
   std::vector<double> inputs;
   for (const CgatsTable::Row& row : table.rows) {
     const double input = Number(table, row, column);
-    if (!inputs.empty() && input <= inputs.back()) throw TextError(row.line, "the inputs do not ascend");
+    if (!inputs.empty() && input < inputs.back() + kLeastStep) throw TextError(row.line, "the inputs do not ascend");
     inputs.push_back(input);
   }
   if (inputs.size() < 2) throw TextError(table.line, "two sets at least are needed for a curve");
@@ -114,6 +118,7 @@ std::vector<double> ReadLimits(const std::vector<CgatsTable>& tables, const std:
   text.imbue(std::locale::classic());
   double limit = 0;
   while (text >> limit) limits.push_back(limit);
+  if (!text.eof()) throw TextError(tables.front().line, fmt::format("{} holds more than numbers", kLimits));
   CheckLimits(limits, curves, tables.front().line);
   return limits;
 }
