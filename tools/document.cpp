@@ -383,15 +383,18 @@ Json ProfileToDocument(CProfileAccess& access, const std::string& filesFolder) {
   document["deviceType"] = data.GetDeviceType();
   document["processDataType"] = data.GetProcessDataType();
 
-  std::vector<CProfileDataEntry*> entries;
   Json list = Json::array();
   bool more = data.GetEntryStartPos();
-  while (more) {
-    entries.push_back(data.GetNextEntry(more));
-    list.push_back(EntryToJson(*entries.back(), filesFolder));
-  }
+  while (more) list.push_back(EntryToJson(*data.GetNextEntry(more), filesFolder));
   document["entries"] = std::move(list);
+  document["routes"] = RoutesToDocument(data);
+  return document;
+}
 
+Json RoutesToDocument(CProfileData& data) {
+  std::vector<CProfileDataEntry*> entries;
+  bool more = data.GetEntryStartPos();
+  while (more) entries.push_back(data.GetNextEntry(more));
   Json routes = Json::array();
   for (CProfileRoute* const route : RoutesOf(data)) {
     Json indices = Json::array();
@@ -400,8 +403,7 @@ Json ProfileToDocument(CProfileAccess& access, const std::string& filesFolder) {
     }
     routes.push_back({{"route", route->GetRouteType()}, {"entries", std::move(indices)}});
   }
-  document["routes"] = std::move(routes);
-  return document;
+  return routes;
 }
 
 Json ParseDocument(const std::string& text) {

@@ -19,6 +19,9 @@ inline constexpr int kDocumentVersion = 1;
 // without one they stand in it as base64. Throws std::runtime_error if a file cannot be written.
 Json ProfileToDocument(CProfileAccess& access, const std::string& filesFolder);
 
+// The routes of a profile as they stand in a document.
+Json RoutesToDocument(CProfileData& data);
+
 // An entry as it stands in a document, with its ICC profile in the document itself.
 Json EntryToDocument(CProfileDataEntry& entry);
 

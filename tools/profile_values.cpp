@@ -207,7 +207,8 @@ void ProfileValues::Load(const std::u16string& path) {
            {"format", FormatKeyOf(access_.GetProfileLoadFormat())},
            {"targetType", data.GetTargetType()},
            {"deviceType", data.GetDeviceType()},
-           {"processDataType", data.GetProcessDataType()}};
+           {"processDataType", data.GetProcessDataType()},
+           {"routes", RoutesToDocument(data)}};
 }
 
 ProfileValues::Target ProfileValues::Resolve(const std::string& path) {

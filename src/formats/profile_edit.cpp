@@ -297,9 +297,9 @@ bool ProfileEdit::SetEntryBytes(std::uint32_t usedType, View bytes) {
   const std::optional<View> present = EntryBytes(usedType);
   if (!present || bytes.empty()) return false;
   const char* const name = TagOfType(usedType);
-  const View opening = TagAt(name)->Content().first(kOpeningSize);
-  Bytes tag(opening.begin(), opening.end());
-  tag.insert(tag.end(), bytes.begin(), bytes.end());
+  Bytes tag(kOpeningSize + bytes.size());
+  std::copy_n(TagAt(name)->Content().begin(), kOpeningSize, tag.begin());
+  std::copy(bytes.begin(), bytes.end(), tag.begin() + kOpeningSize);
   if (bytes.size() != present->size()) PadTo4(tag);
   return SetTag(name, tag);
 }

