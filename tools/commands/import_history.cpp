@@ -13,6 +13,7 @@
 
 #include <memory>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -73,6 +74,16 @@ void PrintImported(const Options& options, CCalibrationHistoryEntry& into,
   }
 }
 
+// Null, with the reason on standard error, for a profile that cannot keep one.
+CCalibrationHistoryEntry* HistoryToChange(ChangedProfile& profile, const std::string& file) {
+  try {
+    return &EditableHistory(profile);
+  } catch (const std::runtime_error& error) {
+    PrintErrorOf(file, error.what());
+    return nullptr;
+  }
+}
+
 int Run(const Options& options) {
   CProfileAccess source;
   if (!LoadProfile(options.from, source)) return kFailure;
@@ -82,7 +93,9 @@ int Run(const Options& options) {
     PrintError(options.from + ": the profile has no calibration history");
     return kFailure;
   }
-  CCalibrationHistoryEntry& into = EditableHistory(target);
+  CCalibrationHistoryEntry* const history = HistoryToChange(target, options.into);
+  if (history == nullptr) return kFailure;
+  CCalibrationHistoryEntry& into = *history;
   if (!IsWhole(options.from, *from) || !IsWhole(options.into, into)) return kFailure;
 
   const std::vector<std::uint32_t> colliding = CollidingCodes(into, *from);
@@ -96,7 +109,7 @@ int Run(const Options& options) {
     return kFailure;
   }
   target.Save(into.GetUsedType(), options.into);
-  PrintImported(options, into, *imported);
+  if (options.into != kStandardStream) PrintImported(options, into, *imported);
   return kSuccess;
 }
 
@@ -109,6 +122,7 @@ void AddImportHistoryCommand(CLI::App& app, int& status) {
   command->add_option("FROM", options->from, "The profile whose calibrations are wanted; it is only read")->required();
   command->add_option("INTO", options->into, "The profile that gets them, of the current generation")->required();
   command->add_flag("--recode", options->recode, "Give calibrations whose codes are taken in INTO fresh codes");
+  command->footer("Example: nvxprofile import-history old.icc new.icc --recode");
   command->callback([options, &status] { status = Run(*options); });
 }
 
