@@ -63,12 +63,12 @@ void Replace(std::string& text, std::string_view from, std::string_view to) {
 std::string_view ColorantNamed(std::string_view name) {
   if (Find(name) != nullptr) return Find(name)->letters;
   std::string plain = Plain(name);
+  if (plain.starts_with("lt")) plain.replace(0, 2, "light");
   Replace(plain, "grey", "gray");
   Replace(plain, "lightgray", "lightlightblack");
   if (plain == "gray") plain = "lightblack";
   Replace(plain, "photo", "");
   Replace(plain, "matte", "");
-  if (plain.starts_with("lt")) plain.replace(0, 2, "light");
   for (const Colorant& colorant : kColorants) {
     const std::string full = std::string(colorant.shade) + std::string(colorant.color);
     const bool abbreviated =

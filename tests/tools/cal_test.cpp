@@ -256,6 +256,8 @@ TEST_F(Cal, InksAreKnownByTheirNamesOrByWhatTheUserSays) {
   };
   curves("orange");
   EXPECT_THAT(write().out, HasSubstr("COLOR_REP \"KOc\""));
+  curves("Lt. Grey");
+  EXPECT_THAT(write().out, HasSubstr("COLOR_REP \"Kc1k\""));
   curves("Varnish");
   EXPECT_THAT(write().err, HasSubstr("the ink 9 \"Varnish\" stands for no colorant by its name"));
   EXPECT_EQ(write().out, "");
