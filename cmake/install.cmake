@@ -8,6 +8,10 @@ if(TARGET nvxprofile_tool)
   install(FILES ${PROJECT_BINARY_DIR}/tools/nvxprofile.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
   install(FILES ${PROJECT_BINARY_DIR}/tools/nvxprofile.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
           RENAME nvxprofile)
+  install(FILES ${PROJECT_BINARY_DIR}/tools/nvxprofile.zsh DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions
+          RENAME _nvxprofile)
+  install(FILES ${PROJECT_BINARY_DIR}/tools/nvxprofile.fish
+          DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
 endif()
 
 configure_package_config_file(

@@ -22,7 +22,7 @@ need() {
 
 build_packages=(g++ cmake ninja-build pkg-config libcli11-dev nlohmann-json3-dev libfmt-dev)
 profile_packages=(icc-profiles-free colord-data libgs-common)
-test_packages=(libgtest-dev libgmock-dev liblcms2-dev python3-jsonschema)
+test_packages=(libgtest-dev libgmock-dev liblcms2-dev python3-jsonschema argyll)
 
 # Every real ICC profile of the profile packages.
 profiles() { find /usr/share/color/icc -type f \( -iname '*.icc' -o -iname '*.icm' \) | sort; }

@@ -1,7 +1,9 @@
 #include "comparison.h"
 
+#include "curve_difference.h"
 #include "icc_facts.h"
 #include "loading.h"
+#include "lut_nodes.h"
 #include "record_json.h"
 
 #include <nvxprofile/calibration.h>
@@ -12,6 +14,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -39,8 +42,12 @@ class Comparison {
   }
 
  private:
-  void Add(const std::string& place, const char* what, Json a = nullptr, Json b = nullptr, Json greatest = nullptr) {
-    differences_.push_back({place, what, std::move(a), std::move(b), std::move(greatest)});
+  void Add(const std::string& place, const char* what, Json a = nullptr, Json b = nullptr) {
+    differences_.push_back({place, what, std::move(a), std::move(b), nullptr, nullptr, {}});
+  }
+
+  void AddSamples(const std::string& place, Json greatest, double percent, std::string at) {
+    differences_.push_back({place, kDiffers, nullptr, nullptr, std::move(greatest), percent, std::move(at)});
   }
 
   void Values(const std::string& place, const Json& a, const Json& b) {
@@ -180,16 +187,18 @@ class Comparison {
       Values(at + "/min", x->GetMin(), y->GetMin());
       Values(at + "/dataType", x->GetDataType(), y->GetDataType());
       Values(at + "/count", x->GetCount(), y->GetCount());
-      std::int64_t greatest = 0;
-      for (std::uint32_t i = 0; i < std::min(x->GetCount(), y->GetCount()); ++i) {
-        std::uint32_t left = 0;
-        std::uint32_t right = 0;
-        x->GetAt(i, left);
-        y->GetAt(i, right);
-        greatest = std::max(greatest, std::abs(std::int64_t{left} - std::int64_t{right}));
-      }
-      if (greatest != 0) Add(at + "/samples", kDiffers, nullptr, nullptr, greatest);
+      Samples(at + "/samples", *x, *y);
     });
+  }
+
+  void Samples(const std::string& place, CCurveDataEntry& a, CCurveDataEntry& b) {
+    const CurveDifference difference = GreatestDifference(a, b);
+    if (difference.percent == 0) return;
+    Json greatest = nullptr;
+    if (a.GetCount() == b.GetCount() && a.GetMaxBitValue() == b.GetMaxBitValue()) {
+      greatest = std::lround(std::abs(difference.percent) / 100 * a.GetMaxBitValue());
+    }
+    AddSamples(place, std::move(greatest), difference.percent, fmt::format("{:.0f} %", difference.input));
   }
 
   void Luts(const std::string& place, CLutData& a, CLutData& b) {
@@ -200,14 +209,18 @@ class Comparison {
     if (size != b.GetLutDataSize()) return;
     const std::uint8_t* const left = a.GetRefBuffer();
     const std::uint8_t* const right = b.GetRefBuffer();
-    int greatest = 0;
     std::uint32_t count = 0;
+    std::uint32_t farthest = 0;
+    const auto distance = [&](std::uint32_t i) { return int{right[i]} - int{left[i]}; };
     for (std::uint32_t i = 0; i < size; ++i) {
-      greatest = std::max(greatest, std::abs(int{left[i]} - int{right[i]}));
+      if (std::abs(distance(i)) > std::abs(distance(farthest))) farthest = i;
       count += left[i] != right[i] ? 1 : 0;
     }
-    if (greatest != 0)
-      Add(place + fmt::format("/samples ({} of {})", count, size), kDiffers, nullptr, nullptr, greatest);
+    if (count == 0) return;
+    const std::uint32_t width = a.GetOutputChannelCount();
+    AddSamples(place + fmt::format("/samples ({} of {})", count, size), std::abs(distance(farthest)),
+               100.0 / 255 * distance(farthest),
+               fmt::format("{}, output {}", LutNodes(a).InputText(farthest / width), farthest % width));
   }
 
   void Containers(const std::string& place, CContainerEntry& a, CContainerEntry& b) {

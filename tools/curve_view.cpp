@@ -7,6 +7,8 @@
 
 #include <fmt/format.h>
 
+#include <map>
+
 namespace nvx::tool {
 namespace {
 
@@ -34,7 +36,7 @@ void PrintTable(const std::vector<CCurveDataEntry*>& curves) {
   table.Print(2);
 }
 
-void PrintPlot(CCurveDataEntry& curve) {
+void PrintPlot(CCurveDataEntry& curve, PlotStyle style) {
   const std::vector<std::uint32_t> samples = SamplesOf(curve);
   if (samples.empty()) return;
   const auto greatest = static_cast<std::uint32_t>(curve.GetMaxBitValue());
@@ -43,7 +45,7 @@ void PrintPlot(CCurveDataEntry& curve) {
   if (const std::string name = NameOf(curve); !name.empty()) title += " " + name;
   if (curve.GetExtendInfo() != 0) title += fmt::format(", extend {}", curve.GetExtendInfo());
   PrintLine(Styled(Style::kHeading, title));
-  const std::vector<std::string> lines = Plot(samples, greatest);
+  const std::vector<std::string> lines = Plot(samples, greatest, style);
   for (std::size_t i = 0; i < lines.size(); ++i) {
     const std::string label = i == 0 ? std::to_string(greatest) : i + 1 == lines.size() ? "0" : "";
     PrintLine(fmt::format("  {:>6} {}", label, lines[i]));
@@ -53,6 +55,13 @@ void PrintPlot(CCurveDataEntry& curve) {
 
 }  // namespace
 
+std::vector<CCurveDataEntry*> CurvesOf(CCurveData& set) {
+  std::vector<CCurveDataEntry*> curves;
+  bool more = set.GetHeadPosition();
+  while (more) curves.push_back(set.GetNext(more));
+  return curves;
+}
+
 std::vector<std::uint32_t> SamplesOf(CCurveDataEntry& curve) {
   std::vector<std::uint32_t> samples(curve.GetCount());
   for (std::uint32_t i = 0; i < curve.GetCount(); ++i) curve.GetAt(i, samples[i]);
@@ -61,10 +70,26 @@ std::vector<std::uint32_t> SamplesOf(CCurveDataEntry& curve) {
 
 std::string NameOf(const CCurveDataEntry& curve) { return WideToUtf8(AnsiToWide(curve.GetInkName())); }
 
-void PrintCurves(std::uint32_t usedType, const std::vector<CCurveDataEntry*>& curves) {
+void AddPlotOptions(CLI::App& command, PlotStyle& style) {
+  style = UsualPlotStyle();
+  CLI::Option* const plot =
+      command.add_option("--plot", style, "Plot the curves: braille, ascii or none; by default what a terminal shows")
+          ->transform(CLI::CheckedTransformer(std::map<std::string, PlotStyle>{{"braille", PlotStyle::kBraille},
+                                                                               {"ascii", PlotStyle::kAscii},
+                                                                               {"none", PlotStyle::kNone}})
+                          .description(""))
+          ->type_name("STYLE");
+  command
+      .add_flag_callback(
+          "--no-plot", [&style] { style = PlotStyle::kNone; }, "Do not plot the curves")
+      ->excludes(plot);
+}
+
+void PrintCurves(std::uint32_t usedType, const std::vector<CCurveDataEntry*>& curves, PlotStyle style) {
   PrintLine(Styled(Style::kHeading, EntryName(usedType)) + fmt::format(" (type {})", usedType));
   PrintTable(curves);
-  for (CCurveDataEntry* const curve : curves) PrintPlot(*curve);
+  if (style == PlotStyle::kNone) return;
+  for (CCurveDataEntry* const curve : curves) PrintPlot(*curve, style);
 }
 
 }  // namespace nvx::tool

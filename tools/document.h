@@ -7,7 +7,9 @@
 #include <nvxprofile/profile_access.h>
 #include <nvxprofile/profile_data.h>
 
+#include <cstdint>
 #include <string>
+#include <vector>
 
 namespace nvx::tool {
 
@@ -17,8 +19,26 @@ inline constexpr int kDocumentVersion = 1;
 // without one they stand in it as base64. Throws std::runtime_error if a file cannot be written.
 Json ProfileToDocument(CProfileAccess& access, const std::string& filesFolder);
 
-// Builds the profile that the document names and writes it to `path`. Files that the document names are looked up from
-// `folder`. Throws DocumentError for a document that is wrong, std::runtime_error for a save that fails.
-void BuildProfile(const Json& document, const std::string& folder, const std::string& path);
+// The routes of a profile as they stand in a document.
+Json RoutesToDocument(CProfileData& data);
+
+// An entry as it stands in a document, with its ICC profile in the document itself.
+Json EntryToDocument(CProfileDataEntry& entry);
+
+// True if the payload in a document rebuilds the entry's bytes. Up to three zeros that fill up a private tag of a file
+// are not the entry's; `padding` is told how many there are.
+bool RebuildsEntry(const Json& payload, CProfileDataEntry& entry, std::size_t& padding);
+
+// The key of a format in documents, such as "printer-profile".
+std::string FormatKeyOf(int format);
+
+// The document in a text. Throws DocumentError with line and column for what is no JSON, and for a key that stands
+// twice in one object.
+Json ParseDocument(const std::string& text);
+
+// Builds the profile that the document names, as a file of that name. Files that the document names are looked up from
+// `folder`. Throws DocumentError for a document that is wrong or says what the profile would not keep,
+// std::runtime_error where there is no room for the work.
+std::vector<std::uint8_t> BuildProfile(const Json& document, const std::string& folder, const std::string& name);
 
 }  // namespace nvx::tool

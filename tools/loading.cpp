@@ -56,12 +56,44 @@ const EntryNames* Find(std::uint32_t usedType) {
 
 }  // namespace
 
-bool LoadProfile(const std::string& path, CProfileAccess& access) {
+bool LoadProfile(const std::string& path, CProfileAccess& access) { return LoadProfile(path, InputFile(path), access); }
+
+bool LoadProfile(const std::string& path, const InputFile& input, CProfileAccess& access) {
+  if (!input.Failure().empty()) {
+    PrintErrorOf(path, input.Failure());
+    return false;
+  }
   CError error;
-  if (access.Init(Utf8ToWide(path).c_str(), &error)) return true;
-  PrintError(MessageOf(error));
-  return false;
+  if (!access.Init(input.Path().c_str(), &error)) {
+    PrintErrorOf(path, WhyNotLoaded(input.Path()));
+    return false;
+  }
+  if (path == kStandardStream) {
+    // The temporary file is nobody's business.
+    _tagDeviceProfileInfo& info = *access.GetProfileInfo();
+    std::fill(std::begin(info.FileName), std::end(info.FileName), u'\0');
+    std::fill(std::begin(info.FullPath), std::end(info.FullPath), u'\0');
+    info.FileName[0] = u'-';
+  }
+  return true;
 }
+
+std::string WhyNotLoaded(const std::u16string& path) {
+  Diagnosis diagnosis;
+  DiagnoseProfile(path.c_str(), diagnosis);
+  return FirstError(diagnosis, path);
+}
+
+std::string FirstError(const Diagnosis& diagnosis, const std::u16string& path) {
+  for (const Finding& finding : diagnosis.Findings()) {
+    if (finding.severity != Severity::kError) continue;
+    if (finding.rule == "file: cannot be opened") return WhyNotOpened(WideToUtf8(path));
+    return finding.place.empty() ? finding.rule : finding.place + ": " + finding.rule;
+  }
+  return "cannot be loaded";
+}
+
+void PrintErrorOf(const std::string& file, const std::string& message) { PrintError(file + ": " + message); }
 
 std::string_view FormatName(int format) {
   switch (format) {
@@ -116,5 +148,14 @@ std::vector<CProfileRoute*> RoutesOf(CProfileData& data) {
 std::string MessageOf(const CError& error) { return WideToUtf8(error.GetErrorCommentW()); }
 
 void PrintJson(const Json& json) { PrintLine(json.dump(2, ' ', false, Json::error_handler_t::replace)); }
+void PrintJsonLine(const Json& json) { PrintLine(json.dump(-1, ' ', false, Json::error_handler_t::replace)); }
+
+void PrintJsonOfFiles(std::vector<Json> documents, std::size_t fileCount) {
+  if (fileCount > 1) {
+    PrintJson(Json(std::move(documents)));
+  } else if (!documents.empty()) {
+    PrintJson(documents.front());
+  }
+}
 
 }  // namespace nvx::tool

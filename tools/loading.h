@@ -1,8 +1,10 @@
 // What the commands have in common: loading a profile, and names for what is in it.
 #pragma once
 
+#include "files.h"
 #include "payload.h"
 
+#include <nvxprofile/diagnosis.h>
 #include <nvxprofile/profile_access.h>
 
 #include <string>
@@ -11,8 +13,21 @@
 
 namespace nvx::tool {
 
-// Loads a profile; on failure the library's message goes to standard error and the result is false.
+// Loads a profile, from standard input for "-". On failure the real cause goes to standard error and the result is
+// false.
 bool LoadProfile(const std::string& path, CProfileAccess& access);
+// The same for a file that is at hand already; `path` is what the user calls it.
+bool LoadProfile(const std::string& path, const InputFile& input, CProfileAccess& access);
+
+// What keeps the file at `path` from loading: that it cannot be read, or the first rule that its bytes break, with the
+// place.
+std::string WhyNotLoaded(const std::u16string& path);
+
+// The same out of what a look at the file found.
+std::string FirstError(const Diagnosis& diagnosis, const std::u16string& path);
+
+// Writes "nvxprofile: FILE: MESSAGE" to standard error.
+void PrintErrorOf(const std::string& file, const std::string& message);
 
 std::string_view FormatName(int format);
 // Class name of an entry type, "CLinearizationEntry" for 6; empty for a type without a class.
@@ -31,5 +46,10 @@ std::string MessageOf(const CError& error);
 
 // Writes the document to standard output.
 void PrintJson(const Json& json);
+// The same on one line.
+void PrintJsonLine(const Json& json);
+// The documents of several files, as one that a parser reads: the one of a single file by itself, those of several
+// files as an array.
+void PrintJsonOfFiles(std::vector<Json> documents, std::size_t fileCount);
 
 }  // namespace nvx::tool

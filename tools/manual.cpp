@@ -1,5 +1,7 @@
 #include "manual.h"
 
+#include "declared_options.h"
+
 #include <fmt/format.h>
 
 #include <string_view>
@@ -8,35 +10,36 @@
 namespace nvx::tool {
 namespace {
 
-std::vector<const CLI::App*> CommandsOf(const CLI::App& app) {
-  return app.get_subcommands([](const CLI::App* command) { return !command->get_name().empty(); });
-}
-
-// Options that stand in --help; those without a group are hidden there.
-std::vector<const CLI::Option*> OptionsOf(const CLI::App& app) {
-  return app.get_options([](const CLI::Option* option) { return !option->get_group().empty(); });
-}
-
 std::string Escape(std::string_view text) {
   std::string roff;
   for (const char c : text) {
-    if (c == '\\' || c == '-') roff += '\\';
-    roff += c;
+    if (c == '\\') {
+      roff += "\\e";
+      continue;
+    }
+    if (c == '-') roff += '\\';
+    // Quotes part the arguments of a request.
+    roff += c == '"' ? std::string("\\(dq") : std::string(1, c);
   }
   // A point or quote at the start of a line would be a request.
   return !roff.empty() && (roff.front() == '.' || roff.front() == '\'') ? "\\&" + roff : roff;
 }
 
+// "-o, --output FILE", as it stands before the description.
 std::string NamesOf(const CLI::Option& option) {
-  std::string names = option.get_name(false, true);
-  const std::string type = option.get_type_name();
+  std::string names;
+  for (const std::string& name : CLI::detail::split(option.get_name(false, true), ',')) {
+    names += (names.empty() ? "" : ", ") + name;
+  }
+  // What a check allows stands behind a colon.
+  const std::string type = option.get_type_name().substr(0, option.get_type_name().find(':'));
   if (option.nonpositional() && option.get_expected_max() != 0 && !type.empty()) names += " " + type;
   return names;
 }
 
 std::string OptionLines(const CLI::App& app) {
   std::string lines;
-  for (const CLI::Option* const option : OptionsOf(app)) {
+  for (const CLI::Option* const option : DeclaredOptions(app)) {
     lines += fmt::format(".TP\n.B {}\n{}\n", Escape(NamesOf(*option)), Escape(option->get_description()));
   }
   return lines;
@@ -44,21 +47,85 @@ std::string OptionLines(const CLI::App& app) {
 
 std::string Synopsis(const CLI::App& command) {
   std::string line = fmt::format(".B nvxprofile {}\n", Escape(command.get_name()));
-  for (const CLI::Option* const option : OptionsOf(command)) {
+  for (const CLI::Option* const option : DeclaredOptions(command)) {
     if (option->get_name() == "--help") continue;
     const std::string names = Escape(NamesOf(*option));
-    line += option->get_required() ? fmt::format(".I {}\n", names) : fmt::format(".RI [ {} ]\n", names);
+    line += option->get_required() ? fmt::format(".I \"{}\"\n", names) : fmt::format(".RI [ \"{}\" ]\n", names);
   }
   return line;
 }
 
-std::string LongNamesOf(const CLI::App& app) {
-  std::string names;
-  for (const CLI::Option* const option : OptionsOf(app)) {
-    for (const std::string& name : option->get_lnames()) names += " --" + name;
-  }
-  return names;
+// The command line of a footer "Example: COMMAND LINE"; empty without one.
+std::string ExampleOf(const CLI::App& command) {
+  constexpr std::string_view kStart = "Example: ";
+  const std::string footer = command.get_footer();
+  return footer.starts_with(kStart) ? footer.substr(kStart.size()) : std::string();
 }
+
+std::string Examples(const CLI::App& app) {
+  std::string text;
+  for (const CLI::App* const command : DeclaredCommands(app)) {
+    const std::string example = ExampleOf(*command);
+    if (example.empty()) continue;
+    text +=
+        fmt::format(".PP\n{}:\n.PP\n.RS 4\n.nf\n{}\n.fi\n.RE\n", Escape(command->get_description()), Escape(example));
+  }
+  return text;
+}
+
+constexpr const char* kEnd = R"(.SH STANDARD INPUT AND OUTPUT
+Where a file is read,
+.B \-
+is standard input, and where one is written, standard output.
+Files are replaced all at once, or left as they were.
+.SH EXIT STATUS
+.TP
+.B 0
+all went well
+.TP
+.B 1
+something could not be done; standard error says what and why
+.TP
+.B 2
+the command line is wrong
+.TP
+.B 3
+a comparison found differences
+.TP
+.B 4
+a check found a file that is wrong
+.SH ENVIRONMENT
+.TP
+.B LC_ALL, LC_MESSAGES, LANG
+language, by which media names are chosen
+.TP
+.B NVXPROFILE_CODEPAGE
+number of the code page of narrow text, in place of the language's
+.TP
+.B NVXPROFILE_PROFILE_DIR
+folder of the conversion table of text\-headed profiles
+.TP
+.B XDG_CONFIG_HOME
+folder of the user's settings, in place of ~/.config
+.TP
+.B SOURCE_DATE_EPOCH
+time that a save takes for the present, in seconds since 1970
+.TP
+.B TMPDIR
+folder for what is made and looked at before it goes where it belongs
+.TP
+.B NO_COLOR
+no colours on a terminal
+.SH FILES
+.TP
+.I ~/.config/nvxprofile/settings.ini, /etc/nvxprofile/settings.ini
+the user's and the system's settings; the key
+.B ProfileDir
+names the folder of the conversion table where the environment does not
+.TP
+.I QPFConvert.qpd
+the conversion table in that folder, without which no text\-headed profile can be loaded
+)";
 
 }  // namespace
 
@@ -68,48 +135,11 @@ std::string ManualPage(const CLI::App& app) {
   page += ".SH SYNOPSIS\n.B nvxprofile\n.I COMMAND\n.RI [ ARGUMENTS ]\n";
   page += ".SH OPTIONS\n" + OptionLines(app);
   page += ".SH COMMANDS\n";
-  for (const CLI::App* const command : CommandsOf(app)) {
+  for (const CLI::App* const command : DeclaredCommands(app)) {
     page += fmt::format(".SS {}\n{}.PP\n{}.\n{}", Escape(command->get_name()), Synopsis(*command),
                         Escape(command->get_description()), OptionLines(*command));
   }
-  page +=
-      ".SH EXIT STATUS\n.TP\n.B 0\nall went well\n.TP\n.B 1\na file could not be loaded or written, or files differ; "
-      "the reason stands on standard error\n.TP\n.B 2\nwrong usage\n";
-  page +=
-      ".SH ENVIRONMENT\n"
-      ".TP\n.B LC_ALL, LC_MESSAGES, LANG\nlanguage, by which media names are chosen\n"
-      ".TP\n.B NVXPROFILE_CODEPAGE\nnumber of the code page of narrow text, in place of the language's\n"
-      ".TP\n.B NVXPROFILE_PROFILE_DIR\nfolder of the conversion table of text\\-headed profiles\n"
-      ".TP\n.B SOURCE_DATE_EPOCH\ntime that a save takes for the present, in seconds since 1970\n"
-      ".TP\n.B NO_COLOR\nno colours on a terminal\n";
-  return page;
-}
-
-std::string BashCompletion(const CLI::App& app) {
-  std::string commands;
-  std::string cases;
-  for (const CLI::App* const command : CommandsOf(app)) {
-    commands += (commands.empty() ? "" : " ") + command->get_name();
-    cases += fmt::format("    {}) options='{}' ;;\n", command->get_name(), LongNamesOf(*command).substr(1));
-  }
-  return fmt::format(R"(# bash completion of nvxprofile
-_nvxprofile() {{
-  local word=${{COMP_WORDS[COMP_CWORD]}} options=
-  if [ "$COMP_CWORD" -eq 1 ]; then
-    COMPREPLY=($(compgen -W '{}{}' -- "$word"))
-    return
-  fi
-  case ${{COMP_WORDS[1]}} in
-{}  esac
-  if [[ $word == -* ]]; then
-    COMPREPLY=($(compgen -W "$options" -- "$word"))
-  else
-    COMPREPLY=($(compgen -f -- "$word"))
-  fi
-}}
-complete -o filenames -F _nvxprofile nvxprofile
-)",
-                     commands, LongNamesOf(app), cases);
+  return page + kEnd + ".SH EXAMPLES\n" + Examples(app);
 }
 
 }  // namespace nvx::tool

@@ -1,5 +1,7 @@
 #include "payload.h"
 
+#include "loading.h"
+
 #include <nvxprofile/text_conversion.h>
 
 #include <algorithm>
@@ -64,14 +66,32 @@ Node Node::At(const char* key) const {
   if (!value_->is_object()) Fail("an object is expected");
   const auto found = value_->find(key);
   if (found == value_->end()) Fail("the key \"" + std::string(key) + "\" is missing");
-  return Node(*found, place_ + "/" + key);
+  if (log_ != nullptr) log_->members.insert(&*found);
+  return Node(*found, place_ + "/" + key, log_);
+}
+
+void Node::PassOver(const char* key) const {
+  if (log_ != nullptr && Has(key)) log_->passedOver.insert(&value_->at(key));
+}
+
+void Node::RefuseUnread() const {
+  if (value_->is_array()) {
+    for (const Node& item : Items()) item.RefuseUnread();
+  } else if (value_->is_object()) {
+    for (const auto& item : value_->items()) {
+      if (log_->passedOver.contains(&item.value())) continue;
+      const Node member(item.value(), place_ + "/" + item.key(), log_);
+      if (!log_->members.contains(&item.value())) member.Fail("nothing reads this key here");
+      member.RefuseUnread();
+    }
+  }
 }
 
 std::vector<Node> Node::Items() const {
   if (!value_->is_array()) Fail("an array is expected");
   std::vector<Node> items;
   items.reserve(value_->size());
-  for (const Json& item : *value_) items.emplace_back(item, place_ + "/" + std::to_string(items.size()));
+  for (const Json& item : *value_) items.emplace_back(item, place_ + "/" + std::to_string(items.size()), log_);
   return items;
 }
 
@@ -140,6 +160,18 @@ std::string ToBase64(const std::uint8_t* bytes, std::size_t size) {
     for (std::size_t j = 0; j < 4; ++j) text += j <= count ? kBase64[bits >> (18 - 6 * j) & 0x3F] : '=';
   }
   return text;
+}
+
+std::uint32_t UsedTypeFromJson(const Node& node) {
+  node.PassOver("class");
+  if (!node.Has("type")) return node.At("usedType").U32();
+  const Node type = node.At("type");
+  const std::uint32_t named = UsedTypeByName(type.Text(64));
+  if (named == 0) type.Fail("no entry has that name");
+  if (node.Has("usedType") && node.At("usedType").U32() != named) {
+    type.Fail("the name is that of the used type " + std::to_string(named));
+  }
+  return named;
 }
 
 Json NarrowToJson(const std::string& text) {

@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <stdexcept>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 namespace nvx::tool {
@@ -26,15 +27,27 @@ class DocumentError : public std::runtime_error {
   std::string place_;
 };
 
+// What of a document was read, so that members which nobody asked for can be refused.
+struct ReadLog {
+  std::unordered_set<const Json*> members;
+  std::unordered_set<const Json*> passedOver;  // with all that is below them
+};
+
 // A value of a document together with the JSON pointer at which it stands, so that every complaint names its place.
 class Node {
  public:
-  Node(const Json& value, std::string place) : value_(&value), place_(std::move(place)) {}
+  // With a log, which must outlive the node, the members that are read through it and its children go there.
+  Node(const Json& value, std::string place, ReadLog* log = nullptr)
+      : value_(&value), place_(std::move(place)), log_(log) {}
 
   const Json& Value() const { return *value_; }
   const std::string& Place() const { return place_; }
   bool Has(const char* key) const;
-  Node At(const char* key) const;   // DocumentError if this is no object or has no such key
+  Node At(const char* key) const;  // DocumentError if this is no object or has no such key
+  // Takes a member with all below it for read: it is there for people, or something else says the same.
+  void PassOver(const char* key) const;
+  // DocumentError at the first member of the log's document that was not read.
+  void RefuseUnread() const;
   std::vector<Node> Items() const;  // DocumentError if this is no array
   std::int64_t Integer(std::int64_t least, std::int64_t greatest) const;
   std::uint32_t U32() const { return static_cast<std::uint32_t>(Integer(0, 0xFFFFFFFFLL)); }
@@ -49,6 +62,7 @@ class Node {
  private:
   const Json* value_;
   std::string place_;
+  ReadLog* log_;
 };
 
 // The payload of an entry; null for entries without one and for those whose payload did not parse.
@@ -56,6 +70,9 @@ Json PayloadToJson(CProfileDataEntry& entry);
 
 // Fills the payload of an entry of the right type and rebuilds the entry's buffer. Throws DocumentError.
 void PayloadFromJson(const Node& node, CProfileDataEntry& entry);
+
+// The entry type that an object names by "usedType" or by "type"; both must mean the same. Passes over its "class".
+std::uint32_t UsedTypeFromJson(const Node& node);
 
 // Narrow payload text is ANSI code page text in files and UTF-8 in documents; bytes that do not convert to and fro
 // unchanged travel as {"base64": "..."}.

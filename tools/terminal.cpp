@@ -1,6 +1,10 @@
 #include "terminal.h"
 
+#include "files.h"
+
 #include <fmt/format.h>
+#include <langinfo.h>
+#include <locale.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -32,6 +36,15 @@ std::string Utf8(char32_t point) {
   return text;
 }
 
+// Dots of one character of a plot.
+struct DotGrid {
+  std::size_t across;
+  std::size_t down;
+};
+
+// The bit of each dot of a braille character, by row and column; the first one stands for a whole character as well.
+constexpr std::uint8_t kDots[4][2] = {{0x01, 0x08}, {0x02, 0x10}, {0x04, 0x20}, {0x40, 0x80}};
+
 }  // namespace
 
 bool IsTerminal() { return ::isatty(STDOUT_FILENO) == 1; }
@@ -48,13 +61,23 @@ std::string Styled(Style style, std::string_view text) {
 }
 
 void PrintLine(std::string_view line) {
-  std::fwrite(line.data(), 1, line.size(), stdout);
-  std::fputc('\n', stdout);
+  WriteStandardOutput(line);
+  WriteStandardOutput("\n");
 }
 
 void PrintError(std::string_view message) {
   const std::string line = fmt::format("nvxprofile: {}\n", message);
   std::fwrite(line.data(), 1, line.size(), stderr);
+}
+
+std::string CsvField(const std::string& text) {
+  if (text.find_first_of(",\"\r\n") == text.npos) return text;
+  std::string field = "\"";
+  for (const char c : text) {
+    if (c == '"') field += '"';
+    field += c;
+  }
+  return field + '"';
 }
 
 void Table::Print(int indent) const {
@@ -81,26 +104,35 @@ void Table::Print(int indent) const {
   }
 }
 
-std::vector<std::string> Plot(std::span<const std::uint32_t> samples, std::uint32_t greatest, int width, int height) {
-  // Braille characters hold two by four dots; the bit of each, by row and column.
-  constexpr std::uint8_t kDots[4][2] = {{0x01, 0x08}, {0x02, 0x10}, {0x04, 0x20}, {0x40, 0x80}};
-  const std::size_t dotsAcross = static_cast<std::size_t>(width) * 2;
-  const std::size_t dotsDown = static_cast<std::size_t>(height) * 4;
-  std::vector<std::uint8_t> cells(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
-  for (std::size_t x = 0; x < dotsAcross && !samples.empty(); ++x) {
-    const std::size_t index = samples.size() == 1 ? 0 : x * (samples.size() - 1) / (dotsAcross - 1);
+PlotStyle UsualPlotStyle() {
+  if (!IsTerminal()) return PlotStyle::kNone;
+  const ::locale_t locale = ::newlocale(LC_CTYPE_MASK, "", nullptr);
+  if (locale == nullptr) return PlotStyle::kNone;
+  const bool isUtf8 = std::string_view(::nl_langinfo_l(CODESET, locale)) == "UTF-8";
+  ::freelocale(locale);
+  return isUtf8 ? PlotStyle::kBraille : PlotStyle::kNone;
+}
+
+std::vector<std::string> Plot(std::span<const std::uint32_t> samples, std::uint32_t greatest, PlotStyle style,
+                              int width, int height) {
+  if (style == PlotStyle::kNone) return {};
+  const bool braille = style == PlotStyle::kBraille;
+  const DotGrid dots = braille ? DotGrid{2, 4} : DotGrid{1, 1};
+  const std::size_t across = static_cast<std::size_t>(width) * dots.across;
+  const std::size_t down = static_cast<std::size_t>(height) * dots.down;
+  std::vector<std::vector<std::uint8_t>> cells(static_cast<std::size_t>(height),
+                                               std::vector<std::uint8_t>(static_cast<std::size_t>(width)));
+  for (std::size_t x = 0; x < across && !samples.empty(); ++x) {
+    const std::size_t index = samples.size() == 1 ? 0 : x * (samples.size() - 1) / (across - 1);
     const std::uint64_t value = std::min(samples[index], greatest);
-    const std::size_t up = greatest == 0 ? 0 : static_cast<std::size_t>(value * (dotsDown - 1) / greatest);
-    const std::size_t y = dotsDown - 1 - up;
-    cells[y / 4 * static_cast<std::size_t>(width) + x / 2] |= kDots[y % 4][x % 2];
+    const std::size_t up = greatest == 0 ? 0 : static_cast<std::size_t>(value * (down - 1) / greatest);
+    const std::size_t y = down - 1 - up;
+    cells[y / dots.down][x / dots.across] |= kDots[y % dots.down][x % dots.across];
   }
   std::vector<std::string> lines;
-  for (std::size_t row = 0; row < static_cast<std::size_t>(height); ++row) {
-    std::string line;
-    for (std::size_t column = 0; column < static_cast<std::size_t>(width); ++column) {
-      line += Utf8(0x2800u + cells[row * static_cast<std::size_t>(width) + column]);
-    }
-    lines.push_back(std::move(line));
+  for (const std::vector<std::uint8_t>& row : cells) {
+    std::string& line = lines.emplace_back();
+    for (const std::uint8_t cell : row) line += braille ? Utf8(0x2800u + cell) : cell != 0 ? "*" : " ";
   }
   return lines;
 }

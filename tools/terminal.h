@@ -22,6 +22,9 @@ void PrintLine(std::string_view line = {});
 // Writes "nvxprofile: message" to standard error.
 void PrintError(std::string_view message);
 
+// A field of a line of comma-separated values (RFC 4180), quoted where it has to be.
+std::string CsvField(const std::string& text);
+
 // Columns of text, as wide as their widest cell. Numbers stand to the right.
 class Table {
  public:
@@ -42,9 +45,14 @@ class Table {
   std::vector<std::vector<std::string>> rows_;
 };
 
+enum class PlotStyle { kNone, kAscii, kBraille };
+
+// Braille for a terminal that shows UTF-8, and nothing elsewhere.
+PlotStyle UsualPlotStyle();
+
 // A plot of samples against their index, `width` by `height` characters, lines from top to bottom. Values above
-// `greatest` stand at the top.
-std::vector<std::string> Plot(std::span<const std::uint32_t> samples, std::uint32_t greatest, int width = 48,
-                              int height = 8);
+// `greatest` stand at the top. No lines for kNone.
+std::vector<std::string> Plot(std::span<const std::uint32_t> samples, std::uint32_t greatest, PlotStyle style,
+                              int width = 48, int height = 8);
 
 }  // namespace nvx::tool

@@ -26,12 +26,14 @@
 #include <nvxprofile/model_info.h>
 #include <nvxprofile/profile_access.h>
 #include <nvxprofile/profile_data.h>
+#include <nvxprofile/profile_edit.h>
 #include <nvxprofile/profile_entry.h>
 #include <nvxprofile/profile_file.h>
 #include <nvxprofile/profile_file_icc.h>
 #include <nvxprofile/profile_file_qpf.h>
 #include <nvxprofile/profile_file_text.h>
 #include <nvxprofile/profile_info.h>
+#include <nvxprofile/profile_summary.h>
 #include <nvxprofile/special_color.h>
 #include <nvxprofile/system_time.h>
 #include <nvxprofile/text_conversion.h>

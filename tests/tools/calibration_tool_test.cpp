@@ -121,6 +121,98 @@ TEST_F(CalibrationTool, ImportNeverLosesACalibration) {
   EXPECT_EQ(RunTool({"import-history", folder_.File("from.icc"), kFrame}).status, 1);
 }
 
+TEST_F(CalibrationTool, TheTimelineTellsTheGreatestChangeOfEachInk) {
+  // The history is not in the order of time.
+  Build("a.icc", {Calibration(9, "new", 30), Calibration(0, "old", 10), Calibration(4, "middle", 20)}, 10);
+  const json timeline = History("a.icc", {"--timeline"})["timeline"];
+  ASSERT_EQ(timeline.size(), 3u);
+  EXPECT_EQ(timeline[0]["name"], "old");
+  EXPECT_EQ(timeline[0]["changes"], json::array());
+  EXPECT_EQ(timeline[1]["name"], "middle");
+  const json change = timeline[2]["changes"][0];
+  EXPECT_EQ(change["curves"], "calibration-ink-limit");
+  EXPECT_EQ(change["ink"], 3);
+  EXPECT_NEAR(change["percent"].get<double>(), 100 * 500 / 65535.0, 1e-9);
+  EXPECT_EQ(change["input"], 50);
+  const ToolResult shown = RunTool({"history", folder_.File("a.icc"), "--timeline"});
+  EXPECT_THAT(shown.out, HasSubstr("+0.76 % at 50 %"));
+}
+
+TEST_F(CalibrationTool, RemoveAndRenameLeaveAllElseAlone) {
+  json damaged = Calibration(1, "damaged", 1);
+  damaged["payload"]["entries"][0] = {{"type", "calibration-ink-limit"}, {"bytes", "AAECAw=="}};
+  Build("a.icc", {Calibration(0, "x", 5), damaged, Calibration(2, "y", 6)}, 3, 5);
+  const auto entries = [&] {
+    const json dump = json::parse(RunTool({"dump", folder_.File("a.icc")}).out);
+    return dump["entries"][1]["payload"]["entries"];
+  };
+  json wanted = entries();
+  const ToolResult renamed = RunTool({"rename-calibration", folder_.File("a.icc"), "2", "\u6708\u66dc"});
+  ASSERT_EQ(renamed.status, 0) << renamed.err;
+  wanted[3]["containerData"]["name"] = "\u6708\u66dc";
+  EXPECT_EQ(entries(), wanted);
+  ASSERT_EQ(RunTool({"remove-calibration", folder_.File("a.icc"), "0"}).status, 0);
+  wanted.erase(1);
+  EXPECT_EQ(entries(), wanted);
+  EXPECT_EQ(History("a.icc")["nextID"], 3);
+  EXPECT_EQ(json::parse(RunTool({"info", "--json", folder_.File("a.icc")}).out)["info"]["ProfileMinorVersion"], 5);
+
+  const Bytes before = ReadBytes(folder_.File("a.icc"));
+  // One of the codes is not there: none is removed.
+  const ToolResult removed = RunTool({"remove-calibration", folder_.File("a.icc"), "2", "7"});
+  EXPECT_EQ(removed.status, 1);
+  EXPECT_THAT(removed.err, HasSubstr("no calibration has the code 7"));
+  EXPECT_EQ(RunTool({"rename-calibration", folder_.File("a.icc"), "2", std::string(21, 'x')}).status, 1);
+  EXPECT_EQ(RunTool({"rename-calibration", folder_.File("a.icc"), "2", ""}).status, 1);
+  EXPECT_EQ(RunTool({"remove-calibration", kFrame, "2"}).status, 1);
+  EXPECT_EQ(ReadBytes(folder_.File("a.icc")), before);
+}
+
+TEST_F(CalibrationTool, CalibrateAppendsMeasuredCurves) {
+  Build("a.icc", {Calibration(0, "x", 5)}, 0);
+  const auto calibrate = [&](const std::string& csv, std::vector<std::string> more = {}) {
+    WriteBytes(folder_.File("c.csv"), Bytes(csv.begin(), csv.end()));
+    more.insert(more.begin(), {"calibrate", folder_.File("a.icc"), "--csv", folder_.File("c.csv"), "--name", "Monday"});
+    return RunTool(more);
+  };
+  const std::string good =
+      "entry,ink,extend,name,index,sample\r\nlinearization,3,0,\"Yellow, new\",0,5\r\n"
+      "linearization,3,0,\"Yellow, new\",1,65535\r\nink-limit,3,12,,0,0\r\nink-limit,3,12,,1,60000\r\n";
+  const ToolResult done = calibrate(good, {"--time", "99", "--value", "-3"});
+  ASSERT_EQ(done.status, 0) << done.err;
+  EXPECT_THAT(done.out, HasSubstr("calibration 1 \"Monday\" appended"));
+  const json history = History("a.icc", {"--curves", "1"});
+  EXPECT_EQ(history["nextID"], 2);
+  const json added = history["calibrations"][1];
+  EXPECT_EQ(added["time"], 99);
+  EXPECT_EQ(added["value"], -3);
+  EXPECT_EQ(added["curves"][1]["curves"][0]["inkName"], "Yellow, new");
+  EXPECT_EQ(added["curves"][1]["curves"][0]["samples"], json({5, 65535}));
+  EXPECT_EQ(added["curves"][0]["curves"][0]["extendInfo"], 12);
+  EXPECT_EQ(added["curves"][0]["curves"][0]["samples"], json({0, 60000}));
+
+  const Bytes before = ReadBytes(folder_.File("a.icc"));
+  const std::vector<std::pair<std::string, std::string>> mistakes{
+      {"", "line 1: the text is empty"},
+      {"ink,index\n1,0\n", "line 1: the column \"sample\" is missing"},
+      {"ink,index,sample\n", "there are no curves"},
+      {"ink,index,sample\n1,0,0\n1,2,5\n", "line 3: the samples of a curve stand together"},
+      {"ink,index,sample\n1,0,0\n\n1,1,65536\n", "line 4: the sample is \"65536\""},
+      {"ink,index,sample\n300,0,0\n", "line 2: the ink is \"300\""},
+      {"ink,index,sample\n1,0\n", "line 2: 2 fields stand where 3 are named"},
+      {"ink,index,sample\n1,0,0\n2,0,0\n1,0,0\n", "line 4: the ink 1 has this curve already"},
+      {"ink,index,sample,entry\n1,0,0,ucr\n", "line 2: a calibration has linearization"},
+      {"ink,index,sample,entry,extend\n1,0,0,ink-limit,14\n",
+       "line 2: an ink limit of a calibration has the extend 12"},
+      {"ink,index,sample,name\n1,0,0,\"x\n", "line 2: a quote is not closed"}};
+  for (const auto& [csv, message] : mistakes) {
+    const ToolResult result = calibrate(csv);
+    EXPECT_EQ(result.status, 1) << csv;
+    EXPECT_THAT(result.err, HasSubstr(message));
+  }
+  EXPECT_EQ(ReadBytes(folder_.File("a.icc")), before);
+}
+
 TEST_F(CalibrationTool, ImportLeavesADamagedHistoryAlone) {
   json damaged = Calibration(1, "damaged", 1);
   damaged["payload"]["entries"][0] = {{"type", "calibration-ink-limit"}, {"bytes", "AAECAw=="}};

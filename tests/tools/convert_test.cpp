@@ -76,7 +76,7 @@ TEST_F(ToolConvert, ManyFilesOfWhichSomeFail) {
   EXPECT_NE(run.out.find("6 of 9 profiles converted"), std::string::npos) << run.out;
   EXPECT_NE(run.err.find("inks.qpf: conversion table: no key Maker in [Inkset.SetZ]"), std::string::npos) << run.err;
   EXPECT_NE(run.err.find("broken.qpf: "), std::string::npos) << run.err;
-  EXPECT_NE(run.err.find("none.qpf: file: cannot be opened"), std::string::npos) << run.err;
+  EXPECT_NE(run.err.find("none.qpf: No such file or directory"), std::string::npos) << run.err;
   EXPECT_EQ(Names(folder_.Path() / "out"), (std::vector<std::string>{"broken.icc", "old0.icc", "old1.icc", "old2.icc",
                                                                      "old3.icc", "old4.icc", "old5.icc"}));
   EXPECT_EQ(ReadBytes(folder_.File("out/broken.icc")), (Bytes{1, 2, 3})) << "a failure leaves the old file";
@@ -94,6 +94,9 @@ TEST_F(ToolConvert, RefusesWhatWouldLoseAFile) {
             2);
   EXPECT_EQ(ReadBytes(a), ReadBytes(kExamples + "/glossy.qpf"));
 
+  const auto cut = RunTool({"convert", a, "-o", folder_.File("b"), "--module-version", "1234567890"});
+  EXPECT_EQ(cut.status, 2);
+  EXPECT_NE(cut.err.find("at most 9 characters"), std::string::npos) << cut.err;
   ASSERT_EQ(RunTool({"convert", a, "-o", folder_.File("new.icc"), "--module-version", "1"}).status, 0);
   const auto again = RunTool({"convert", folder_.File("new.icc"), "-o", folder_.File("x"), "--module-version", "1"});
   EXPECT_EQ(again.status, 1);

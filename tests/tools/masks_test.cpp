@@ -70,9 +70,15 @@ TEST(ToolMasks, PacksForThePrinterAndTellsWhyNot) {
   const std::string file = folder.File("masks.qct");
   const std::string out = folder.File("packed");
   WriteMasks(folder.WideFile("masks.qct"));
-  EXPECT_EQ(RunTool({"masks", file, "--pack", "4,2,1,5,9", out}).status, 0);
+  const auto packed = RunTool({"masks", file, "--pack", "4,2,1,9,5", out});
+  EXPECT_EQ(packed.status, 0);
+  EXPECT_EQ(packed.err, "") << "the order of layer colours means nothing";
   EXPECT_EQ(ReadBytes(out), ByteBuilder().U16(5).U8(1).U16(3).U32(3).Text("blockabc").Take());
 
+  // The table counts layer colours and does not compare them.
+  const auto others = RunTool({"masks", file, "--pack", "4,2,1,5,8", out});
+  EXPECT_EQ(others.status, 0);
+  EXPECT_NE(others.err.find("warning: the mask is that of the layer colours 5,9"), std::string::npos) << others.err;
   const auto none = RunTool({"masks", file, "--pack", "4,2,200", out});
   EXPECT_EQ(none.status, 1);
   EXPECT_NE(none.err.find("Profile:There is no specified condition."), std::string::npos);

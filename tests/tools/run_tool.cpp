@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <utility>
 
 namespace nvx::test {
 namespace {
@@ -15,12 +16,10 @@ std::string TextOf(const std::string& path) {
 
 }  // namespace
 
-ToolResult RunTool(const std::vector<std::string>& arguments) {
+ToolResult RunProgram(std::vector<std::string> words) {
   const TempFolder folder;
   const std::string out = folder.File("out");
   const std::string err = folder.File("err");
-  std::vector<std::string> words{NVXPROFILE_TOOL};
-  words.insert(words.end(), arguments.begin(), arguments.end());
   std::vector<char*> pointers;
   for (std::string& word : words) pointers.push_back(word.data());
   pointers.push_back(nullptr);
@@ -28,7 +27,7 @@ ToolResult RunTool(const std::vector<std::string>& arguments) {
   const ::pid_t child = ::fork();
   if (child == 0) {
     if (std::freopen(out.c_str(), "w", stdout) != nullptr && std::freopen(err.c_str(), "w", stderr) != nullptr) {
-      ::execv(pointers[0], pointers.data());
+      ::execvp(pointers[0], pointers.data());
     }
     ::_exit(127);
   }
@@ -38,6 +37,12 @@ ToolResult RunTool(const std::vector<std::string>& arguments) {
   result.out = TextOf(out);
   result.err = TextOf(err);
   return result;
+}
+
+ToolResult RunTool(const std::vector<std::string>& arguments) {
+  std::vector<std::string> words{NVXPROFILE_TOOL};
+  words.insert(words.end(), arguments.begin(), arguments.end());
+  return RunProgram(std::move(words));
 }
 
 }  // namespace nvx::test

@@ -14,6 +14,9 @@ struct ToolResult {
   std::string err;
 };
 
+// Runs a program, found as a shell finds it, and waits for it.
+ToolResult RunProgram(std::vector<std::string> words);
+
 // Runs the tool with these arguments and waits for it.
 ToolResult RunTool(const std::vector<std::string>& arguments);
 

@@ -14,6 +14,7 @@
 
 #include <cstring>
 #include <filesystem>
+#include <fstream>
 #include <random>
 #include <string>
 #include <vector>
@@ -74,7 +75,7 @@ TEST(Tool, WrongUsageAndUnreadableFiles) {
   EXPECT_EQ(RunTool({"--help"}).status, 0);
   const ToolResult result = RunTool({"info", "/no/such/file", kCmyk});
   EXPECT_EQ(result.status, 1);
-  EXPECT_EQ(result.err, "nvxprofile: Profile: File Format Error (file name:/no/such/file)\n");
+  EXPECT_EQ(result.err, "nvxprofile: /no/such/file: No such file or directory\n");
   EXPECT_NE(result.out.find("plain ICC profile"), std::string::npos);
 }
 
@@ -213,8 +214,64 @@ TEST(Tool, BuildsAMinimalDocumentAndNamesThePlaceOfAMistake) {
     EXPECT_NE(result.err.find(mistake.pointer), std::string::npos) << result.err;
     EXPECT_EQ(ReadBytes(folder.File("out.icc")), before);
   }
-  WriteBytes(folder.File("d.json"), {'{'});
-  EXPECT_EQ(RunTool({"build", folder.File("d.json"), "-o", folder.File("out.icc")}).status, 1);
+  EXPECT_EQ(ReadBytes(folder.File("out.icc")), before);
+}
+
+TEST(Tool, BuildRefusesWhatItWouldNotKeep) {
+  const TempFolder folder;
+  const json good = json::parse(RunTool({"dump", "--files", folder.Path().string(), kCmyk}).out);
+  std::ifstream example(NVXPROFILE_SOURCE_FOLDER "/examples/printer_profile.json");
+  const json profile = json::parse(example);
+  const auto build = [&](const std::string& text) {
+    WriteBytes(folder.File("d.json"), Bytes(text.begin(), text.end()));
+    return RunTool({"build", folder.File("d.json"), "-o", folder.File("out.icc")});
+  };
+  struct Mistake {
+    const char* pointer;
+    json value;
+    const char* message;
+  };
+  const std::vector<Mistake> mistakes{
+      {"/entriess", json::array(), "/entriess: nothing reads this key here"},
+      {"/record/Foo", 1, "/record/Foo: nothing reads"},
+      {"/record/Binary/MediaInfo/0/Nmae", "x", "/record/Binary/MediaInfo/0/Nmae: nothing reads"},
+      {"/record/Text", {{"Media_Eng", "x"}}, "/record/Text: nothing reads"},
+      {"/record/MediaName", "x", "/record/MediaName: the file keeps DefaultMediaName and MediaInfo"},
+      {"/record/ModelCode", "9999", "/record/ModelCode: the file keeps ModelNumber"},
+      {"/record/PrinterComment", "x", "/record/PrinterComment: files of this format do not keep it"},
+      {"/record/HasMaskDownload", true, "/record/HasMaskDownload: there is no entry on route 8"},
+      {"/targetType", 3, "/targetType: files of this format do not keep it"},
+      {"/entries/1/payload/curvess", 1, "/entries/1/payload/curvess: nothing reads"},
+      {"/entries/1/usedType", 9, "/entries/1/type: the name is that of the used type"},
+  };
+  for (const Mistake& mistake : mistakes) {
+    json bad = profile;
+    bad[json::json_pointer(mistake.pointer)] = mistake.value;
+    const ToolResult result = build(bad.dump());
+    EXPECT_EQ(result.status, 1) << mistake.pointer;
+    EXPECT_NE(result.err.find(mistake.message), std::string::npos) << result.err;
+  }
+  json heaters = profile;
+  for (json& entry : heaters["entries"]) {
+    if (entry["type"] == "media-property") entry["payload"]["mediaProperties"][0]["parameters"] = json(12, 1);
+  }
+  EXPECT_NE(build(heaters.dump()).err.find("/parameters: the block holds"), std::string::npos);
+  json without = profile;
+  without["entries"].erase(0);
+  without["entries"].push_back({{"type", "icc"}, {"bytes", "AAAA"}});
+  EXPECT_NE(build("{\"a\": 1, \"a\": 2}").err.find("\"a\": the key stands twice"), std::string::npos);
+  const std::string parser = build("{\n\"nvxprofile\": }").err;
+  EXPECT_NE(parser.find("line 2, column 15: is no JSON"), std::string::npos) << parser;
+  EXPECT_EQ(parser.find("exception"), std::string::npos) << parser;
+  EXPECT_FALSE(std::filesystem::exists(folder.File("out.icc")));
+
+  // What a dump says, with all that is worked out anew, is taken.
+  EXPECT_EQ(build(good.dump()).status, 0);
+  EXPECT_EQ(build(profile.dump()).status, 0);
+  WriteBytes(folder.File("p.icc"), PrinterProfile());
+  EXPECT_EQ(build(RunTool({"dump", folder.File("p.icc")}).out).status, 0);
+  EXPECT_NE(RunTool({"build", folder.File("d.json"), "-o", folder.File("no/x.icc")}).err.find("there is no folder"),
+            std::string::npos);
 }
 
 TEST(Tool, DiffTellsTheGreatestDifferenceOfCurves) {
@@ -228,12 +285,12 @@ TEST(Tool, DiffTellsTheGreatestDifferenceOfCurves) {
   WriteBytes(folder.File("b.icc"), changed);
   EXPECT_EQ(RunTool({"diff", folder.File("a.icc"), folder.File("a.icc")}).status, 0);
   const ToolResult result = RunTool({"diff", "--json", folder.File("a.icc"), folder.File("b.icc")});
-  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.status, 3);
   const json differences = Parse(result.out)["differences"];
   ASSERT_EQ(differences.size(), 1u) << result.out;
   EXPECT_EQ(differences[0]["place"], "entry 6 linearization/ink 1 extend 4/samples");
   EXPECT_EQ(differences[0]["greatest"], 10);
-  EXPECT_EQ(RunTool({"diff", folder.File("a.icc"), "/no/such"}).status, 2);
+  EXPECT_EQ(RunTool({"diff", folder.File("a.icc"), "/no/such"}).status, 1);
 }
 
 TEST(Tool, ValidateNamesPlaceOffsetAndRule) {
@@ -252,7 +309,7 @@ TEST(Tool, ValidateNamesPlaceOffsetAndRule) {
   place[0] = 'X';
   WriteBytes(folder.File("p.icc"), bytes);
   const ToolResult broken = RunTool({"validate", "--json", folder.File("p.icc")});
-  EXPECT_EQ(broken.status, 1);
+  EXPECT_EQ(broken.status, 4);
   const json findings = Parse(broken.out)["findings"];
   ASSERT_EQ(findings.size(), 1u) << broken.out;
   EXPECT_EQ(findings[0]["rule"], "entry body: wrong magic");

@@ -1,5 +1,8 @@
 #!/usr/bin/env python3
-"""Holds the documents that the tool dumps against their schema. Arguments: the tool, the schema, profiles."""
+"""Holds the documents that the tool dumps, and documents (.json), against their schema.
+
+Arguments: the tool, the schema, profiles and documents.
+"""
 import json
 import subprocess
 import sys
@@ -12,8 +15,12 @@ with open(schema_path, encoding="utf-8") as file:
 jsonschema.Draft7Validator.check_schema(schema)
 validator = jsonschema.Draft7Validator(schema)
 for profile in profiles:
-    dump = subprocess.run([tool, "dump", profile], capture_output=True, check=True)
-    validator.validate(json.loads(dump.stdout))
+    if profile.endswith(".json"):
+        with open(profile, encoding="utf-8") as file:
+            document = json.load(file)
+    else:
+        document = json.loads(subprocess.run([tool, "dump", profile], capture_output=True, check=True).stdout)
+    validator.validate(document)
     print(f"{profile}: fits the schema")
 if not profiles:
     sys.exit("no profiles given")

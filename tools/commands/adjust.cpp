@@ -1,5 +1,6 @@
 // nvxprofile adjust: what a reader takes from an adjust file, and what it drops or bends on the way.
 #include "command.h"
+#include "files.h"
 #include "loading.h"
 #include "terminal.h"
 
@@ -223,11 +224,16 @@ Json ToJson(const std::string& file, const Reading& reading, const AdjustInspect
 }
 
 int Run(const Options& options) {
-  const std::u16string path = Utf8ToWide(options.file);
+  const InputFile input(options.file);
+  if (!input.Failure().empty()) {
+    PrintErrorOf(options.file, input.Failure());
+    return kFailure;
+  }
+  const std::u16string& path = input.Path();
   CError error;
   const std::optional<AdjustInspection> inspection = InspectAdjustFile(path.c_str(), options.kind, error);
   if (!inspection) {
-    PrintError(MessageOf(error));
+    PrintErrorOf(options.file, MessageOf(error));
     return kFailure;
   }
   Reading reading;
@@ -240,7 +246,7 @@ int Run(const Options& options) {
     PrintRemarks(*inspection);
   }
   if (reading.whole) return kSuccess;
-  PrintError(inspection->kind ? MessageOf(reading.error) : options.file + ": no reader of adjust files reads any key");
+  PrintErrorOf(options.file, inspection->kind ? MessageOf(reading.error) : "no reader of adjust files reads any key");
   return kFailure;
 }
 
@@ -255,6 +261,7 @@ void AddAdjustCommand(CLI::App& app, int& status) {
       ->transform(CLI::CheckedTransformer(kKinds))
       ->type_name("color|color-v3|device|special");
   command->add_flag("--json", options->json, "Write a JSON document");
+  command->footer("Example: nvxprofile adjust color.txt");
   command->callback([options, &status] { status = Run(*options); });
 }
 

@@ -1,15 +1,16 @@
 // nvxprofile build: a profile from its text.
 #include "command.h"
 #include "document.h"
+#include "files.h"
+#include "loading.h"
 #include "terminal.h"
 
 #include <fmt/format.h>
 
 #include <filesystem>
-#include <fstream>
-#include <iostream>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace nvx::tool {
 namespace {
@@ -19,22 +20,21 @@ struct Options {
   std::string output;
 };
 
-Json ReadDocument(const std::string& path) {
-  if (path == "-") return Json::parse(std::cin);
-  std::ifstream file(path, std::ios::binary);
-  if (!file) throw std::runtime_error(path + ": cannot be opened");
-  return Json::parse(file);
+// The name by which the profile describes itself.
+std::string NameOf(const std::string& output) {
+  const std::string name = std::filesystem::path(output).filename().string();
+  return output == kStandardStream || name.empty() ? "profile" : name;
 }
 
 int Run(const Options& options) {
+  const bool isStandard = options.document == kStandardStream;
+  const std::string folder = isStandard ? "" : std::filesystem::path(options.document).parent_path().string();
   try {
-    const std::string folder = std::filesystem::path(options.document).parent_path().string();
-    BuildProfile(ReadDocument(options.document), folder, options.output);
+    const Json document = ParseDocument(ReadInput(options.document));
+    WriteOutput(options.output, BuildProfile(document, folder, NameOf(options.output)));
     return kSuccess;
   } catch (const DocumentError& error) {
-    PrintError(fmt::format("{}: {}: {}", options.document, error.Place().empty() ? "/" : error.Place(), error.what()));
-  } catch (const Json::exception& error) {
-    PrintError(fmt::format("{}: {}", options.document, error.what()));
+    PrintErrorOf(options.document, fmt::format("{}: {}", error.Place().empty() ? "/" : error.Place(), error.what()));
   } catch (const std::runtime_error& error) {
     PrintError(error.what());
   }
@@ -47,7 +47,10 @@ void AddBuildCommand(CLI::App& app, int& status) {
   CLI::App* const command = app.add_subcommand("build", "Build a profile from a JSON document");
   const auto options = std::make_shared<Options>();
   command->add_option("DOCUMENT", options->document, "A document as dump writes it; - for standard input")->required();
-  command->add_option("-o,--output", options->output, "The profile to write")->required()->type_name("FILE");
+  command->add_option("-o,--output", options->output, "The profile to write; - for standard output")
+      ->required()
+      ->type_name("FILE");
+  command->footer("Example: nvxprofile build glossy.json -o glossy.icc");
   command->callback([options, &status] { status = Run(*options); });
 }
 

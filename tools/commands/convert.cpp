@@ -1,10 +1,11 @@
 // nvxprofile convert: text-headed profiles into those of the current generation, many at once.
 #include "command.h"
+#include "files.h"
+#include "loading.h"
 #include "progress.h"
 #include "terminal.h"
 
 #include <nvxprofile/convert.h>
-#include <nvxprofile/diagnosis.h>
 #include <nvxprofile/profile_access.h>
 #include <nvxprofile/profile_file.h>
 #include <nvxprofile/text_conversion.h>
@@ -20,7 +21,6 @@
 #include <memory>
 #include <mutex>
 #include <optional>
-#include <random>
 #include <string>
 #include <system_error>
 #include <thread>
@@ -30,6 +30,9 @@ namespace nvx::tool {
 namespace {
 
 namespace fs = std::filesystem;
+
+// Characters that the profile has room for.
+constexpr std::size_t kLongestVersion = 9;
 
 struct Options {
   std::vector<std::string> files;
@@ -44,43 +47,7 @@ struct Job {
   fs::path target;
 };
 
-// A folder beside the target in which a result is made and looked at before it takes the target's place. It is removed
-// with all that is left in it.
-class WorkFolder {
- public:
-  explicit WorkFolder(const fs::path& parent) {
-    std::random_device random;
-    path_ = parent / fmt::format(".nvx-{:08x}", random());
-    if (!fs::create_directory(path_, error_)) path_.clear();
-  }
-  WorkFolder(const WorkFolder&) = delete;
-  WorkFolder& operator=(const WorkFolder&) = delete;
-  ~WorkFolder() {
-    std::error_code error;
-    if (!path_.empty()) fs::remove_all(path_, error);
-  }
-
-  bool IsThere() const { return !path_.empty(); }
-  const fs::path& Path() const { return path_; }
-  std::string Failure() const { return error_ ? error_.message() : "a folder of that name exists"; }
-
- private:
-  fs::path path_;
-  std::error_code error_;
-};
-
 std::u16string Wide(const fs::path& path) { return Utf8ToWide(path.string()); }
-
-// The first thing that keeps a profile from loading.
-std::string WhyNotLoaded(const fs::path& path) {
-  Diagnosis diagnosis;
-  DiagnoseProfile(Wide(path).c_str(), diagnosis);
-  for (const Finding& finding : diagnosis.Findings()) {
-    if (finding.severity != Severity::kError) continue;
-    return finding.place.empty() ? finding.rule : finding.place + ": " + finding.rule;
-  }
-  return "cannot be loaded";
-}
 
 // The database record of a conversion: the caller's values, or none and the halftone method of the old profile.
 _tagDBDeviceProfileInfo DatabaseRecord(const Options& options, const _tagDeviceProfileInfo& source) {
@@ -103,41 +70,35 @@ bool IsComplete(const fs::path& path, CConvertV2ToV3Profile& converter) {
   return true;
 }
 
-// Moves the result over the target, with the target's permissions where it exists. A link is followed.
-std::string PutInPlace(const fs::path& made, fs::path target) {
-  std::error_code error;
-  if (const fs::path real = fs::canonical(target, error); !error) {
-    target = real;
-    fs::permissions(made, fs::status(target).permissions(), error);
-  }
-  fs::rename(made, target, error);
-  return error ? target.string() + ": " + error.message() : std::string();
-}
-
 // Why the conversion failed; empty if it did not.
 std::string Convert(const Job& job, const Options& options) {
-  const std::u16string source = Wide(job.source);
+  const InputFile input(job.source.string());
+  if (!input.Failure().empty()) return input.Failure();
+  const std::u16string& source = input.Path();
   const std::unique_ptr<CProfileFile> format(CProfileFile::CreateProfileFile(source.c_str(), true));
   CProfileData header;
-  if (!format) return WhyNotLoaded(job.source);
+  if (!format) return WhyNotLoaded(source);
   if (format->GetMyFormat() != 2 && format->GetMyFormat() != 3) return "is no text-headed profile";
-  if (!format->LoadData(source.c_str(), &header, true)) return WhyNotLoaded(job.source);
+  if (!format->LoadData(source.c_str(), &header, true)) return WhyNotLoaded(source);
 
   CConvertV2ToV3Profile converter;
-  if (!converter.ProfileLoad(source.c_str())) return WhyNotLoaded(job.source);
+  if (!converter.ProfileLoad(source.c_str())) return WhyNotLoaded(source);
   if (converter.GetProfileDataEntry_V2(CProfileDataEntry::kIcm) == nullptr) return "has no ICC profile entry";
   converter.SetupModuleVersion(Utf8ToWide(options.moduleVersion).c_str());
   const _tagDBDeviceProfileInfo database = DatabaseRecord(options, *header.GetProfileInfo());
   converter.ConvertV2ToV3Profile(&database);
 
-  const WorkFolder folder(fs::absolute(job.target).parent_path());
-  if (!folder.IsThere()) return fmt::format("cannot write beside {}: {}", job.target.string(), folder.Failure());
-  // The name goes into the profile as its description, so it is the target's from the start.
-  const fs::path made = folder.Path() / job.target.filename();
+  // The result is made and looked at before it takes the target's place. Its name goes into the profile as its
+  // description, so it is the target's from the start.
+  const WorkFolder folder(fs::temp_directory_path().string());
+  const bool isStandard = job.target == kStandardStream;
+  const fs::path made = folder.File(isStandard ? "profile" : job.target.filename().string());
   converter.SaveV3Profile(Wide(made).c_str());
   if (!fs::exists(made)) return "cannot be saved: the ICC profile entry is no usable profile, or the disk is full";
-  if (!IsComplete(made, converter)) return "the result does not load: " + WhyNotLoaded(made);
-  return PutInPlace(made, job.target);
+  if (!IsComplete(made, converter)) return "the result does not load: " + WhyNotLoaded(Wide(made));
+  const std::string bytes = ReadInput(made.string());
+  WriteOutput(job.target.string(), {reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()});
+  return {};
 }
 
 // Runs the jobs on several threads and tells of each one, on the calling thread, when it is done.
@@ -201,6 +162,12 @@ std::optional<std::vector<Job>> Plan(const Options& options) {
   const fs::path output(options.output);
   std::error_code error;
   const bool isFolder = fs::is_directory(output, error);
+  const bool toStandard = options.output == kStandardStream;
+  if (toStandard && options.files.size() > 1) {
+    PrintError("only one profile can go to standard output");
+    return std::nullopt;
+  }
+  if (toStandard) return std::vector<Job>{{options.files.front(), output}};
   const bool toFolder = isFolder || options.files.size() > 1 || !output.has_filename();
   if (toFolder && !isFolder && !fs::create_directories(output, error)) {
     PrintError(fmt::format("{}: {}", options.output, error ? error.message() : "cannot be created"));
@@ -239,7 +206,9 @@ int Run(const Options& options) {
       bar.Show(done);
     }
   }
-  PrintLine(fmt::format("{} of {} profiles converted", jobs->size() - failures, jobs->size()));
+  if (options.output != kStandardStream) {
+    PrintLine(fmt::format("{} of {} profiles converted", jobs->size() - failures, jobs->size()));
+  }
   return failures == 0 ? kSuccess : kFailure;
 }
 
@@ -252,9 +221,14 @@ void AddConvertCommand(CLI::App& app, int& status) {
   command
       ->add_option("-o,--output", options->output,
                    "The new profile; for several, the folder of the new ones, each named after its old one with .icc")
-      ->required();
+      ->required()
+      ->type_name("FILE|DIR");
   command->add_option("--module-version", options->moduleVersion, "Version of the making program, at most 9 characters")
-      ->required();
+      ->required()
+      ->check([](const std::string& version) {
+        return Utf8ToWide(version).size() <= kLongestVersion ? std::string() : "at most 9 characters are kept";
+      })
+      ->type_name("V");
   command
       ->add_option(
           "--database-keys", options->databaseKeys,
@@ -263,7 +237,10 @@ void AddConvertCommand(CLI::App& app, int& status) {
       ->delimiter(',')
       ->expected(6)
       ->type_name("A,B,C,D,E,F");
-  command->add_option("-j,--jobs", options->jobs, "Files to convert at the same time")->check(CLI::Range(1, 256));
+  command->add_option("-j,--jobs", options->jobs, "Files to convert at the same time")
+      ->check(CLI::Range(1, 256))
+      ->type_name("N");
+  command->footer("Example: nvxprofile convert old/*.qpf -o new --module-version 2.1");
   command->callback([options, &status] { status = Run(*options); });
 }
 

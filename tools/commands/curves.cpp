@@ -1,13 +1,17 @@
 // nvxprofile curves: the curves of a profile, as tables with small plots, as CSV or as JSON.
+#include "cal_curves.h"
 #include "command.h"
 #include "curve_view.h"
+#include "files.h"
 #include "loading.h"
+#include "saving.h"
 #include "terminal.h"
 
 #include <nvxprofile/curve_entry.h>
 
 #include <fmt/format.h>
 
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
@@ -21,7 +25,10 @@ struct Options {
   std::string entry;
   std::optional<std::uint32_t> ink;
   std::optional<std::uint32_t> extendInfo;
+  std::string cal;
+  std::vector<std::string> inks;
   bool csv = false;
+  PlotStyle plot = PlotStyle::kNone;
   bool json = false;
 };
 
@@ -39,14 +46,11 @@ bool IsWanted(const CCurveDataEntry& curve, const Options& options) {
 // The curves as a query reads them: parsed from the entry's buffer.
 Selection Select(CProfileCurveEntry& entry, const Options& options, int& status) {
   if (!entry.BufferToData()) {
-    PrintError(fmt::format("{}: the curve set is damaged or empty", EntryName(entry.GetUsedType())));
+    PrintErrorOf(options.file, fmt::format("{}: the curve set is damaged or empty", EntryName(entry.GetUsedType())));
     status = kFailure;
   }
   Selection selection{&entry, {}};
-  CCurveData& set = *entry.GetCurveData();
-  bool more = set.GetHeadPosition();
-  while (more) {
-    CCurveDataEntry* const curve = set.GetNext(more);
+  for (CCurveDataEntry* const curve : CurvesOf(*entry.GetCurveData())) {
     if (IsWanted(*curve, options)) selection.curves.push_back(curve);
   }
   return selection;
@@ -66,22 +70,11 @@ std::vector<Selection> SelectAll(CProfileData& data, const Options& options, int
   return selections;
 }
 
-void Print(const std::vector<Selection>& selections) {
+void Print(const std::vector<Selection>& selections, PlotStyle plot) {
   for (const Selection& selection : selections) {
     if (&selection != &selections.front()) PrintLine();
-    PrintCurves(selection.entry->GetUsedType(), selection.curves);
+    PrintCurves(selection.entry->GetUsedType(), selection.curves, plot);
   }
-}
-
-// A field of a CSV line; quoted where it has to be.
-std::string CsvField(const std::string& text) {
-  if (text.find_first_of(",\"\r\n") == text.npos) return text;
-  std::string field = "\"";
-  for (const char c : text) {
-    if (c == '"') field += '"';
-    field += c;
-  }
-  return field + '"';
 }
 
 void PrintCsv(const std::vector<Selection>& selections) {
@@ -115,6 +108,23 @@ void PrintDocument(const std::vector<Selection>& selections, const Options& opti
   PrintJson({{"file", options.file}, {"entries", std::move(entries)}});
 }
 
+// One entry as a calibration file. Nothing is written if the curves make none.
+int WriteCalFile(const std::vector<Selection>& selections, const Options& options) {
+  if (selections.size() != 1) {
+    PrintErrorOf(options.file, fmt::format("{} entries have such curves; choose one with --entry", selections.size()));
+    return kFailure;
+  }
+  try {
+    CalFile cal = CurvesToCal(selections.front().curves, InkTable(options.inks));
+    cal.description = std::filesystem::path(options.file).filename().string();
+    WriteText(options.cal, WriteCal(cal));
+    return kSuccess;
+  } catch (const std::runtime_error& error) {
+    PrintErrorOf(options.file, error.what());
+    return kFailure;
+  }
+}
+
 int Run(const Options& options) {
   if (!options.entry.empty() && UsedTypeByName(options.entry) == 0) {
     PrintError(fmt::format("\"{}\" is no kind of entry", options.entry));
@@ -125,15 +135,16 @@ int Run(const Options& options) {
   int status = kSuccess;
   const std::vector<Selection> selections = SelectAll(*access.GetProfileData(), options, status);
   if (selections.empty()) {
-    PrintError("the profile has no such curve");
+    PrintErrorOf(options.file, "the profile has no such curve");
     status = kFailure;
   }
+  if (!options.cal.empty()) return status == kSuccess ? WriteCalFile(selections, options) : status;
   if (options.json) {
     PrintDocument(selections, options);
   } else if (options.csv) {
     PrintCsv(selections);
   } else {
-    Print(selections);
+    Print(selections, options.plot);
   }
   return status;
 }
@@ -152,7 +163,15 @@ void AddCurvesCommand(CLI::App& app, int& status) {
   command->add_option("--ink", options->ink, "The curves of one ink colour code")->type_name("N");
   command->add_option("--extend", options->extendInfo, "The curves of one ExtendInfo")->type_name("N");
   CLI::Option* const csv = command->add_flag("--csv", options->csv, "Write one line for each sample");
-  command->add_flag("--json", options->json, "Write a JSON document")->excludes(csv);
+  CLI::Option* const json = command->add_flag("--json", options->json, "Write a JSON document")->excludes(csv);
+  CLI::Option* const cal =
+      command->add_option("--cal", options->cal, "Write the curves of one entry as a calibration file (CGATS text)")
+          ->type_name("OUT")
+          ->excludes(csv)
+          ->excludes(json);
+  command->add_option("--inks", options->inks, kInksHelp)->delimiter(',')->type_name("N=LETTER...")->needs(cal);
+  AddPlotOptions(*command, options->plot);
+  command->footer("Example: nvxprofile curves glossy.icc --entry linearization --cal glossy.cal");
   command->callback([options, &status] { status = Run(*options); });
 }
 

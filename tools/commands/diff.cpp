@@ -1,16 +1,24 @@
-// nvxprofile diff: what two profiles differ in.
+// nvxprofile diff: what two profiles, or the profiles of two folders, differ in.
 #include "command.h"
 #include "comparison.h"
+#include "files.h"
 #include "loading.h"
 #include "terminal.h"
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <filesystem>
+#include <iterator>
 #include <memory>
+#include <set>
 #include <string>
+#include <vector>
 
 namespace nvx::tool {
 namespace {
+
+namespace fs = std::filesystem;
 
 struct Options {
   std::string a;
@@ -23,10 +31,13 @@ std::string ValueText(const Json& value) {
 }
 
 void Print(const std::vector<Difference>& differences) {
-  Table table({{"place"}, {""}, {"A"}, {"B"}, {"greatest", Table::Align::kRight}});
+  using enum Table::Align;
+  Table table({{"place"}, {""}, {"A"}, {"B"}, {"greatest", kRight}, {"of the range", kRight}, {"at"}});
   for (const Difference& difference : differences) {
+    const std::string percent =
+        difference.percent.is_null() ? "" : fmt::format("{:+.2f} %", difference.percent.get<double>());
     table.Add({difference.place, difference.what, ValueText(difference.a), ValueText(difference.b),
-               ValueText(difference.greatest)});
+               ValueText(difference.greatest), percent, difference.at});
   }
   table.Print();
 }
@@ -38,33 +49,113 @@ Json ToJson(const std::vector<Difference>& differences) {
     if (!difference.a.is_null()) item["a"] = difference.a;
     if (!difference.b.is_null()) item["b"] = difference.b;
     if (!difference.greatest.is_null()) item["greatest"] = difference.greatest;
+    if (!difference.percent.is_null()) {
+      item["percent"] = difference.percent;
+      item["at"] = difference.at;
+    }
     list.push_back(std::move(item));
   }
   return list;
 }
 
-int Run(const Options& options) {
+int CompareFiles(const Options& options) {
   CProfileAccess a;
   CProfileAccess b;
-  if (!LoadProfile(options.a, a) || !LoadProfile(options.b, b)) return kUsage;
+  if (!LoadProfile(options.a, a) || !LoadProfile(options.b, b)) return kFailure;
   const std::vector<Difference> differences = Compare(a, b);
   if (options.json) {
     PrintJson({{"a", options.a}, {"b", options.b}, {"differences", ToJson(differences)}});
   } else if (!differences.empty()) {
     Print(differences);
   }
-  return differences.empty() ? kSuccess : kFailure;
+  return differences.empty() ? kSuccess : kDifferent;
+}
+
+// The paths of the files below a folder, seen from the folder.
+std::set<std::string> FilesBelow(const std::string& folder) {
+  std::set<std::string> files;
+  for (const fs::directory_entry& entry : fs::recursive_directory_iterator(folder)) {
+    if (entry.is_regular_file()) files.insert(entry.path().lexically_relative(folder).string());
+  }
+  return files;
+}
+
+// Compares the files of two folders by their paths, and shows what it finds on the way.
+class FolderComparison {
+ public:
+  explicit FolderComparison(const Options& options) : options_(options) {}
+
+  int Run() {
+    const std::set<std::string> a = FilesBelow(options_.a);
+    const std::set<std::string> b = FilesBelow(options_.b);
+    std::set<std::string> all = a;
+    all.insert(b.begin(), b.end());
+    for (const std::string& file : all) {
+      if (b.count(file) == 0) {
+        ShowMissing(file, "only in A");
+      } else if (a.count(file) == 0) {
+        ShowMissing(file, "only in B");
+      } else {
+        CompareBoth(file);
+      }
+    }
+    if (options_.json) PrintJson({{"a", options_.a}, {"b", options_.b}, {"files", std::move(files_)}});
+    if (failed_) return kFailure;
+    return different_ ? kDifferent : kSuccess;
+  }
+
+ private:
+  void ShowMissing(const std::string& file, const char* what) {
+    different_ = true;
+    files_.push_back({{"file", file}, {"what", what}});
+    if (!options_.json) PrintLine(fmt::format("{}: {}", Styled(Style::kHeading, file), what));
+  }
+
+  // Files of the same bytes are the same, also where they are no profiles.
+  void CompareBoth(const std::string& file) {
+    const std::string a = (fs::path(options_.a) / file).string();
+    const std::string b = (fs::path(options_.b) / file).string();
+    if (fs::file_size(a) == fs::file_size(b) && ReadInput(a) == ReadInput(b)) return;
+    CProfileAccess left;
+    CProfileAccess right;
+    if (!LoadProfile(a, left) || !LoadProfile(b, right)) {
+      failed_ = true;
+      return;
+    }
+    const std::vector<Difference> differences = Compare(left, right);
+    if (differences.empty()) return;
+    different_ = true;
+    files_.push_back({{"file", file}, {"what", "differs"}, {"differences", ToJson(differences)}});
+    if (options_.json) return;
+    PrintLine(Styled(Style::kHeading, file) + ": differs");
+    Print(differences);
+  }
+
+  const Options& options_;
+  Json files_ = Json::array();
+  bool different_ = false;
+  bool failed_ = false;
+};
+
+int Run(const Options& options) {
+  const bool isFolder = fs::is_directory(options.a);
+  if (isFolder != fs::is_directory(options.b)) {
+    PrintErrorOf(isFolder ? options.a : options.b, "is a folder, and the other one is not");
+    return kFailure;
+  }
+  return isFolder ? FolderComparison(options).Run() : CompareFiles(options);
 }
 
 }  // namespace
 
 void AddDiffCommand(CLI::App& app, int& status) {
-  CLI::App* const command = app.add_subcommand(
-      "diff", "Tell what two profiles differ in; exit status 1 if they do, 2 if one cannot be loaded");
+  CLI::App* const command =
+      app.add_subcommand("diff", "Tell what two profiles, or the files of two folders, differ in");
   const auto options = std::make_shared<Options>();
-  command->add_option("A", options->a, "A profile")->required();
-  command->add_option("B", options->b, "Another profile")->required();
+  command->add_option("A", options->a, "A profile, or a folder")->required();
+  command->add_option("B", options->b, "Another one")->required();
   command->add_flag("--json", options->json, "Write one JSON document");
+  command->footer("Example: nvxprofile diff yesterday today");
   command->callback([options, &status] { status = Run(*options); });
 }
 

@@ -20,6 +20,7 @@ void AddDumpCommand(CLI::App& app, int& status) {
   command->add_option("--files", options->folder, "Write ICC profiles as files into this folder")
       ->type_name("DIR")
       ->check(CLI::ExistingDirectory);
+  command->footer("Example: nvxprofile dump glossy.icc --files parts > glossy.json");
   command->callback([options, &status] {
     CProfileAccess access;
     status = kFailure;

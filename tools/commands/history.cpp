@@ -1,9 +1,13 @@
 // nvxprofile history: the calibrations that a profile keeps, and the curves of one of them.
+#include "cal_curves.h"
+#include "calibration_edit.h"
 #include "calibration_view.h"
 #include "command.h"
 #include "curve_view.h"
 #include "loading.h"
+#include "saving.h"
 #include "terminal.h"
+#include "timeline.h"
 
 #include <nvxprofile/curve_entry.h>
 
@@ -22,15 +26,12 @@ namespace {
 struct Options {
   std::string file;
   std::optional<std::uint32_t> curves;
+  std::string cal;
+  std::vector<std::string> inks;
+  bool timeline = false;
+  PlotStyle plot = PlotStyle::kNone;
   bool json = false;
 };
-
-std::vector<CCurveDataEntry*> CurvesOf(CProfileCurveEntry& entry) {
-  std::vector<CCurveDataEntry*> curves;
-  bool more = entry.GetCurveData()->GetHeadPosition();
-  while (more) curves.push_back(entry.GetCurveData()->GetNext(more));
-  return curves;
-}
 
 std::vector<CProfileCurveEntry*> CurveEntriesOf(CContainerEntry& calibration) {
   std::vector<CProfileCurveEntry*> entries;
@@ -44,7 +45,7 @@ std::vector<CProfileCurveEntry*> CurveEntriesOf(CContainerEntry& calibration) {
 std::set<std::uint32_t> InksOf(CContainerEntry& calibration) {
   std::set<std::uint32_t> inks;
   for (CProfileCurveEntry* const entry : CurveEntriesOf(calibration)) {
-    for (CCurveDataEntry* const curve : CurvesOf(*entry)) inks.insert(curve->GetInkID());
+    for (CCurveDataEntry* const curve : CurvesOf(*entry->GetCurveData())) inks.insert(curve->GetInkID());
   }
   return inks;
 }
@@ -100,6 +101,7 @@ Json ToJson(const Options& options, CProfileAccess& access, CCalibrationHistoryE
   json["targetCreateTime"] = target ? Json(*target) : Json(nullptr);
   json["newest"] = newest >= 0 ? Json(newest) : Json(nullptr);
   json["calibrations"] = std::move(calibrations);
+  if (options.timeline) json["timeline"] = TimelineToJson(TimelineOf(history));
   return json;
 }
 
@@ -124,15 +126,29 @@ void PrintTable(CProfileAccess& access, CCalibrationHistoryEntry& history) {
   }
 }
 
-bool PrintCurvesOf(CCalibrationHistoryEntry& history, std::uint32_t code) {
+bool PrintCurvesOf(CCalibrationHistoryEntry& history, std::uint32_t code, PlotStyle plot) {
   auto* const calibration =
       dynamic_cast<CContainerEntry*>(history.GetProfileDataEntry(CProfileDataEntry::kCalibrationContainer, code));
   if (calibration == nullptr) return false;
   for (CProfileCurveEntry* const entry : CurveEntriesOf(*calibration)) {
     PrintLine();
-    PrintCurves(entry->GetUsedType(), CurvesOf(*entry));
+    PrintCurves(entry->GetUsedType(), CurvesOf(*entry->GetCurveData()), plot);
   }
   return true;
+}
+
+// The curves of one calibration as a calibration file.
+int WriteCalFile(const Options& options, CCalibrationHistoryEntry& history) {
+  try {
+    CContainerEntry& calibration = CalibrationOf(history, *options.curves);
+    CalFile cal = CalibrationToCal(calibration, InkTable(options.inks));
+    cal.description = NameOf(calibration);
+    WriteText(options.cal, WriteCal(cal));
+    return kSuccess;
+  } catch (const std::runtime_error& error) {
+    PrintErrorOf(options.file, error.what());
+    return kFailure;
+  }
 }
 
 int Run(const Options& options) {
@@ -143,14 +159,19 @@ int Run(const Options& options) {
     PrintError(options.file + ": the profile has no calibration history");
     return kFailure;
   }
+  if (!options.cal.empty()) return WriteCalFile(options, *history);
   const bool known = !options.curves ||
                      history->GetProfileDataEntry(CProfileDataEntry::kCalibrationContainer, *options.curves) != nullptr;
   if (options.json) {
     PrintJson(ToJson(options, access, *history));
   } else {
     PrintLine(Styled(Style::kHeading, options.file));
-    PrintTable(access, *history);
-    if (options.curves) PrintCurvesOf(*history, *options.curves);
+    if (options.timeline) {
+      PrintTimeline(TimelineOf(*history));
+    } else {
+      PrintTable(access, *history);
+    }
+    if (options.curves) PrintCurvesOf(*history, *options.curves, options.plot);
   }
   if (known) return kSuccess;
   PrintError(fmt::format("{}: no calibration has the code {}", options.file, *options.curves));
@@ -163,9 +184,20 @@ void AddHistoryCommand(CLI::App& app, int& status) {
   CLI::App* const command = app.add_subcommand("history", "List the calibrations that a profile keeps");
   const auto options = std::make_shared<Options>();
   command->add_option("FILE", options->file, "A profile of any format")->required();
-  command->add_option("--curves", options->curves, "Show the curves of the calibration with this code")
-      ->type_name("CODE");
-  command->add_flag("--json", options->json, "Write a JSON document");
+  CLI::Option* const curves =
+      command->add_option("--curves", options->curves, "Show the curves of the calibration with this code")
+          ->type_name("CODE");
+  command->add_flag("--timeline", options->timeline,
+                    "List them by time, with the greatest change of each ink since the one before");
+  CLI::Option* const json = command->add_flag("--json", options->json, "Write a JSON document");
+  CLI::Option* const cal =
+      command->add_option("--cal", options->cal, "Write those curves as a calibration file (CGATS text)")
+          ->type_name("OUT")
+          ->needs(curves)
+          ->excludes(json);
+  command->add_option("--inks", options->inks, kInksHelp)->delimiter(',')->type_name("N=LETTER...")->needs(cal);
+  AddPlotOptions(*command, options->plot);
+  command->footer("Example: nvxprofile history glossy.icc --timeline");
   command->callback([options, &status] { status = Run(*options); });
 }
 

@@ -1,26 +1,24 @@
 // nvxprofile import-history: takes the calibrations of one profile over into another, and never loses one.
+#include "calibration_edit.h"
 #include "calibration_view.h"
 #include "command.h"
 #include "loading.h"
+#include "saving.h"
 #include "terminal.h"
 
 #include <nvxprofile/calibration_history.h>
 #include <nvxprofile/curve_entry.h>
-#include <nvxprofile/profile_file.h>
-#include <nvxprofile/text_conversion.h>
 
 #include <fmt/format.h>
 
 #include <memory>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
 namespace nvx::tool {
 namespace {
-
-constexpr int kPrinterProfile = 4;
-constexpr std::uint32_t kPrinterProfileVersion5 = 5;
 
 struct Options {
   std::string from;
@@ -66,23 +64,6 @@ void PrintCollisions(const Options& options, CCalibrationHistoryEntry& into, CCa
   table.Print(2);
 }
 
-// The history of the profile, made on its route if there is none.
-CCalibrationHistoryEntry& HistoryIn(CProfileData& data) {
-  if (CCalibrationHistoryEntry* const history = HistoryOf(data)) return *history;
-  auto* const history = new CCalibrationHistoryEntry;
-  data.SetProfileDataEntry(history, kRouteCalibration);
-  return *history;
-}
-
-bool Save(const std::string& path, CProfileData& data) {
-  _tagDeviceProfileInfo& info = *data.GetProfileInfo();
-  info.SaveVersion5 = info.ProfileMinorVersion == kPrinterProfileVersion5;
-  const std::u16string widePath = Utf8ToWide(path);
-  const std::unique_ptr<CProfileFile> format(CProfileFile::CreateProfileFile(widePath.c_str(), true));
-  return format && format->GetMyFormat() == kPrinterProfile &&
-         format->SaveData(widePath.c_str(), &data, kRouteMain | kRouteReplaceProfile | kRouteCalibration);
-}
-
 void PrintImported(const Options& options, CCalibrationHistoryEntry& into,
                    const std::vector<ImportedCalibration>& imported) {
   PrintLine(fmt::format("{}: {} calibrations taken over, {} in all", options.into, imported.size(),
@@ -93,20 +74,28 @@ void PrintImported(const Options& options, CCalibrationHistoryEntry& into,
   }
 }
 
+// Null, with the reason on standard error, for a profile that cannot keep one.
+CCalibrationHistoryEntry* HistoryToChange(ChangedProfile& profile, const std::string& file) {
+  try {
+    return &EditableHistory(profile);
+  } catch (const std::runtime_error& error) {
+    PrintErrorOf(file, error.what());
+    return nullptr;
+  }
+}
+
 int Run(const Options& options) {
   CProfileAccess source;
-  CProfileAccess target;
-  if (!LoadProfile(options.from, source) || !LoadProfile(options.into, target)) return kFailure;
-  if (target.GetProfileLoadFormat() != kPrinterProfile) {
-    PrintError(options.into + ": only profiles of the current generation keep a calibration history");
-    return kFailure;
-  }
+  if (!LoadProfile(options.from, source)) return kFailure;
+  ChangedProfile target(options.into);
   CCalibrationHistoryEntry* const from = HistoryOf(*source.GetProfileData());
   if (from == nullptr) {
     PrintError(options.from + ": the profile has no calibration history");
     return kFailure;
   }
-  CCalibrationHistoryEntry& into = HistoryIn(*target.GetProfileData());
+  CCalibrationHistoryEntry* const history = HistoryToChange(target, options.into);
+  if (history == nullptr) return kFailure;
+  CCalibrationHistoryEntry& into = *history;
   if (!IsWhole(options.from, *from) || !IsWhole(options.into, into)) return kFailure;
 
   const std::vector<std::uint32_t> colliding = CollidingCodes(into, *from);
@@ -115,11 +104,12 @@ int Run(const Options& options) {
     return kFailure;
   }
   const std::optional<std::vector<ImportedCalibration>> imported = ImportCalibrations(into, *from);
-  if (!imported || !into.DataToBuffer() || !Save(options.into, *target.GetProfileData())) {
-    PrintError(options.into + ": the profile cannot be saved; it is as it was");
+  if (!imported || !into.DataToBuffer()) {
+    PrintError(options.into + ": the calibrations are too many for one profile; it is as it was");
     return kFailure;
   }
-  PrintImported(options, into, *imported);
+  target.Save(into.GetUsedType(), options.into);
+  if (options.into != kStandardStream) PrintImported(options, into, *imported);
   return kSuccess;
 }
 
@@ -132,6 +122,7 @@ void AddImportHistoryCommand(CLI::App& app, int& status) {
   command->add_option("FROM", options->from, "The profile whose calibrations are wanted; it is only read")->required();
   command->add_option("INTO", options->into, "The profile that gets them, of the current generation")->required();
   command->add_flag("--recode", options->recode, "Give calibrations whose codes are taken in INTO fresh codes");
+  command->footer("Example: nvxprofile import-history old.icc new.icc --recode");
   command->callback([options, &status] { status = Run(*options); });
 }
 

@@ -1,12 +1,13 @@
 // nvxprofile info: what a profile is and what it holds.
 #include "command.h"
+#include "files.h"
 #include "icc_facts.h"
 #include "loading.h"
 #include "record_json.h"
 #include "terminal.h"
 
-#include <nvxprofile/file.h>
 #include <nvxprofile/icc_header.h>
+#include <nvxprofile/profile_summary.h>
 #include <nvxprofile/text_conversion.h>
 
 #include <fmt/format.h>
@@ -15,6 +16,7 @@
 #include <iterator>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace nvx::tool {
@@ -23,6 +25,7 @@ namespace {
 struct Options {
   std::vector<std::string> files;
   bool json = false;
+  bool jsonLines = false;
 };
 
 Json EntryToJson(CProfileDataEntry& entry) {
@@ -41,29 +44,23 @@ Json EntryToJson(CProfileDataEntry& entry) {
   return json;
 }
 
-// The private tags of a file of the current generation; none for files of other formats.
-std::vector<IccTag> PrivateTags(const std::string& path, CProfileAccess& access) {
+// The private tags of a file of the current generation, from its headers; none for files of other formats.
+std::vector<IccTag> PrivateTags(const InputFile& input, CProfileAccess& access) {
   constexpr std::uint32_t kPrefix = 0x4E5658;  // "NVX"
   std::vector<IccTag> tags;
-  CNvxFile file;
-  IccDirectory directory;
-  if (access.GetProfileLoadFormat() != 4 ||
-      !file.Open(Utf8ToWide(path).c_str(), kGenericRead, kShareRead, kOpenExisting))
-    return tags;
-  std::vector<std::uint8_t> bytes(file.GetLength());
-  bytes.resize(file.Read(bytes.data(), static_cast<std::uint32_t>(bytes.size())));
-  if (!ReadIccDirectory(bytes.data(), bytes.size(), directory)) return tags;
-  std::copy_if(directory.tags.begin(), directory.tags.end(), std::back_inserter(tags),
+  ProfileSummary summary;
+  if (access.GetProfileLoadFormat() != 4 || !SummarizeProfile(input.Path().c_str(), summary)) return tags;
+  std::copy_if(summary.directory.tags.begin(), summary.directory.tags.end(), std::back_inserter(tags),
                [](const IccTag& tag) { return tag.signature >> 8 == kPrefix; });
   return tags;
 }
 
-Json ToJson(const std::string& path, CProfileAccess& access) {
+Json ToJson(const std::string& path, CProfileAccess& access, const std::vector<IccTag>& privateTags) {
   Json json = {{"file", path},
                {"format", access.GetProfileLoadFormat()},
                {"formatName", std::string(FormatName(access.GetProfileLoadFormat()))},
                {"info", RecordToJson(*access.GetProfileInfo())}};
-  for (const IccTag& tag : PrivateTags(path, access)) json["privateTags"][SignatureText(tag.signature)] = tag.size;
+  for (const IccTag& tag : privateTags) json["privateTags"][SignatureText(tag.signature)] = tag.size;
   Json routes = Json::array();
   for (CProfileRoute* const route : RoutesOf(*access.GetProfileData())) {
     Json entries = Json::array();
@@ -145,11 +142,11 @@ void PrintIcc(CProfileDataEntry& entry) {
   PrintLine(Styled(Style::kDim, fmt::format("    {} tags:{}", directory.tags.size(), tags)));
 }
 
-void Print(const std::string& path, CProfileAccess& access) {
+void Print(const std::string& path, CProfileAccess& access, const std::vector<IccTag>& privateTags) {
   PrintLine(Styled(Style::kHeading, path) + ": " + std::string(FormatName(access.GetProfileLoadFormat())));
   PrintRecord(*access.GetProfileInfo());
   std::string tags;
-  for (const IccTag& tag : PrivateTags(path, access))
+  for (const IccTag& tag : privateTags)
     tags += fmt::format("{}{} {}", tags.empty() ? "" : ", ", SignatureText(tag.signature), tag.size);
   PrintPair("private tags", tags);
   for (CProfileRoute* const route : RoutesOf(*access.GetProfileData())) {
@@ -176,16 +173,24 @@ void Print(const std::string& path, CProfileAccess& access) {
 
 int Run(const Options& options) {
   int status = kSuccess;
+  std::vector<Json> documents;
   for (const std::string& file : options.files) {
+    const InputFile input(file);
     CProfileAccess access;
-    if (!LoadProfile(file, access)) {
+    if (!LoadProfile(file, input, access)) {
       status = kFailure;
+      continue;
+    }
+    const std::vector<IccTag> privateTags = PrivateTags(input, access);
+    if (options.jsonLines) {
+      PrintJsonLine(ToJson(file, access, privateTags));
     } else if (options.json) {
-      PrintJson(ToJson(file, access));
+      documents.push_back(ToJson(file, access, privateTags));
     } else {
-      Print(file, access);
+      Print(file, access, privateTags);
     }
   }
+  if (options.json) PrintJsonOfFiles(std::move(documents), options.files.size());
   return status;
 }
 
@@ -195,7 +200,11 @@ void AddInfoCommand(CLI::App& app, int& status) {
   CLI::App* const command = app.add_subcommand("info", "Tell what profiles are and what they hold");
   const auto options = std::make_shared<Options>();
   command->add_option("FILE", options->files, "Profiles of any format")->required();
-  command->add_flag("--json", options->json, "Write one JSON document for each file");
+  CLI::Option* const json =
+      command->add_flag("--json", options->json, "Write a JSON document; of several files, an array of them");
+  command->add_flag("--json-lines", options->jsonLines, "Write one JSON object a line, each of one file")
+      ->excludes(json);
+  command->footer("Example: nvxprofile info glossy.icc");
   command->callback([options, &status] { status = Run(*options); });
 }
 

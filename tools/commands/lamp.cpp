@@ -92,12 +92,13 @@ struct Answer {
 };
 
 // False with a message on standard error.
-bool Ask(CProfileAccess& access, const Words& c, Answer& answer) {
+bool Ask(CProfileAccess& access, const Options& options, Answer& answer) {
+  const Words& c = options.condition;
   CError error;
   std::uint32_t count = 0;
   if (!access.GetUVLamp500ParamCount(count, c[0], c[1], c[2], c[3], &error)) {
     const std::string message = MessageOf(error);
-    PrintError(message.empty() ? "no pattern passes the condition" : message);
+    PrintErrorOf(options.file, message.empty() ? "no pattern passes the condition" : message);
     return false;
   }
   // The count is what the file says; the tables themselves say how much of it there can be.
@@ -107,7 +108,7 @@ bool Ask(CProfileAccess& access, const Words& c, Answer& answer) {
   }
   if (count <= most) answer.parameters.resize(count);
   if (count > most || !access.GetUVLamp500Parameter(answer.parameters.data(), c[0], c[1], c[2], c[3], &error)) {
-    PrintError("the table ends before the parameters of its pattern");
+    PrintErrorOf(options.file, "the table ends before the parameters of its pattern");
     return false;
   }
   std::int32_t splits = 0;
@@ -122,7 +123,7 @@ bool Ask(CProfileAccess& access, const Words& c, Answer& answer) {
 
 int PrintAnswer(CProfileAccess& access, const Options& options) {
   Answer answer;
-  if (!Ask(access, options.condition, answer)) return kFailure;
+  if (!Ask(access, options, answer)) return kFailure;
   if (options.json) {
     PrintJson({{"condition", options.condition},
                {"splitParamCounts", answer.splitParamCounts},
@@ -141,7 +142,7 @@ int Run(const Options& options) {
   CError error;
   std::int32_t splits = 0;
   if (!access.GetUVLamp500SplitCount(splits, 0, 0, 0, 0, &error) && error.GetErrorReason() != 0) {
-    PrintError(MessageOf(error));
+    PrintErrorOf(options.file, MessageOf(error));
     return kFailure;
   }
   return options.condition.empty() ? PrintAll(access, options.json) : PrintAnswer(access, options);
@@ -158,6 +159,7 @@ void AddLampCommand(CLI::App& app, int& status) {
       ->expected(4)
       ->type_name("A,B,C,D");
   command->add_flag("--json", options->json, "Write one JSON document");
+  command->footer("Example: nvxprofile lamp glossy.icc --condition 1,2,3,4");
   command->callback([options, &status] { status = Run(*options); });
 }
 

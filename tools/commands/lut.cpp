@@ -1,15 +1,20 @@
 // nvxprofile lut: the colour separation table of a profile.
 #include "command.h"
 #include "loading.h"
+#include "lut_nodes.h"
 #include "terminal.h"
 
 #include <nvxprofile/lut.h>
 #include <nvxprofile/text_conversion.h>
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <algorithm>
+#include <charconv>
+#include <functional>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -18,8 +23,13 @@ namespace {
 
 struct Options {
   std::string file;
+  std::vector<std::string> slice;
+  bool neutral = false;
+  bool csv = false;
   bool json = false;
 };
+
+using NodeNumbers = std::vector<std::size_t>;
 
 // The values of one output channel over all nodes.
 struct Range {
@@ -51,6 +61,111 @@ Json ChannelToJson(const CLutChannelInf& channel) {
           {"channelName", NarrowToJson(channel.GetChannelName())}};
 }
 
+// The greatest total of all inks over the nodes, and their mean.
+struct TotalInk {
+  double greatest = 0;
+  std::size_t node = 0;
+  double mean = 0;
+};
+
+TotalInk TotalInkOf(const LutNodes& nodes) {
+  TotalInk total;
+  for (std::size_t i = 0; i < nodes.Count(); ++i) {
+    const double percent = nodes.TotalInk(i);
+    total.mean += percent / static_cast<double>(nodes.Count());
+    if (percent > total.greatest) total = {percent, i, total.mean};
+  }
+  return total;
+}
+
+// An input that is held at one index of its axis.
+struct Fixed {
+  std::size_t input = 0;
+  std::uint32_t index = 0;
+};
+
+// "1=16" holds the input 1 at the index 16; both count from 0.
+Fixed FixedFrom(const std::string& text, CLutData& table) {
+  Fixed fixed;
+  const std::size_t sign = std::min(text.find('='), text.size());
+  const char* const middle = text.data() + sign;
+  const char* const end = text.data() + text.size();
+  const auto [rest, error] = std::from_chars(text.data(), middle, fixed.input);
+  const bool isInput = error == std::errc() && rest == middle && sign < text.size();
+  const auto [last, error2] =
+      isInput ? std::from_chars(middle + 1, end, fixed.index) : std::from_chars_result{end, error};
+  if (!isInput || error2 != std::errc() || last != end || fixed.input >= table.GetInputChannelCount() ||
+      fixed.index >= table.GetGridCount()) {
+    throw std::runtime_error(
+        fmt::format("--slice {}: INPUT=INDEX is expected, with an input from 0 to {} and an index "
+                    "from 0 to {}",
+                    text, table.GetInputChannelCount() - 1, table.GetGridCount() - 1));
+  }
+  return fixed;
+}
+
+// The nodes that were asked for; all of them unless the options say otherwise.
+NodeNumbers SelectNodes(CLutData& table, const LutNodes& nodes, const Options& options) {
+  std::vector<Fixed> slice;
+  for (const std::string& text : options.slice) slice.push_back(FixedFrom(text, table));
+  NodeNumbers numbers;
+  for (std::size_t i = 0; i < nodes.Count(); ++i) {
+    const std::vector<std::uint32_t> indices = nodes.IndicesOf(i);
+    const bool isNeutral = std::adjacent_find(indices.begin(), indices.end(), std::not_equal_to<>()) == indices.end();
+    const bool isInSlice = std::all_of(slice.begin(), slice.end(),
+                                       [&](const Fixed& fixed) { return indices[fixed.input] == fixed.index; });
+    if (isInSlice && (isNeutral || !options.neutral)) numbers.push_back(i);
+  }
+  return numbers;
+}
+
+// Names of the outputs, or what their codes are.
+std::vector<std::string> OutputNames(CLutData& table) {
+  std::vector<std::string> names;
+  for (int i = 0; const CLutChannelInf* const channel = table.GetAtOutputChannelInf(i); ++i) {
+    std::string name = WideToUtf8(AnsiToWide(channel->GetChannelName()));
+    names.push_back(name.empty() ? fmt::format("ink {}", channel->GetChannelCode()) : std::move(name));
+  }
+  return names;
+}
+
+void PrintNodes(CLutData& table, const LutNodes& nodes, const NodeNumbers& numbers) {
+  std::vector<Table::Column> columns{{"inputs", Table::Align::kRight}};
+  for (const std::string& name : OutputNames(table)) columns.push_back({name, Table::Align::kRight});
+  columns.push_back({"total", Table::Align::kRight});
+  Table list(std::move(columns));
+  for (const std::size_t number : numbers) {
+    std::vector<std::string> cells{nodes.InputText(number)};
+    for (const std::uint8_t sample : nodes.SamplesOf(number))
+      cells.push_back(fmt::format("{:.1f}", 100.0 / 255 * sample));
+    cells.push_back(fmt::format("{:.1f} %", nodes.TotalInk(number)));
+    list.Add(std::move(cells));
+  }
+  list.Print();
+}
+
+void PrintCsv(CLutData& table, const LutNodes& nodes, const NodeNumbers& numbers) {
+  std::string titles;
+  for (std::uint32_t i = 0; i < table.GetInputChannelCount(); ++i) titles += fmt::format("input {},", i);
+  for (const std::string& name : OutputNames(table)) titles += CsvField(name) + ',';
+  PrintLine(titles + "total percent");
+  for (const std::size_t number : numbers) {
+    PrintLine(fmt::format("{},{},{:.2f}", fmt::join(nodes.IndicesOf(number), ","),
+                          fmt::join(nodes.SamplesOf(number), ","), nodes.TotalInk(number)));
+  }
+}
+
+Json NodesToJson(const LutNodes& nodes, const NodeNumbers& numbers) {
+  Json list = Json::array();
+  for (const std::size_t number : numbers) {
+    const auto samples = nodes.SamplesOf(number);
+    list.push_back({{"inputs", nodes.IndicesOf(number)},
+                    {"samples", std::vector<std::uint8_t>(samples.begin(), samples.end())},
+                    {"totalInk", nodes.TotalInk(number)}});
+  }
+  return list;
+}
+
 Json ToJson(const std::string& file, CLutData& table) {
   Json inputs = Json::array();
   for (int i = 0; const CLutChannelInf* const channel = table.GetAtInputChannelInf(i); ++i) {
@@ -68,7 +183,11 @@ Json ToJson(const std::string& file, CLutData& table) {
     }
     outputs.push_back(std::move(output));
   }
+  const LutNodes nodes(table);
+  const TotalInk total = TotalInkOf(nodes);
+  const std::vector<std::uint32_t> at = nodes.Count() != 0 ? nodes.IndicesOf(total.node) : std::vector<std::uint32_t>();
   return {{"file", file},
+          {"totalInk", {{"greatest", total.greatest}, {"at", at}, {"mean", total.mean}}},
           {"inputChannelCount", table.GetInputChannelCount()},
           {"outputChannelCount", table.GetOutputChannelCount()},
           {"gridCount", table.GetGridCount()},
@@ -110,6 +229,11 @@ void Print(CLutData& table) {
     channels.Add(std::move(cells));
   }
   channels.Print();
+  const LutNodes nodes(table);
+  if (nodes.Count() == 0) return;
+  const TotalInk total = TotalInkOf(nodes);
+  PrintLine(fmt::format("total ink at most {:.1f} %, at {}; {:.1f} % on average", total.greatest,
+                        nodes.InputText(total.node), total.mean));
 }
 
 int Run(const Options& options) {
@@ -121,16 +245,24 @@ int Run(const Options& options) {
     // The library has the words.
     CError error;
     access.GetChromaInputChannel(nullptr, &error);
-    PrintError(MessageOf(error));
+    PrintErrorOf(options.file, MessageOf(error));
     return kFailure;
   }
   if (!entry->BufferToData()) {
-    PrintError("the colour table of the profile cannot be read");
+    PrintErrorOf(options.file, "the colour table of the profile cannot be read");
     return kFailure;
   }
   CLutData& table = *entry->GetLutData();
+  const LutNodes nodes(table);
+  const bool wantsNodes = options.neutral || !options.slice.empty();
   if (options.json) {
-    PrintJson(ToJson(options.file, table));
+    Json document = ToJson(options.file, table);
+    if (wantsNodes) document["nodes"] = NodesToJson(nodes, SelectNodes(table, nodes, options));
+    PrintJson(document);
+  } else if (options.csv) {
+    PrintCsv(table, nodes, SelectNodes(table, nodes, options));
+  } else if (wantsNodes) {
+    PrintNodes(table, nodes, SelectNodes(table, nodes, options));
   } else {
     Print(table);
   }
@@ -143,7 +275,16 @@ void AddLutCommand(CLI::App& app, int& status) {
   CLI::App* const command = app.add_subcommand("lut", "Describe the colour separation table");
   const auto options = std::make_shared<Options>();
   command->add_option("FILE", options->file, "Profile of any format")->required();
-  command->add_flag("--json", options->json, "Write a JSON document");
+  command
+      ->add_option("--slice", options->slice,
+                   "The nodes where inputs are held at an index of their axis; both count from 0, and the first input "
+                   "varies slowest")
+      ->delimiter(',')
+      ->type_name("INPUT=INDEX...");
+  command->add_flag("--neutral", options->neutral, "The nodes where all inputs are equal");
+  CLI::Option* const csv = command->add_flag("--csv", options->csv, "Write one line for each node, with its total ink");
+  command->add_flag("--json", options->json, "Write a JSON document")->excludes(csv);
+  command->footer("Example: nvxprofile lut glossy.icc --slice 0=0,1=0 --csv");
   command->callback([options, &status] { status = Run(*options); });
 }
 

@@ -1,5 +1,6 @@
 // nvxprofile masks: the print masks of a profile, and the buffer that goes to the printer.
 #include "command.h"
+#include "files.h"
 #include "loading.h"
 #include "terminal.h"
 
@@ -9,6 +10,7 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
+#include <algorithm>
 #include <charconv>
 #include <memory>
 #include <string>
@@ -51,14 +53,36 @@ Condition ParseCondition(std::string_view text) {
   return {numbers[0], numbers[1], numbers[2], {numbers.begin() + 3, numbers.end()}};
 }
 
-bool WriteFile(const std::string& path, const std::vector<std::uint8_t>& bytes) {
-  CNvxFile file;
-  const auto size = static_cast<std::uint32_t>(bytes.size());
-  return file.Open(Utf8ToWide(path).c_str(), kGenericWrite, kNoShare, kCreateAlways) &&
-         file.Write(bytes.data(), size) == size && file.Flush();
+// The record that the condition finds: its number of layer colours counts, their values do not. The method of a table
+// for all methods is a hundred for each layer colour.
+const CMaskParameterDataEntry* RecordOf(CProfileAccess& access, const Condition& condition) {
+  auto* const entry = dynamic_cast<CMaskDownloadIncludePatternEntry*>(
+      access.GetProfileData()->GetProfileDataEntryFromList(CProfileDataEntry::kMaskDownloadIncludePattern));
+  if (entry == nullptr) return nullptr;
+  const CMaskParameterData& records = *entry->GetMaskParameterData();
+  const auto count = static_cast<std::uint32_t>(condition.layerColors.size());
+  const CMaskParameterDataEntry* record =
+      records.GetEntry(condition.pass, condition.specialColorsetCode, condition.printMethod, count, nullptr);
+  return record != nullptr
+             ? record
+             : records.GetEntry(condition.pass, condition.specialColorsetCode, count * 100, count, nullptr);
 }
 
-int Pack(CProfileAccess& access, Condition condition, const std::string& path) {
+// A mask for other layer colours than those that were asked for is what the library gives, and hardly what is wanted.
+void WarnOfOtherColors(CProfileAccess& access, Condition condition, const std::string& file) {
+  const CMaskParameterDataEntry* const record = RecordOf(access, condition);
+  if (record == nullptr) return;
+  std::vector<std::uint32_t> colors(record->GetLayerColorCount());
+  for (std::size_t i = 0; i < colors.size(); ++i) colors[i] = record->GetLeyerColor(static_cast<int>(i));
+  std::sort(condition.layerColors.begin(), condition.layerColors.end());
+  if (condition.layerColors == colors) return;
+  PrintErrorOf(file,
+               fmt::format("warning: the mask is that of the layer colours {}; the colours {} are counted and not "
+                           "compared",
+                           fmt::join(colors, ","), fmt::join(condition.layerColors, ",")));
+}
+
+int Pack(CProfileAccess& access, Condition condition, const Options& options) {
   CError error;
   const auto pack = [&](std::uint8_t* buffer) {
     return access.GetMaskParameterAndPatternBuffer(
@@ -68,13 +92,13 @@ int Pack(CProfileAccess& access, Condition condition, const std::string& path) {
   std::vector<std::uint8_t> bytes(pack(nullptr));
   if (bytes.empty()) {
     const std::string message = MessageOf(error);
-    PrintError(message.empty() ? "the condition uses a mask pattern that the profile lacks" : message);
+    PrintErrorOf(options.file, message.empty() ? "the condition uses a mask pattern that the profile lacks" : message);
     return kFailure;
   }
   pack(bytes.data());
-  if (WriteFile(path, bytes)) return kSuccess;
-  PrintError("cannot write " + path);
-  return kFailure;
+  WarnOfOtherColors(access, condition, options.file);
+  WriteOutput(options.pack.back(), bytes);
+  return kSuccess;
 }
 
 std::string OutputInformation(const _tagDeviceProfileInfo& info) {
@@ -125,7 +149,7 @@ void PrintPatterns(const CMaskPatternData& patterns) {
   table.Print(2);
 }
 
-int Print(CProfileAccess& access, bool json) {
+int Print(CProfileAccess& access, const Options& options) {
   CProfileData& profile = *access.GetProfileData();
   auto* const blocks =
       dynamic_cast<CMaskDownLoadEntry*>(profile.GetProfileDataEntryFromList(CProfileDataEntry::kMaskDownload));
@@ -133,10 +157,10 @@ int Print(CProfileAccess& access, bool json) {
       profile.GetProfileDataEntryFromList(CProfileDataEntry::kMaskDownloadIncludePattern));
   CError error;
   if (blocks == nullptr && patterns == nullptr && !access.IsSupportWeftVersion(&error)) {
-    PrintError(MessageOf(error));
+    PrintErrorOf(options.file, MessageOf(error));
     return kFailure;
   }
-  if (json) {
+  if (options.json) {
     PrintJson({{"maskDownload", blocks != nullptr ? PayloadToJson(*blocks) : Json(nullptr)},
                {"maskPatterns", patterns != nullptr ? PayloadToJson(*patterns) : Json(nullptr)}});
     return kSuccess;
@@ -154,7 +178,7 @@ int Run(const Options& options) {
   if (!options.pack.empty()) condition = ParseCondition(options.pack.front());
   CProfileAccess access;
   if (!LoadProfile(options.file, access)) return kFailure;
-  return options.pack.empty() ? Print(access, options.json) : Pack(access, condition, options.pack.back());
+  return options.pack.empty() ? Print(access, options) : Pack(access, condition, options);
 }
 
 }  // namespace
@@ -170,6 +194,7 @@ void AddMasksCommand(CLI::App& app, int& status) {
       ->expected(2)
       ->type_name("CONDITION OUT")
       ->excludes(json);
+  command->footer("Example: nvxprofile masks glossy.icc --pack 4,1,200,1,2 mask.bin");
   command->callback([options, &status] { status = Run(*options); });
 }
 

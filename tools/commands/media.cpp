@@ -82,11 +82,11 @@ int Run(const Options& options) {
     CError error;
     std::int32_t value = 0;
     access.GetMediaCorrect(value, &error);
-    PrintError(MessageOf(error));
+    PrintErrorOf(options.file, MessageOf(error));
     return kFailure;
   }
   if (!entry->BufferToData()) {
-    PrintError("the media property set of the profile cannot be read");
+    PrintErrorOf(options.file, "the media property set of the profile cannot be read");
     return kFailure;
   }
   if (options.json) {
@@ -106,6 +106,7 @@ void AddMediaCommand(CLI::App& app, int& status) {
   const auto options = std::make_shared<Options>();
   command->add_option("FILE", options->file, "Profile of any format")->required();
   command->add_flag("--json", options->json, "Write a JSON document");
+  command->footer("Example: nvxprofile media glossy.icc");
   command->callback([options, &status] { status = Run(*options); });
 }
 

@@ -142,7 +142,7 @@ int PrintAnswer(CProfileAccess& access, Options options) {
     isAnswered = isAnswered || inks.back().density;
   }
   if (!isAnswered) {
-    PrintError("no pattern passes the condition");
+    PrintErrorOf(options.file, "no pattern passes the condition");
     return kFailure;
   }
   if (options.json) {
@@ -174,7 +174,7 @@ int Run(const Options& options) {
   CProfileAccess access;
   if (!LoadProfile(options.file, access)) return kFailure;
   if (EntryOf(access) == nullptr) {
-    PrintError("the profile has no special colours");
+    PrintErrorOf(options.file, "the profile has no special colours");
     return kFailure;
   }
   return options.condition.empty() ? PrintAll(access, options.json) : PrintAnswer(access, options);
@@ -196,6 +196,7 @@ void AddSpecialCommand(CLI::App& app, int& status) {
       ->type_name("N,N...")
       ->needs(condition);
   command->add_flag("--json", options->json, "Write one JSON document");
+  command->footer("Example: nvxprofile special glossy.icc --condition 1,2 --colors 17,18");
   command->callback([options, &status] { status = Run(*options); });
 }
 

@@ -1,13 +1,15 @@
 // nvxprofile validate: why profiles do not load, and what is suspicious in those that do.
 #include "command.h"
+#include "files.h"
 #include "loading.h"
+#include "semantics.h"
 #include "terminal.h"
 
 #include <nvxprofile/diagnosis.h>
-#include <nvxprofile/text_conversion.h>
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <memory>
 #include <string>
 #include <vector>
@@ -17,48 +19,97 @@ namespace {
 
 struct Options {
   std::vector<std::string> files;
+  bool semantic = false;
   bool json = false;
+  bool jsonLines = false;
+};
+
+// What is known of one file.
+struct Report {
+  std::string file;
+  bool loads = false;
+  std::vector<Finding> findings;
+  std::vector<Finding> semantic;  // no bytes are at fault in these
 };
 
 const char* NameOf(Severity severity) { return severity == Severity::kError ? "error" : "warning"; }
 
-void Print(const std::string& file, bool loads, const Diagnosis& diagnosis) {
-  const std::string verdict = !loads                         ? Styled(Style::kBad, "does not load")
-                              : diagnosis.Findings().empty() ? Styled(Style::kGood, "sound")
-                              : diagnosis.HasErrors()        ? Styled(Style::kWarning, "loads, with faults")
-                                                             : Styled(Style::kWarning, "loads, with oddities");
-  PrintLine(fmt::format("{}: {}", file, verdict));
-  if (diagnosis.Findings().empty()) return;
-  Table table({{"severity"}, {"offset", Table::Align::kRight}, {"place"}, {"rule"}});
-  for (const Finding& finding : diagnosis.Findings()) {
-    table.Add({NameOf(finding.severity), std::to_string(finding.offset), finding.place, finding.rule});
-  }
-  table.Print(2);
+bool HasErrors(const std::vector<Finding>& findings) {
+  return std::any_of(findings.begin(), findings.end(),
+                     [](const Finding& finding) { return finding.severity == Severity::kError; });
 }
 
-Json ToJson(const std::string& file, bool loads, const Diagnosis& diagnosis) {
+bool IsUnsound(const Report& report) {
+  return !report.loads || HasErrors(report.findings) || HasErrors(report.semantic);
+}
+
+std::string VerdictOf(const Report& report) {
+  if (!report.loads) return Styled(Style::kBad, "does not load");
+  if (HasErrors(report.findings)) return Styled(Style::kWarning, "loads, with faults");
+  if (HasErrors(report.semantic)) return Styled(Style::kWarning, "loads, and prints wrong");
+  if (report.findings.empty() && report.semantic.empty()) return Styled(Style::kGood, "sound");
+  return Styled(Style::kWarning, "loads, with oddities");
+}
+
+void Print(const Report& report) {
+  PrintLine(fmt::format("{}: {}", report.file, VerdictOf(report)));
+  Table table({{"severity"}, {"offset", Table::Align::kRight}, {"place"}, {"rule"}});
+  for (const Finding& finding : report.findings) {
+    table.Add({NameOf(finding.severity), std::to_string(finding.offset), finding.place, finding.rule});
+  }
+  for (const Finding& finding : report.semantic) {
+    table.Add({NameOf(finding.severity), "", finding.place, finding.rule});
+  }
+  if (!table.IsEmpty()) table.Print(2);
+}
+
+Json ToJson(const Report& report) {
   Json findings = Json::array();
-  for (const Finding& finding : diagnosis.Findings()) {
+  for (const Finding& finding : report.findings) {
     findings.push_back({{"severity", NameOf(finding.severity)},
                         {"offset", finding.offset},
                         {"place", finding.place},
                         {"rule", finding.rule}});
   }
-  return {{"file", file}, {"loads", loads}, {"findings", std::move(findings)}};
+  for (const Finding& finding : report.semantic) {
+    findings.push_back({{"severity", NameOf(finding.severity)}, {"place", finding.place}, {"rule", finding.rule}});
+  }
+  return {
+      {"file", report.file}, {"loads", report.loads}, {"sound", !IsUnsound(report)}, {"findings", std::move(findings)}};
+}
+
+Report Examine(const std::string& file, const std::u16string& path, bool semantic) {
+  Report report{file, false, {}, {}};
+  Diagnosis diagnosis;
+  report.loads = DiagnoseProfile(path.c_str(), diagnosis);
+  report.findings = diagnosis.Findings();
+  CProfileAccess access;
+  CError error;
+  if (semantic && report.loads && access.Init(path.c_str(), &error)) report.semantic = FindSemanticFaults(access);
+  return report;
 }
 
 int Run(const Options& options) {
   int status = kSuccess;
+  std::vector<Json> documents;
   for (const std::string& file : options.files) {
-    Diagnosis diagnosis;
-    const bool loads = DiagnoseProfile(Utf8ToWide(file).c_str(), diagnosis);
-    if (!loads || diagnosis.HasErrors()) status = kFailure;
-    if (options.json) {
-      PrintJson(ToJson(file, loads, diagnosis));
+    const InputFile input(file);
+    if (!input.Failure().empty()) {
+      PrintErrorOf(file, input.Failure());
+      status = kFailure;
+      continue;
+    }
+    const Report report = Examine(file, input.Path(), options.semantic);
+    if (IsUnsound(report) && status == kSuccess) status = kUnsound;
+    if (options.jsonLines) {
+      PrintJsonLine(ToJson(report));
+    } else if (options.json) {
+      documents.push_back(ToJson(report));
     } else {
-      Print(file, loads, diagnosis);
+      Print(report);
     }
   }
+  if (options.json) PrintJsonOfFiles(std::move(documents), options.files.size());
   return status;
 }
 
@@ -69,7 +120,12 @@ void AddValidateCommand(CLI::App& app, int& status) {
       app.add_subcommand("validate", "Tell why profiles do not load, or what is suspicious in them");
   const auto options = std::make_shared<Options>();
   command->add_option("FILE", options->files, "Profiles of any format")->required();
-  command->add_flag("--json", options->json, "Write one JSON document for each file");
+  command->add_flag("--semantic", options->semantic,
+                    "Look as well for what loads and yet prints wrong: merges that saturate, curves that fall, inks "
+                    "without a curve, a table beyond the ink limits");
+  CLI::Option* const json = command->add_flag("--json", options->json, "Write one JSON document");
+  command->add_flag("--json-lines", options->jsonLines, "Write one JSON object a line for each file")->excludes(json);
+  command->footer("Example: nvxprofile validate --semantic glossy.icc");
   command->callback([options, &status] { status = Run(*options); });
 }
 

@@ -45,6 +45,7 @@ tag_ContainerData DescriptionFromJson(const Node& node) {
 
 Json ChildToJson(CProfileDataEntry& child) {
   Json json = {{"usedType", child.GetUsedType()},
+               {"type", std::string(EntryName(child.GetUsedType()))},
                {"class", std::string(ClassName(child.GetUsedType()))},
                {"complete", child.IsComplete()},
                {"optionInfo", child.GetOptionInfo()}};
@@ -61,12 +62,12 @@ Json ChildToJson(CProfileDataEntry& child) {
 }
 
 EntryPointer ChildFromJson(const Node& node) {
-  const bool byNumber = node.Has("usedType");
-  const std::uint32_t usedType = byNumber ? node.At("usedType").U32() : UsedTypeByName(node.At("type").Text(64));
+  const std::uint32_t usedType = UsedTypeFromJson(node);
   EntryPointer child(CProfileDataEntry::CreateDataEntry(static_cast<CProfileDataEntry::UsedType>(usedType)));
-  if (!child) node.At(byNumber ? "usedType" : "type").Fail("no entry class has this type");
+  if (!child) node.Fail("no entry class has the used type " + std::to_string(usedType));
   if (node.Has("bytes")) {
     SetBytes(*child, node.At("bytes").Base64());
+    node.PassOver("payload");
   } else if (node.Has("payload")) {
     PayloadFromJson(node.At("payload"), *child);
   }

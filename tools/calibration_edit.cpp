@@ -1,0 +1,58 @@
+#include "calibration_edit.h"
+
+#include "calibration_view.h"
+
+#include <nvxprofile/text_conversion.h>
+
+#include <fmt/format.h>
+
+#include <stdexcept>
+
+namespace nvx::tool {
+namespace {
+
+constexpr int kPrinterProfile = 4;
+constexpr std::size_t kLongestName = 20;
+
+}  // namespace
+
+CCalibrationHistoryEntry& EditableHistory(ChangedProfile& profile) {
+  if (profile.Access().GetProfileLoadFormat() != kPrinterProfile) {
+    throw std::runtime_error("only profiles of the current generation keep a calibration history");
+  }
+  CProfileData& data = profile.Data();
+  if (CCalibrationHistoryEntry* const history = HistoryOf(data)) {
+    if (history->GetSize() != 0 && !history->BufferToData()) {
+      throw std::runtime_error("the calibration history is damaged; validate tells where");
+    }
+    return *history;
+  }
+  auto* const history = new CCalibrationHistoryEntry;
+  data.SetProfileDataEntry(history, kRouteCalibration);
+  return *history;
+}
+
+CContainerEntry& CalibrationOf(CCalibrationHistoryEntry& history, std::uint32_t code) {
+  auto* const calibration =
+      dynamic_cast<CContainerEntry*>(history.GetProfileDataEntry(CProfileDataEntry::kCalibrationContainer, code));
+  if (calibration == nullptr) throw std::runtime_error(fmt::format("no calibration has the code {}", code));
+  return *calibration;
+}
+
+std::u16string CalibrationName(const std::string& name) {
+  std::u16string wide = Utf8ToWide(name);
+  if (wide.empty()) throw std::runtime_error("a calibration needs a name");
+  if (wide.size() > kLongestName) {
+    throw std::runtime_error(
+        fmt::format("the name \"{}\" has {} characters, and a profile keeps {}", name, wide.size(), kLongestName));
+  }
+  return wide;
+}
+
+void SaveHistory(ChangedProfile& profile, const std::string& path) {
+  CCalibrationHistoryEntry& history = *HistoryOf(profile.Data());
+  if (!history.DataToBuffer()) throw std::runtime_error("the calibrations cannot be kept in one profile");
+  profile.Save(history.GetUsedType(), path);
+}
+
+}  // namespace nvx::tool

@@ -1,0 +1,58 @@
+// nvxprofile get: single values of a profile.
+#include "command.h"
+#include "loading.h"
+#include "profile_values.h"
+#include "terminal.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace nvx::tool {
+namespace {
+
+struct Options {
+  std::string file;
+  std::vector<std::string> paths;
+  bool json = false;
+};
+
+int Run(const Options& options) {
+  try {
+    ProfileValues values(options.file);
+    std::vector<Json> found;
+    for (const std::string& path : options.paths) found.push_back(values.Get(path));
+    for (const Json& value : found) {
+      if (value.is_string() && !options.json) {
+        PrintLine(value.get<std::string>());
+      } else {
+        PrintJsonLine(value);
+      }
+    }
+    return kSuccess;
+  } catch (const DocumentError& error) {
+    PrintErrorOf(options.file, error.Place() + ": " + error.what());
+  } catch (const std::runtime_error& error) {
+    PrintErrorOf(options.file, error.what());
+  }
+  return kFailure;
+}
+
+}  // namespace
+
+void AddGetCommand(CLI::App& app, int& status) {
+  CLI::App* const command = app.add_subcommand("get", "Tell single values of a profile");
+  const auto options = std::make_shared<Options>();
+  command->add_option("FILE", options->file, "A profile of any format")->required();
+  command
+      ->add_option(
+          "PATH", options->paths,
+          "What is wanted: a JSON pointer into the document of a dump, or a short name such as media/heater/0, "
+          "record/MediaName, linearization/ink/1/samples or calibration/3/name")
+      ->required();
+  command->add_flag("--json", options->json, "Write texts as JSON, too");
+  command->footer("Example: nvxprofile get glossy.icc media/heater/0");
+  command->callback([options, &status] { status = Run(*options); });
+}
+
+}  // namespace nvx::tool

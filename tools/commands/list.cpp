@@ -1,0 +1,188 @@
+// nvxprofile list: one line for each profile of a folder, from the headers alone.
+#include "command.h"
+#include "files.h"
+#include "loading.h"
+#include "profile_list.h"
+#include "terminal.h"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <algorithm>
+#include <cctype>
+#include <chrono>
+#include <cstdlib>
+#include <ctime>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace nvx::tool {
+namespace {
+
+constexpr const char* kDefaultColumns = "model,ink-set,resolution,media,version,updated,calibration,file";
+
+struct Options {
+  std::vector<std::string> paths;
+  bool recursive = false;
+  std::vector<std::string> columns;
+  std::vector<std::string> sort;
+  std::map<std::string, std::string> patterns;  // by column
+  std::string olderThan;
+  std::string newerThan;
+  bool json = false;
+  bool csv = false;
+  unsigned jobs = 0;
+};
+
+std::int64_t Now() {
+  const char* const fixed = std::getenv("SOURCE_DATE_EPOCH");
+  return fixed != nullptr ? std::strtoll(fixed, nullptr, 10) : static_cast<std::int64_t>(std::time(nullptr));
+}
+
+// The moment that "90d", "2w" or "2024-05-31" means, in seconds since 1970.
+std::int64_t MomentOf(const std::string& option, const std::string& text) {
+  std::tm date{};
+  const char* const end = ::strptime(text.c_str(), "%Y-%m-%d", &date);
+  if (end != nullptr && *end == 0) {
+    date.tm_isdst = -1;
+    return std::mktime(&date);
+  }
+  static const std::map<char, std::int64_t> kSeconds{{'h', 3600}, {'d', 86400}, {'w', 7 * 86400}, {'y', 31557600}};
+  const auto unit = text.empty() ? kSeconds.end() : kSeconds.find(text.back());
+  const std::string digits = text.substr(0, text.empty() ? 0 : text.size() - 1);
+  const bool isNumber = !digits.empty() && digits.size() <= 6 &&
+                        std::all_of(digits.begin(), digits.end(), [](unsigned char c) { return std::isdigit(c) != 0; });
+  if (unit == kSeconds.end() || !isNumber) {
+    throw CLI::ValidationError(option,
+                               "an age such as 12h, 90d, 6w or 1y or a date such as 2024-05-31 is expected: " + text);
+  }
+  return Now() - std::stoll(digits) * unit->second;
+}
+
+// One of the columns, or an error that names them all.
+void CheckColumns(const std::string& option, const std::vector<std::string>& names, bool withSign) {
+  for (const std::string& name : names) {
+    const std::string bare = withSign && name.starts_with('-') ? name.substr(1) : name;
+    if (FindColumn(bare) != nullptr) continue;
+    std::vector<std::string> known;
+    for (const Column& column : Columns()) known.emplace_back(column.name);
+    throw CLI::ValidationError(option, fmt::format("{} is none of {}", name, fmt::join(known, ", ")));
+  }
+}
+
+bool IsWanted(const ProfileLine& line, const Options& options, std::optional<std::int64_t> before,
+              std::optional<std::int64_t> after) {
+  for (const auto& [name, pattern] : options.patterns) {
+    if (!pattern.empty() && !MatchesWildcards(FindColumn(name)->text(line), pattern)) return false;
+  }
+  if ((before || after) && line.updated == 0) return false;
+  return (!before || line.updated < *before) && (!after || line.updated >= *after);
+}
+
+void Sort(std::vector<ProfileLine>& lines, const std::vector<std::string>& keys) {
+  for (auto key = keys.rbegin(); key != keys.rend(); ++key) {
+    const bool descending = key->starts_with('-');
+    const Column& column = *FindColumn(descending ? key->substr(1) : *key);
+    std::stable_sort(lines.begin(), lines.end(), [&](const ProfileLine& a, const ProfileLine& b) {
+      const int order = CompareNaturally(column.text(a), column.text(b));
+      return descending ? order > 0 : order < 0;
+    });
+  }
+}
+
+void PrintTable(const std::vector<ProfileLine>& lines, const std::vector<std::string>& columns) {
+  std::vector<Table::Column> titles;
+  for (const std::string& name : columns) titles.push_back({name});
+  Table table(std::move(titles));
+  for (const ProfileLine& line : lines) {
+    std::vector<std::string> cells;
+    for (const std::string& name : columns) {
+      std::string text = FindColumn(name)->text(line);
+      cells.push_back(text.empty() ? "-" : std::move(text));
+    }
+    table.Add(std::move(cells));
+  }
+  if (!table.IsEmpty()) table.Print();
+}
+
+void PrintCsv(const std::vector<ProfileLine>& lines, const std::vector<std::string>& columns) {
+  PrintLine(fmt::format("{}", fmt::join(columns, ",")));
+  for (const ProfileLine& line : lines) {
+    std::vector<std::string> fields;
+    for (const std::string& name : columns) fields.push_back(CsvField(FindColumn(name)->text(line)));
+    PrintLine(fmt::format("{}", fmt::join(fields, ",")));
+  }
+}
+
+int Run(const Options& options) {
+  CheckColumns("--columns", options.columns, false);
+  CheckColumns("--sort", options.sort, true);
+  std::optional<std::int64_t> before;
+  std::optional<std::int64_t> after;
+  if (!options.olderThan.empty()) before = MomentOf("--older-than", options.olderThan);
+  if (!options.newerThan.empty()) after = MomentOf("--newer-than", options.newerThan);
+
+  int status = kSuccess;
+  const auto fail = [&](const std::string& file, const std::string& why) {
+    PrintErrorOf(file, why);
+    status = kFailure;
+  };
+  std::vector<ProfileLine> lines;
+  for (ProfileLine& line : ListProfiles(options.paths, options.recursive, options.jobs, fail)) {
+    if (!line.failure.empty()) {
+      fail(line.file, line.failure);
+    } else if (IsWanted(line, options, before, after)) {
+      lines.push_back(std::move(line));
+    }
+  }
+  Sort(lines, options.sort);
+  if (options.json) {
+    for (const ProfileLine& line : lines) PrintJsonLine(ToJson(line));
+  } else if (options.csv) {
+    PrintCsv(lines, options.columns);
+  } else {
+    PrintTable(lines, options.columns);
+  }
+  return status;
+}
+
+}  // namespace
+
+void AddListCommand(CLI::App& app, int& status) {
+  CLI::App* const command = app.add_subcommand("list", "List profiles, one a line, from their headers alone");
+  const auto options = std::make_shared<Options>();
+  command->add_option("PATH", options->paths, "Profiles, and folders of profiles")->required();
+  command->add_flag("-r,--recursive", options->recursive, "Look into the folders below, too");
+  command->add_option("--columns", options->columns, "What to show, joined by commas")
+      ->delimiter(',')
+      ->type_name("COLUMN,COLUMN...")
+      ->default_str(kDefaultColumns);
+  command->add_option("--sort", options->sort, "Columns to sort by, joined by commas; downwards behind a minus sign")
+      ->delimiter(',')
+      ->type_name("[-]COLUMN,...");
+  for (const Column& column : Columns()) {
+    command
+        ->add_option(std::string("--") + column.name, options->patterns[column.name],
+                     fmt::format("Only profiles whose {} fits; * and ? are wildcards", column.description))
+        ->type_name("PATTERN");
+  }
+  command
+      ->add_option("--older-than", options->olderThan, "Only profiles updated before then, such as 90d or 2024-05-31")
+      ->type_name("AGE");
+  command->add_option("--newer-than", options->newerThan, "Only profiles updated since then")->type_name("AGE");
+  CLI::Option* const csv = command->add_flag("--csv", options->csv, "Write comma-separated values");
+  command->add_flag("--json", options->json, "Write one JSON object a line")->excludes(csv);
+  command->add_option("-j,--jobs", options->jobs, "Files to read at the same time; without it one for each processor")
+      ->check(CLI::Range(1, 256))
+      ->type_name("N");
+  command->footer("Example: nvxprofile list -r --media 'glossy*' --resolution 720x1440 --older-than 90d profiles");
+  command->callback([options, &status] {
+    if (options->columns.empty()) options->columns = CLI::detail::split(kDefaultColumns, ',');
+    status = Run(*options);
+  });
+}
+
+}  // namespace nvx::tool

@@ -1,0 +1,61 @@
+// nvxprofile set: single values of a profile, changed where the file stores them.
+#include "command.h"
+#include "files.h"
+#include "loading.h"
+#include "profile_values.h"
+#include "terminal.h"
+#include "value_changes.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace nvx::tool {
+namespace {
+
+struct Options {
+  std::string file;
+  std::vector<std::string> assignments;
+  std::string output;
+  bool dryRun = false;
+};
+
+int Run(const Options& options) {
+  const std::string output = options.output.empty() ? options.file : options.output;
+  try {
+    ProfileValues values(options.file);
+    Assign(values, options.assignments);
+    const std::vector<std::uint8_t> image = values.Image();
+    if (options.dryRun) {
+      PrintChanges(values);
+    } else if (!values.Changes().empty() || output != options.file) {
+      WriteOutput(output, image);
+    }
+    return kSuccess;
+  } catch (const DocumentError& error) {
+    PrintErrorOf(options.file, error.Place() + ": " + error.what());
+  } catch (const std::runtime_error& error) {
+    PrintErrorOf(options.file, error.what());
+  }
+  return kFailure;
+}
+
+}  // namespace
+
+void AddSetCommand(CLI::App& app, int& status) {
+  CLI::App* const command =
+      app.add_subcommand("set", "Change single values of a profile and leave every other byte as it is");
+  const auto options = std::make_shared<Options>();
+  command->add_option("FILE", options->file, "A profile; it is replaced all at once unless -o names another file")
+      ->required();
+  command
+      ->add_option("PATH=VALUE", options->assignments,
+                   "The values, named as in get: a number, true or false, a text, or JSON for a whole list")
+      ->required();
+  command->add_option("-o,--output", options->output, "Write the changed profile to this file")->type_name("FILE");
+  command->add_flag("--dry-run", options->dryRun, "Write nothing; show what would change");
+  command->footer("Example: nvxprofile set glossy.icc media/heater/0=45 --dry-run");
+  command->callback([options, &status] { status = Run(*options); });
+}
+
+}  // namespace nvx::tool

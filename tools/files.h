@@ -1,0 +1,91 @@
+// The files that a command line names. "-" is standard input where something is read and standard output where
+// something is written.
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace nvx::tool {
+
+inline constexpr const char* kStandardStream = "-";
+
+// Why the file cannot be read as it stands ("No such file or directory", "is a folder", ...); empty if it can. FIFOs
+// and devices are refused without being opened: a load seeks.
+std::string WhyNotReadable(const std::string& path);
+
+struct CloseFile {
+  void operator()(std::FILE* file) const { std::fclose(file); }
+};
+using TemporaryFile = std::unique_ptr<std::FILE, CloseFile>;
+
+// Why the library did not open the file; never empty.
+std::string WhyNotOpened(const std::string& path);
+
+// A file to read from. What comes through standard input is kept in a temporary file without a name for as long as this
+// object lives, so that it can be read like any other.
+class InputFile {
+ public:
+  explicit InputFile(const std::string& path);
+
+  // Empty if the file can be read.
+  const std::string& Failure() const { return failure_; }
+  // The path to open.
+  const std::u16string& Path() const { return path_; }
+
+ private:
+  void KeepStandardInput();
+
+  TemporaryFile kept_;
+  std::string failure_;
+  std::u16string path_;
+};
+
+// Bytes as a temporary file without a name, for readers that go by path.
+class HeldBytes {
+ public:
+  // Throws std::runtime_error if there is no room for them.
+  explicit HeldBytes(std::span<const std::uint8_t> bytes);
+  const std::u16string& Path() const { return path_; }
+
+ private:
+  TemporaryFile file_;
+  std::u16string path_;
+};
+
+// Writes a file whole. What stands at the path is replaced at the very end, as the library saves everything; standard
+// output, FIFOs and devices are written to as they are, and never read. Throws std::runtime_error with path and reason.
+void WriteOutput(const std::string& path, std::span<const std::uint8_t> bytes);
+
+// The bytes of a file. Throws std::runtime_error with path and reason.
+std::string ReadInput(const std::string& path);
+
+// Why a file could not be written, looked up after a write failed with that error number (0 for none).
+std::string WhyNotWritten(const std::string& path, int error);
+
+// Writes to standard output; FinishStandardOutput tells whether it got there.
+void WriteStandardOutput(std::string_view text);
+
+// Hands over what is left of standard output. Throws std::runtime_error if any of it is lost.
+void FinishStandardOutput();
+
+// A folder of its own for results that are looked at before they go where they belong. It is removed with all that is
+// left in it.
+class WorkFolder {
+ public:
+  // Throws std::runtime_error if there is no room for it.
+  explicit WorkFolder(const std::string& parent);
+  WorkFolder(const WorkFolder&) = delete;
+  WorkFolder& operator=(const WorkFolder&) = delete;
+  ~WorkFolder();
+
+  std::string File(const std::string& name) const { return path_ + "/" + name; }
+
+ private:
+  std::string path_;
+};
+
+}  // namespace nvx::tool
