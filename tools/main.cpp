@@ -14,7 +14,7 @@ int main(int argc, char** argv) {
   for (AddCommand* const add :
        {AddInfoCommand, AddCurvesCommand, AddMediaCommand, AddLutCommand, AddMasksCommand, AddLampCommand,
         AddSpecialCommand, AddHistoryCommand, AddExtractCommand, AddConvertCommand, AddImportHistoryCommand,
-        AddAdjustCommand, AddDumpCommand, AddBuildCommand, AddDiffCommand, AddValidateCommand}) {
+        AddAdjustCommand, AddDumpCommand, AddBuildCommand, AddDiffCommand, AddValidateCommand, AddReportCommand}) {
     add(app, status);
   }
   // For the build, which installs both beside the tool.

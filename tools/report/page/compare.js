@@ -1,0 +1,154 @@
+// --- compare: two profiles side by side; what is the same is folded away ----------------------------------------
+
+const foldedSame = (title, build) => lazyDetails({ class: 'fold same' }, `${title}: the same in both`, build);
+
+const sideLabel = (profile, letter) => `${letter}: ${profile.line.media || profile.line.file}`;
+
+// Rows of [name, a, b]; those that differ stand first and are marked, the others are folded.
+function rowsCompared(title, rows) {
+  const shown = (value) => value ?? '';
+  const differing = rows.filter(([, a, b]) => shown(a) !== shown(b));
+  const same = rows.filter(([, a, b]) => shown(a) === shown(b) && shown(a) !== '');
+  const table = (some, label) => dataTable({ label, whole: true, columns: ['', 'A', 'B'], rows: some });
+  return [
+    differing.length > 0 ? el('div', { class: 'card' }, table(differing, `${title}: what differs`)) : null,
+    same.length > 0 ? lazyDetails({ class: 'fold same' }, `${showNumber(same.length)} the same in both`, () => table(same, `${title}: the same`)) : null,
+  ];
+}
+
+function pairsCompared(title, a, b) {
+  const names = [...new Set([...a, ...b].map(([name]) => name))];
+  const value = (pairs, name) => pairs.find(([other]) => other === name)?.[1];
+  return rowsCompared(title, names.map((name) => [name, value(a, name), value(b, name)]));
+}
+
+// --- curves ---
+
+// B less A at each place, as parts of the whole; a curve of other length is read at the same place.
+function differenceSeries(a, b, set, group) {
+  return seriesOf(set, group).map((series, i) => {
+    const from = group.curves[i];
+    const to = b.curves.find((curve) => curve.ink === from.ink && curve.extend === from.extend);
+    if (!to) return null;
+    const left = samplesOf(from);
+    const right = samplesOf(to);
+    const values = d3.range(left.length).map((at) => {
+      const place = at * (right.length - 1) / Math.max(left.length - 1, 1);
+      const low = Math.floor(place);
+      const read = right[low] + (place - low) * ((right[low + 1] ?? right[low]) - right[low]);
+      return read / greatestOf(to) - left[at] / greatestOf(from);
+    });
+    return { ...series, values };
+  }).filter(Boolean);
+}
+
+// A scale around zero that holds all values.
+function changeAxis(series) {
+  const most = Math.max(d3.max(series, ({ values }) => d3.max(values, Math.abs)) ?? 0, 0.0005) * 1.1;
+  return { label: 'B − A', domain: [-most, most], show: showChange };
+}
+
+function differencePlot(id, title, series, xLabel = 'Input') {
+  return new Plot({ id, title, series, x: percentAxis(xLabel), y: changeAxis(series) }).root;
+}
+
+function groupCompared(set, other, group) {
+  const b = curveGroups(other).find(({ extend }) => extend === group.extend);
+  const title = groupTitle(set, group);
+  const plot = (letter, owner, some) => el('div', { class: 'card' }, curvePlot(`${letter}-${plotId('', set, group)}`, owner, some));
+  if (!b) return [el('h3', {}, `${title}: only in A`), el('div', { class: 'cards' }, plot('a', set, group))];
+  if (isSame(group.curves, b.curves)) return foldedSame(title, () => el('div', { class: 'cards' }, plot('a', set, group)));
+  const changes = differenceSeries(group, b, set, group);
+  return [el('h3', {}, title), el('div', { class: 'cards pair' }, plot('a', set, group), plot('b', other, b),
+    el('div', { class: 'card' }, differencePlot(`difference-${plotId('', set, group)}`, 'Difference, B less A', changes)))];
+}
+
+function curvesCompared(a, b) {
+  return sortedSets([...a.curves, ...b.curves.filter((set) => !setNamed(a.curves, set.name))]).flatMap((set) => {
+    const other = setNamed(b.curves, set.name);
+    const isOfA = setNamed(a.curves, set.name) === set;
+    if (isOfA && other) {
+      if (isSame(set, other)) return foldedSame(curveTitle(set.name), () => el('div', { class: 'cards' }, curveCards([set], 'a-')));
+      const added = curveGroups(other).filter(({ extend }) => !curveGroups(set).some((group) => group.extend === extend));
+      return [...curveGroups(set).flatMap((group) => groupCompared(set, other, group)),
+        ...added.flatMap((group) => [el('h3', {}, `${groupTitle(other, group)}: only in B`), el('div', { class: 'cards' }, el('div', { class: 'card' }, curvePlot(`b-${plotId('', other, group)}`, other, group)))])];
+    }
+    const letter = isOfA ? 'A' : 'B';
+    return [el('h3', {}, `${curveTitle(set.name)}: only in ${letter}`), el('div', { class: 'cards' }, curveCards([set], `${letter.toLowerCase()}-`))];
+  });
+}
+
+// --- separation ---
+
+function separationCompared(a, b) {
+  const left = separationOf(a.separation);
+  const right = separationOf(b.separation);
+  if (left.grid !== right.grid || left.outputs.length !== right.outputs.length || left.inputs.length !== right.inputs.length) return null;
+  const paths = [left.neutral(), right.neutral()];
+  const most = Math.max(commonTotal(left, [paths[0]]), commonTotal(right, [paths[1]]));
+  const plot = (id, title, table, path) => el('div', { class: 'card' }, separationPlot(table, { id, title, path, most, label: 'From paper to dark' }));
+  const before = left.along(paths[0]);
+  const after = right.along(paths[1]);
+  const changes = before.map((series, i) => ({ ...series, values: series.values.map((value, at) => after[i].values[at] - value) }));
+  let greatest = 0;
+  let count = 0;
+  left.samples.forEach((sample, i) => {
+    const change = Math.abs(sample - right.samples[i]);
+    greatest = Math.max(greatest, change);
+    if (change > 0) ++count;
+  });
+  return [
+    el('p', {}, `${showNumber(count)} of ${showNumber(left.samples.length)} ink amounts differ, at most by ${showPercent(greatest / 255)}.`),
+    el('div', { class: 'cards pair' }, plot('a-neutral', 'Neutral axis of A', left, paths[0]), plot('b-neutral', 'Neutral axis of B', right, paths[1]),
+      el('div', { class: 'card' }, differencePlot('difference-neutral', 'Difference, B less A', changes, 'From paper to dark'))),
+  ];
+}
+
+// --- the rest ---
+
+function iccCompared(a, b) {
+  return a.icc.flatMap((part) => {
+    const other = b.icc.find(({ name }) => name === part.name);
+    if (!other) return [el('h3', {}, `${iccTitle(part)}: only in A`), iccCard(part, `a-${part.name}-gamut`)];
+    if (isSame(part, other)) return [foldedSame(iccTitle(part), () => iccCard(part, `a-${part.name}-gamut`))];
+    const gamuts = [[part, 'A'], [other, 'B']].filter(([{ gamut }]) => gamut).map(([owner, letter], i) => openGamut(owner, gamutStyle(`${letter.toLowerCase()}-${part.name}-gamut`, letter, i)));
+    return [...pairsCompared(iccTitle(part), iccFacts(part), iccFacts(other)), gamuts.length > 0 ? el('div', { class: 'card' }, gamutFigure(`difference-${part.name}-gamut`, gamuts)) : null];
+  });
+}
+
+const mediaPairs = (profile) => profile.media.map((block) => [mediaName(block.usedType), listNumbers(block.values)]);
+const entryPairs = (profile) => profile.entries.map((entry) => [`${entry.name || entry.usedType}, route ${entry.route}`, `${showBytes(entry.size)}${entry.label ? `, ${entry.label}` : ''}`]);
+
+const comparers = {
+  overview: (a, b) => pairsCompared('What it is for', recordFacts(a), recordFacts(b)),
+  curves: curvesCompared,
+  separation: separationCompared,
+  icc: iccCompared,
+  media: (a, b) => pairsCompared('Media settings', mediaPairs(a), mediaPairs(b)),
+  entries: (a, b) => pairsCompared('Entries', entryPairs(a), entryPairs(b)),
+};
+
+const sideBySide = (a, b, section) => el('div', { class: 'cards' }, [[a, 'A'], [b, 'B']].map(([profile, letter]) =>
+  el('div', {}, el('h3', {}, sideLabel(profile, letter)), el('br'), section.build(profile, `${letter.toLowerCase()}-`))));
+
+function sectionCompared(a, b, section) {
+  const parts = [section.part, section.also].filter(Boolean);
+  const [inA, inB] = [a, b].map((profile) => profile[section.part] !== undefined);
+  if (!inA && !inB) return [];
+  if (!inA || !inB) return [el('p', {}, `Only in ${inA ? 'A' : 'B'}.`), section.build(inA ? a : b, inA ? 'a-' : 'b-')];
+  if (section.key !== 'overview' && parts.every((part) => isSame(a[part], b[part]))) return foldedSame(section.title, () => section.build(a, 'a-'));
+  return comparers[section.key]?.(a, b) ?? sideBySide(a, b, section);
+}
+
+function showComparison(a, b) {
+  setHeading('Comparison', '');
+  const shown = sections.filter((section) => hasSection(a, section) || hasSection(b, section));
+  const contents = contentsList(shown);
+  const names = [[a, 'A'], [b, 'B']].map(([profile, letter]) => el('div', { class: 'card' }, el('h3', {}, sideLabel(profile, letter)), el('p', { class: 'soft' }, profile.line.path),
+    el('p', {}, el('a', { href: `#/${profile.index}` }, 'Show this one alone'))));
+  const elements = shown.map((section) => el('section', { id: section.key, 'aria-labelledby': `${section.key}-title` }, el('h2', { id: `${section.key}-title` }, section.title),
+    [sectionCompared(a, b, section)].flat(), leftOutNotes(a, section), leftOutNotes(b, section)));
+  mainElement.replaceChildren(el('div', { class: 'profile' }, contents.nav, el('div', { class: 'sections' }, el('div', { class: 'cards' }, names), el('br'), elements)));
+  elements.forEach(contents.watch);
+}
+
