@@ -43,8 +43,10 @@ def dot(extend, x):
 
 
 def light(ink, x):
-    full = smoothstep(0.35, 1.0, x)
-    return full if ink < 5 else (x * 1.5 if x < 0.5 else 0.75 * (1 - smoothstep(0.5, 0.95, x)))
+    start = 0.35 if ink in (1, 5) else 0.45
+    if ink < 5:
+        return smoothstep(start, 1.0, x)
+    return 0.75 * (smoothstep(0.0, start + 0.2, x) - smoothstep(start + 0.2, 1.0, x))
 
 
 def separation():

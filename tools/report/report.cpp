@@ -39,7 +39,7 @@ bool AddProfile(const std::string& file, Page& page) {
   CProfileAccess access;
   CError error;
   if (!access.Init(Utf8ToWide(file).c_str(), &error)) {
-    PrintError(fmt::format("{}: {}", file, MessageOf(error)));
+    PrintError(MessageOf(error));
     page.AddFailure(file, MessageOf(error));
     return false;
   }

@@ -3,6 +3,8 @@
 const setNamed = (sets, name) => sets?.find((set) => set.name === name);
 const curveOf = (sets, name, ink) => setNamed(sets, name)?.curves.find((curve) => curve.ink === ink.ink && curve.extend === ink.extend);
 
+const nameOf = (calibration) => calibration.name || `Calibration ${calibration.code}`;
+
 // The calibrations that have curves of a kind, by time and then in the order of the history.
 function dated(profile, name) {
   const list = profile.calibrations.list.map((calibration, i) => ({ ...calibration, order: i, sets: profile.calibrationCurves[i] }));
@@ -20,15 +22,10 @@ function inksOf(calibrations, name) {
   return [...inks.values()];
 }
 
-// Changes between two curves, as parts of the whole. Curves of different lengths are compared where both have samples.
+// How far one curve is from another, as parts of the whole.
 function changeBetween(from, to) {
   if (!from || !to) return null;
-  const a = samplesOf(from);
-  const b = samplesOf(to);
-  const changes = d3.range(a.length).map((i) => {
-    const other = b[Math.round(i * (b.length - 1) / Math.max(a.length - 1, 1))];
-    return Math.abs(other / greatestOf(to) - a[i] / greatestOf(from));
-  });
+  const changes = differenceOf(from, to).map(Math.abs);
   return { greatest: d3.max(changes) ?? 0, mean: d3.mean(changes) ?? 0 };
 }
 
@@ -61,63 +58,94 @@ function driftPlots(profile, name, prefix, sinceFirst) {
     const most = Math.max(d3.max(series, ({ values }) => d3.max(values)) * 1.1, 0.001);
     return el('div', { class: 'card' }, new Plot({
       id: `${prefix}drift-${measure}`, title, note: sinceFirst ? 'Since the first calibration, as part of the whole range.' : 'Since the calibration before, as part of the whole range.',
-      series, x: axis, y: { label: title, domain: [0, most], show: (value) => finePercent(value) },
+      series, x: axis, y: { label: title, domain: [0, most], show: showFinePercent },
     }).root);
   });
 }
 
-const finePercent = (value) => new Intl.NumberFormat(readersLanguages, { style: 'percent', maximumFractionDigits: 2 }).format(value);
+// Each ink's curves of all calibrations in a plot of its own, or their change since the first; a slider marks one
+// calibration in all of them. Below, how far the curves moved.
+class CalibrationView {
+  constructor(profile, prefix, kinds) {
+    Object.assign(this, { profile, prefix, kinds, sinceFirst: true, isChange: false, plots: [] });
+    this.kind = kinds.includes('calibration-linearization') ? 'calibration-linearization' : kinds[0];
+    this.multiples = el('div', { class: 'cards small' });
+    this.drifts = el('div', { class: 'cards' });
+    this.controls = el('div', { class: 'controls screen' });
+    this.elements = [this.controls, this.multiples, el('h3', {}, 'Drift'), this.drifts];
+    this.showKind();
+  }
 
-// One plot for each ink with its curves of all calibrations; one of them is marked.
-function smallMultiples(profile, name, prefix, marked) {
-  const calibrations = dated(profile, name);
-  return inksOf(calibrations, name).map((ink, place) => {
-    const style = inkStyle(ink, place);
-    const present = calibrations.map((calibration, i) => [calibration, curveOf(calibration.sets, name, ink), i]).filter(([, curve]) => curve);
+  showKind() {
+    this.calibrations = dated(this.profile, this.kind);
+    this.marked = this.calibrations.length - 1;
+    this.makeControls();
+    this.showMultiples();
+    this.showDrift();
+  }
+
+  showMultiples() {
+    this.plots = inksOf(this.calibrations, this.kind).map((ink, place) => this.plotOf(ink, inkStyle(ink, place)));
+    if (this.isChange) shareScale(this.plots);
+    this.multiples.replaceChildren(...this.plots.map(({ root }) => el('div', { class: 'card' }, root)));
+  }
+
+  showDrift() {
+    this.drifts.replaceChildren(...driftPlots(this.profile, this.kind, this.prefix, this.sinceFirst));
+  }
+
+  plotOf(ink, style) {
+    const present = this.calibrations.map((calibration, i) => [calibration, curveOf(calibration.sets, this.kind, ink), i]).filter(([, curve]) => curve);
+    const [, first] = present[0];
     const series = present.map(([calibration, curve, i]) => ({
-      ...style, dash: '', marker: null, key: `${calibration.code}`, label: calibration.name || `Calibration ${calibration.code}`, values: samplesOf(curve),
-      weight: i === marked ? 'marked' : 'faint',
-    })).sort((a, b) => (a.weight === 'marked') - (b.weight === 'marked'));
-    const set = setNamed(present[0][0].sets, name);
-    return el('div', { class: 'card' }, new Plot({
-      id: `${prefix}calibration-${name}-${style.key}`, title: style.label, series, compact: true, legend: false, height: 200,
-      x: percentAxis('Input'), y: sampleAxis(set, present.map(([, curve]) => curve)),
-    }).root);
-  });
+      ...style, dash: '', marker: null, key: `${calibration.code}`, label: nameOf(calibration), weight: i === this.marked ? 'marked' : 'faint', place: i,
+      values: this.isChange ? differenceOf(first, curve) : samplesOf(curve),
+    }));
+    const set = setNamed(present[0][0].sets, this.kind);
+    return new Plot({
+      id: `${this.prefix}${this.kind}-${style.key}`, title: style.label, series, compact: true, legend: false, height: 200, x: percentAxis('Input'),
+      y: this.isChange ? changeAxis('Change', series) : sampleAxis(set, present.map(([, curve]) => curve)),
+    });
+  }
+
+  mark(number) {
+    this.marked = number;
+    for (const plot of this.plots) {
+      for (const series of plot.series) series.weight = series.place === number ? 'marked' : 'faint';
+      if (plot.svg) plot.draw();
+    }
+  }
+
+  makeControls() {
+    const told = () => `${nameOf(this.calibrations[this.marked])}, ${showDate(this.calibrations[this.marked].time)}`;
+    const output = el('output', {}, told());
+    const slider = el('input', {
+      type: 'range', min: 0, max: this.calibrations.length - 1, value: this.marked, 'aria-valuetext': told(),
+      on: { input: () => { this.mark(Number(slider.value)); output.value = told(); slider.setAttribute('aria-valuetext', told()); } },
+    });
+    const choice = (label, options, value, choose) => el('label', {}, label, el('select', { on: { change: (event) => choose(event.target.value) } },
+      options.map(([key, text]) => el('option', { value: key, selected: key === value }, text))));
+    this.controls.replaceChildren(
+      choice('Curves', this.kinds.map((kind) => [kind, curveTitle(kind)]), this.kind, (kind) => { this.kind = kind; this.showKind(); }),
+      choice('Shown', [['curves', 'curves'], ['change', 'change since the first']], this.isChange ? 'change' : 'curves', (shown) => { this.isChange = shown === 'change'; this.showMultiples(); }),
+      el('label', {}, 'Marked', slider, output),
+      choice('Drift', [['first', 'since the first'], ['before', 'since the one before']], this.sinceFirst ? 'first' : 'before', (since) => { this.sinceFirst = since === 'first'; this.showDrift(); }));
+  }
+}
+
+// One scale for all, so that the inks can be compared.
+function shareScale(plots) {
+  const most = d3.max(plots, (plot) => plot.y.domain[1]);
+  for (const plot of plots) {
+    plot.y.domain = [-most, most];
+    plot.view.y = plot.y.domain;
+  }
 }
 
 function calibrationCurveViews(profile, prefix) {
   const kinds = [...new Set(profile.calibrationCurves.flat().filter((set) => set.curves.length > 0).map((set) => set.name))];
-  if (kinds.length === 0) return el('p', { class: 'note' }, 'The calibrations hold no curves.');
-  const state = { kind: kinds.includes('calibration-linearization') ? 'calibration-linearization' : kinds[0], sinceFirst: true, marked: Infinity };
-  const multiples = el('div', { class: 'cards small' });
-  const drifts = el('div', { class: 'cards' });
-  const controls = el('div', { class: 'controls screen' });
-  const redraw = () => {
-    const last = dated(profile, state.kind).length - 1;
-    state.marked = Math.min(state.marked, last);
-    multiples.replaceChildren(...smallMultiples(profile, state.kind, prefix, state.marked));
-    drifts.replaceChildren(...driftPlots(profile, state.kind, prefix, state.sinceFirst));
-  };
-  const tellMarked = () => {
-    const calibration = dated(profile, state.kind)[state.marked];
-    return `${calibration.name || `Calibration ${calibration.code}`}, ${showDate(calibration.time)}`;
-  };
-  const makeControls = () => {
-    const output = el('output', {}, tellMarked());
-    controls.replaceChildren(
-      el('label', {}, 'Curves', el('select', { on: { change: (event) => { state.kind = event.target.value; redraw(); makeControls(); } } },
-        kinds.map((kind) => el('option', { value: kind, selected: kind === state.kind }, curveTitle(kind))))),
-      el('label', {}, 'Marked', el('input', {
-        type: 'range', min: 0, max: dated(profile, state.kind).length - 1, value: state.marked,
-        on: { input: (event) => { state.marked = Number(event.target.value); redraw(); output.value = tellMarked(); event.target.setAttribute('aria-valuetext', tellMarked()); } },
-      }), output),
-      el('label', {}, 'Change', el('select', { on: { change: (event) => { state.sinceFirst = event.target.value === 'first'; redraw(); } } },
-        el('option', { value: 'first' }, 'since the first'), el('option', { value: 'before' }, 'since the one before'))));
-  };
-  redraw();
-  makeControls();
-  return [controls, multiples, el('h3', {}, 'Drift'), drifts];
+  if (kinds.length === 0) return [el('p', { class: 'note' }, 'The calibrations hold no curves.')];
+  return new CalibrationView(profile, prefix, kinds).elements;
 }
 
 function calibrationsSection(profile, prefix) {
@@ -126,7 +154,7 @@ function calibrationsSection(profile, prefix) {
   const rows = list.map((calibration) => [calibration.name || '–', showTime(calibration.time), String(calibration.code), calibration.value, calibration.code === newest ? 'newest' : '']);
   return [
     el('div', { class: 'card' }, dataTable({ label: 'Calibrations', columns: ['Name', 'Time', 'Code', 'Value', ''], rows })),
-    ...(profile.calibrationCurves ? [calibrationCurveViews(profile, prefix)].flat() : []),
+    ...(profile.calibrationCurves ? calibrationCurveViews(profile, prefix) : []),
   ];
 }
 

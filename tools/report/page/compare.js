@@ -4,12 +4,12 @@ const foldedSame = (title, build) => lazyDetails({ class: 'fold same' }, `${titl
 
 const sideLabel = (profile, letter) => `${letter}: ${profile.line.media || profile.line.file}`;
 
-// Rows of [name, a, b]; those that differ stand first and are marked, the others are folded.
+// Rows of [name, a, b]: those that differ, and folded away those that do not.
 function rowsCompared(title, rows) {
   const shown = (value) => value ?? '';
   const differing = rows.filter(([, a, b]) => shown(a) !== shown(b));
   const same = rows.filter(([, a, b]) => shown(a) === shown(b) && shown(a) !== '');
-  const table = (some, label) => dataTable({ label, whole: true, columns: ['', 'A', 'B'], rows: some });
+  const table = (some, label) => dataTable({ label, whole: true, wrap: true, columns: ['', 'A', 'B'], rows: some });
   return [
     differing.length > 0 ? el('div', { class: 'card' }, table(differing, `${title}: what differs`)) : null,
     same.length > 0 ? lazyDetails({ class: 'fold same' }, `${showNumber(same.length)} the same in both`, () => table(same, `${title}: the same`)) : null,
@@ -24,43 +24,27 @@ function pairsCompared(title, a, b) {
 
 // --- curves ---
 
-// B less A at each place, as parts of the whole; a curve of other length is read at the same place.
-function differenceSeries(a, b, set, group) {
+// B less A for each curve that both have.
+function differenceSeries(b, set, group) {
   return seriesOf(set, group).map((series, i) => {
-    const from = group.curves[i];
-    const to = b.curves.find((curve) => curve.ink === from.ink && curve.extend === from.extend);
-    if (!to) return null;
-    const left = samplesOf(from);
-    const right = samplesOf(to);
-    const values = d3.range(left.length).map((at) => {
-      const place = at * (right.length - 1) / Math.max(left.length - 1, 1);
-      const low = Math.floor(place);
-      const read = right[low] + (place - low) * ((right[low + 1] ?? right[low]) - right[low]);
-      return read / greatestOf(to) - left[at] / greatestOf(from);
-    });
-    return { ...series, values };
+    const to = b.curves.find((curve) => curve.ink === group.curves[i].ink && curve.extend === group.curves[i].extend);
+    return to ? { ...series, values: differenceOf(group.curves[i], to) } : null;
   }).filter(Boolean);
 }
 
-// A scale around zero that holds all values.
-function changeAxis(series) {
-  const most = Math.max(d3.max(series, ({ values }) => d3.max(values, Math.abs)) ?? 0, 0.0005) * 1.1;
-  return { label: 'B − A', domain: [-most, most], show: showChange };
-}
-
-function differencePlot(id, title, series, xLabel = 'Input') {
-  return new Plot({ id, title, series, x: percentAxis(xLabel), y: changeAxis(series) }).root;
+function differencePlot(id, name, series, xLabel = 'Input') {
+  return new Plot({ id, title: 'B − A', name: `${name}, B less A`, series, x: percentAxis(xLabel), y: changeAxis('B − A', series) }).root;
 }
 
 function groupCompared(set, other, group) {
   const b = curveGroups(other).find(({ extend }) => extend === group.extend);
   const title = groupTitle(set, group);
-  const plot = (letter, owner, some) => el('div', { class: 'card' }, curvePlot(`${letter}-${plotId('', set, group)}`, owner, some));
-  if (!b) return [el('h3', {}, `${title}: only in A`), el('div', { class: 'cards' }, plot('a', set, group))];
-  if (isSame(group.curves, b.curves)) return foldedSame(title, () => el('div', { class: 'cards' }, plot('a', set, group)));
-  const changes = differenceSeries(group, b, set, group);
-  return [el('h3', {}, title), el('div', { class: 'cards pair' }, plot('a', set, group), plot('b', other, b),
-    el('div', { class: 'card' }, differencePlot(`difference-${plotId('', set, group)}`, 'Difference, B less A', changes)))];
+  const plot = (letter, owner, some) => el('div', { class: 'card' }, curvePlot(`${letter.toLowerCase()}-${plotId('', set, group)}`, owner, some, letter));
+  if (!b) return [el('h3', {}, `${title}: only in A`), el('div', { class: 'cards' }, plot('A', set, group))];
+  if (isSame(group.curves, b.curves)) return foldedSame(title, () => el('div', { class: 'cards' }, plot('A', set, group)));
+  const changes = differenceSeries(b, set, group);
+  return [el('h3', {}, title), el('div', { class: 'cards pair' }, plot('A', set, group), plot('B', other, b),
+    el('div', { class: 'card' }, differencePlot(`difference-${plotId('', set, group)}`, title, changes)))];
 }
 
 function curvesCompared(a, b) {
@@ -100,7 +84,7 @@ function separationCompared(a, b) {
   return [
     el('p', {}, `${showNumber(count)} of ${showNumber(left.samples.length)} ink amounts differ, at most by ${showPercent(greatest / 255)}.`),
     el('div', { class: 'cards pair' }, plot('a-neutral', 'Neutral axis of A', left, paths[0]), plot('b-neutral', 'Neutral axis of B', right, paths[1]),
-      el('div', { class: 'card' }, differencePlot('difference-neutral', 'Difference, B less A', changes, 'From paper to dark'))),
+      el('div', { class: 'card' }, differencePlot('difference-neutral', 'Ink along the neutral axis', changes, 'From paper to dark'))),
   ];
 }
 
@@ -108,11 +92,12 @@ function separationCompared(a, b) {
 
 function iccCompared(a, b) {
   return a.icc.flatMap((part) => {
+    const gamutCard = (gamuts) => (gamuts.length > 0 ? el('div', { class: 'cards' }, el('div', { class: 'card' }, gamutFigure(`difference-${part.name}-gamut`, gamuts))) : null);
     const other = b.icc.find(({ name }) => name === part.name);
     if (!other) return [el('h3', {}, `${iccTitle(part)}: only in A`), iccCard(part, `a-${part.name}-gamut`)];
     if (isSame(part, other)) return [foldedSame(iccTitle(part), () => iccCard(part, `a-${part.name}-gamut`))];
     const gamuts = [[part, 'A'], [other, 'B']].filter(([{ gamut }]) => gamut).map(([owner, letter], i) => openGamut(owner, gamutStyle(`${letter.toLowerCase()}-${part.name}-gamut`, letter, i)));
-    return [...pairsCompared(iccTitle(part), iccFacts(part), iccFacts(other)), gamuts.length > 0 ? el('div', { class: 'card' }, gamutFigure(`difference-${part.name}-gamut`, gamuts)) : null];
+    return [...pairsCompared(iccTitle(part), iccFacts(part), iccFacts(other)), isSame(part.gamut, other.gamut) ? foldedSame('Gamut', () => gamutCard(gamuts.slice(0, 1)) ?? []) : gamutCard(gamuts)];
   });
 }
 
@@ -147,7 +132,7 @@ function showComparison(a, b) {
   const names = [[a, 'A'], [b, 'B']].map(([profile, letter]) => el('div', { class: 'card' }, el('h3', {}, sideLabel(profile, letter)), el('p', { class: 'soft' }, profile.line.path),
     el('p', {}, el('a', { href: `#/${profile.index}` }, 'Show this one alone'))));
   const elements = shown.map((section) => el('section', { id: section.key, 'aria-labelledby': `${section.key}-title` }, el('h2', { id: `${section.key}-title` }, section.title),
-    [sectionCompared(a, b, section)].flat(), leftOutNotes(a, section), leftOutNotes(b, section)));
+    sectionCompared(a, b, section), leftOutNotes(a, section), leftOutNotes(b, section)));
   mainElement.replaceChildren(el('div', { class: 'profile' }, contents.nav, el('div', { class: 'sections' }, el('div', { class: 'cards' }, names), el('br'), elements)));
   elements.forEach(contents.watch);
 }

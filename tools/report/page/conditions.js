@@ -62,8 +62,8 @@ function maskConditions({ maskParameters, maskPatterns }) {
   const rows = maskParameters.map((record) => [record.pass, record.specialColorsetCode, record.printMethod, record.layerColors.join(' '), record.usePatternIDs.join(' '), bytesOf(record.paramData).length]);
   return el('div', { class: 'card' }, el('h3', {}, 'By printing condition'),
     dataTable({ label: 'Mask parameters', whole: true, columns: ['Passes', 'Colour set', 'Method', 'Layer colours', 'Patterns', 'Parameter bytes'], rows }),
-    el('h3', {}, el('br'), 'Patterns'),
-    el('p', { class: 'note' }, 'The bits of each pattern in their order, the first at the top left; a dark point is a set bit. Their rows are a choice of this report: a pattern does not say how long its own are.'), el('br'),
+    el('h3', {}, 'Patterns'),
+    el('p', { class: 'note' }, 'The bits of each pattern in their order, the first at the top left; a dark point is a set bit. Their rows are a choice of this report: a pattern does not say how long its own are.'),
     el('div', { class: 'patterns' }, maskPatterns.map(patternPicture)));
 }
 

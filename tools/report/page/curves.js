@@ -54,14 +54,16 @@ function sampleAxis(set, curves) {
   const used = d3.max(curves, (curve) => d3.max(samplesOf(curve)) ?? 0);
   const isPlace = set.name.endsWith('gray-balance') && set.name !== 'merged-gray-balance' && used < greatest / 2;
   if (isPlace) return { label: 'Place', domain: [0, Math.max(used, 1)], show: showNumber };
-  return { label: 'Output', domain: [0, greatest], show: (value) => showPercent(value / greatest), ofWhole: greatest };
+  return { label: 'Output', domain: [0, greatest], show: (value) => showPercent(value / greatest), unit: greatest };
 }
 
-function curvePlot(id, set, group) {
+// `heading` takes the place of the title and of the note where these stand over several plots.
+function curvePlot(id, set, group, heading) {
   const y = sampleAxis(set, group.curves);
   return new Plot({
-    id, title: groupTitle(set, group), note: curveTexts[set.name]?.[1], series: seriesOf(set, group), x: percentAxis('Input'), y,
-    showValue: y.ofWhole ? (value) => `${showPercent(value / y.ofWhole)} (${showNumber(value)})` : undefined,
+    id, title: heading ?? groupTitle(set, group), note: heading ? undefined : curveTexts[set.name]?.[1],
+    name: heading && `${groupTitle(set, group)}, ${heading}`, series: seriesOf(set, group), x: percentAxis('Input'), y,
+    showValue: y.unit ? (value) => `${showPercent(value / y.unit)} (${showNumber(value)})` : undefined,
   }).root;
 }
 
@@ -76,4 +78,17 @@ function curveCards(sets, prefix) {
 }
 
 const curvesSection = (profile, prefix) => el('div', { class: 'cards' }, curveCards(profile.curves, prefix));
+
+// The second curve less the first at each place of the first, as parts of the whole. A curve of another length is read
+// between its samples.
+function differenceOf(from, to) {
+  const left = samplesOf(from);
+  const right = samplesOf(to);
+  return d3.range(left.length).map((at) => {
+    const place = at * (right.length - 1) / Math.max(left.length - 1, 1);
+    const low = Math.floor(place);
+    const read = right[low] + (place - low) * ((right[low + 1] ?? right[low]) - right[low]);
+    return read / greatestOf(to) - left[at] / greatestOf(from);
+  });
+}
 

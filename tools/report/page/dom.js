@@ -11,7 +11,7 @@ function el(name, attributes = {}, ...children) {
       element.setAttribute(key, value === true ? '' : value);
     }
   }
-  element.append(...children.flat().filter((child) => child !== null && child !== undefined));
+  element.append(...children.flat(Infinity).filter((child) => child !== null && child !== undefined));
   return element;
 }
 
@@ -28,13 +28,13 @@ const facts = (pairs) =>
     .map(([name, value, lang]) => el('div', {}, el('dt', {}, name), el('dd', { lang }, value))));
 
 // A table that scrolls inside of its own box, which the keyboard reaches. Cells that are numbers stand to the right.
-function dataTable({ label, columns, rows, whole = false, rowClass = () => undefined }) {
+function dataTable({ label, columns, rows, whole = false, wrap = false }) {
   const shown = (cell) => (typeof cell === 'number' ? showNumber(cell) : cell ?? '');
   const kind = (cell) => (typeof cell === 'number' ? 'number' : undefined);
-  const body = rows.map((cells, i) => el('tr', { class: rowClass(i) }, cells.map((cell, column) =>
+  const body = rows.map((cells) => el('tr', {}, cells.map((cell, column) =>
     el(column === 0 ? 'th' : 'td', { scope: column === 0 ? 'row' : undefined, class: kind(cell) }, shown(cell)))));
   const head = columns.map((column, i) => el('th', { scope: 'col', class: rows.length > 0 ? kind(rows[0][i]) : undefined }, column));
-  return el('div', { class: whole ? 'scroll whole' : 'scroll', tabindex: 0, role: 'region', 'aria-label': label },
+  return el('div', { class: `scroll${whole ? ' whole' : ''}${wrap ? ' wrap' : ''}`, tabindex: 0, role: 'region', 'aria-label': label },
     el('table', {}, el('thead', {}, el('tr', {}, head)), el('tbody', {}, body)));
 }
 
@@ -42,7 +42,7 @@ function dataTable({ label, columns, rows, whole = false, rowClass = () => undef
 function lazyDetails(attributes, summary, build) {
   const details = el('details', attributes, el('summary', {}, summary));
   details.addEventListener('toggle', () => {
-    if (details.open && details.childElementCount === 1) details.append(...[build()].flat());
+    if (details.open && details.childElementCount === 1) details.append(...[build()].flat(Infinity));
   });
   return details;
 }

@@ -3,14 +3,16 @@
 const readersLanguages = navigator.languages.length > 0 ? [...navigator.languages] : undefined;
 const numberFormat = new Intl.NumberFormat(readersLanguages, { maximumFractionDigits: 6 });
 const percentFormat = new Intl.NumberFormat(readersLanguages, { style: 'percent', maximumFractionDigits: 1 });
-const finePercentFormat = new Intl.NumberFormat(readersLanguages, { style: 'percent', maximumFractionDigits: 2, signDisplay: 'exceptZero' });
+const finePercentFormat = new Intl.NumberFormat(readersLanguages, { style: 'percent', maximumFractionDigits: 2 });
+const changeFormat = new Intl.NumberFormat(readersLanguages, { style: 'percent', maximumFractionDigits: 2, signDisplay: 'exceptZero' });
 const decimalFormat = new Intl.NumberFormat(readersLanguages, { minimumFractionDigits: 1, maximumFractionDigits: 1 });
 const dateFormat = new Intl.DateTimeFormat(readersLanguages, { dateStyle: 'medium' });
 const dateTimeFormat = new Intl.DateTimeFormat(readersLanguages, { dateStyle: 'medium', timeStyle: 'short' });
 
 const showNumber = (value) => numberFormat.format(value);
 const showPercent = (share) => percentFormat.format(share);
-const showChange = (share) => finePercentFormat.format(share);
+const showFinePercent = (share) => finePercentFormat.format(share);
+const showChange = (share) => changeFormat.format(share);
 const showDecimal = (value) => decimalFormat.format(value);
 const showBytes = (bytes) => `${numberFormat.format(bytes)} bytes`;
 

@@ -21,6 +21,13 @@ function openGamut(part, style) {
   };
 }
 
+// The name stands on the outer side of its point.
+function nameSolid(svg, { a, b, name }, x, y) {
+  const length = Math.hypot(a, b) || 1;
+  const anchor = a / length > 0.4 ? 'start' : a / length < -0.4 ? 'end' : 'middle';
+  svg.append('text').attr('class', 'solid-name').attr('x', x + 11 * a / length).attr('y', y - 13 * b / length).attr('dy', '.35em').attr('text-anchor', anchor).text(name);
+}
+
 // One or two gamuts in the plane of a* and b*, both axes to the same scale.
 function drawGamut(area, gamuts) {
   const size = Math.min(Math.max(area.clientWidth || 420, 200), 460);
@@ -51,7 +58,7 @@ function drawGamut(area, gamuts) {
     svg.append('path').attr('class', 'curve').attr('data-series', gamut.key).attr('stroke-dasharray', gamut.dash || null).style('--ink', gamut.color).attr('d', line(gamut.outline));
     for (const solid of gamut.solids) {
       svg.append('path').attr('class', 'dot').attr('d', markerPath(gamut.marker, 60)).style('--ink', gamut.color).attr('transform', `translate(${x(solid.a)},${y(solid.b)})`);
-      if (gamuts.length === 1) svg.append('text').attr('x', x(solid.a) + 8).attr('y', y(solid.b)).attr('dy', '.35em').style('fill', 'var(--text)').style('font-weight', 600).text(solid.name);
+      if (gamuts.length === 1) nameSolid(svg, solid, x(solid.a), y(solid.b));
     }
   }
   area.querySelector('svg')?.remove();
@@ -75,7 +82,7 @@ function gamutFigure(id, gamuts) {
   drawLazily(area, () => drawGamut(area, gamuts));
   return el('figure', { class: 'plot', 'data-plot': id },
     el('figcaption', {}, el('h3', {}, 'Gamut in a* and b*'), el('p', { class: 'note' }, note)), area,
-    gamuts.length > 1 ? el('ul', { class: 'legend' }, gamuts.map((gamut) => el('li', {}, legendSign(gamut), ' ', gamut.label))) : null,
+    gamuts.length > 1 ? el('ul', { class: 'legend' }, gamuts.map((gamut) => el('li', {}, legendSign(gamut), gamut.label))) : null,
     gamuts.map((gamut) => lazyDetails({ class: 'data' }, `Values as a table${gamut.label ? `: ${gamut.label}` : ''}`, () => gamutTable(gamut))));
 }
 
@@ -90,7 +97,7 @@ function iccFacts({ header, descriptions, label }) {
     ['Description', first?.text ?? label, first?.language || undefined],
     ...others.map(({ language, text }) => [`Description, ${showLanguage(language)}`, text, language]),
     ['Class', iccClasses[header.class] ?? header.class], ['From device space', iccSpaces[header.dataColorSpace] ?? header.dataColorSpace],
-    ['To connection space', iccSpaces[header.connectionSpace] ?? header.connectionSpace], ['Version', header.version], ['Made', header.dateTime],
+    ['To connection space', iccSpaces[header.connectionSpace] ?? header.connectionSpace], ['Version', header.version], ['Made', header.dateTime.startsWith('0000') ? '' : header.dateTime],
     ['Rendering intent', header.renderingIntent], ['Creator', header.creator], ['Size', showBytes(header.size)], ['Profile ID', header.profileId],
   ];
 }
@@ -99,7 +106,7 @@ const iccTitle = (part) => (part.name === 'replacement-icc' ? 'Replacement profi
 
 function iccCard(part, id) {
   return el('div', { class: 'cards' },
-    el('div', { class: 'card' }, el('h3', {}, iccTitle(part)), el('br'), facts(iccFacts(part)),
+    el('div', { class: 'card' }, el('h3', {}, iccTitle(part)), facts(iccFacts(part)),
       lazyDetails({ class: 'data' }, `${showNumber(part.tags.length)} tags`, () => dataTable({ label: 'Tags of the ICC profile', columns: ['Tag', 'Bytes'], rows: part.tags.map((tag) => [tag.signature, tag.size]) }))),
     el('div', { class: 'card' }, part.gamut ? gamutFigure(id, [openGamut(part, gamutStyle(id, '', 0))])
       : el('p', { class: 'note' }, 'The profile has no table from the device to a connection space, out of which a gamut could be drawn.')));

@@ -27,7 +27,7 @@ class ProfileIndex {
     const table = el('table', {}, el('caption', { class: 'hidden-text' }, 'Profiles; the buttons in the head sort them'),
       el('thead', {}, el('tr', {}, el('th', { scope: 'col' }, el('span', { class: 'hidden-text' }, 'Choose')), this.heads)), this.body);
     this.root = el('div', { class: 'index' }, el('div', { class: 'filters' }, this.search, this.compareButton, this.count),
-      el('div', { class: 'scroll whole card-table', tabindex: 0, role: 'region', 'aria-label': 'Profiles' }, table));
+      el('div', { class: 'scroll whole wrap', tabindex: 0, role: 'region', 'aria-label': 'Profiles' }, table));
     this.arrange();
   }
 

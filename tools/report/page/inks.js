@@ -19,7 +19,7 @@ const inkNames = [
 ];
 const inksByCode = { 1: 'cyan', 2: 'magenta', 3: 'yellow', 4: 'black' };
 
-const inkDashes = ['', '7 3', '2 3', '9 3 2 3', '', '5 2', '2 2', '12 3'];
+const inkDashes = ['', '7 3', '2 3', '9 3 2 3', '12 3', '5 2 1 2', '1 2', '12 3 2 3 2 3'];
 const inkMarkers = d3.symbols;
 
 function inkColor(name, code, rgb) {
@@ -31,21 +31,30 @@ function inkColor(name, code, rgb) {
 
 const inkLabel = (name, code) => name.trim() || (code === 0 ? 'All inks' : `Ink ${code}`);
 
+// Areas are lighter than lines.
+const fillColor = (color) => color.replace(/^var\(--([\w-]+)\)$/, 'var(--fill-$1, var(--$1))');
+
 // What a plot shows of one ink: label, colour, and its place among the others.
 function inkStyle(curve, place) {
   return {
     key: `${curve.ink}-${curve.extend ?? 0}`,
     label: inkLabel(curve.name, curve.ink),
     color: inkColor(curve.name, curve.ink, curve.rgb),
+    fill: fillColor(inkColor(curve.name, curve.ink, curve.rgb)),
     dash: inkDashes[place % inkDashes.length],
     marker: inkMarkers[place % inkMarkers.length],
   };
 }
 
-// The colour in numbers, for pictures that mix inks.
-function resolvedColor(color) {
+// The colour on white paper in numbers, for pictures that mix inks.
+const printedColors = {
+  cyan: '#009fe0', magenta: '#e5127d', yellow: '#ffe800', black: '#1f1c1f', 'light-cyan': '#8fd3ef', 'light-magenta': '#f4a8cc', gray: '#8f9299',
+  'light-gray': '#c9ccd1', orange: '#ef7d00', green: '#00964a', red: '#e2231a', blue: '#27348b', violet: '#6a2c91', white: '#ffffff', clear: '#ffffff',
+};
+
+function printedColor(color) {
   const probe = el('span');
-  probe.style.color = color;
+  probe.style.color = printedColors[color.match(/^var\(--([\w-]+)\)$/)?.[1]] ?? color;
   document.body.append(probe);
   const parts = getComputedStyle(probe).color.match(/[\d.]+/g).slice(0, 3).map(Number);
   probe.remove();

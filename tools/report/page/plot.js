@@ -4,10 +4,11 @@ const plotMargin = { top: 10, right: 12, bottom: 34, left: 48 };
 
 // A series has key, label, color, dash, marker, values, and xs if its samples stand at places of their own.
 // Options: id, title, note, series, x and y as {label, domain, show, ticks}; stacked puts series one on the other;
-// compact is for small multiples; legend false leaves the legend to the caller; showValue(series, index) tells a value.
+// compact is for small multiples; name says more than the title to those who do not see its place; legend false leaves the legend to the caller; showValue(series, index) tells a value.
 class Plot {
   constructor(options) {
     Object.assign(this, { stacked: false, compact: false, legend: true, height: 270 }, options);
+    this.name ??= this.title;
     this.hidden = new Set();
     this.view = { x: this.x.domain, y: this.y.domain };
     this.cursor = null;
@@ -20,7 +21,7 @@ class Plot {
   build() {
     const titleId = freshId('plot');
     this.area = el('div', {
-      class: 'area', tabindex: 0, role: 'slider', 'aria-label': `${this.title}, values along ${this.x.label}`,
+      class: 'area', tabindex: 0, role: 'slider', 'aria-label': `${this.name}, values along ${this.x.label}`,
       'aria-valuemin': 0, 'aria-valuemax': Math.max(this.longest() - 1, 0), 'aria-valuenow': 0,
       'aria-valuetext': 'Arrow keys show the values', 'aria-orientation': 'horizontal',
     });
@@ -38,7 +39,7 @@ class Plot {
   }
 
   toolbar() {
-    const button = (name, sign, action) => el('button', { type: 'button', title: name, 'aria-label': `${name}: ${this.title}`, on: { click: action } }, sign);
+    const button = (name, sign, action) => el('button', { type: 'button', title: name, 'aria-label': `${name}: ${this.name}`, on: { click: action } }, sign);
     return el('div', { class: 'tools' },
       button('Zoom in', '+', () => this.zoomBy(0.5)), button('Zoom out', '−', () => this.zoomBy(2)),
       button('Show all', '⤢', () => this.showAll()));
@@ -50,14 +51,14 @@ class Plot {
       on: { click: (event) => this.toggle(series, event.currentTarget), dblclick: () => this.showOnly(series) },
     }, legendSign(series, this.stacked), el('span', {}, series.label))));
     this.buttons = entries.map((entry) => entry.firstChild);
-    return el('ul', { class: 'legend', 'aria-label': `${this.title}: show or hide` }, entries);
+    return el('ul', { class: 'legend', 'aria-label': `${this.name}: show or hide` }, entries);
   }
 
   table() {
     const rows = d3.range(this.longest()).map((i) => [
       this.x.show(this.placeOf(this.series[0], i)), ...this.series.map((series) => (i < series.values.length ? Number(series.values[i]) : null)),
     ]);
-    const table = dataTable({ label: `${this.title}: values`, columns: [this.x.label, ...this.series.map((series) => series.label)], rows });
+    const table = dataTable({ label: `${this.name}: values`, columns: [this.x.label, ...this.series.map((series) => series.label)], rows });
     table.setAttribute('data-table', this.id);
     return table;
   }
@@ -110,8 +111,8 @@ class Plot {
     this.svg = d3.select(this.area).insert('svg', ':first-child').attr('viewBox', `0 0 ${this.width} ${this.height}`).attr('aria-hidden', 'true');
     this.drawAxes(left);
     this.clipId ??= freshId('clip');
-    this.svg.append('clipPath').attr('id', this.clipId).append('rect').attr('x', left).attr('y', plotMargin.top - 3)
-      .attr('width', this.width - left - plotMargin.right + 3).attr('height', this.height - plotMargin.top - plotMargin.bottom + 5);
+    this.svg.append('clipPath').attr('id', this.clipId).append('rect').attr('x', left - 6).attr('y', plotMargin.top - 6)
+      .attr('width', this.width - left - plotMargin.right + 12).attr('height', this.height - plotMargin.top - plotMargin.bottom + 12);
     this.plane = this.svg.append('g').attr('clip-path', `url(#${this.clipId})`);
     if (this.stacked) this.drawLayers(); else this.drawCurves();
     this.overlay = this.svg.append('g');
@@ -123,7 +124,8 @@ class Plot {
     const right = width - plotMargin.right;
     const bottom = height - plotMargin.bottom;
     const xTicks = this.x.ticks ?? this.xScale.ticks(Math.max(2, Math.floor((right - left) / (this.compact ? 70 : 90))));
-    const yTicks = this.yScale.ticks(this.compact ? 3 : 5);
+    const unit = this.y.unit ?? 1;
+    const yTicks = d3.ticks(this.view.y[0] / unit, this.view.y[1] / unit, this.compact ? 3 : 5).map((tick) => tick * unit);
     const grid = this.svg.append('g').attr('class', 'grid');
     grid.selectAll(null).data(yTicks).enter().append('line').attr('x1', left).attr('x2', right)
       .attr('y1', (y) => this.yScale(y)).attr('y2', (y) => this.yScale(y));
@@ -140,7 +142,8 @@ class Plot {
   }
 
   drawCurves() {
-    for (const series of this.visible()) {
+    // What is marked lies on top.
+    for (const series of this.visible().sort((a, b) => (a.weight === 'marked') - (b.weight === 'marked'))) {
       const x = (_, i) => this.xScale(this.placeOf(series, i));
       const path = d3.line().x(x).y((value) => this.yScale(value));
       this.plane.append('path').attr('class', `curve ${series.weight ?? ''}`).attr('data-series', series.key)
@@ -167,23 +170,27 @@ class Plot {
     const layers = d3.stack().keys(shown.map((series) => series.key))(rows);
     const area = d3.area().x((_, i) => this.xScale(this.placeOf(shown[0], i))).y0((d) => this.yScale(d[0])).y1((d) => this.yScale(d[1]));
     layers.forEach((layer, i) => {
-      this.plane.append('path').attr('class', 'layer').attr('data-series', shown[i].key).attr('d', area(layer)).style('--ink', shown[i].color);
-      this.nameLayer(layer, shown[i]);
+      this.plane.append('path').attr('class', 'layer').attr('data-series', shown[i].key).attr('d', area(layer)).style('--ink', shown[i].fill);
     });
+    layers.forEach((layer, i) => this.nameLayer(layer, shown[i]));
     const top = d3.line().x((_, i) => this.xScale(this.placeOf(shown[0], i))).y((d) => this.yScale(d[1]));
     this.plane.append('path').attr('class', 'total').attr('d', top(layers[layers.length - 1]));
   }
 
-  // The name stands where the layer is thickest, if there is room for it.
+  // The name stands where the layer has the most room for it, or nowhere.
   nameLayer(layer, series) {
-    const thickness = (d) => this.yScale(d[0]) - this.yScale(d[1]);
-    const inner = d3.range(1, layer.length - 1);
-    const widest = inner[d3.scan(inner, (a, b) => thickness(layer[b]) - thickness(layer[a]))];
-    if (widest === undefined || thickness(layer[widest]) < 16) return;
-    const [low, high] = layer[widest];
-    this.plane.append('text').attr('class', 'layer-name').attr('dy', '.35em').attr('y', this.yScale((low + high) / 2))
-      .attr('x', Math.min(Math.max(this.xScale(this.placeOf(series, widest)), this.xScale.range()[0] + 24), this.xScale.range()[1] - 24))
-      .text(series.label);
+    const half = series.label.length * 4 + 2;
+    const [left, right] = this.xScale.range();
+    const places = layer.map((_, i) => this.xScale(this.placeOf(series, i)));
+    const room = places.map((x) => {
+      if (x - half < left || x + half > right) return 0;
+      const covered = layer.filter((_, i) => Math.abs(places[i] - x) <= half + (places[1] - places[0]) / 2);
+      return this.yScale(d3.max(covered, (d) => d[0])) - this.yScale(d3.min(covered, (d) => d[1]));
+    });
+    const best = d3.scan(room, (a, b) => b - a);
+    if (best === undefined || room[best] < 13) return;
+    this.plane.append('text').attr('class', 'layer-name').attr('dy', '.35em').attr('x', places[best])
+      .attr('y', this.yScale((layer[best][0] + layer[best][1]) / 2)).text(series.label);
   }
 
   // --- the cursor ---
@@ -308,12 +315,18 @@ class Plot {
 function legendSign(series, filled) {
   const svg = d3.create('svg').attr('viewBox', '0 0 28 12').attr('aria-hidden', 'true').style('--ink', series.color);
   if (filled) {
-    svg.append('rect').attr('x', 7).attr('width', 14).attr('height', 12).attr('rx', 3).style('fill', 'var(--ink)');
+    svg.append('rect').attr('x', 7).attr('width', 14).attr('height', 12).attr('rx', 3).style('fill', series.fill);
   } else {
     svg.append('line').attr('class', 'ink-line').attr('x2', 28).attr('y1', 6).attr('y2', 6).attr('stroke-dasharray', series.dash || null);
     if (series.marker) svg.append('path').attr('class', 'dot').attr('d', markerPath(series.marker)).attr('transform', 'translate(14,6)');
   }
   return svg.node();
+}
+
+// A scale around zero that holds all changes.
+function changeAxis(label, series) {
+  const most = Math.max(d3.max(series, ({ values }) => d3.max(values, Math.abs)) ?? 0, 0.0005) * 1.1;
+  return { label, domain: [-most, most], show: showChange };
 }
 
 const percentAxis = (label) => ({ label, domain: [0, 1], show: showPercent });

@@ -40,16 +40,16 @@ const entriesSection = (profile) => el('div', { class: 'card' }, dataTable({
 
 // In the order of the page. `part` is what the section shows; a profile without it has no such section.
 const sections = [
-  { key: 'overview', title: 'What it is for', part: 'record', build: overviewSection, isShort: true },
+  { key: 'overview', title: 'What it is for', part: 'record', build: overviewSection },
   { key: 'curves', title: 'Ink curves', part: 'curves', build: curvesSection },
   { key: 'separation', title: 'Separation table', part: 'separation', build: separationSection },
   { key: 'icc', title: 'ICC profile', part: 'icc', build: iccSection },
   { key: 'calibrations', title: 'Calibrations', part: 'calibrations', also: 'calibrationCurves', build: calibrationsSection },
   { key: 'special', title: 'Special colours', part: 'special', build: specialSection },
-  { key: 'media', title: 'Media settings', part: 'media', build: mediaSection, isShort: true },
-  { key: 'lamp', title: 'UV lamp', part: 'lamp', build: lampSection, isShort: true },
+  { key: 'media', title: 'Media settings', part: 'media', build: mediaSection },
+  { key: 'lamp', title: 'UV lamp', part: 'lamp', build: lampSection },
   { key: 'masks', title: 'Masks', part: 'masks', build: masksSection },
-  { key: 'entries', title: 'Entries', part: 'entries', build: entriesSection, isShort: true },
+  { key: 'entries', title: 'Entries', part: 'entries', build: entriesSection },
 ];
 
 const leftOutOf = (profile, section) => profile.leftOut.filter(({ part }) => part === section.part || part === section.also);
@@ -64,8 +64,8 @@ function leftOutNotes(profile, section) {
 
 function sectionElement(profile, section, prefix = '') {
   const id = `${prefix}${section.key}`;
-  const contents = profile[section.part] === undefined ? [] : [section.build(profile, prefix)].flat();
-  return el('section', { id, class: section.isShort ? 'short' : undefined, 'aria-labelledby': `${id}-title` },
+  const contents = profile[section.part] === undefined ? [] : section.build(profile, prefix);
+  return el('section', { id, 'aria-labelledby': `${id}-title` },
     el('h2', { id: `${id}-title` }, section.title), contents, leftOutNotes(profile, section));
 }
 

@@ -56,7 +56,7 @@ function commonTotal(table, paths) {
 function separationEdges(table, prefix) {
   const edges = table.inputs.flatMap((name, i) => [
     { id: `${prefix}edge-${i}-paper`, title: `${name} alone`, path: table.edge(i, table.paper), label: name },
-    { id: `${prefix}edge-${i}-dark`, title: `${name}, all others full`, path: table.edge(i, table.dark), label: name },
+    { id: `${prefix}edge-${i}-dark`, title: `${name}, others full`, path: table.edge(i, table.dark), label: name },
   ]);
   const most = commonTotal(table, edges.map((edge) => edge.path));
   return el('div', { class: 'cards small' }, edges.map((edge) =>
@@ -65,18 +65,20 @@ function separationEdges(table, prefix) {
 
 // --- slices ---
 
+// A picture of two channels, the others held by sliders; the pointer and the arrow keys tell the inks of a node.
 class SlicePicture {
   constructor(table, id) {
     Object.assign(this, { table, id, across: 0, up: 1, output: -1 });
     this.places = table.corner(table.paper);
     this.canvas = el('canvas', { class: 'slice', width: table.grid, height: table.grid, tabindex: 0, role: 'img', 'data-slice': id });
-    this.told = el('p', { role: 'status' });
+    this.axes = el('p', { class: 'note' });
+    this.told = el('div', { role: 'status' });
     this.controls = el('div', { class: 'controls screen' });
     this.tableBox = lazyDetails({ class: 'data' }, 'This slice as a table', () => this.asTable());
-    this.root = el('div', {}, this.controls, el('div', { class: 'slice-row' }, this.canvas, el('div', {}, this.told, this.tableBox)));
+    this.root = el('div', {}, this.controls, el('div', { class: 'slice-row' }, el('div', {}, this.canvas, this.axes), el('div', {}, this.told, this.tableBox)));
     this.canvas.addEventListener('pointermove', (event) => this.tell(...this.cellAt(event)));
     this.canvas.addEventListener('keydown', (event) => this.onKey(event));
-    this.cell = [0, 0];
+    this.cell = [table.grid >> 1, table.grid >> 1];
     this.makeControls();
     drawLazily(this.root, () => this.draw());
   }
@@ -114,7 +116,7 @@ class SlicePicture {
     const { table } = this;
     const context = this.canvas.getContext('2d');
     const picture = context.createImageData(table.grid, table.grid);
-    const inks = table.outputs.map((output) => resolvedColor(output.color));
+    const inks = table.outputs.map((output) => printedColor(output.color));
     const greatest = commonTotal(table, [d3.cross(d3.range(table.grid), d3.range(table.grid)).map(([x, y]) => this.node(x, y))]);
     for (let row = 0; row < table.grid; ++row) {
       for (let column = 0; column < table.grid; ++column) {
@@ -124,6 +126,7 @@ class SlicePicture {
     }
     context.putImageData(picture, 0, 0);
     this.canvas.setAttribute('aria-label', `Slice of the separation table: ${table.inputs[this.across]} across, ${table.inputs[this.up]} up`);
+    this.axes.textContent = `→ ${table.inputs[this.across]}   ↑ ${table.inputs[this.up]}`;
     this.tell(...this.cell);
     if (this.tableBox.childElementCount > 1) this.tableBox.lastChild.replaceWith(this.asTable());
   }
@@ -155,7 +158,7 @@ class SlicePicture {
     const share = (at) => showPercent(at / (table.grid - 1));
     this.told.replaceChildren(
       el('b', {}, `${table.inputs[this.across]} ${share(column)}, ${table.inputs[this.up]} ${share(row)}`),
-      el('table', {}, el('tbody', {}, [...table.outputs.map((output, i) => [output.label, table.amount(places, i), output.color]), ['Total', table.total(places), null]]
+      el('table', {}, el('tbody', {}, [...table.outputs.map((output, i) => [output.label, table.amount(places, i), output.fill]), ['Total', table.total(places), null]]
         .map(([label, amount, color]) => el('tr', {}, el('th', { scope: 'row' }, color ? swatch(color) : null, label), el('td', { class: 'number' }, showPercent(amount)))))));
   }
 
