@@ -3,7 +3,6 @@
 #include "report/embedded.h"
 
 #include <charconv>
-#include <filesystem>
 #include <utility>
 
 namespace nvx::tool {
@@ -95,7 +94,7 @@ void Page::Add(Json indexLine, const std::vector<ProfilePart>& parts) {
 }
 
 void Page::AddFailure(const std::string& path, const std::string& message) {
-  index_.push_back({{"path", path}, {"file", std::filesystem::path(path).filename().string()}, {"failure", message}});
+  index_.push_back({{"path", path}, {"file", FileNameOf(path)}, {"failure", message}});
   profiles_.emplace_back();
 }
 

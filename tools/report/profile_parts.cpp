@@ -17,9 +17,10 @@
 #include <nvxprofile/special_color.h>
 #include <nvxprofile/text_conversion.h>
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cstring>
-#include <filesystem>
 #include <optional>
 #include <utility>
 
@@ -315,27 +316,50 @@ Json ModelPart(CProfileAccess& access) {
   return part.empty() ? Json(nullptr) : part;
 }
 
+std::string PrinterOf(const _tagDeviceProfileInfo& info) {
+  return info.LayoutNumber == 1 ? Utf8(info.Text.Printer_Label) : WideToUtf8(info.PrinterComment);
+}
+
+std::string ModelOf(const _tagDeviceProfileInfo& info) {
+  if (info.ModelCode[0] == 0) return {};
+  return fmt::format("{}/{}/{}", WideToUtf8(info.ModelCode), WideToUtf8(info.ModelSubCode),
+                     WideToUtf8(info.InternalCode));
+}
+
+std::string InkSetOf(const _tagDeviceProfileInfo& info) {
+  if (info.LayoutNumber == 0) return {};
+  if (info.LayoutNumber == 1) return Utf8(info.Text.InkSet_Label);
+  return fmt::format("{}/{}/{}/{}", info.InkMakerCode, info.InkTypeCode, info.ColorsetCode, info.InkVersion);
+}
+
+std::string ResolutionOf(const _tagDeviceProfileInfo& info) {
+  return info.ScanResolution != 0 ? fmt::format("{}x{}", info.ScanResolution, info.FeedResolution) : std::string();
+}
+
 }  // namespace
+
+std::string FileNameOf(const std::string& path) { return path.substr(path.find_last_of("/\\") + 1); }
 
 Json IndexLine(const std::string& path, CProfileAccess& access) {
   const _tagDeviceProfileInfo& info = *access.GetProfileInfo();
-  std::string printer = WideToUtf8(info.PrinterComment);
-  if (printer.empty() && info.LayoutNumber == 1) printer = Utf8(info.Text.Printer_Label);
-  std::string model = WideToUtf8(info.ModelCode);
-  if (info.ModelSubCode[0] != 0) model += "-" + WideToUtf8(info.ModelSubCode);
-  return {{"path", path},
-          {"file", std::filesystem::path(path).filename().string()},
-          {"format", std::string(FormatName(access.GetProfileLoadFormat()))},
-          {"media", WideToUtf8(info.MediaName)},
-          {"printer", printer},
-          {"model", model},
-          {"scan", info.ScanResolution},
-          {"feed", info.FeedResolution},
-          {"inkType", info.InkTypeCode},
-          {"colorset", info.ColorsetCode},
-          {"version", std::to_string(info.ProfileMajorVersion) + "." + std::to_string(info.ProfileMinorVersion)},
-          {"updated", info.UpdateTimeValue},
-          {"calibrations", CalibrationsOf(access).size()}};
+  Json line = {{"path", path},
+               {"file", FileNameOf(path)},
+               {"format", std::string(FormatName(access.GetProfileLoadFormat()))},
+               {"media", WideToUtf8(info.MediaName)},
+               {"printer", PrinterOf(info)},
+               {"model", ModelOf(info)},
+               {"inkSet", InkSetOf(info)},
+               {"resolution", ResolutionOf(info)},
+               {"version", fmt::format("{}.{}", info.ProfileMajorVersion, info.ProfileMinorVersion)},
+               {"updated", info.UpdateTimeValue},
+               {"calibrations", CalibrationsOf(access).size()}};
+  const std::optional<std::int32_t> newest = NewestCalibration(access);
+  for (CContainerEntry* const calibration : CalibrationsOf(access)) {
+    if (!newest || calibration->GetOptionInfo() != static_cast<std::uint32_t>(*newest)) continue;
+    line["calibration"] = NameOf(*calibration);
+    line["calibrated"] = calibration->GetContainerData()->Time;
+  }
+  return line;
 }
 
 std::vector<ProfilePart> PartsOf(CProfileAccess& access) {

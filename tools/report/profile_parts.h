@@ -16,6 +16,9 @@ struct ProfilePart {
   Json content;
 };
 
+// The last part of a path.
+std::string FileNameOf(const std::string& path);
+
 // The line of a profile in the index.
 Json IndexLine(const std::string& path, CProfileAccess& access);
 

@@ -44,8 +44,8 @@ function timeAxis(calibrations) {
   const places = isDated ? times : d3.range(calibrations.length);
   const domain = places.length > 1 ? d3.extent(places) : [0, 1];
   const span = domain[1] - domain[0];
-  const short = new Intl.DateTimeFormat(readersLanguages, span > 300 * 86400 ? { month: 'short', year: 'numeric' } : { day: 'numeric', month: 'short' });
-  const show = isDated ? (time) => (times.includes(time) ? showDate(time) : short.format(new Date(time * 1000))) : (i) => (Number.isInteger(i) ? `${i + 1}` : '');
+  const short = dateFormat(span > 300 * 86400 ? { month: 'short', year: 'numeric' } : { day: 'numeric', month: 'short' });
+  const show = isDated ? (time) => (times.includes(time) ? showDate(time) : short(new Date(time * 1000))) : (i) => (Number.isInteger(i) ? `${i + 1}` : '');
   return { places, axis: { label: isDated ? 'Date' : 'Calibration', domain, show, ticks: isDated ? undefined : places } };
 }
 
@@ -153,7 +153,7 @@ function calibrationsSection(profile, prefix) {
   if (list.length === 0) return el('p', { class: 'note' }, 'The history holds no calibrations yet.');
   const rows = list.map((calibration) => [calibration.name || '–', showTime(calibration.time), String(calibration.code), calibration.value, calibration.code === newest ? 'newest' : '']);
   return [
-    el('div', { class: 'card' }, dataTable({ label: 'Calibrations', columns: ['Name', 'Time', 'Code', 'Value', ''], rows })),
+    el('div', { class: 'card' }, dataTable({ label: 'List of calibrations', columns: ['Name', 'Time', 'Code', 'Value', 'State'], rows })),
     ...(profile.calibrationCurves ? calibrationCurveViews(profile, prefix) : []),
   ];
 }

@@ -9,7 +9,7 @@ function rowsCompared(title, rows) {
   const shown = (value) => value ?? '';
   const differing = rows.filter(([, a, b]) => shown(a) !== shown(b));
   const same = rows.filter(([, a, b]) => shown(a) === shown(b) && shown(a) !== '');
-  const table = (some, label) => dataTable({ label, whole: true, wrap: true, columns: ['', 'A', 'B'], rows: some });
+  const table = (some, label) => dataTable({ label, whole: true, wrap: true, columns: ['What', 'A', 'B'], rows: some });
   return [
     differing.length > 0 ? el('div', { class: 'card' }, table(differing, `${title}: what differs`)) : null,
     same.length > 0 ? lazyDetails({ class: 'fold same' }, `${showNumber(same.length)} the same in both`, () => table(same, `${title}: the same`)) : null,
@@ -129,7 +129,7 @@ function showComparison(a, b) {
   setHeading('Comparison', '');
   const shown = sections.filter((section) => hasSection(a, section) || hasSection(b, section));
   const contents = contentsList(shown);
-  const names = [[a, 'A'], [b, 'B']].map(([profile, letter]) => el('div', { class: 'card' }, el('h3', {}, sideLabel(profile, letter)), el('p', { class: 'soft' }, profile.line.path),
+  const names = [[a, 'A'], [b, 'B']].map(([profile, letter]) => el('div', { class: 'card' }, el('p', {}, el('b', {}, sideLabel(profile, letter))), el('p', { class: 'soft' }, profile.line.path),
     el('p', {}, el('a', { href: `#/${profile.index}` }, 'Show this one alone'))));
   const elements = shown.map((section) => el('section', { id: section.key, 'aria-labelledby': `${section.key}-title` }, el('h2', { id: `${section.key}-title` }, section.title),
     sectionCompared(a, b, section), leftOutNotes(a, section), leftOutNotes(b, section)));

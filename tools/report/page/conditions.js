@@ -9,7 +9,7 @@ const listNumbers = (numbers) => numbers.map(showNumber).join('   ');
 const showCondition = (value) => (value === -1 ? 'any' : String(value));
 
 const mediaSection = (profile) => el('div', { class: 'card' }, dataTable({
-  label: 'Media settings', whole: true, columns: ['Setting', 'Values'], rows: profile.media.map((block) => [mediaName(block.usedType), listNumbers(block.values)]),
+  label: 'Settings of the medium', whole: true, columns: ['Setting', 'Values'], rows: profile.media.map((block) => [mediaName(block.usedType), listNumbers(block.values)]),
 }));
 
 // --- UV lamp ---

@@ -1,29 +1,39 @@
 // --- format: numbers, dates and names as the reader writes them -------------------------------------------------
 
 const readersLanguages = navigator.languages.length > 0 ? [...navigator.languages] : undefined;
-const numberFormat = new Intl.NumberFormat(readersLanguages, { maximumFractionDigits: 6 });
-const percentFormat = new Intl.NumberFormat(readersLanguages, { style: 'percent', maximumFractionDigits: 1 });
-const finePercentFormat = new Intl.NumberFormat(readersLanguages, { style: 'percent', maximumFractionDigits: 2 });
-const changeFormat = new Intl.NumberFormat(readersLanguages, { style: 'percent', maximumFractionDigits: 2, signDisplay: 'exceptZero' });
-const decimalFormat = new Intl.NumberFormat(readersLanguages, { minimumFractionDigits: 1, maximumFractionDigits: 1 });
-const dateFormat = new Intl.DateTimeFormat(readersLanguages, { dateStyle: 'medium' });
-const dateTimeFormat = new Intl.DateTimeFormat(readersLanguages, { dateStyle: 'medium', timeStyle: 'short' });
 
-const showNumber = (value) => numberFormat.format(value);
-const showPercent = (share) => percentFormat.format(share);
-const showFinePercent = (share) => finePercentFormat.format(share);
-const showChange = (share) => changeFormat.format(share);
-const showDecimal = (value) => decimalFormat.format(value);
-const showBytes = (bytes) => `${numberFormat.format(bytes)} bytes`;
-
-// What a calendar has no day for shows as its number of seconds.
-function showTime(seconds, format = dateTimeFormat) {
-  if (!seconds) return '–';
-  const date = new Date(seconds * 1000);
-  return Number.isNaN(date.getTime()) ? showNumber(seconds) : format.format(date);
+// Formats are made when they are first used: a page on many profiles opens without most of them.
+function numberFormat(options) {
+  let made = null;
+  return (value) => (made ??= new Intl.NumberFormat(readersLanguages, options)).format(value);
 }
 
-const showDate = (seconds) => showTime(seconds, dateFormat);
+function dateFormat(options) {
+  let made = null;
+  return (date) => (made ??= new Intl.DateTimeFormat(readersLanguages, options)).format(date);
+}
+
+const showNumber = numberFormat({ maximumFractionDigits: 6 });
+const showDecimal = numberFormat({ minimumFractionDigits: 1, maximumFractionDigits: 1 });
+const showPercent = numberFormat({ style: 'percent', maximumFractionDigits: 1 });
+const showFinePercent = numberFormat({ style: 'percent', maximumFractionDigits: 2 });
+const showChange = numberFormat({ style: 'percent', maximumFractionDigits: 2, signDisplay: 'exceptZero' });
+const showBytes = (bytes) => `${showNumber(bytes)} bytes`;
+
+// "720x1440" as a reader writes it.
+const showResolution = (text) => text.split('x').filter(Boolean).map((dots) => showNumber(Number(dots))).join(' × ');
+
+// What a calendar has no day for shows as its number of seconds.
+function showMoment(seconds, show) {
+  if (!seconds) return '–';
+  const date = new Date(seconds * 1000);
+  return Number.isNaN(date.getTime()) ? showNumber(seconds) : show(date);
+}
+
+const dayFormat = dateFormat({ dateStyle: 'medium' });
+const dayAndTimeFormat = dateFormat({ dateStyle: 'medium', timeStyle: 'short' });
+const showDate = (seconds) => showMoment(seconds, dayFormat);
+const showTime = (seconds) => showMoment(seconds, dayAndTimeFormat);
 
 // The primary language numbers that media names carry, as language tags.
 const languageTags = {

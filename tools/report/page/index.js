@@ -1,13 +1,14 @@
 // --- index: many profiles as a list that sorts and filters ------------------------------------------------------
 
+// The columns of nvxprofile list.
 const indexColumns = [
   { title: 'Media', value: (line) => line.media || line.file },
-  { title: 'Printer', value: (line) => line.printer || line.model },
-  { title: 'Resolution', value: (line) => line.scan * 100000 + line.feed, show: (line) => (line.scan ? `${showNumber(line.scan)} × ${showNumber(line.feed)}` : '') },
-  { title: 'Ink type', value: (line) => line.inkType, show: (line) => (line.scan ? showNumber(line.inkType) : '') },
-  { title: 'Colour set', value: (line) => line.colorset, show: (line) => (line.scan ? showNumber(line.colorset) : '') },
+  { title: 'Model', value: (line) => line.model || line.printer },
+  { title: 'Ink set', value: (line) => line.inkSet },
+  { title: 'Resolution', value: (line) => line.resolution, show: (line) => showResolution(line.resolution) },
   { title: 'Version', value: (line) => line.version, show: (line) => `${line.version}` },
   { title: 'Updated', value: (line) => line.updated, show: (line) => (line.updated ? showDate(line.updated) : '') },
+  { title: 'Newest calibration', value: (line) => line.calibrated ?? 0, show: (line) => (line.calibrated ? `${line.calibration} ${showDate(line.calibrated)}`.trim() : line.calibration ?? '') },
   { title: 'Calibrations', value: (line) => line.calibrations, show: (line) => (line.calibrations ? showNumber(line.calibrations) : '') },
   { title: 'File', value: (line) => line.file },
 ];
@@ -18,7 +19,7 @@ class ProfileIndex {
   constructor() {
     this.sort = { column: 0, isAscending: true };
     this.chosen = new Set();
-    this.rows = report.profiles.map((line, index) => ({ line, index, element: this.rowOf(line, index), text: this.searchText(line) }));
+    this.rows = report.profiles.map((line, index) => ({ line, index, element: null, text: null }));
     this.body = el('tbody');
     this.count = el('p', { class: 'soft', role: 'status' });
     this.compareButton = el('button', { type: 'button', class: 'button', disabled: true, on: { click: () => this.compare() } }, 'Compare the two chosen');
@@ -31,8 +32,10 @@ class ProfileIndex {
     this.arrange();
   }
 
-  searchText(line) {
-    return [line.path, line.failure ?? '', line.format ?? '', ...(line.failure ? [] : indexColumns.map((column) => String(showCell(column, line))))].join('\n').toLocaleLowerCase();
+  // All that a filter looks at, made when there is one.
+  searchText(row) {
+    const { line } = row;
+    return row.text ??= [line.path, line.failure ?? '', line.format ?? '', ...(line.failure ? [] : indexColumns.map((column) => String(showCell(column, line))))].join('\n').toLocaleLowerCase();
   }
 
   rowOf(line, index) {
@@ -61,6 +64,14 @@ class ProfileIndex {
     this.arrange();
   }
 
+  // The rows that are seen first come at once, the others when these are painted.
+  fill(rows) {
+    const elements = (some) => some.map((row) => row.element ??= this.rowOf(row.line, row.index));
+    this.body.replaceChildren(...elements(rows.slice(0, 40)));
+    clearTimeout(this.filling);
+    this.filling = setTimeout(() => this.body.append(...elements(rows.slice(40))));
+  }
+
   arrange() {
     const { value } = indexColumns[this.sort.column];
     const key = ({ line }) => (line.failure ? line.file : value(line));
@@ -68,8 +79,8 @@ class ProfileIndex {
     const compare = (a, b) => (typeof a === 'number' && typeof b === 'number' ? a - b : collator.compare(String(a), String(b)));
     const sign = this.sort.isAscending ? 1 : -1;
     const words = this.search.value.toLocaleLowerCase().split(/\s+/).filter(Boolean);
-    const shown = this.rows.filter(({ text }) => words.every((word) => text.includes(word))).sort((a, b) => sign * compare(key(a), key(b)));
-    this.body.replaceChildren(...shown.map(({ element }) => element));
+    const shown = (words.length === 0 ? [...this.rows] : this.rows.filter((row) => words.every((word) => this.searchText(row).includes(word)))).sort((a, b) => sign * compare(key(a), key(b)));
+    this.fill(shown);
     this.count.textContent = shown.length === this.rows.length ? `${showNumber(shown.length)} profiles` : `${showNumber(shown.length)} of ${showNumber(this.rows.length)} profiles`;
     this.heads.forEach((head, i) => head.setAttribute('aria-sort', i !== this.sort.column ? 'none' : this.sort.isAscending ? 'ascending' : 'descending'));
   }

@@ -97,7 +97,7 @@ function goTo(event, key) {
 function showProfile(profile) {
   const { line } = profile;
   const media = line.media || line.file;
-  setHeading(media, [line.printer || line.model, line.scan ? `${showNumber(line.scan)} × ${showNumber(line.feed)} dpi` : '', line.file].filter(Boolean).join(' · '), guessLanguage(media));
+  setHeading(media, [line.printer || line.model, line.resolution ? `${showResolution(line.resolution)} dpi` : '', line.file].filter(Boolean).join(' · '), guessLanguage(media));
   const shown = sections.filter((section) => hasSection(profile, section));
   const contents = contentsList(shown);
   const elements = shown.map((section) => sectionElement(profile, section));
