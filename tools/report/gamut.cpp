@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <numeric>
+#include <tuple>
 #include <utility>
 
 namespace nvx::tool {

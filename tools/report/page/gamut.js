@@ -47,7 +47,7 @@ function drawGamut(area, gamuts) {
   svg.append('line').attr('class', 'zero').attr('x1', x(0)).attr('x2', x(0)).attr('y1', y(-reach)).attr('y2', y(reach));
   svg.append('line').attr('class', 'zero').attr('y1', y(0)).attr('y2', y(0)).attr('x1', x(-reach)).attr('x2', x(reach));
   svg.append('text').attr('x', size / 2).attr('y', size - 4).attr('text-anchor', 'middle').text('a*');
-  svg.append('text').attr('x', 8).attr('y', size / 2).attr('dy', '.35em').text('b*');
+  svg.append('text').attr('x', 8).attr('y', (y(ticks[ticks.length >> 1]) + y(ticks[(ticks.length >> 1) + 1])) / 2).attr('dy', '.35em').text('b*');
   if (gamuts.length === 1) {
     const darkFirst = [...gamuts[0].surface].sort((p, q) => p.l - q.l);
     svg.append('g').selectAll(null).data(darkFirst).enter().append('circle').attr('r', 3.4).attr('cx', (p) => x(p.a)).attr('cy', (p) => y(p.b))

@@ -188,7 +188,7 @@ class Plot {
       return this.yScale(d3.max(covered, (d) => d[0])) - this.yScale(d3.min(covered, (d) => d[1]));
     });
     const best = d3.scan(room, (a, b) => b - a);
-    if (best === undefined || room[best] < 13) return;
+    if (best === undefined || room[best] < 15) return;
     this.plane.append('text').attr('class', 'layer-name').attr('dy', '.35em').attr('x', places[best])
       .attr('y', this.yScale((layer[best][0] + layer[best][1]) / 2)).text(series.label);
   }
@@ -208,12 +208,16 @@ class Plot {
     const values = told.map((series) => [series, this.valueText(series, this.nearestIndex(series, x))]);
     if (this.stacked) values.push([null, this.y.show(d3.sum(shown, (series) => series.values[index] ?? 0))]);
     this.fillTip(this.x.show(x), values);
-    this.tip.style.left = '';
-    this.tip.style.right = '';
-    if (this.xScale(x) > this.width / 2) this.tip.style.left = `${plotMargin.left + 6}px`;
-    else this.tip.style.right = `${plotMargin.right + 6}px`;
+    this.placeTip(this.xScale(x) > this.width / 2);
     this.area.setAttribute('aria-valuenow', String(index));
     this.area.setAttribute('aria-valuetext', `${this.x.label} ${this.x.show(x)}: ${values.map(([series, text]) => `${series?.label ?? 'total'} ${text}`).join(', ')}`);
+  }
+
+  // On the other side of the cursor, in the corner that rising curves leave free.
+  placeTip(isLeft) {
+    const corner = isLeft ? { left: `${plotMargin.left + 6}px`, right: '', top: '0.5rem', bottom: '' }
+      : { left: '', right: `${plotMargin.right + 6}px`, top: '', bottom: `${plotMargin.bottom + 6}px` };
+    Object.assign(this.tip.style, corner);
   }
 
   valueText(series, index) {
