@@ -18,6 +18,9 @@ function tableOf(plot) {
 const curvesOf = (plot) => Object.fromEntries([...document.querySelectorAll(`[data-plot="${plot}"] path[data-series]`)].map((path) =>
   [path.dataset.series, path.getAttribute('d').slice(1).split(/[LMZ]/).filter(Boolean).map((corner) => corner.split(',').map(Number))]));
 
+// Height of each number at the left of a plot.
+const ticksOf = (plot) => [...document.querySelectorAll(`[data-plot="${plot}"] .y-tick`)].map((text) => [text.textContent, Number(text.getAttribute('y'))]);
+
 // What a reader without eyes or without a pointer would miss.
 function accessibilityFaults() {
   const faults = [];

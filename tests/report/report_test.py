@@ -113,15 +113,15 @@ class ReportTest(unittest.TestCase):
                 self.check_drawing(plot, list(curves.values()))
 
     def check_drawing(self, plot, curves):
-        """Each curve has a corner for each sample, and its corners rise and fall with the samples."""
-        drawn = list(self.ask(f"curvesOf({json.dumps(plot)})").values())
-        self.assertEqual(sorted(map(len, drawn)), sorted(map(len, curves)))
-        top = max(max(samples) for samples in curves)
-        heights = sorted([round(y) for _, y in corners] for corners in drawn)
-        floor = max(y for corners in heights for y in corners)
-        scale = (floor - min(y for corners in heights for y in corners)) / top
-        wanted = sorted([round(floor - scale * sample) for sample in samples] for samples in curves)
-        worst = max(abs(a - b) for one, other in zip(heights, wanted) for a, b in zip(one, other))
+        """Each curve has a corner for each sample, at the height that the axis gives it."""
+        ticks = self.ask(f"ticksOf({json.dumps(plot)})")
+        value = lambda text: float(text[:-1]) * 655.35 if text.endswith("%") else float(text.replace(",", ""))
+        (low, low_y), (high, high_y) = [(value(text), y) for text, y in (ticks[0], ticks[-1])]
+        height = lambda sample: low_y + (sample - low) * (high_y - low_y) / (high - low)
+        drawn = sorted([round(y) for _, y in corners] for corners in self.ask(f"curvesOf({json.dumps(plot)})").values())
+        wanted = sorted([round(height(sample)) for sample in samples] for samples in curves)
+        self.assertEqual(list(map(len, drawn)), list(map(len, wanted)))
+        worst = max(abs(a - b) for one, other in zip(drawn, wanted) for a, b in zip(one, other))
         self.assertLessEqual(worst, 2, "corners of the curves, in pixels")
 
     def expected_plots(self):

@@ -132,7 +132,7 @@ class Plot {
     grid.selectAll(null).data(xTicks).enter().append('line').attr('y1', plotMargin.top).attr('y2', bottom)
       .attr('x1', (x) => this.xScale(x)).attr('x2', (x) => this.xScale(x));
     const text = this.svg.append('g');
-    text.selectAll(null).data(yTicks).enter().append('text').attr('x', left - 6).attr('dy', '.35em').attr('text-anchor', 'end')
+    text.selectAll(null).data(yTicks).enter().append('text').attr('class', 'y-tick').attr('x', left - 6).attr('dy', '.35em').attr('text-anchor', 'end')
       .attr('y', (y) => this.yScale(y)).text(this.y.show);
     text.selectAll(null).data(xTicks).enter().append('text').attr('y', bottom + 14)
       .attr('text-anchor', (x) => (this.xScale(x) > right - 12 ? 'end' : 'middle')).attr('x', (x) => this.xScale(x)).text(this.x.show);
