@@ -16,8 +16,10 @@ def samples(count, curve, whole=WHOLE):
 
 
 def curves(count, curve, whole=WHOLE, inks=INKS, **attributes):
-    return [{"inkID": ink, "inkName": name, **attributes, "samples": samples(count, lambda x: curve(ink, x), whole)}
-            for ink, name in inks]
+    return [
+        {"inkID": ink, "inkName": name, **attributes, "samples": samples(count, lambda x: curve(ink, x), whole)}
+        for ink, name in inks
+    ]
 
 
 def smoothstep(low, high, x):
@@ -38,7 +40,9 @@ def balanced(ink, x):
 
 def dot(extend, x):
     """Small dots make room for middle ones, and these for large ones."""
-    small, middle = smoothstep(0.0, 0.3, x) * (1 - smoothstep(0.3, 0.6, x)), smoothstep(0.25, 0.6, x) * (1 - smoothstep(0.65, 0.95, x))
+    small, middle = smoothstep(0.0, 0.3, x) * (1 - smoothstep(0.3, 0.6, x)), smoothstep(0.25, 0.6, x) * (
+        1 - smoothstep(0.65, 0.95, x)
+    )
     return {3: small * 0.9, 4: middle * 0.8, 5: smoothstep(0.55, 1.0, x)}[extend]
 
 
@@ -53,7 +57,9 @@ def separation():
     """CMYK to six inks on 9 points: black takes over in the shadows, light inks in the highlights."""
     grid = 9
     nodes = bytearray()
-    for c, m, y, k in ((a, b, d, e) for a in range(grid) for b in range(grid) for d in range(grid) for e in range(grid)):
+    for c, m, y, k in (
+        (a, b, d, e) for a in range(grid) for b in range(grid) for d in range(grid) for e in range(grid)
+    ):
         cmy = [v / (grid - 1) for v in (c, m, y)]
         gray = min(cmy)
         taken = 0.75 * gray * smoothstep(0.3, 1.0, gray)
@@ -64,8 +70,12 @@ def separation():
         nodes += bytes(round(255 * min(max(v, 0), 1)) for v in (*deep, black, *lights))
     inputs = [(1, "Cyan"), (2, "Magenta"), (3, "Yellow"), (4, "Black")]
     channel = lambda code, name: {"channelCode": code, "channelAttribute": 0, "channelName": name}
-    return {"gridCount": grid, "inputChannels": [channel(*c) for c in inputs],
-            "outputChannels": [channel(*c) for c in INKS], "samples": base64.b64encode(nodes).decode()}
+    return {
+        "gridCount": grid,
+        "inputChannels": [channel(*c) for c in inputs],
+        "outputChannels": [channel(*c) for c in INKS],
+        "samples": base64.b64encode(nodes).decode(),
+    }
 
 
 def calibrations():
@@ -77,12 +87,24 @@ def calibrations():
     for code, (drift, name) in enumerate(zip(drifts, names)):
         share = {1: 1.0, 2: 0.6, 3: 0.35, 4: 0.8, 5: 1.2, 6: 0.9}
         moved = lambda ink, x: linearized(ink, x, drift * share[ink])
-        children.append({"type": "calibration", "optionInfo": code,
-                         "containerData": {"value": 1, "time": start + code * month + code % 3 * 86400, "name": name},
-                         "payload": {"entries": [
-                             {"type": "calibration-linearization", "payload": {"curves": curves(65, moved)}},
-                             {"type": "calibration-ink-limit",
-                              "payload": {"curves": curves(17, lambda ink, x: min(x, LIMIT[ink] - drift / 2), extendInfo=12)}}]}})
+        children.append(
+            {
+                "type": "calibration",
+                "optionInfo": code,
+                "containerData": {"value": 1, "time": start + code * month + code % 3 * 86400, "name": name},
+                "payload": {
+                    "entries": [
+                        {"type": "calibration-linearization", "payload": {"curves": curves(65, moved)}},
+                        {
+                            "type": "calibration-ink-limit",
+                            "payload": {
+                                "curves": curves(17, lambda ink, x: min(x, LIMIT[ink] - drift / 2), extendInfo=12)
+                            },
+                        },
+                    ]
+                },
+            }
+        )
     return {"nextID": len(names), "entries": children}
 
 
@@ -99,28 +121,54 @@ def lamp():
 
 def mask_pattern(number, of):
     """The points of one pass out of a dispersed order of 64 by 64."""
+
     def order(x, y):
         value = 0
         for bit in range(6):
             value = value << 2 | (((x >> bit & 1) ^ (y >> bit & 1)) << 1 | (y >> bit & 1))
         return value
+
     bits = [of * order(x, y) // 4096 == number for y in range(64) for x in range(64)]
-    return base64.b64encode(bytes(sum(bit << (7 - i) for i, bit in enumerate(bits[at:at + 8])) for at in range(0, 4096, 8))).decode()
+    return base64.b64encode(
+        bytes(sum(bit << (7 - i) for i, bit in enumerate(bits[at : at + 8])) for at in range(0, 4096, 8))
+    ).decode()
 
 
 def masks():
     header = {"versionMajor": 2, "versionMinor": 0, "reserved": [0, 0]}
     conditions = [(4, 0, 100, [], [1, 2, 3, 4]), (8, 2, 200, [5, 9], [1, 3, 5]), (8, 2, 300, [5, 7, 9], [2, 4, 5])]
-    records = [{"pass": p, "specialColorsetCode": s, "printMethod": m, "layerColors": colors, "usePatternIDs": ids,
-                "paramData": base64.b64encode(bytes(range(16 + p))).decode()} for p, s, m, colors, ids in conditions]
+    records = [
+        {
+            "pass": p,
+            "specialColorsetCode": s,
+            "printMethod": m,
+            "layerColors": colors,
+            "usePatternIDs": ids,
+            "paramData": base64.b64encode(bytes(range(16 + p))).decode(),
+        }
+        for p, s, m, colors, ids in conditions
+    ]
     patterns = [{"maskPatternID": i + 1, "maskPattern": mask_pattern(i, 4)} for i in range(4)]
     patterns.append({"maskPatternID": 5, "maskPattern": mask_pattern(0, 2)})
     return {"weftHeader": header, "maskParameters": records, "maskPatterns": patterns}
 
 
 def special():
-    sets = [{"usedType": 4, "curves": [{"inkID": ink, "inkName": name, "extendInfo": extend, "samples": samples(33, lambda x: dot(extend, x) * full)}
-                                       for extend in (3, 4, 5)]} for ink, name, full in ((20, "White", 1.0), (21, "Clear", 0.7))]
+    sets = [
+        {
+            "usedType": 4,
+            "curves": [
+                {
+                    "inkID": ink,
+                    "inkName": name,
+                    "extendInfo": extend,
+                    "samples": samples(33, lambda x: dot(extend, x) * full),
+                }
+                for extend in (3, 4, 5)
+            ],
+        }
+        for ink, name, full in ((20, "White", 1.0), (21, "Clear", 0.7))
+    ]
     set_bytes = sum(32 + len(s["curves"]) * (4 + 132 + 66) for s in sets)
     patterns = [((200, -1), (20, 0), (3, 100, 1)), ((300, -1), (20, 21), (2, 80, 2)), ((-1, -1), (-1, 0), (1, 60, 0))]
     head, store = [0, 0, len(sets), set_bytes], []
@@ -128,7 +176,10 @@ def special():
         head += [0, 0, *conditions, 2, *colors]
         store += [0, 0, *recommendation]
     head[0] = 4 * len(head)
-    return {"profileColorType": 1, "entries": [{"usedType": 1, "patternCount": len(patterns), "parameters": [head, store], "curvesVD": sets}]}
+    return {
+        "profileColorType": 1,
+        "entries": [{"usedType": 1, "patternCount": len(patterns), "parameters": [head, store], "curvesVD": sets}],
+    }
 
 
 def entry(kind, payload, label=""):
@@ -139,26 +190,75 @@ DOCUMENT = {
     "nvxprofile": 1,
     "format": "printer-profile",
     "record": {
-        "ScanResolution": 1200, "FeedResolution": 1200, "DotType": 2, "ColorsetCode": 4, "InkTypeCode": 7, "InkMakerCode": 1,
-        "InkVersion": 2, "LayoutNumber": 3, "CreateTimeValue": 1736164800,
+        "ScanResolution": 1200,
+        "FeedResolution": 1200,
+        "DotType": 2,
+        "ColorsetCode": 4,
+        "InkTypeCode": 7,
+        "InkMakerCode": 1,
+        "InkVersion": 2,
+        "LayoutNumber": 3,
+        "CreateTimeValue": 1736164800,
         "Binary": {
-            "ModelNumber": 2160, "ModelSubNumber": 3, "InternalNumber": 1, "MediaNumber": 312, "DefaultMediaName": "Glossy adhesive vinyl",
-            "CreateModule": "example v2.0", "MakerText": "Example", "StoredRevisionCode": "0003",
-            "MediaInfo": [{"Language": 9, "Name": "Glossy adhesive vinyl"}, {"Language": 7, "Name": "Selbstklebefolie, glänzend weiß"},
-                          {"Language": 17, "Name": "光沢塩ビフィルム(粘着)"}]}},
+            "ModelNumber": 2160,
+            "ModelSubNumber": 3,
+            "InternalNumber": 1,
+            "MediaNumber": 312,
+            "DefaultMediaName": "Glossy adhesive vinyl",
+            "CreateModule": "example v2.0",
+            "MakerText": "Example",
+            "StoredRevisionCode": "0003",
+            "MediaInfo": [
+                {"Language": 9, "Name": "Glossy adhesive vinyl"},
+                {"Language": 7, "Name": "Selbstklebefolie, glänzend weiß"},
+                {"Language": 17, "Name": "光沢塩ビフィルム(粘着)"},
+            ],
+        },
+    },
     "entries": [
         {"type": "icc", "label": "CMYK frame", "file": "/usr/share/color/icc/ghostscript/default_cmyk.icc"},
         entry("linearization", {"curves": curves(256, linearized)}, "linearization"),
         entry("gray-balance", {"curves": curves(256, balanced, whole=255)}, "gray balance"),
-        entry("multi-ink-limit", {"curves": curves(33, lambda ink, x: min(x, LIMIT[ink]), extendInfo=12)
-                                  + curves(33, lambda ink, x: x, extendInfo=14)}, "ink limits"),
+        entry(
+            "multi-ink-limit",
+            {
+                "curves": curves(33, lambda ink, x: min(x, LIMIT[ink]), extendInfo=12)
+                + curves(33, lambda ink, x: x, extendInfo=14)
+            },
+            "ink limits",
+        ),
         entry("light-ink", {"curves": curves(65, light, inks=[INKS[i] for i in (0, 4, 1, 5)])}, "light inks"),
-        entry("variable", {"curves": [c for extend in (3, 4, 5) for c in curves(65, lambda ink, x: dot(extend, x) * (1 - 0.04 * ink), extendInfo=extend)]},
-              "variable dots"),
+        entry(
+            "variable",
+            {
+                "curves": [
+                    c
+                    for extend in (3, 4, 5)
+                    for c in curves(65, lambda ink, x: dot(extend, x) * (1 - 0.04 * ink), extendInfo=extend)
+                ]
+            },
+            "variable dots",
+        ),
         entry("chroma", separation(), "separation"),
-        entry("media-property", {"mediaProperties": [
-            {"usedType": kind, "parameterMax": len(values), "parameters": values}
-            for kind, values in ((1, [12]), (2, [38, 42, 40, 35]), (3, [2]), (4, [180]), (5, [1]), (6, [4, 8, 14]), (9, [2]), (10, [30]), (11, [1]))]}),
+        entry(
+            "media-property",
+            {
+                "mediaProperties": [
+                    {"usedType": kind, "parameterMax": len(values), "parameters": values}
+                    for kind, values in (
+                        (1, [12]),
+                        (2, [38, 42, 40, 35]),
+                        (3, [2]),
+                        (4, [180]),
+                        (5, [1]),
+                        (6, [4, 8, 14]),
+                        (9, [2]),
+                        (10, [30]),
+                        (11, [1]),
+                    )
+                ]
+            },
+        ),
         entry("calibration-history", calibrations()),
         entry("large-parameter", lamp()),
         entry("mask-patterns", masks()),
@@ -171,7 +271,11 @@ def write(document, indent=0):
     """JSON with a line for each object of the outer levels and whole arrays of numbers on one."""
     pad = " " * indent
     if isinstance(document, dict) and any(isinstance(v, (dict, list)) for v in document.values()):
-        return "{\n" + ",\n".join(f"{pad} {json.dumps(k)}: {write(v, indent + 1)}" for k, v in document.items()) + f"\n{pad}}}"
+        return (
+            "{\n"
+            + ",\n".join(f"{pad} {json.dumps(k)}: {write(v, indent + 1)}" for k, v in document.items())
+            + f"\n{pad}}}"
+        )
     if isinstance(document, list) and any(isinstance(v, (dict, list)) for v in document):
         return "[\n" + ",\n".join(f"{pad} {write(v, indent + 1)}" for v in document) + f"\n{pad}]"
     return json.dumps(document, ensure_ascii=False)

@@ -7,8 +7,10 @@ from selenium import webdriver
 from selenium.webdriver.chrome.options import Options
 from selenium.webdriver.chrome.service import Service
 
-SWITCHES = ("--headless --no-sandbox --disable-gpu --disable-quic --no-first-run --disable-background-networking "
-            "--disable-component-update --disable-sync --hide-scrollbars").split()
+SWITCHES = (
+    "--headless --no-sandbox --disable-gpu --disable-quic --no-first-run --disable-background-networking "
+    "--disable-component-update --disable-sync --hide-scrollbars"
+).split()
 
 
 class Browser:
@@ -36,7 +38,9 @@ class Browser:
         return self.driver.execute_cdp_cmd(name, arguments)
 
     def size(self, width, height=900):
-        self.command("Emulation.setDeviceMetricsOverride", width=width, height=height, deviceScaleFactor=1, mobile=False)
+        self.command(
+            "Emulation.setDeviceMetricsOverride", width=width, height=height, deviceScaleFactor=1, mobile=False
+        )
 
     def scheme(self, name):
         self.command("Emulation.setEmulatedMedia", features=[{"name": "prefers-color-scheme", "value": name}])

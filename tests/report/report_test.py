@@ -25,7 +25,10 @@ AXE = os.environ.get("AXE", "")
 HELPERS = (pathlib.Path(__file__).parent / "page.js").read_text(encoding="utf-8")
 HOSTILE = "</script><script>window.taken=1</script><img src=x onerror=window.taken=2><!--"
 MANY = 300
-TABLES = {**os.environ, "NVXPROFILE_PROFILE_DIR": str(ROOT / "examples/text_headed")}  # text-headed profiles load with it
+TABLES = {
+    **os.environ,
+    "NVXPROFILE_PROFILE_DIR": str(ROOT / "examples/text_headed"),
+}  # text-headed profiles load with it
 
 
 def tool(*arguments, status=0, **options):
@@ -75,7 +78,8 @@ class ReportTest(unittest.TestCase):
 
     def ask(self, expression):
         return self.browser.driver.execute_async_script(
-            HELPERS + f"const done = arguments[arguments.length - 1]; Promise.resolve({expression}).then(done);")
+            HELPERS + f"const done = arguments[arguments.length - 1]; Promise.resolve({expression}).then(done);"
+        )
 
     def table(self, plot):
         """Columns of the table behind a plot, as texts, by name."""
@@ -93,10 +97,14 @@ class ReportTest(unittest.TestCase):
         self.browser.run("arguments[0].scrollIntoView({block: 'center', behavior: 'instant'})", element)
 
     def plots(self):
-        return set(self.browser.run("return [...document.querySelectorAll('[data-plot]')].map((plot) => plot.dataset.plot)"))
+        return set(
+            self.browser.run("return [...document.querySelectorAll('[data-plot]')].map((plot) => plot.dataset.plot)")
+        )
 
     def texts(self, selector):
-        return self.browser.run("return [...document.querySelectorAll(arguments[0])].map((e) => e.textContent)", selector)
+        return self.browser.run(
+            "return [...document.querySelectorAll(arguments[0])].map((e) => e.textContent)", selector
+        )
 
     # --- one profile ---
 
@@ -132,14 +140,22 @@ class ReportTest(unittest.TestCase):
         for name in ("multi-ink-limit", "variable"):
             for extend in {curve["extendInfo"] for curve in sets[name]}:
                 plots[f"{name}-{extend}"] = by_name(curve for curve in sets[name] if curve["extendInfo"] == extend)
-        plots["merged-gray-balance"] = {name: [plots["linearization"][name][place] for place in places]
-                                        for name, places in plots["gray-balance"].items()}
+        plots["merged-gray-balance"] = {
+            name: [plots["linearization"][name][place] for place in places]
+            for name, places in plots["gray-balance"].items()
+        }
         for i, curve_set in enumerate(tool_json("special", self.profile)["entries"][0]["curvesVD"]):
-            plots[f"special-0-{i}"] = {f'{c["inkName"]} dot size {c["extendInfo"]}': c["samples"] for c in curve_set["curves"]}
+            plots[f"special-0-{i}"] = {
+                f'{c["inkName"]} dot size {c["extendInfo"]}': c["samples"] for c in curve_set["curves"]
+            }
         for calibration in tool_json("history", self.profile)["calibrations"]:
-            entries = tool_json("history", self.profile, "--curves", calibration["code"])["calibrations"][calibration["code"]]["curves"]
+            entries = tool_json("history", self.profile, "--curves", calibration["code"])["calibrations"][
+                calibration["code"]
+            ]["curves"]
             for curve in next(entry for entry in entries if entry["name"] == "calibration-linearization")["curves"]:
-                plots.setdefault(f'calibration-linearization-{curve["inkID"]}-0', {})[calibration["name"]] = curve["samples"]
+                plots.setdefault(f'calibration-linearization-{curve["inkID"]}-0', {})[calibration["name"]] = curve[
+                    "samples"
+                ]
         return plots
 
     def test_drift_is_that_of_the_calibrations(self):
@@ -157,9 +173,14 @@ class ReportTest(unittest.TestCase):
         self.browser.open(self.page)
         part = entry_of(self.example, "chroma")["payload"]
         samples, outputs = base64.b64decode(part["samples"]), len(part["outputChannels"])
-        node = lambda *places: samples[(((places[0] * 9 + places[1]) * 9 + places[2]) * 9 + places[3]) * outputs:][:outputs]
-        paths = {"neutral": [node(i, i, i, 0) for i in range(9)], "edge-1-paper": [node(0, i, 0, 0) for i in range(9)],
-                 "edge-3-dark": [node(8, 8, 8, i) for i in range(9)]}
+        node = lambda *places: samples[(((places[0] * 9 + places[1]) * 9 + places[2]) * 9 + places[3]) * outputs :][
+            :outputs
+        ]
+        paths = {
+            "neutral": [node(i, i, i, 0) for i in range(9)],
+            "edge-1-paper": [node(0, i, 0, 0) for i in range(9)],
+            "edge-3-dark": [node(8, 8, 8, i) for i in range(9)],
+        }
         for plot, nodes in paths.items():
             columns = list(self.table(plot).values())
             for output, column in enumerate(columns):
@@ -174,9 +195,18 @@ class ReportTest(unittest.TestCase):
         self.browser.open(self.page)
         table = self.table("icc-gamut")
         shown = [[float(column[i].replace("−", "-")) for column in table.values()] for i in range(5)]
-        colors = "".join(f"{c} {m} {y} {k}\n" for c, m, y, k in ((0, 0, 0, 0), (100, 0, 0, 0), (0, 100, 0, 0), (0, 0, 100, 0), (0, 0, 0, 100)))
+        colors = "".join(
+            f"{c} {m} {y} {k}\n"
+            for c, m, y, k in ((0, 0, 0, 0), (100, 0, 0, 0), (0, 100, 0, 0), (0, 0, 100, 0), (0, 0, 0, 100))
+        )
         frame = entry_of(self.example, "icc")["file"]
-        result = subprocess.run(["transicc", "-n", "-t1", "-i", frame, "-o", "*Lab"], input=colors, capture_output=True, text=True, check=True)
+        result = subprocess.run(
+            ["transicc", "-n", "-t1", "-i", frame, "-o", "*Lab"],
+            input=colors,
+            capture_output=True,
+            text=True,
+            check=True,
+        )
         computed = [list(map(float, line.split())) for line in result.stdout.splitlines() if line[:1].isdigit()]
         self.assertEqual(len(computed), 5, result.stdout)
         for ours, theirs in zip(shown, computed):
@@ -197,13 +227,18 @@ class ReportTest(unittest.TestCase):
         self.assertIn(f"({sample:,})", tip[0])
         area.send_keys(Keys.HOME, Keys.ARROW_RIGHT, Keys.ARROW_RIGHT)
         self.assertEqual(area.get_attribute("aria-valuenow"), "2")
-        self.assertIn(f'Cyan {linearization_of(self.example)[0]["samples"][2] / 655.35:.2g}%', area.get_attribute("aria-valuetext"))
+        self.assertIn(
+            f'Cyan {linearization_of(self.example)[0]["samples"][2] / 655.35:.2g}%',
+            area.get_attribute("aria-valuetext"),
+        )
         before = self.ask("curvesOf('linearization')")
         area.send_keys("+")
         self.assertNotEqual(self.ask("curvesOf('linearization')"), before)
         area.send_keys(Keys.ESCAPE)
         self.assertEqual(self.ask("curvesOf('linearization')"), before)
-        ActionChains(self.browser.driver).move_to_element_with_offset(area, -80, -60).click_and_hold().move_by_offset(120, 90).release().perform()
+        ActionChains(self.browser.driver).move_to_element_with_offset(area, -80, -60).click_and_hold().move_by_offset(
+            120, 90
+        ).release().perform()
         self.assertNotEqual(self.ask("curvesOf('linearization')"), before, "a dragged frame zooms")
 
     def test_legend_switches_inks(self):
@@ -225,7 +260,9 @@ class ReportTest(unittest.TestCase):
         self.browser.draw_all()
         slider = self.browser.driver.find_element(By.CSS_SELECTOR, "#calibrations input[type=range]")
         self.show(slider)
-        marked = "return [...document.querySelectorAll('#calibrations .curve.marked')].map((path) => path.dataset.series)"
+        marked = (
+            "return [...document.querySelectorAll('#calibrations .curve.marked')].map((path) => path.dataset.series)"
+        )
         self.assertEqual(self.browser.run(marked), ["7"] * 6)
         slider.send_keys(Keys.ARROW_LEFT, Keys.ARROW_LEFT)
         self.assertEqual(self.browser.run(marked), ["5"] * 6)
@@ -233,22 +270,36 @@ class ReportTest(unittest.TestCase):
 
     def test_every_section_is_there(self):
         self.browser.open(self.page)
-        titles = ["What it is for", "Ink curves", "Separation table", "ICC profile", "Calibrations", "Special colours", "Media settings",
-                  "UV lamp", "Masks", "Entries"]
+        titles = [
+            "What it is for",
+            "Ink curves",
+            "Separation table",
+            "ICC profile",
+            "Calibrations",
+            "Special colours",
+            "Media settings",
+            "UV lamp",
+            "Masks",
+            "Entries",
+        ]
         self.assertEqual(self.texts("section > h2"), titles)
         self.assertIn("38 42 40 35", " ".join(" ".join(self.texts("#media td")).split()))
         self.assertEqual(self.texts("#lamp tbody tr:first-child td")[:5], ["1", "any", "any", "1200", "11"])
         self.assertEqual(self.texts("#special tbody tr:nth-child(2) td")[2:5], ["20 21", "2", "80"])
         self.browser.draw_all()
-        pixels = self.browser.run("""const canvas = document.querySelector('canvas[data-pattern="5"]');
+        pixels = self.browser.run(
+            """const canvas = document.querySelector('canvas[data-pattern="5"]');
           const data = canvas.getContext('2d').getImageData(0, 0, canvas.width, canvas.height).data;
-          let bits = ''; for (let i = 0; i < data.length; i += 4) bits += data[i] < 128 ? 1 : 0; return bits""")
+          let bits = ''; for (let i = 0; i < data.length; i += 4) bits += data[i] < 128 ? 1 : 0; return bits"""
+        )
         pattern = base64.b64decode(entry_of(self.example, "mask-patterns")["payload"]["maskPatterns"][4]["maskPattern"])
         self.assertEqual(pixels, "".join(f"{byte:08b}" for byte in pattern))
 
     def test_names_and_numbers_by_language(self):
         self.browser.open(self.page)
-        names = self.browser.run("return [...document.querySelectorAll('#overview dd[lang]')].map((e) => [e.lang, e.textContent])")
+        names = self.browser.run(
+            "return [...document.querySelectorAll('#overview dd[lang]')].map((e) => [e.lang, e.textContent])"
+        )
         self.assertIn(["de", "Selbstklebefolie, glänzend weiß"], names)
         self.assertIn(["ja", "光沢塩ビフィルム(粘着)"], names)
         self.browser.languages("de-DE")
@@ -277,10 +328,15 @@ class ReportTest(unittest.TestCase):
         tool("report", self.profile, self.folder / "other.icc", "--compare", "-o", page)
         self.browser.open(page)
         self.browser.draw_all()
-        both = {f"{side}-{name}" for side in ("a", "b", "difference") for name in ("linearization", "merged-gray-balance")}
+        both = {
+            f"{side}-{name}" for side in ("a", "b", "difference") for name in ("linearization", "merged-gray-balance")
+        }
         self.assertEqual(self.plots(), both, "what is the same is not drawn")
         shown = self.table("difference-linearization")["Cyan"]
-        wanted = [(b - a) / 65535 for a, b in zip(linearization_of(self.example)[0]["samples"], linearization_of(other)[0]["samples"])]
+        wanted = [
+            (b - a) / 65535
+            for a, b in zip(linearization_of(self.example)[0]["samples"], linearization_of(other)[0]["samples"])
+        ]
         for cell, difference in zip(shown, wanted):
             self.assertAlmostEqual(float(cell.replace("−", "-")), difference, places=5)
         self.assertEqual(set(self.table("difference-linearization")["Black"]), {"0"})
@@ -290,7 +346,10 @@ class ReportTest(unittest.TestCase):
         folded = self.browser.driver.find_element(By.XPATH, "//summary[text()='Separation table: the same in both']")
         self.show(folded)
         folded.click()
-        self.assertTrue(self.browser.until("return document.querySelector('[data-plot=\"a-neutral\"] .layer')"), "opens where it is folded")
+        self.assertTrue(
+            self.browser.until("return document.querySelector('[data-plot=\"a-neutral\"] .layer')"),
+            "opens where it is folded",
+        )
         self.check_accessibility("comparison")
         self.browser.open(page)
         self.browser.picture("comparison")
@@ -320,7 +379,9 @@ class ReportTest(unittest.TestCase):
         self.assertLess(page.stat().st_size, 15_000_000)
         self.browser.open(page)
         rows = lambda: self.texts(".index tbody tr")
-        self.assertTrue(self.browser.until("return document.querySelectorAll('.index tbody tr').length === arguments[0]", MANY + 1))
+        self.assertTrue(
+            self.browser.until("return document.querySelectorAll('.index tbody tr').length === arguments[0]", MANY + 1)
+        )
         self.assertTrue(any("broken.icc" in row and "Format" in row for row in rows()), "says what does not load")
         head = self.browser.driver.find_elements(By.CSS_SELECTOR, ".index thead button")
         head[3].click()
@@ -329,7 +390,9 @@ class ReportTest(unittest.TestCase):
         self.assertIn("1,440 × 1,200", [row for row in rows() if "broken" not in row][0])
         search = self.browser.driver.find_element(By.CSS_SELECTOR, "input[type=search]")
         search.send_keys("weiß 1,200")
-        self.assertTrue(self.browser.until("return document.querySelectorAll('.index tbody tr').length === arguments[0]", MANY // 5))
+        self.assertTrue(
+            self.browser.until("return document.querySelectorAll('.index tbody tr').length === arguments[0]", MANY // 5)
+        )
         self.check_accessibility("index")
         search.clear()
         search.send_keys("profile00")
@@ -338,7 +401,9 @@ class ReportTest(unittest.TestCase):
         boxes[0].click()
         boxes[1].click()
         self.browser.driver.find_element(By.XPATH, "//button[text()='Compare the two chosen']").click()
-        self.assertEqual(self.browser.until("return document.querySelector('h1').textContent === 'Comparison' && 'shown'"), "shown")
+        self.assertEqual(
+            self.browser.until("return document.querySelector('h1').textContent === 'Comparison' && 'shown'"), "shown"
+        )
         self.browser.run("location.hash = '#/1'")
         self.assertTrue(self.browser.until("return document.querySelector('[data-plot=linearization]') !== null"))
         self.assertIn("Left out to keep this page small", self.texts("#separation")[0])
@@ -347,13 +412,17 @@ class ReportTest(unittest.TestCase):
     def measure(self, page, made):
         """How long the page takes to open, beside a page of as many bytes that has nothing to do."""
         inert = self.folder / "inert.html"
-        inert.write_bytes(b"<!DOCTYPE html><meta charset=utf-8><script type=text/plain>" + b"x" * page.stat().st_size + b"</script>")
+        inert.write_bytes(
+            b"<!DOCTYPE html><meta charset=utf-8><script type=text/plain>" + b"x" * page.stat().st_size + b"</script>"
+        )
         opened = {path: [] for path in (page, inert)}
         for path in [page, inert] * 3:
             self.browser.open(path)
             opened[path].append(self.browser.run("return performance.getEntriesByType('navigation')[0].loadEventEnd"))
-        print(f"\n{MANY} profiles: {page.stat().st_size} bytes, made in {made:.1f} s, opened in {min(opened[page]):.0f} ms; "
-              f"as many bytes of nothing in {min(opened[inert]):.0f} ms")
+        print(
+            f"\n{MANY} profiles: {page.stat().st_size} bytes, made in {made:.1f} s, opened in {min(opened[page]):.0f} ms; "
+            f"as many bytes of nothing in {min(opened[inert]):.0f} ms"
+        )
 
     def test_every_kind_of_profile_opens(self):
         """Containers, text-headed and plain ICC profiles, and the odd ones that the fuzzers start from."""
@@ -361,7 +430,11 @@ class ReportTest(unittest.TestCase):
         for document, path in zip(("container.json", "text_headed/glossy.json"), files):
             tool("build", ROOT / "examples" / document, "-o", path)
         files.append(entry_of(self.example, "icc")["file"])
-        files += [path for kind in ("container", "qpf", "text_header") for path in sorted((ROOT / "fuzz/corpus" / kind).iterdir())]
+        files += [
+            path
+            for kind in ("container", "qpf", "text_header")
+            for path in sorted((ROOT / "fuzz/corpus" / kind).iterdir())
+        ]
         page = self.folder / "kinds.html"
         subprocess.run([TOOL, "report", *files, "-o", page], capture_output=True, check=False, env=TABLES)
         self.browser.open(page)
@@ -379,7 +452,9 @@ class ReportTest(unittest.TestCase):
 
     def test_hostile_text_does_nothing(self):
         document = copy.deepcopy(self.example)
-        document["record"]["Binary"].update(DefaultMediaName=HOSTILE[:60], MakerText="<b>bold</b>", MediaInfo=[{"Language": 9, "Name": HOSTILE[:60]}])
+        document["record"]["Binary"].update(
+            DefaultMediaName=HOSTILE[:60], MakerText="<b>bold</b>", MediaInfo=[{"Language": 9, "Name": HOSTILE[:60]}]
+        )
         entry_of(document, "linearization")["label"] = HOSTILE
         linearization_of(document)[0]["inkName"] = HOSTILE
         entry_of(document, "chroma")["payload"]["inputChannels"][0]["channelName"] = HOSTILE
@@ -395,21 +470,25 @@ class ReportTest(unittest.TestCase):
             self.browser.run("for (const details of document.querySelectorAll('details')) details.open = true")
             time.sleep(0.2)
             self.assertIsNone(self.browser.run("return window.taken ?? null"))
-            self.assertEqual(self.browser.run("return document.querySelectorAll('img, iframe, b b, svg[onload]').length"), 0)
+            self.assertEqual(
+                self.browser.run("return document.querySelectorAll('img, iframe, b b, svg[onload]').length"), 0
+            )
         self.browser.open(page, "#/0")
         self.assertIn(HOSTILE, self.texts('[data-plot="linearization"] .legend span'))
         self.assertIn("<b>bold</b>", self.texts("#overview dd"))
 
     def test_policy_forbids_what_is_not_in_the_file(self):
         self.browser.open(self.page)
-        blocked = self.browser.driver.execute_async_script("""
+        blocked = self.browser.driver.execute_async_script(
+            """
           const done = arguments[0];
           const blocked = new Set();
           addEventListener('securitypolicyviolation', (event) => blocked.add(event.effectiveDirective));
           const attempts = [['script', {textContent: new String('window.taken = 1')}], ['img', {src: 'http://localhost:9/x.png'}], ['style', {textContent: 'p {}'}]];
           for (const [name, what] of attempts) { try { document.body.append(Object.assign(document.createElement(name), what)); } catch { blocked.add(name); } }
           try { document.body.innerHTML += 'x'; } catch { blocked.add('innerHTML'); }
-          fetch('http://localhost:9/').catch(() => setTimeout(() => done([...blocked]), 200));""")
+          fetch('http://localhost:9/').catch(() => setTimeout(() => done([...blocked]), 200));"""
+        )
         for directive in ("img-src", "style-src-elem", "connect-src", "innerHTML"):
             self.assertIn(directive, blocked)
         self.assertTrue({"script", "script-src-elem"} & set(blocked), blocked)
@@ -426,8 +505,13 @@ class ReportTest(unittest.TestCase):
         self.browser.run(pathlib.Path(AXE).read_text(encoding="utf-8"))
         for scheme in ("light", "dark"):
             self.browser.scheme(scheme)
-            result = self.browser.driver.execute_async_script("axe.run(document, {resultTypes: ['violations']}).then(arguments[0])")
-            found = [(v["id"], len(v["nodes"]), v["nodes"][0]["html"][:200], v["nodes"][0]["failureSummary"][:300]) for v in result["violations"]]
+            result = self.browser.driver.execute_async_script(
+                "axe.run(document, {resultTypes: ['violations']}).then(arguments[0])"
+            )
+            found = [
+                (v["id"], len(v["nodes"]), v["nodes"][0]["html"][:200], v["nodes"][0]["failureSummary"][:300])
+                for v in result["violations"]
+            ]
             self.assertEqual(found, [], f"axe on {name} in {scheme}")
 
     def test_accessibility_of_a_profile(self):
@@ -451,8 +535,14 @@ class ReportTest(unittest.TestCase):
         self.browser.picture("profile-phone", width=360)
         self.browser.open(self.page)
         pdf = self.browser.pdf("profile")
-        pages = subprocess.run(["pdftotext", "-layout", pdf, "-"], capture_output=True, text=True, check=True).stdout.split("\f")[:-1]
-        starts = {title for title in ("Ink curves", "Separation table", "Calibrations", "Masks") if any(p.strip().startswith(title) for p in pages)}
+        pages = subprocess.run(
+            ["pdftotext", "-layout", pdf, "-"], capture_output=True, text=True, check=True
+        ).stdout.split("\f")[:-1]
+        starts = {
+            title
+            for title in ("Ink curves", "Separation table", "Calibrations", "Masks")
+            if any(p.strip().startswith(title) for p in pages)
+        }
         self.assertEqual(starts, {"Ink curves", "Separation table", "Calibrations", "Masks"}, "these start a page")
         self.assertIn("Light magenta", "".join(pages))
         self.assertLess(len(pages), 16)
@@ -461,10 +551,14 @@ class ReportTest(unittest.TestCase):
         """The one that stands in docs/images, of three plots that lie apart in the page."""
         self.browser.open(self.page)
         self.browser.draw_all()
-        self.browser.run("""for (const card of document.querySelectorAll('#curves .card, #separation > *:not(h2, .card:has([data-plot=neutral])), section:not(#curves, #separation)')) {
+        self.browser.run(
+            """for (const card of document.querySelectorAll('#curves .card, #separation > *:not(h2, .card:has([data-plot=neutral])), section:not(#curves, #separation)')) {
             if (!card.querySelector('[data-plot=linearization], [data-plot=light-ink]')) card.style.display = 'none'; }
-          document.getElementById('curves').scrollIntoView({behavior: 'instant'})""")
-        self.browser.command("Emulation.setDeviceMetricsOverride", width=1180, height=1130, deviceScaleFactor=0.8, mobile=False)
+          document.getElementById('curves').scrollIntoView({behavior: 'instant'})"""
+        )
+        self.browser.command(
+            "Emulation.setDeviceMetricsOverride", width=1180, height=1130, deviceScaleFactor=0.8, mobile=False
+        )
         area = self.figure("linearization").find_element(By.CSS_SELECTOR, ".area")
         ActionChains(self.browser.driver).move_to_element_with_offset(area, -90, 0).perform()
         time.sleep(0.3)

@@ -52,7 +52,8 @@ Json EntriesPart(CProfileAccess& access) {
                       {"name", std::string(EntryName(entry->GetUsedType()))},
                       {"label", Utf8(entry->GetLabelString())},
                       {"size", entry->GetSize()},
-                      {"complete", entry->IsComplete()}});
+                      {"complete", entry->IsComplete()},
+                      {"sound", entry->GetSize() == 0 || entry->BufferToData()}});
     }
   }
   return list;

@@ -1,14 +1,21 @@
 // --- calibrations: how the curves moved -------------------------------------------------------------------------
 
 const setNamed = (sets, name) => sets?.find((set) => set.name === name);
-const curveOf = (sets, name, ink) => setNamed(sets, name)?.curves.find((curve) => curve.ink === ink.ink && curve.extend === ink.extend);
+const curveOf = (sets, name, ink) =>
+  setNamed(sets, name)?.curves.find((curve) => curve.ink === ink.ink && curve.extend === ink.extend);
 
 const nameOf = (calibration) => calibration.name || `Calibration ${calibration.code}`;
 
 // The calibrations that have curves of a kind, by time and then in the order of the history.
 function dated(profile, name) {
-  const list = profile.calibrations.list.map((calibration, i) => ({ ...calibration, order: i, sets: profile.calibrationCurves[i] }));
-  return list.filter((calibration) => setNamed(calibration.sets, name)?.curves.length > 0).sort((a, b) => a.time - b.time || a.order - b.order);
+  const list = profile.calibrations.list.map((calibration, i) => ({
+    ...calibration,
+    order: i,
+    sets: profile.calibrationCurves[i],
+  }));
+  return list
+    .filter((calibration) => setNamed(calibration.sets, name)?.curves.length > 0)
+    .sort((a, b) => a.time - b.time || a.order - b.order);
 }
 
 function inksOf(calibrations, name) {
@@ -32,7 +39,9 @@ function changeBetween(from, to) {
 function driftSeries(calibrations, name, inks, measure, sinceFirst, places) {
   return inks.map((ink, i) => {
     const curves = calibrations.map(({ sets }) => curveOf(sets, name, ink));
-    const values = curves.map((curve, at) => changeBetween(sinceFirst ? curves[0] : curves[Math.max(at - 1, 0)], curve)?.[measure] ?? 0);
+    const values = curves.map(
+      (curve, at) => changeBetween(sinceFirst ? curves[0] : curves[Math.max(at - 1, 0)], curve)?.[measure] ?? 0,
+    );
     return { ...inkStyle(ink, i), values, xs: places };
   });
 }
@@ -44,22 +53,42 @@ function timeAxis(calibrations) {
   const places = isDated ? times : d3.range(calibrations.length);
   const domain = places.length > 1 ? d3.extent(places) : [0, 1];
   const span = domain[1] - domain[0];
-  const short = dateFormat(span > 300 * 86400 ? { month: 'short', year: 'numeric' } : { day: 'numeric', month: 'short' });
-  const show = isDated ? (time) => (times.includes(time) ? showDate(time) : short(new Date(time * 1000))) : (i) => (Number.isInteger(i) ? `${i + 1}` : '');
-  return { places, axis: { label: isDated ? 'Date' : 'Calibration', domain, show, ticks: isDated ? undefined : places } };
+  const short = dateFormat(
+    span > 300 * 86400 ? { month: 'short', year: 'numeric' } : { day: 'numeric', month: 'short' },
+  );
+  const show = isDated
+    ? (time) => (times.includes(time) ? showDate(time) : short(new Date(time * 1000)))
+    : (i) => (Number.isInteger(i) ? `${i + 1}` : '');
+  return {
+    places,
+    axis: { label: isDated ? 'Date' : 'Calibration', domain, show, ticks: isDated ? undefined : places },
+  };
 }
 
 function driftPlots(profile, name, prefix, sinceFirst) {
   const calibrations = dated(profile, name);
   const inks = inksOf(calibrations, name);
   const { places, axis } = timeAxis(calibrations);
-  return [['greatest', 'Greatest change'], ['mean', 'Mean change']].map(([measure, title]) => {
+  return [
+    ['greatest', 'Greatest change'],
+    ['mean', 'Mean change'],
+  ].map(([measure, title]) => {
     const series = driftSeries(calibrations, name, inks, measure, sinceFirst, places);
     const most = Math.max(d3.max(series, ({ values }) => d3.max(values)) * 1.1, 0.001);
-    return el('div', { class: 'card' }, new Plot({
-      id: `${prefix}drift-${measure}`, title, note: sinceFirst ? 'Since the first calibration, as part of the whole range.' : 'Since the calibration before, as part of the whole range.',
-      series, x: axis, y: { label: title, domain: [0, most], show: showFinePercent },
-    }).root);
+    return el(
+      'div',
+      { class: 'card' },
+      new Plot({
+        id: `${prefix}drift-${measure}`,
+        title,
+        note: sinceFirst
+          ? 'Since the first calibration, as part of the whole range.'
+          : 'Since the calibration before, as part of the whole range.',
+        series,
+        x: axis,
+        y: { label: title, domain: [0, most], show: showFinePercent },
+      }).root,
+    );
   });
 }
 
@@ -95,16 +124,35 @@ class CalibrationView {
   }
 
   plotOf(ink, style) {
-    const present = this.calibrations.map((calibration, i) => [calibration, curveOf(calibration.sets, this.kind, ink), i]).filter(([, curve]) => curve);
+    const present = this.calibrations
+      .map((calibration, i) => [calibration, curveOf(calibration.sets, this.kind, ink), i])
+      .filter(([, curve]) => curve);
     const [, first] = present[0];
     const series = present.map(([calibration, curve, i]) => ({
-      ...style, dash: '', marker: null, key: `${calibration.code}`, label: nameOf(calibration), weight: i === this.marked ? 'marked' : 'faint', place: i,
+      ...style,
+      dash: '',
+      marker: null,
+      key: `${calibration.code}`,
+      label: nameOf(calibration),
+      weight: i === this.marked ? 'marked' : 'faint',
+      place: i,
       values: this.isChange ? differenceOf(first, curve) : samplesOf(curve),
     }));
     const set = setNamed(present[0][0].sets, this.kind);
     return new Plot({
-      id: `${this.prefix}${this.kind}-${style.key}`, title: style.label, series, compact: true, legend: false, height: 200, x: percentAxis('Input'),
-      y: this.isChange ? changeAxis('Change', series) : sampleAxis(set, present.map(([, curve]) => curve)),
+      id: `${this.prefix}${this.kind}-${style.key}`,
+      title: style.label,
+      series,
+      compact: true,
+      legend: false,
+      height: 200,
+      x: percentAxis('Input'),
+      y: this.isChange
+        ? changeAxis('Change', series)
+        : sampleAxis(
+            set,
+            present.map(([, curve]) => curve),
+          ),
     });
   }
 
@@ -120,16 +168,66 @@ class CalibrationView {
     const told = () => `${nameOf(this.calibrations[this.marked])}, ${showDate(this.calibrations[this.marked].time)}`;
     const output = el('output', {}, told());
     const slider = el('input', {
-      type: 'range', min: 0, max: this.calibrations.length - 1, value: this.marked, 'aria-valuetext': told(),
-      on: { input: () => { this.mark(Number(slider.value)); output.value = told(); slider.setAttribute('aria-valuetext', told()); } },
+      type: 'range',
+      min: 0,
+      max: this.calibrations.length - 1,
+      value: this.marked,
+      'aria-valuetext': told(),
+      on: {
+        input: () => {
+          this.mark(Number(slider.value));
+          output.value = told();
+          slider.setAttribute('aria-valuetext', told());
+        },
+      },
     });
-    const choice = (label, options, value, choose) => el('label', {}, label, el('select', { on: { change: (event) => choose(event.target.value) } },
-      options.map(([key, text]) => el('option', { value: key, selected: key === value }, text))));
+    const choice = (label, options, value, choose) =>
+      el(
+        'label',
+        {},
+        label,
+        el(
+          'select',
+          { on: { change: (event) => choose(event.target.value) } },
+          options.map(([key, text]) => el('option', { value: key, selected: key === value }, text)),
+        ),
+      );
     this.controls.replaceChildren(
-      choice('Curves', this.kinds.map((kind) => [kind, curveTitle(kind)]), this.kind, (kind) => { this.kind = kind; this.showKind(); }),
-      choice('Shown', [['curves', 'curves'], ['change', 'change since the first']], this.isChange ? 'change' : 'curves', (shown) => { this.isChange = shown === 'change'; this.showMultiples(); }),
+      choice(
+        'Curves',
+        this.kinds.map((kind) => [kind, curveTitle(kind)]),
+        this.kind,
+        (kind) => {
+          this.kind = kind;
+          this.showKind();
+        },
+      ),
+      choice(
+        'Shown',
+        [
+          ['curves', 'curves'],
+          ['change', 'change since the first'],
+        ],
+        this.isChange ? 'change' : 'curves',
+        (shown) => {
+          this.isChange = shown === 'change';
+          this.showMultiples();
+        },
+      ),
       el('label', {}, 'Marked', slider, output),
-      choice('Drift', [['first', 'since the first'], ['before', 'since the one before']], this.sinceFirst ? 'first' : 'before', (since) => { this.sinceFirst = since === 'first'; this.showDrift(); }));
+      choice(
+        'Drift',
+        [
+          ['first', 'since the first'],
+          ['before', 'since the one before'],
+        ],
+        this.sinceFirst ? 'first' : 'before',
+        (since) => {
+          this.sinceFirst = since === 'first';
+          this.showDrift();
+        },
+      ),
+    );
   }
 }
 
@@ -143,7 +241,14 @@ function shareScale(plots) {
 }
 
 function calibrationCurveViews(profile, prefix) {
-  const kinds = [...new Set(profile.calibrationCurves.flat().filter((set) => set.curves.length > 0).map((set) => set.name))];
+  const kinds = [
+    ...new Set(
+      profile.calibrationCurves
+        .flat()
+        .filter((set) => set.curves.length > 0)
+        .map((set) => set.name),
+    ),
+  ];
   if (kinds.length === 0) return [el('p', { class: 'note' }, 'The calibrations hold no curves.')];
   return new CalibrationView(profile, prefix, kinds).elements;
 }
@@ -151,10 +256,19 @@ function calibrationCurveViews(profile, prefix) {
 function calibrationsSection(profile, prefix) {
   const { list, newest } = profile.calibrations;
   if (list.length === 0) return el('p', { class: 'note' }, 'The history holds no calibrations yet.');
-  const rows = list.map((calibration) => [calibration.name || '–', showTime(calibration.time), String(calibration.code), calibration.value, calibration.code === newest ? 'newest' : '']);
+  const rows = list.map((calibration) => [
+    calibration.name || '–',
+    showTime(calibration.time),
+    String(calibration.code),
+    calibration.value,
+    calibration.code === newest ? 'newest' : '',
+  ]);
   return [
-    el('div', { class: 'card' }, dataTable({ label: 'List of calibrations', columns: ['Name', 'Time', 'Code', 'Value', 'State'], rows })),
+    el(
+      'div',
+      { class: 'card' },
+      dataTable({ label: 'List of calibrations', columns: ['Name', 'Time', 'Code', 'Value', 'State'], rows }),
+    ),
     ...(profile.calibrationCurves ? calibrationCurveViews(profile, prefix) : []),
   ];
 }
-

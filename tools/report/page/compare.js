@@ -12,39 +12,65 @@ function rowsCompared(title, rows) {
   const table = (some, label) => dataTable({ label, whole: true, wrap: true, columns: ['What', 'A', 'B'], rows: some });
   return [
     differing.length > 0 ? el('div', { class: 'card' }, table(differing, `${title}: what differs`)) : null,
-    same.length > 0 ? lazyDetails({ class: 'fold same' }, `${showNumber(same.length)} the same in both`, () => table(same, `${title}: the same`)) : null,
+    same.length > 0
+      ? lazyDetails({ class: 'fold same' }, `${showNumber(same.length)} the same in both`, () =>
+          table(same, `${title}: the same`),
+        )
+      : null,
   ];
 }
 
 function pairsCompared(title, a, b) {
   const names = [...new Set([...a, ...b].map(([name]) => name))];
   const value = (pairs, name) => pairs.find(([other]) => other === name)?.[1];
-  return rowsCompared(title, names.map((name) => [name, value(a, name), value(b, name)]));
+  return rowsCompared(
+    title,
+    names.map((name) => [name, value(a, name), value(b, name)]),
+  );
 }
 
 // --- curves ---
 
 // B less A for each curve that both have.
 function differenceSeries(b, set, group) {
-  return seriesOf(set, group).map((series, i) => {
-    const to = b.curves.find((curve) => curve.ink === group.curves[i].ink && curve.extend === group.curves[i].extend);
-    return to ? { ...series, values: differenceOf(group.curves[i], to) } : null;
-  }).filter(Boolean);
+  return seriesOf(set, group)
+    .map((series, i) => {
+      const to = b.curves.find((curve) => curve.ink === group.curves[i].ink && curve.extend === group.curves[i].extend);
+      return to ? { ...series, values: differenceOf(group.curves[i], to) } : null;
+    })
+    .filter(Boolean);
 }
 
 function differencePlot(id, name, series, xLabel = 'Input') {
-  return new Plot({ id, title: 'B − A', name: `${name}, B less A`, series, x: percentAxis(xLabel), y: changeAxis('B − A', series) }).root;
+  return new Plot({
+    id,
+    title: 'B − A',
+    name: `${name}, B less A`,
+    series,
+    x: percentAxis(xLabel),
+    y: changeAxis('B − A', series),
+  }).root;
 }
 
 function groupCompared(set, other, group) {
   const b = curveGroups(other).find(({ extend }) => extend === group.extend);
   const title = groupTitle(set, group);
-  const plot = (letter, owner, some) => el('div', { class: 'card' }, curvePlot(`${letter.toLowerCase()}-${plotId('', set, group)}`, owner, some, letter));
+  const plot = (letter, owner, some) =>
+    el('div', { class: 'card' }, curvePlot(`${letter.toLowerCase()}-${plotId('', set, group)}`, owner, some, letter));
   if (!b) return [el('h3', {}, `${title}: only in A`), el('div', { class: 'cards' }, plot('A', set, group))];
-  if (isSame(group.curves, b.curves)) return foldedSame(title, () => el('div', { class: 'cards' }, plot('A', set, group)));
+  if (isSame(group.curves, b.curves))
+    return foldedSame(title, () => el('div', { class: 'cards' }, plot('A', set, group)));
   const changes = differenceSeries(b, set, group);
-  return [el('h3', {}, title), el('div', { class: 'cards pair' }, plot('A', set, group), plot('B', other, b),
-    el('div', { class: 'card' }, differencePlot(`difference-${plotId('', set, group)}`, title, changes)))];
+  return [
+    el('h3', {}, title),
+    el(
+      'div',
+      { class: 'cards pair' },
+      plot('A', set, group),
+      plot('B', other, b),
+      el('div', { class: 'card' }, differencePlot(`difference-${plotId('', set, group)}`, title, changes)),
+    ),
+  ];
 }
 
 function curvesCompared(a, b) {
@@ -52,13 +78,28 @@ function curvesCompared(a, b) {
     const other = setNamed(b.curves, set.name);
     const isOfA = setNamed(a.curves, set.name) === set;
     if (isOfA && other) {
-      if (isSame(set, other)) return foldedSame(curveTitle(set.name), () => el('div', { class: 'cards' }, curveCards([set], 'a-')));
-      const added = curveGroups(other).filter(({ extend }) => !curveGroups(set).some((group) => group.extend === extend));
-      return [...curveGroups(set).flatMap((group) => groupCompared(set, other, group)),
-        ...added.flatMap((group) => [el('h3', {}, `${groupTitle(other, group)}: only in B`), el('div', { class: 'cards' }, el('div', { class: 'card' }, curvePlot(`b-${plotId('', other, group)}`, other, group)))])];
+      if (isSame(set, other))
+        return foldedSame(curveTitle(set.name), () => el('div', { class: 'cards' }, curveCards([set], 'a-')));
+      const added = curveGroups(other).filter(
+        ({ extend }) => !curveGroups(set).some((group) => group.extend === extend),
+      );
+      return [
+        ...curveGroups(set).flatMap((group) => groupCompared(set, other, group)),
+        ...added.flatMap((group) => [
+          el('h3', {}, `${groupTitle(other, group)}: only in B`),
+          el(
+            'div',
+            { class: 'cards' },
+            el('div', { class: 'card' }, curvePlot(`b-${plotId('', other, group)}`, other, group)),
+          ),
+        ]),
+      ];
     }
     const letter = isOfA ? 'A' : 'B';
-    return [el('h3', {}, `${curveTitle(set.name)}: only in ${letter}`), el('div', { class: 'cards' }, curveCards([set], `${letter.toLowerCase()}-`))];
+    return [
+      el('h3', {}, `${curveTitle(set.name)}: only in ${letter}`),
+      el('div', { class: 'cards' }, curveCards([set], `${letter.toLowerCase()}-`)),
+    ];
   });
 }
 
@@ -67,13 +108,22 @@ function curvesCompared(a, b) {
 function separationCompared(a, b) {
   const left = separationOf(a.separation);
   const right = separationOf(b.separation);
-  if (left.grid !== right.grid || left.outputs.length !== right.outputs.length || left.inputs.length !== right.inputs.length) return null;
+  if (
+    left.grid !== right.grid ||
+    left.outputs.length !== right.outputs.length ||
+    left.inputs.length !== right.inputs.length
+  )
+    return null;
   const paths = [left.neutral(), right.neutral()];
   const most = Math.max(commonTotal(left, [paths[0]]), commonTotal(right, [paths[1]]));
-  const plot = (id, title, table, path) => el('div', { class: 'card' }, separationPlot(table, { id, title, path, most, label: 'From paper to dark' }));
+  const plot = (id, title, table, path) =>
+    el('div', { class: 'card' }, separationPlot(table, { id, title, path, most, label: 'From paper to dark' }));
   const before = left.along(paths[0]);
   const after = right.along(paths[1]);
-  const changes = before.map((series, i) => ({ ...series, values: series.values.map((value, at) => after[i].values[at] - value) }));
+  const changes = before.map((series, i) => ({
+    ...series,
+    values: series.values.map((value, at) => after[i].values[at] - value),
+  }));
   let greatest = 0;
   let count = 0;
   left.samples.forEach((sample, i) => {
@@ -82,9 +132,22 @@ function separationCompared(a, b) {
     if (change > 0) ++count;
   });
   return [
-    el('p', {}, `${showNumber(count)} of ${showNumber(left.samples.length)} ink amounts differ, at most by ${showPercent(greatest / 255)}.`),
-    el('div', { class: 'cards pair' }, plot('a-neutral', 'Neutral axis of A', left, paths[0]), plot('b-neutral', 'Neutral axis of B', right, paths[1]),
-      el('div', { class: 'card' }, differencePlot('difference-neutral', 'Ink along the neutral axis', changes, 'From paper to dark'))),
+    el(
+      'p',
+      {},
+      `${showNumber(count)} of ${showNumber(left.samples.length)} ink amounts differ, at most by ${showPercent(greatest / 255)}.`,
+    ),
+    el(
+      'div',
+      { class: 'cards pair' },
+      plot('a-neutral', 'Neutral axis of A', left, paths[0]),
+      plot('b-neutral', 'Neutral axis of B', right, paths[1]),
+      el(
+        'div',
+        { class: 'card' },
+        differencePlot('difference-neutral', 'Ink along the neutral axis', changes, 'From paper to dark'),
+      ),
+    ),
   ];
 }
 
@@ -92,17 +155,40 @@ function separationCompared(a, b) {
 
 function iccCompared(a, b) {
   return a.icc.flatMap((part) => {
-    const gamutCard = (gamuts) => (gamuts.length > 0 ? el('div', { class: 'cards' }, el('div', { class: 'card' }, gamutFigure(`difference-${part.name}-gamut`, gamuts))) : null);
+    const gamutCard = (gamuts) =>
+      gamuts.length > 0
+        ? el(
+            'div',
+            { class: 'cards' },
+            el('div', { class: 'card' }, gamutFigure(`difference-${part.name}-gamut`, gamuts)),
+          )
+        : null;
     const other = b.icc.find(({ name }) => name === part.name);
     if (!other) return [el('h3', {}, `${iccTitle(part)}: only in A`), iccCard(part, `a-${part.name}-gamut`)];
     if (isSame(part, other)) return [foldedSame(iccTitle(part), () => iccCard(part, `a-${part.name}-gamut`))];
-    const gamuts = [[part, 'A'], [other, 'B']].filter(([{ gamut }]) => gamut).map(([owner, letter], i) => openGamut(owner, gamutStyle(`${letter.toLowerCase()}-${part.name}-gamut`, letter, i)));
-    return [...pairsCompared(iccTitle(part), iccFacts(part), iccFacts(other)), isSame(part.gamut, other.gamut) ? foldedSame('Gamut', () => gamutCard(gamuts.slice(0, 1)) ?? []) : gamutCard(gamuts)];
+    const gamuts = [
+      [part, 'A'],
+      [other, 'B'],
+    ]
+      .filter(([{ gamut }]) => gamut)
+      .map(([owner, letter], i) =>
+        openGamut(owner, gamutStyle(`${letter.toLowerCase()}-${part.name}-gamut`, letter, i)),
+      );
+    return [
+      ...pairsCompared(iccTitle(part), iccFacts(part), iccFacts(other)),
+      isSame(part.gamut, other.gamut)
+        ? foldedSame('Gamut', () => gamutCard(gamuts.slice(0, 1)) ?? [])
+        : gamutCard(gamuts),
+    ];
   });
 }
 
 const mediaPairs = (profile) => profile.media.map((block) => [mediaName(block.usedType), listNumbers(block.values)]);
-const entryPairs = (profile) => profile.entries.map((entry) => [`${entry.name || entry.usedType}, route ${entry.route}`, `${showBytes(entry.size)}${entry.label ? `, ${entry.label}` : ''}`]);
+const entryPairs = (profile) =>
+  profile.entries.map((entry) => [
+    `${entry.name || entry.usedType}, route ${entry.route}`,
+    `${showBytes(entry.size)}, ${entryState(entry)}${entry.label ? `, ${entry.label}` : ''}`,
+  ]);
 
 const comparers = {
   overview: (a, b) => pairsCompared('What it is for', recordFacts(a), recordFacts(b)),
@@ -113,15 +199,31 @@ const comparers = {
   entries: (a, b) => pairsCompared('Entries', entryPairs(a), entryPairs(b)),
 };
 
-const sideBySide = (a, b, section) => el('div', { class: 'cards' }, [[a, 'A'], [b, 'B']].map(([profile, letter]) =>
-  el('div', {}, el('h3', {}, sideLabel(profile, letter)), el('br'), section.build(profile, `${letter.toLowerCase()}-`))));
+const sideBySide = (a, b, section) =>
+  el(
+    'div',
+    { class: 'cards' },
+    [
+      [a, 'A'],
+      [b, 'B'],
+    ].map(([profile, letter]) =>
+      el(
+        'div',
+        {},
+        el('h3', {}, sideLabel(profile, letter)),
+        el('br'),
+        section.build(profile, `${letter.toLowerCase()}-`),
+      ),
+    ),
+  );
 
 function sectionCompared(a, b, section) {
   const parts = [section.part, section.also].filter(Boolean);
   const [inA, inB] = [a, b].map((profile) => profile[section.part] !== undefined);
   if (!inA && !inB) return [];
   if (!inA || !inB) return [el('p', {}, `Only in ${inA ? 'A' : 'B'}.`), section.build(inA ? a : b, inA ? 'a-' : 'b-')];
-  if (section.key !== 'overview' && parts.every((part) => isSame(a[part], b[part]))) return foldedSame(section.title, () => section.build(a, 'a-'));
+  if (section.key !== 'overview' && parts.every((part) => isSame(a[part], b[part])))
+    return foldedSame(section.title, () => section.build(a, 'a-'));
   return comparers[section.key]?.(a, b) ?? sideBySide(a, b, section);
 }
 
@@ -129,11 +231,35 @@ function showComparison(a, b) {
   setHeading('Comparison', '');
   const shown = sections.filter((section) => hasSection(a, section) || hasSection(b, section));
   const contents = contentsList(shown);
-  const names = [[a, 'A'], [b, 'B']].map(([profile, letter]) => el('div', { class: 'card' }, el('p', {}, el('b', {}, sideLabel(profile, letter))), el('p', { class: 'soft' }, profile.line.path),
-    el('p', {}, el('a', { href: `#/${profile.index}` }, 'Show this one alone'))));
-  const elements = shown.map((section) => el('section', { id: section.key, 'aria-labelledby': `${section.key}-title` }, el('h2', { id: `${section.key}-title` }, section.title),
-    sectionCompared(a, b, section), leftOutNotes(a, section), leftOutNotes(b, section)));
-  mainElement.replaceChildren(el('div', { class: 'profile' }, contents.nav, el('div', { class: 'sections' }, el('div', { class: 'cards' }, names), el('br'), elements)));
+  const names = [
+    [a, 'A'],
+    [b, 'B'],
+  ].map(([profile, letter]) =>
+    el(
+      'div',
+      { class: 'card' },
+      el('p', {}, el('b', {}, sideLabel(profile, letter))),
+      el('p', { class: 'soft' }, profile.line.path),
+      el('p', {}, el('a', { href: `#/${profile.index}` }, 'Show this one alone')),
+    ),
+  );
+  const elements = shown.map((section) =>
+    el(
+      'section',
+      { id: section.key, 'aria-labelledby': `${section.key}-title` },
+      el('h2', { id: `${section.key}-title` }, section.title),
+      sectionCompared(a, b, section),
+      leftOutNotes(a, section),
+      leftOutNotes(b, section),
+    ),
+  );
+  mainElement.replaceChildren(
+    el(
+      'div',
+      { class: 'profile' },
+      contents.nav,
+      el('div', { class: 'sections' }, el('div', { class: 'cards' }, names), el('br'), elements),
+    ),
+  );
   elements.forEach(contents.watch);
 }
-

@@ -6,7 +6,10 @@ const curveTexts = {
   'variable-ink-limit': ['Variable dot ink limit', 'The limit of each ink by dot size.'],
   linearization: ['Linearization', 'From what is asked for to what is printed, so that equal steps look equal.'],
   'gray-balance': ['Gray balance', 'Places in the linearization at which the inks together are gray.'],
-  'merged-gray-balance': ['Gray balance through the linearization', 'What a print job gets: the linearization looked up at each place of the gray balance.'],
+  'merged-gray-balance': [
+    'Gray balance through the linearization',
+    'What a print job gets: the linearization looked up at each place of the gray balance.',
+  ],
   'light-ink': ['Light inks', 'How an ink is split into its light and full forms.'],
   variable: ['Variable dots', 'How much of an ink each dot size lays down.'],
   ucr: ['Black generation', 'What black takes over from the colours.'],
@@ -14,7 +17,17 @@ const curveTexts = {
   'calibration-linearization': ['Linearization', ''],
   'calibration-gray-balance': ['Gray balance', ''],
 };
-const curveOrder = ['linearization', 'ink-limit', 'multi-ink-limit', 'gray-balance', 'merged-gray-balance', 'light-ink', 'variable', 'variable-ink-limit', 'ucr'];
+const curveOrder = [
+  'linearization',
+  'ink-limit',
+  'multi-ink-limit',
+  'gray-balance',
+  'merged-gray-balance',
+  'light-ink',
+  'variable',
+  'variable-ink-limit',
+  'ucr',
+];
 const ucrNames = { 1: 'black generation', 2: 'under colour removal' };
 
 const curveTitle = (name) => curveTexts[name]?.[0] ?? name;
@@ -35,18 +48,25 @@ function curveGroups(set) {
   return [...groups].map(([extend, curves]) => ({ extend, curves, isOnly: groups.size === 1 }));
 }
 
-const groupTitle = (set, group) => curveTitle(set.name) + (group.isOnly ? '' : `, ${conditionName(set.name, group.extend)}`);
+const groupTitle = (set, group) =>
+  curveTitle(set.name) + (group.isOnly ? '' : `, ${conditionName(set.name, group.extend)}`);
 
 function seriesLabel(set, group, curve) {
   const name = set.name === 'ucr' ? '' : inkLabel(curve.name, curve.ink);
   const many = group.curves.filter((other) => other.ink === curve.ink).length > 1;
-  return many ? `${name} ${conditionName(set.name, curve.extend)}`.trim() : name || conditionName(set.name, curve.extend);
+  return many
+    ? `${name} ${conditionName(set.name, curve.extend)}`.trim()
+    : name || conditionName(set.name, curve.extend);
 }
 
 // Curves of one ink in several conditions share its colour, and differ in dash and marker.
-const seriesOf = (set, group) => group.curves.map((curve, place) => ({
-  ...inkStyle(curve, place), key: `${curve.ink}-${curve.extend}`, label: seriesLabel(set, group, curve), values: samplesOf(curve),
-}));
+const seriesOf = (set, group) =>
+  group.curves.map((curve, place) => ({
+    ...inkStyle(curve, place),
+    key: `${curve.ink}-${curve.extend}`,
+    label: seriesLabel(set, group, curve),
+    values: samplesOf(curve),
+  }));
 
 // The samples of a gray balance are places in the linearization, all others parts of the whole.
 function sampleAxis(set, curves) {
@@ -61,8 +81,13 @@ function sampleAxis(set, curves) {
 function curvePlot(id, set, group, heading) {
   const y = sampleAxis(set, group.curves);
   return new Plot({
-    id, title: heading ?? groupTitle(set, group), note: heading ? undefined : curveTexts[set.name]?.[1],
-    name: heading && `${groupTitle(set, group)}, ${heading}`, series: seriesOf(set, group), x: percentAxis('Input'), y,
+    id,
+    title: heading ?? groupTitle(set, group),
+    note: heading ? undefined : curveTexts[set.name]?.[1],
+    name: heading && `${groupTitle(set, group)}, ${heading}`,
+    series: seriesOf(set, group),
+    x: percentAxis('Input'),
+    y,
     showValue: y.unit ? (value) => `${showPercent(value / y.unit)} (${showNumber(value)})` : undefined,
   }).root;
 }
@@ -72,9 +97,18 @@ const plotId = (prefix, set, group) => `${prefix}${set.name}${group.isOnly ? '' 
 const sortedSets = (sets) => [...sets].sort((a, b) => curveOrder.indexOf(a.name) - curveOrder.indexOf(b.name));
 
 function curveCards(sets, prefix) {
-  return sortedSets(sets).flatMap((set) => (set.sound
-    ? curveGroups(set).map((group) => el('div', { class: 'card' }, curvePlot(plotId(prefix, set, group), set, group)))
-    : [el('div', { class: 'card' }, el('h3', {}, curveTitle(set.name)), el('p', { class: 'warning' }, 'These curves are damaged or empty.'))]));
+  return sortedSets(sets).flatMap((set) =>
+    set.sound
+      ? curveGroups(set).map((group) => el('div', { class: 'card' }, curvePlot(plotId(prefix, set, group), set, group)))
+      : [
+          el(
+            'div',
+            { class: 'card' },
+            el('h3', {}, curveTitle(set.name)),
+            el('p', { class: 'warning' }, 'These curves are damaged or empty.'),
+          ),
+        ],
+  );
 }
 
 const curvesSection = (profile, prefix) => el('div', { class: 'cards' }, curveCards(profile.curves, prefix));
@@ -85,10 +119,9 @@ function differenceOf(from, to) {
   const left = samplesOf(from);
   const right = samplesOf(to);
   return d3.range(left.length).map((at) => {
-    const place = at * (right.length - 1) / Math.max(left.length - 1, 1);
+    const place = (at * (right.length - 1)) / Math.max(left.length - 1, 1);
     const low = Math.floor(place);
     const read = right[low] + (place - low) * ((right[low + 1] ?? right[low]) - right[low]);
     return read / greatestOf(to) - left[at] / greatestOf(from);
   });
 }
-

@@ -25,14 +25,16 @@ function unpack(base64, width) {
   const bytes = bytesOf(base64);
   if (width === 1) return bytes;
   const samples = new Uint16Array(bytes.length >> 1);
-  for (let i = 0; i < samples.length; ++i) samples[i] = bytes[2 * i] | bytes[2 * i + 1] << 8;
+  for (let i = 0; i < samples.length; ++i) samples[i] = bytes[2 * i] | (bytes[2 * i + 1] << 8);
   return samples;
 }
 
 // Colours packed as hundredths of L*, a*, b*.
 function unpackLab(base64) {
   const words = new Int16Array(unpack(base64, 2).buffer);
-  return d3.range(words.length / 3).map((i) => ({ l: words[3 * i] / 100, a: words[3 * i + 1] / 100, b: words[3 * i + 2] / 100 }));
+  return d3
+    .range(words.length / 3)
+    .map((i) => ({ l: words[3 * i] / 100, a: words[3 * i + 1] / 100, b: words[3 * i + 2] / 100 }));
 }
 
 const unpackedCurves = new WeakMap();
@@ -45,4 +47,3 @@ function samplesOf(curve) {
 const greatestOf = (curve) => (curve.width === 1 ? 255 : 65535);
 
 const isSame = (a, b) => JSON.stringify(a) === JSON.stringify(b);
-

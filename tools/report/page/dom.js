@@ -24,18 +24,35 @@ function freshId(stem) {
 }
 
 const facts = (pairs) =>
-  el('dl', { class: 'facts' }, pairs.filter(([, value]) => value !== '' && value !== null && value !== undefined)
-    .map(([name, value, lang]) => el('div', {}, el('dt', {}, name), el('dd', { lang }, value))));
+  el(
+    'dl',
+    { class: 'facts' },
+    pairs
+      .filter(([, value]) => value !== '' && value !== null && value !== undefined)
+      .map(([name, value, lang]) => el('div', {}, el('dt', {}, name), el('dd', { lang }, value))),
+  );
 
 // A table that scrolls inside of its own box, which the keyboard reaches. Cells that are numbers stand to the right.
 function dataTable({ label, columns, rows, whole = false, wrap = false }) {
-  const shown = (cell) => (typeof cell === 'number' ? showNumber(cell) : cell ?? '');
+  const shown = (cell) => (typeof cell === 'number' ? showNumber(cell) : (cell ?? ''));
   const kind = (cell) => (typeof cell === 'number' ? 'number' : undefined);
-  const body = rows.map((cells) => el('tr', {}, cells.map((cell, column) =>
-    el(column === 0 ? 'th' : 'td', { scope: column === 0 ? 'row' : undefined, class: kind(cell) }, shown(cell)))));
-  const head = columns.map((column, i) => el('th', { scope: 'col', class: rows.length > 0 ? kind(rows[0][i]) : undefined }, column));
-  return el('div', { class: `scroll${whole ? ' whole' : ''}${wrap ? ' wrap' : ''}`, tabindex: 0, role: 'region', 'aria-label': label },
-    el('table', {}, el('thead', {}, el('tr', {}, head)), el('tbody', {}, body)));
+  const body = rows.map((cells) =>
+    el(
+      'tr',
+      {},
+      cells.map((cell, column) =>
+        el(column === 0 ? 'th' : 'td', { scope: column === 0 ? 'row' : undefined, class: kind(cell) }, shown(cell)),
+      ),
+    ),
+  );
+  const head = columns.map((column, i) =>
+    el('th', { scope: 'col', class: rows.length > 0 ? kind(rows[0][i]) : undefined }, column),
+  );
+  return el(
+    'div',
+    { class: `scroll${whole ? ' whole' : ''}${wrap ? ' wrap' : ''}`, tabindex: 0, role: 'region', 'aria-label': label },
+    el('table', {}, el('thead', {}, el('tr', {}, head)), el('tbody', {}, body)),
+  );
 }
 
 // Details whose contents are made when they are first opened.
@@ -49,9 +66,12 @@ function lazyDetails(attributes, summary, build) {
 
 // Runs `draw` when the element comes near to what is seen, and before the page goes to paper.
 const waitingToDraw = new Map();
-const drawingObserver = new IntersectionObserver((entries) => {
-  for (const entry of entries) if (entry.isIntersecting) drawNow(entry.target);
-}, { rootMargin: '400px' });
+const drawingObserver = new IntersectionObserver(
+  (entries) => {
+    for (const entry of entries) if (entry.isIntersecting) drawNow(entry.target);
+  },
+  { rootMargin: '400px' },
+);
 
 function drawNow(element) {
   const draw = waitingToDraw.get(element);
@@ -74,4 +94,3 @@ function forgetDrawings() {
 addEventListener('beforeprint', () => {
   for (const element of [...waitingToDraw.keys()]) drawNow(element);
 });
-

@@ -21,7 +21,12 @@ const showChange = numberFormat({ style: 'percent', maximumFractionDigits: 2, si
 const showBytes = (bytes) => `${showNumber(bytes)} bytes`;
 
 // "720x1440" as a reader writes it.
-const showResolution = (text) => text.split('x').filter(Boolean).map((dots) => showNumber(Number(dots))).join(' × ');
+const showResolution = (text) =>
+  text
+    .split('x')
+    .filter(Boolean)
+    .map((dots) => showNumber(Number(dots)))
+    .join(' × ');
 
 // What a calendar has no day for shows as its number of seconds.
 function showMoment(seconds, show) {
@@ -37,8 +42,31 @@ const showTime = (seconds) => showMoment(seconds, dayAndTimeFormat);
 
 // The primary language numbers that media names carry, as language tags.
 const languageTags = {
-  1: 'ar', 2: 'bg', 4: 'zh', 5: 'cs', 6: 'da', 7: 'de', 8: 'el', 9: 'en', 10: 'es', 11: 'fi', 12: 'fr', 13: 'he', 14: 'hu',
-  16: 'it', 17: 'ja', 18: 'ko', 19: 'nl', 20: 'no', 21: 'pl', 22: 'pt', 24: 'ro', 25: 'ru', 29: 'sv', 30: 'th', 31: 'tr',
+  1: 'ar',
+  2: 'bg',
+  4: 'zh',
+  5: 'cs',
+  6: 'da',
+  7: 'de',
+  8: 'el',
+  9: 'en',
+  10: 'es',
+  11: 'fi',
+  12: 'fr',
+  13: 'he',
+  14: 'hu',
+  16: 'it',
+  17: 'ja',
+  18: 'ko',
+  19: 'nl',
+  20: 'no',
+  21: 'pl',
+  22: 'pt',
+  24: 'ro',
+  25: 'ru',
+  29: 'sv',
+  30: 'th',
+  31: 'tr',
 };
 
 function showLanguage(tag) {
@@ -51,4 +79,3 @@ function showLanguage(tag) {
 
 // Text that has kana or Han in it is set in Japanese forms unless its language is known.
 const guessLanguage = (text) => (/[\u3040-\u30ff\u3400-\u9fff]/.test(text) ? 'ja' : undefined);
-

@@ -48,15 +48,31 @@ function inkStyle(curve, place) {
 
 // The colour on white paper in numbers, for pictures that mix inks.
 const printedColors = {
-  cyan: '#009fe0', magenta: '#e5127d', yellow: '#ffe800', black: '#1f1c1f', 'light-cyan': '#8fd3ef', 'light-magenta': '#f4a8cc', gray: '#8f9299',
-  'light-gray': '#c9ccd1', orange: '#ef7d00', green: '#00964a', red: '#e2231a', blue: '#27348b', violet: '#6a2c91', white: '#ffffff', clear: '#ffffff',
+  cyan: '#009fe0',
+  magenta: '#e5127d',
+  yellow: '#ffe800',
+  black: '#1f1c1f',
+  'light-cyan': '#8fd3ef',
+  'light-magenta': '#f4a8cc',
+  gray: '#8f9299',
+  'light-gray': '#c9ccd1',
+  orange: '#ef7d00',
+  green: '#00964a',
+  red: '#e2231a',
+  blue: '#27348b',
+  violet: '#6a2c91',
+  white: '#ffffff',
+  clear: '#ffffff',
 };
 
 function printedColor(color) {
   const probe = el('span');
   probe.style.color = printedColors[color.match(/^var\(--([\w-]+)\)$/)?.[1]] ?? color;
   document.body.append(probe);
-  const parts = getComputedStyle(probe).color.match(/[\d.]+/g).slice(0, 3).map(Number);
+  const parts = getComputedStyle(probe)
+    .color.match(/[\d.]+/g)
+    .slice(0, 3)
+    .map(Number);
   probe.remove();
   return parts;
 }
@@ -64,4 +80,3 @@ function printedColor(color) {
 function markerPath(marker, size = 34) {
   return d3.symbol().type(marker).size(size)();
 }
-

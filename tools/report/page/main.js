@@ -17,7 +17,8 @@ function showAddress() {
   forgetDrawings();
   const [view, ...numbers] = location.hash.replace(/^#\/?/, '').split('/');
   const [a, b] = numbers.map(Number);
-  const has = (index) => Number.isInteger(index) && report.profiles[index] !== undefined && !report.profiles[index].failure;
+  const has = (index) =>
+    Number.isInteger(index) && report.profiles[index] !== undefined && !report.profiles[index].failure;
   if (view === 'compare' && has(a) && has(b)) showComparison(profileAt(a), profileAt(b));
   else if (view !== '' && has(Number(view))) showProfile(profileAt(Number(view)));
   else if (report.compare && view !== 'all' && has(0) && has(1)) showComparison(profileAt(0), profileAt(1));
@@ -28,7 +29,10 @@ function showAddress() {
 
 function arrangeActions(view) {
   const isStart = view === '' || view === 'all';
-  const back = isMany && !isStart ? el('a', { class: 'button', href: '#/' }, report.compare ? 'Comparison' : 'All profiles') : null;
+  const back =
+    isMany && !isStart
+      ? el('a', { class: 'button', href: '#/' }, report.compare ? 'Comparison' : 'All profiles')
+      : null;
   actions.replaceChildren(...[back, themeButton].filter(Boolean));
 }
 
@@ -36,7 +40,16 @@ function arrangeActions(view) {
 
 const prefersDark = matchMedia('(prefers-color-scheme: dark)');
 let chosenTheme = null;
-const themeButton = el('button', { type: 'button', class: 'button', on: { click: () => { chosenTheme = currentTheme() === 'dark' ? 'light' : 'dark'; applyTheme(); } } });
+const themeButton = el('button', {
+  type: 'button',
+  class: 'button',
+  on: {
+    click: () => {
+      chosenTheme = currentTheme() === 'dark' ? 'light' : 'dark';
+      applyTheme();
+    },
+  },
+});
 
 const currentTheme = () => chosenTheme ?? (prefersDark.matches ? 'dark' : 'light');
 
