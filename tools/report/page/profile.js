@@ -42,7 +42,8 @@ function recordFacts({ line, record, model = {} }) {
     ['Made with', textOf(record.Binary?.CreateModule)],
     ['Created', record.CreateTimeValue ? showTime(record.CreateTimeValue) : ''],
     ['Updated', record.UpdateTimeValue ? showTime(record.UpdateTimeValue) : ''],
-    ['Format', `${line.format}, version ${line.version}`],
+    ['Format', line.format],
+    ['Version', line.version],
     ['File', line.path],
   ];
 }
