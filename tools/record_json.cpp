@@ -160,16 +160,13 @@ auto Filling(const Node& node) {
 }
 
 void MediaInfoFromJson(const Node& node, CProfileData& data) {
-  _tagDeviceProfileInfo::BinaryView& view = data.GetProfileInfo()->Binary;
   const std::vector<Node> items = node.Items();
-  tagMedia* const media = data.CreateMediaInfoArray(static_cast<int>(items.size()));
-  delete[] view.MediaInfo;
-  view.MediaInfo = media;
-  view.MediaInfoCount = static_cast<std::uint32_t>(items.size());
+  std::vector<tagMedia> media(items.size());
   for (std::size_t i = 0; i < items.size(); ++i) {
     FromJson(items[i].At("Language"), media[i].Language);
     FromJson(items[i].At("Name"), media[i].Name);
   }
+  data.SetMediaInfo(media);
 }
 
 }  // namespace

@@ -18,7 +18,7 @@
 // Whole numbers are read as decimal text: white space and a sign in front are taken, the number ends at the first
 // character that is no digit, text without digits is 0, and what 32 bits do not hold becomes the nearest number that
 // they do. Lists are whole numbers between commas; an empty item is 0.
-class CAdjustFileAnalyzer {
+class NVX_EXPORT CAdjustFileAnalyzer {
  public:
   CAdjustFileAnalyzer() = default;
   CAdjustFileAnalyzer(const CAdjustFileAnalyzer&) = delete;
@@ -210,7 +210,7 @@ class NVX_EXPORT CSpecialColorAdjustFile {
   bool Initialize(const char16_t* path, CError& error);
 
   // Inkset, ink count and the codes of the inks; inks for which the list has no item get code 0. An ink count above 8
-  // is refused as a missing key, with the count of the structure left as it was.
+  // is cut to 8, which nvx::InspectAdjustFile remarks.
   bool GetColorAdjustData(SPECIAL_COLOR_ADJUST* data, CError& error);
 
   // The densities of the inks that the structure names, 0 where the file has none. True unless the target is null or no

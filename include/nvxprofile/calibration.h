@@ -27,7 +27,7 @@ struct tag_CalibrationInfo {
 };
 
 // The children of a container, which it owns, and the container's description.
-class CContainerData {
+class NVX_EXPORT CContainerData {
  public:
   CContainerData() = default;
   CContainerData(const CContainerData&) = delete;
@@ -39,26 +39,33 @@ class CContainerData {
 
   // Appends the entry, which is owned from then on, unless it stands here already or a child has its used type and
   // option info: then the first stays, the caller still owns the new one, and the result is true all the same. False
-  // for null alone.
+  // for null alone. Add tells the two apart.
   virtual bool SetProfileDataEntry(CProfileDataEntry* entry);
 
   tag_ContainerData* GetContainerData() { return &description_; }
+  const tag_ContainerData* GetContainerData() const { return &description_; }
   const nvx::CursorList<CProfileDataEntry>& Children() const { return children_; }
 
-  // Puts the entry before the child at `index`, or at the end, without any test, and takes it over.
-  void Insert(std::size_t index, CProfileDataEntry* entry);
-  // Takes the child at `index` out; null if there is none. The caller owns it.
-  CProfileDataEntry* TakeAt(std::size_t index) { return children_.TakeAt(index); }
+  // Appends the entry; gives it back if a child has its used type and option info.
+  std::unique_ptr<CProfileDataEntry> Add(std::unique_ptr<CProfileDataEntry> entry);
+  // Puts the entry before the child at `index`, or at the end, without any test.
+  void Insert(std::size_t index, std::unique_ptr<CProfileDataEntry> entry);
+  // Takes the child at `index` out; null if there is none.
+  std::unique_ptr<CProfileDataEntry> TakeAt(std::size_t index);
 
   // The first child with that used type and option info, null if there is none.
   CProfileDataEntry* Find(std::uint32_t usedType, std::uint32_t optionInfo) const;
 
   // How deep the children stand below the outermost container, 1 for those of the outermost itself. A container that is
-  // put into another gets the next level, so that a form that nests without end is told from inside its load.
+  // put into another gets the next level, and all containers below it with it, so that a form that nests without end
+  // is told from inside its load; one that is taken out is the outermost of its own tree again.
   std::uint32_t GetLevel() const { return level_; }
-  void SetLevel(std::uint32_t level) { level_ = level; }
+  // Gives an entry the level that it has as a child of this; Insert does so too.
+  void SetLevelOfChild(CProfileDataEntry& entry) const { SetLevel(entry, level_ + 1); }
 
  private:
+  static void SetLevel(CProfileDataEntry& entry, std::uint32_t level);
+
   tag_ContainerData description_;
   nvx::CursorList<CProfileDataEntry> children_;
   std::uint32_t level_ = 1;
@@ -73,6 +80,7 @@ class CContainerData {
 // stay as they are, also through DataToBuffer.
 //
 // BufferToData makes new children, so pointers to the former ones and to anything in them are invalid from then on.
+// Asking for a child opens the container as asking for a payload opens other entries: what is below may be changed.
 class NVX_EXPORT CContainerEntry : public CProfileDataEntry {
  public:
   static constexpr std::uint32_t kMaxLevels = 8;
@@ -92,35 +100,37 @@ class NVX_EXPORT CContainerEntry : public CProfileDataEntry {
   CProfileDataEntry* GetProfileDataEntry(int index);
   CProfileDataEntry* GetProfileDataEntry(std::uint32_t usedType, std::uint32_t optionInfo);
 
-  // Puts the entry before the child at that position and takes it over. A negative index counts as 0, one above the
-  // count appends. Null, and an entry that stands here already, are ignored.
-  void InsertProfileDataEntry(int index, CProfileDataEntry* entry);
+  // Puts the entry before the child at that position. A negative index counts as 0, one above the count appends. True
+  // if the container owns it from then on; false for null and for an entry that stands here already, of which nothing
+  // changes.
+  bool InsertProfileDataEntry(int index, CProfileDataEntry* entry);
 
   // Appends the entry and takes it over. A child that has its used type and option info already stays, and the new
-  // entry then remains the caller's, although the result is true; false for null alone. Ask GetProfileDataEntry
-  // whether it was filed.
+  // entry then remains the caller's, although the result is true; false for null alone.
   bool SetProfileDataEntry(CProfileDataEntry* entry);
+  // The same with an answer: null if the container owns the entry from then on, else the entry.
+  std::unique_ptr<CProfileDataEntry> AddProfileDataEntry(std::unique_ptr<CProfileDataEntry> entry);
 
   // Takes a child out; the caller owns it. Null, with nothing changed, if there is no such child or if the class does
   // not let children be removed, which only the history does.
   CProfileDataEntry* RemoveProfileDataEntry(int index);
   CProfileDataEntry* RemoveProfileDataEntry(std::uint32_t usedType, std::uint32_t optionInfo);
 
-  // Destroys the children and makes new ones from the buffer. False for an empty buffer, with the children as they
-  // were, and for a form that CProfileFileCalibration refuses, with the children before the fault.
+  // Destroys the children and makes new ones from the buffer. False for an empty buffer and below kMaxLevels, with the
+  // children as they were, and for a form that CProfileFileCalibration refuses, with the children before the fault.
   bool BufferToData() override;
 
-  // Renews the buffers of all children and then this entry's, exactly as long as its form. A child whose own
-  // DataToBuffer fails is written with the buffer that it has. False, with the old buffer, for a form beyond 4 GiB and
-  // for children below kMaxLevels.
+  // Brings the buffers of all children up to date (RenewBuffer) and makes this entry's buffer of them, exactly as long
+  // as its form. False, with the old buffer, if a child's changes cannot be written, for a form beyond 4 GiB, for
+  // children below kMaxLevels, and for a buffer that is unread or was read in part. Buffers of children may then be
+  // new, but say what their payloads say.
   bool DataToBuffer() override;
 
-  // Makes this entry's buffer of the children's buffers as they are, without renewing them: what does not parse keeps
-  // its bytes. `optionValue` goes into the form's header. False, with the old buffer, for a form beyond 4 GiB.
-  bool JoinBuffers(std::uint32_t optionValue);
-
-  // The children and their level.
-  CContainerData& GetChildData() { return data_; }
+  // The children and their level, open to changes, and for reading alone.
+  CContainerData& GetChildData() {
+    OpenPayload();
+    return data_;
+  }
   const CContainerData& GetChildData() const { return data_; }
 
  protected:
@@ -136,6 +146,10 @@ class NVX_EXPORT CContainerEntry : public CProfileDataEntry {
   bool RebuildForm(std::uint32_t optionValue);
 
  private:
+  friend class CContainerData;
+
+  CProfileDataEntry* HandOut(CProfileDataEntry* child);
+
   CContainerData data_;
   bool removable_ = false;
 };
@@ -157,14 +171,21 @@ class NVX_EXPORT CCalibrationHistoryEntry : public CContainerEntry {
   CCalibrationHistoryEntry();
 
   // The code for a new calibration. Counts up by 1 at each call, from 0 in a new history; the form keeps the count.
-  std::uint32_t GetNextID() { return nextId_++; }
+  std::uint32_t GetNextID() {
+    OpenPayload();
+    return nextId_++;
+  }
   // The code that GetNextID would give.
   std::uint32_t PeekNextID() const { return nextId_; }
-  void SetNextID(std::uint32_t id) { nextId_ = id; }
+  void SetNextID(std::uint32_t id) {
+    OpenPayload();
+    nextId_ = id;
+  }
 
-  // Takes over the calibrations of another history; false, with nothing changed, for a source of another class or with
-  // a child that cannot be copied. What is taken over is a deep copy: both histories own their entries, and the source
-  // stays as it is.
+  // Takes over the calibrations of another history. What is taken over is a deep copy: both histories own their
+  // entries, and the source keeps its own. False, with this history as it was, for a source of another class, for one
+  // whose form is unread, was read in part or cannot be brought up to date, for a child that cannot be copied, and
+  // where new children could not be written because this history's own form was read in part.
   //
   // With as many children here as in the source, the source replaces this history whole, next ID and all. Otherwise the
   // source's target entry replaces the contents of the one here (made if there is none), the source's other children
@@ -179,6 +200,10 @@ class NVX_EXPORT CCalibrationHistoryEntry : public CContainerEntry {
   bool DataToBuffer() override;
 
  private:
+  // The two ways of DoImport.
+  bool ReplaceBy(CCalibrationHistoryEntry& source);
+  bool InsertFrom(CCalibrationHistoryEntry& source);
+
   std::uint32_t nextId_ = 0;
 };
 
@@ -206,8 +231,8 @@ class NVX_EXPORT CCalibrationInfoEntry : public CProfileDataEntry {
   CCalibrationInfoEntry();
 
   // The base record and the extended record; both stay the entry's.
-  tag_CalibrationInfo* GetCalibrationInfo() { return &UseRecords().base; }
-  tag_CalibrationInfo* GetCalibrationInfoEx() { return &UseRecords().extended; }
+  tag_CalibrationInfo* GetCalibrationInfo();
+  tag_CalibrationInfo* GetCalibrationInfoEx();
   // Copy the record; null changes nothing.
   void SetCalibrationInfo(const tag_CalibrationInfo* info);
   void SetCalibrationInfoEx(const tag_CalibrationInfo* info);
@@ -216,7 +241,7 @@ class NVX_EXPORT CCalibrationInfoEntry : public CProfileDataEntry {
   // a buffer below 512 bytes.
   bool BufferToData() override;
 
-  // Makes the buffer 1024 bytes long and writes both records. Always true.
+  // Makes the buffer 1024 bytes long and writes both records.
   bool DataToBuffer() override;
 
  private:
@@ -226,6 +251,7 @@ class NVX_EXPORT CCalibrationInfoEntry : public CProfileDataEntry {
   };
 
   Records& UseRecords();
+  Records& OpenRecords();
 
   // Made when they are first asked for, so that a form of many empty entries does not fill the memory with zeros.
   std::unique_ptr<Records> records_;
@@ -268,10 +294,9 @@ class NVX_EXPORT CProfileFileCalibration {
   virtual bool LoadData(CNvxFile& file, CContainerData* data, bool headerOnly);
   virtual bool LoadData(const char16_t* path, CContainerData* data, bool headerOnly);
 
-  // Write the children's buffers as they are; false for null data and for a header that the stream does not take whole.
-  // A stream that takes less of a body is not noticed: who saves to one asks it (CNvxFile::Flush). The path form
-  // notices: it writes beside the target and replaces it at the end, and after a false the old file is as it was. The
-  // offset load point takes no part.
+  // Write the children's buffers as they are; false for null data and for a stream that does not take all of it. The
+  // path form writes beside the target and replaces it at the end: after a false the old file is as it was. The offset
+  // load point takes no part.
   virtual bool SaveData(CNvxFile& file, CContainerData* data);
   virtual bool SaveData(const char16_t* path, CContainerData* data);
 
@@ -279,7 +304,7 @@ class NVX_EXPORT CProfileFileCalibration {
   virtual bool LoadHeader(CNvxFile& file, CContainerData* data);
 
   // Bytes that a save writes.
-  static std::uint64_t GetSavedSize(CContainerData& data);
+  static std::uint64_t GetSavedSize(const CContainerData& data);
 
   // Where the form starts in the stream that is loaded; 0 at first.
   std::uint32_t GetOffsetLoadPoint() const { return offsetLoadPoint_; }

@@ -16,7 +16,7 @@ namespace nvx {
 // A deep copy of an entry: flags, types, option info, label, buffer and payload; of a container also the description
 // and all children, of a history also the next ID. Buffer and payload are copied apart, as either may be newer than the
 // other; the source is the same afterwards. Null for an entry of a type that CProfileDataEntry::CreateDataEntry does
-// not know, or with such a child.
+// not know, for an edited payload that its form cannot carry, and for one with such a child.
 NVX_EXPORT std::unique_ptr<CProfileDataEntry> CloneEntry(CProfileDataEntry& entry);
 
 // A new calibration. Curve entries that are null are left out.
@@ -33,7 +33,9 @@ struct NewCalibration {
 // are passed over. The calibration and its curve entries are marked complete and their buffers are up to date, so that
 // queries answer from it at once; call DataToBuffer on the history before the profile is saved. A history without a
 // target entry first gets one with the calibration's time as its create time, since queries count the calibrations from
-// behind it. The result stays the history's, its option info is the code.
+// behind it. The result stays the history's, its option info is the code. Null, with the history as it was and the
+// curve entries gone, for curves that cannot be written and for a history whose own form was read in part, to which
+// nothing could be written.
 NVX_EXPORT CCalibrationContainerEntry* AddCalibration(CCalibrationHistoryEntry& history, NewCalibration calibration);
 
 // The codes of the source's calibrations that could not be taken over as they are, in the source's order: the history
@@ -51,7 +53,8 @@ struct ImportedCalibration {
 // form is loaded again. The history gets the contents of the source's target entry, and a target entry in any case.
 // Other children than calibrations are taken over if the history has none of their used type and option info. The next
 // ID is then above all codes. Copies are deep; the source stays as it is. Gives the codes in the source's order;
-// nothing, with the history as it was, if a child cannot be copied (CloneEntry) or the source is the history itself.
+// nothing, with the history as it was, if a child cannot be copied (CloneEntry), if the source is the history itself,
+// and if one of the two is unread or was read in part.
 NVX_EXPORT std::optional<std::vector<ImportedCalibration>> ImportCalibrations(CCalibrationHistoryEntry& history,
                                                                               CCalibrationHistoryEntry& source);
 

@@ -32,12 +32,14 @@ class NVX_EXPORT CConvertV2ToV3Profile {
   // large parameters and special colours, which no conversion takes over, are then no longer announced in the record.
   // MakerText is always that of the maker, never a user's name. Entries got from GetProfileDataEntry_V3 before are
   // invalid from then on.
-  void ConvertV2ToV3Profile(const _tagDBDeviceProfileInfo* database);
+  //
+  // False, with the new profile as it was, if an entry that the conversion takes over is unread or was read in part:
+  // what it holds beyond that would be lost. False without a loaded profile.
+  bool ConvertV2ToV3Profile(const _tagDBDeviceProfileInfo* database);
 
-  // Saves the new profile as CProfileFileQPFv3 does, beside the target and over it at the end. Passes no result on:
-  // whoever wants to know loads the file. A save that fails, such as that of a profile without an ICC profile, leaves
-  // what was there before.
-  void SaveV3Profile(const char16_t* path);
+  // Saves the new profile as CProfileFileQPFv3 does, beside the target and over it at the end. After a false, such as
+  // that for a profile without an ICC profile, what was there before is there still.
+  bool SaveV3Profile(const char16_t* path);
 
   // The first entry of a type in the old and in the new profile; null if there is none. They stay the object's.
   CProfileDataEntry* GetProfileDataEntry_V2(std::uint32_t usedType);
@@ -55,12 +57,12 @@ class NVX_EXPORT CConvertV2ToV3Profile {
   // Appends to the target's curve set a curve of 16 bits for each curve of the source: the source's samples in the one
   // case, 256 samples on a straight line from 0 to 65535 in the other. With setLimitKey their ExtendInfo is 12 or 14,
   // else the source's; with onlyVariable curves of another ExtendInfo than 5 are left out. Both entries' buffers are
-  // renewed. An entry without a curve set is left alone.
+  // renewed. An entry without a curve set, and a source that is unread or was read in part, are left alone.
   void Convert8bitTo16bit(CProfileDataEntry* source, CProfileDataEntry* target, bool setLimitKey, bool onlyVariable);
   void GetLineEntryCurve(CProfileDataEntry* source, CProfileDataEntry* target, bool setLimitKey, bool onlyVariable);
 
  private:
-  void ConvertEntry(CProfileDataEntry& source);
+  bool ConvertEntry(CProfileDataEntry& source);
 
   std::unique_ptr<CProfileData> v2_;
   std::unique_ptr<CProfileData> v3_;

@@ -1,66 +1,43 @@
-// The one list of the model: every object that holds children holds them in one of these.
+// The lists of the model: every object that holds children holds them in one of these.
 #pragma once
 
 #include <algorithm>
 #include <cstddef>
 #include <memory>
+#include <utility>
 #include <vector>
 
 namespace nvx {
 
-enum class Ownership { kOwned, kBorrowed };
-
-// An ordered list of pointers with one cursor. Clear says whether the elements are destroyed; a list that dies with
-// elements in it leaves them alone, so the object that holds it decides in its destructor. Elements are destroyed with
-// delete. Adding or removing ends a walk.
+// What both lists share: pointers in order, and one cursor for walks of the caller. Code that walks a list for itself
+// goes by its range or by First, and so leaves the cursor where the caller has it; only Head, Next and Find move it.
 template <class T>
-class CursorList {
+class ItemList {
  public:
-  CursorList() = default;
-  CursorList(const CursorList&) = delete;
-  CursorList& operator=(const CursorList&) = delete;
+  ItemList(const ItemList&) = delete;
+  ItemList& operator=(const ItemList&) = delete;
 
   std::size_t Count() const { return items_.size(); }
   bool IsEmpty() const { return items_.empty(); }
 
   // Null for an index at or beyond the count.
   T* At(std::size_t index) const { return index < items_.size() ? items_[index] : nullptr; }
-
-  // An item that is handed over is destroyed if the list cannot grow.
-  void Append(T* item, Ownership ownership = Ownership::kBorrowed) { Insert(items_.size(), item, ownership); }
-  void Reserve(std::size_t count) { items_.reserve(count); }
-
-  // Puts the item before the one at `index`; at or beyond the count it appends.
-  void Insert(std::size_t index, T* item, Ownership ownership = Ownership::kBorrowed) {
-    std::unique_ptr<T> taken(ownership == Ownership::kOwned ? item : nullptr);
-    items_.insert(items_.begin() + static_cast<std::ptrdiff_t>(std::min(index, items_.size())), item);
-    static_cast<void>(taken.release());
-  }
-
-  // Takes the item at `index` out; null if there is none.
-  T* TakeAt(std::size_t index) {
-    T* const item = At(index);
-    if (index < items_.size()) items_.erase(items_.begin() + static_cast<std::ptrdiff_t>(index));
-    return item;
-  }
-
-  // Takes every occurrence of the item out.
-  void Remove(const T* item) { items_.erase(std::remove(items_.begin(), items_.end(), item), items_.end()); }
-
   bool Contains(const T* item) const { return std::find(items_.begin(), items_.end(), item) != items_.end(); }
 
-  void Clear(Ownership ownership) {
-    // The list is emptied first, so that a destructor that looks back finds nothing.
-    std::vector<T*> items;
-    items.swap(items_);
-    cursor_ = 0;
-    if (ownership == Ownership::kOwned) {
-      for (T* item : items) delete item;
-    }
+  // First element that passes, null if none does.
+  template <class Passes>
+  T* First(Passes passes) const {
+    const auto found = FindIf(passes);
+    return found != items_.end() ? *found : nullptr;
   }
 
+  auto begin() const { return items_.begin(); }
+  auto end() const { return items_.end(); }
+
+  void Reserve(std::size_t count) { items_.reserve(count); }
+
   // The cursor: Head puts it on the first element and says whether there is one; Next gives the element at the cursor,
-  // moves on and says whether another follows. Next at the end gives null.
+  // moves on and says whether another follows. Next at the end gives null. Adding or removing ends a walk.
   bool Head() {
     cursor_ = 0;
     return !items_.empty();
@@ -68,27 +45,104 @@ class CursorList {
 
   T* Next(bool& more) {
     T* const item = At(cursor_);
-    if (item != nullptr || cursor_ < items_.size()) ++cursor_;
+    if (cursor_ < items_.size()) ++cursor_;
     more = cursor_ < items_.size();
     return item;
   }
 
-  // First element that passes, null if none does; the cursor then stands behind it.
+  // As First; the cursor then stands behind what was found, or at the end.
   template <class Passes>
   T* Find(Passes passes) {
-    const auto found = std::find_if(items_.begin(), items_.end(), [&](T* item) { return item && passes(*item); });
+    const auto found = FindIf(passes);
     cursor_ = static_cast<std::size_t>(found - items_.begin());
     if (found == items_.end()) return nullptr;
     ++cursor_;
     return *found;
   }
 
-  auto begin() const { return items_.begin(); }
-  auto end() const { return items_.end(); }
+ protected:
+  ItemList() = default;
+  ~ItemList() = default;
+
+  // Behind all others for an index at or beyond the count.
+  void Put(std::size_t index, T* item) {
+    items_.insert(items_.begin() + static_cast<std::ptrdiff_t>(std::min(index, items_.size())), item);
+  }
+
+  // Null if there is none.
+  T* Take(std::size_t index) {
+    T* const item = At(index);
+    if (index < items_.size()) items_.erase(items_.begin() + static_cast<std::ptrdiff_t>(index));
+    return item;
+  }
+
+  std::vector<T*> TakeAll() {
+    cursor_ = 0;
+    return std::exchange(items_, {});
+  }
+
+  std::vector<T*> items_;
 
  private:
-  std::vector<T*> items_;
+  template <class Passes>
+  auto FindIf(Passes passes) const {
+    return std::find_if(items_.begin(), items_.end(), [&](T* item) { return passes(*item); });
+  }
+
   std::size_t cursor_ = 0;
+};
+
+// A list that refers to what somebody else owns.
+template <class T>
+class ReferenceList : public ItemList<T> {
+ public:
+  ReferenceList() = default;
+
+  void Append(T* item) { this->Put(this->Count(), item); }
+  // Takes every occurrence of the item out.
+  void Remove(const T* item) { std::erase(this->items_, item); }
+  void Clear() { this->TakeAll(); }
+  void Become(std::vector<T*> items) { this->items_ = std::move(items); }
+};
+
+// A list that owns its items: they are destroyed with delete when the list is cleared or dies.
+//
+// Payloads whose children may be borrowed (auto-delete off) say so at each step: AppendBorrowed and InsertBorrowed take
+// an item that is not destroyed if the list cannot grow, LetGo empties the list and destroys nothing.
+template <class T>
+class CursorList : public ItemList<T> {
+ public:
+  CursorList() = default;
+  ~CursorList() { Clear(); }
+
+  void Append(std::unique_ptr<T> item) { Insert(this->Count(), std::move(item)); }
+  void AppendBorrowed(T* item) { this->Put(this->Count(), item); }
+  void InsertBorrowed(std::size_t index, T* item) { this->Put(index, item); }
+
+  // Puts the item before the one at `index`; at or beyond the count it appends.
+  void Insert(std::size_t index, std::unique_ptr<T> item) {
+    this->Put(index, item.get());
+    static_cast<void>(item.release());
+  }
+
+  // Takes the item at `index` out; null if there is none.
+  std::unique_ptr<T> TakeAt(std::size_t index) { return std::unique_ptr<T>(this->Take(index)); }
+
+  // Takes every occurrence of the item out; null if there is none.
+  std::unique_ptr<T> Remove(const T* item) {
+    const auto found = std::find(this->items_.begin(), this->items_.end(), item);
+    std::unique_ptr<T> taken(found != this->items_.end() ? *found : nullptr);
+    std::erase(this->items_, item);
+    return taken;
+  }
+
+  // The list is emptied before anything is destroyed, so that a destructor that looks back finds nothing.
+  void Clear() {
+    for (T* const item : this->TakeAll()) delete item;
+  }
+  void LetGo() { this->TakeAll(); }
+  // Holds these items instead of its own, all of which are among them.
+  void Become(std::vector<T*> items) { this->items_ = std::move(items); }
 };
 
 }  // namespace nvx

@@ -169,7 +169,7 @@ class NVX_EXPORT CCurveDataEntry16 : public CCurveDataEntry {
 };
 
 // An ordered set of curves with one cursor. With auto-delete, which it starts with, it owns its curves; without, they
-// are borrowed. For one thread at a time, since even reading moves the cursor.
+// are borrowed.
 class NVX_EXPORT CCurveData : public CDataObject {
  public:
   CCurveData() = default;
@@ -179,7 +179,8 @@ class NVX_EXPORT CCurveData : public CDataObject {
   // Empties the set, and destroys the curves if auto-delete is on.
   void DeleteContents() override;
 
-  // The first curve of that ink or slot, null if there is none. An ink above 255 finds nothing.
+  // The first curve of that ink or slot, null if there is none. An ink above 255 finds nothing. The Finds move the
+  // cursor behind what they find.
   virtual CCurveDataEntry* FindInkIDEntry(std::uint32_t inkId);
   virtual CCurveDataEntry* FindSlotNoEntry(std::uint32_t slotNo);
 
@@ -192,14 +193,18 @@ class NVX_EXPORT CCurveData : public CDataObject {
 
   virtual ~CCurveData();
 
-  // Appends; the curve data size type becomes its DataType. Null is ignored.
-  void AddTail(CCurveDataEntry* entry);
+  // Appends; the curve data size type becomes its DataType. True if the set holds the curve from then on: it owns it
+  // with auto-delete, and refers to it without. False for null, which changes nothing. Where the heap is exhausted on
+  // the way the curve is destroyed, unless it is only borrowed.
+  bool AddTail(CCurveDataEntry* entry);
   int GetCount() const { return static_cast<int>(curves_.Count()); }
 
   // A walk: GetHeadPosition says whether there is a first curve, GetNext gives the curve at the cursor and says whether
-  // another follows. A Find, an AddTail or a copy ends it.
-  bool GetHeadPosition();
-  CCurveDataEntry* GetNext(bool& more);
+  // another follows. A Find, an AddTail or a copy into this set ends it.
+  bool GetHeadPosition() { return curves_.Head(); }
+  CCurveDataEntry* GetNext(bool& more) { return curves_.Next(more); }
+  // The same curves for walks and searches that leave the cursor alone.
+  const nvx::CursorList<CCurveDataEntry>& Curves() const { return curves_; }
 
   // As FindInkIDEntry, with ExtendInfo equal as well.
   CCurveDataEntry* FindInkIDEntryonSize(std::uint32_t inkId, std::uint32_t extendInfo);
@@ -263,14 +268,16 @@ class NVX_EXPORT CCurveFile : public CDataFile {
   virtual ~CCurveFile();
 
   // Reads the form at the start of the stream and appends its curves to the set, whose used type becomes that of the
-  // form. False for a header, record or data block that breaks a rule of the form, a DataType other than 1 and 2, a
-  // 16-bit curve of an odd size, and for what the stream does not hold whole; the set then holds the curves before.
+  // form. 16-bit samples in an odd number of bytes keep all of them, in a CCurveDataEntry8 with DataType 2. False for a
+  // header, record or data block that breaks a rule of the form, a DataType other than 1 and 2, and for what the stream
+  // does not hold whole; the set then holds the curves before. False for a null set.
   virtual bool LoadFile(CNvxFile& file, CCurveData* data);
 
   // Reads the header alone; false for a wrong signature or version.
   virtual bool LoadHeader(CNvxFile& file);
 
-  // Writes the set where the stream stands. False if the stream takes less.
+  // Writes the set where the stream stands. False if the stream takes less; false with nothing written for a null
+  // set and for a curve of a DataType other than 1 and 2, which would not load.
   virtual bool SaveFile(CNvxFile& file, CCurveData* data);
 
   // The same on a path; false if it cannot be opened. A save writes beside the target and replaces it at the end: after

@@ -15,14 +15,19 @@ class NVX_EXPORT CProfileCurveEntry : public CProfileDataEntry {
   CProfileCurveEntry() = default;
   ~CProfileCurveEntry() override;
 
-  // The curve set, which stays the entry's.
+  // The curve set, which stays the entry's, open to changes and for reading alone.
   CDataObject* GetFormatData() override;
-  CCurveData* GetCurveData() { return &curves_; }
+  CCurveData* GetCurveData() {
+    OpenPayload();
+    return &curves_;
+  }
+  const CCurveData* GetCurveData() const { return &curves_; }
 
   // Gives each curve of this entry the samples of the first curve of the source with its ink and ExtendInfo, in the
   // sample width of this entry (CCurveDataEntry::CopyData), and takes the source's label. A source without curves
-  // changes the label alone. False if a curve has no partner, with the curves before changed and the label left, and
-  // for a source that is no CProfileCurveEntry.
+  // changes the label alone. False if a curve has no partner, with the curves before changed and the label left. False
+  // with nothing changed for a source that is no CProfileCurveEntry, and if the buffer of either entry is unread or was
+  // read in part.
   bool DoImport(CProfileDataEntry* source) override;
 
   // Renews the curve set from the buffer. Curves got before, and their samples, are invalid from then on; curves that
@@ -31,14 +36,23 @@ class NVX_EXPORT CProfileCurveEntry : public CProfileDataEntry {
   // the curves before the fault in the set.
   bool BufferToData() override;
 
-  // Writes the curve set into a new buffer of exactly its size; false, with the old buffer, for a form beyond 4 GiB.
+  // Writes the curve set into a new buffer of exactly its size; false, with the old buffer, for a form beyond 4 GiB and
+  // for a buffer that is unread or was read in part.
   bool DataToBuffer() override;
+
+  // Makes all samples count as 16 bits, whatever the form said, as those of the current generation of profiles do: the
+  // curves get DataType 2, and the buffer is rebuilt. A buffer that was read in part keeps its bytes; its curves get
+  // DataType 2 after each BufferToData. False if the buffer cannot be rebuilt.
+  bool TakeSamplesAs16Bit();
 
  protected:
   explicit CProfileCurveEntry(UsedType usedType) : CProfileDataEntry(usedType, kFormatCurve, true) {}
 
  private:
+  void MakeCurves16Bit();
+
   CCurveData curves_;
+  bool takes16Bit_ = false;
 };
 
 class NVX_EXPORT CInkLimitEntry : public CProfileCurveEntry {
@@ -57,7 +71,7 @@ class NVX_EXPORT CMultiInkLimitEntry : public CProfileCurveEntry {
 };
 
 // Curves of ink 0: ExtendInfo 2 under colour removal, ExtendInfo 1 black generation.
-class CUcrEntry : public CProfileCurveEntry {
+class NVX_EXPORT CUcrEntry : public CProfileCurveEntry {
  public:
   CUcrEntry() : CProfileCurveEntry(kUcr) {}
 };

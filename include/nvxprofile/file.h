@@ -5,6 +5,8 @@
 
 #include <cstdint>
 #include <memory>
+#include <string>
+#include <string_view>
 
 namespace nvx {
 
@@ -26,11 +28,14 @@ inline constexpr std::uint32_t kFromEnd = 2;
 }  // namespace nvx
 
 // A stream over a file. Reads and writes go through a buffer inside the object. What Write accepted is on its way to
-// the file only after Flush, Close or the destructor; Flush alone tells whether it got there. No operation reports
-// through anything but its result, and none throws but for want of memory.
+// the file only after Flush, Close or the destructor; Flush alone tells whether it got there. A write that comes up
+// short fails the stream until it is opened anew: it accepts nothing more, and Flush gives false, so that what was
+// written in part is never taken for whole. No operation reports through anything but its result, and none throws but
+// for want of memory.
 class NVX_EXPORT CNvxFile {
  public:
-  // Characters of a stored path, the terminator included. Open refuses a longer path.
+  // Characters of the field that keeps a path, the terminator included. Longer paths are opened all the same and kept
+  // beside it.
   static constexpr std::uint32_t kPathLength = 256;
 
   CNvxFile();
@@ -48,7 +53,8 @@ class NVX_EXPORT CNvxFile {
   // Bytes actually read; 0 if the stream is closed.
   virtual std::uint32_t Read(void* buffer, std::uint32_t count);
 
-  // Bytes accepted; 0 if the stream is closed, fewer than `count` if the file refuses them.
+  // Bytes accepted; 0 if the stream is closed, failed or opened for reading alone, with the position as it was; fewer
+  // than `count` if the file refuses them.
   virtual std::uint32_t Write(const void* buffer, std::uint32_t count);
 
   // Size of the file in bytes, lower 32 bits; 0 if the stream is closed or the query fails.
@@ -62,13 +68,18 @@ class NVX_EXPORT CNvxFile {
   // Returns the new position; 0 if the stream is closed. A target before the start leaves the position.
   virtual std::uint32_t Seek(std::uint32_t offset, std::uint32_t origin);
 
-  // Hands buffered bytes to the file. False if any byte accepted since Open could not be written.
+  // Hands buffered bytes to the file. False if any byte offered since Open could not be written.
   bool Flush();
 
-  // Copies name and extension of the stored path, without folders, into room for 256 characters.
+  // The stored path, whatever its length; empty while the stream is closed. Valid until the next Open or Close.
+  std::u16string_view GetPath() const;
+
+  // Copies name and extension of the stored path, without folders: the text and its terminator, at most 256 characters,
+  // and nothing behind them.
   void GetFileName(char16_t* out) const;
 
-  // Copies the stored path into room for 256 characters.
+  // Copies the stored path in the same way; nothing of a path of 256 characters or more, since its start is the path of
+  // something else.
   void GetPathName(char16_t* out) const;
 
   // The handle of the operating system; all bits set while the stream is closed.
@@ -78,10 +89,15 @@ class NVX_EXPORT CNvxFile {
   void SetDiagnosis(nvx::Diagnosis* diagnosis) { diagnosis_ = diagnosis; }
   nvx::Diagnosis* GetDiagnosis() const { return diagnosis_; }
 
+  // Readers note here that they passed over something of the form that the stream holds, so that what they made of it
+  // does not say all of it, although they give true.
+  void NotePassedOver() { passedOver_ = true; }
+  bool HasPassedOver() const { return passedOver_; }
+
  protected:
-  // Takes over an open handle, for streams that write beside their target; the path is the one that GetFileName and
-  // GetPathName give. False, with the handle left alone, if the path is too long.
-  bool Attach(std::intptr_t handle, const char16_t* path);
+  // Closes the stream and takes over an open handle, for streams that write beside their target; the path is the one
+  // that GetFileName and GetPathName give.
+  void Attach(std::intptr_t handle, std::u16string_view path);
 
  private:
   struct Buffer;
@@ -90,12 +106,15 @@ class NVX_EXPORT CNvxFile {
   bool FlushWrites();
   void DropReads();
 
-  char16_t path_[kPathLength] = {};
+  char16_t path_[kPathLength] = {};  // empty for a path that does not fit
   std::intptr_t handle_ = -1;
   std::int64_t position_ = 0;       // as the caller sees it; the handle runs ahead of reads and behind writes
   std::unique_ptr<Buffer> buffer_;  // made at the first small transfer
-  bool failed_ = false;             // accepted bytes were lost
+  bool writable_ = false;
+  bool failed_ = false;  // a write came up short
+  bool passedOver_ = false;
   nvx::Diagnosis* diagnosis_ = nullptr;
+  std::u16string longPath_;  // a path that does not fit into path_
 };
 
 // A stream over a block of memory. Its three fields are its interface:
@@ -109,7 +128,7 @@ class NVX_EXPORT CNvxFile {
 // written. A failed resize makes Write give 0 and leaves all fields as they were.
 //
 // Seek with origin 2 counts backwards from the end, unlike the file stream. A position never leaves the block.
-class CNvxMemFile : public CNvxFile {
+class NVX_EXPORT CNvxMemFile : public CNvxFile {
  public:
   CNvxMemFile() = default;
   // Borrows a block for reading or for writing inside it.

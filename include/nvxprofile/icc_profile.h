@@ -23,7 +23,7 @@ class IccImage;
 // A tag is named by its four characters, such as "desc". Without a working copy every operation on tags and on the
 // image gives false, and the sizes are 0. The destructor is not virtual: these objects live on the stack of one
 // operation.
-class CICCProfile {
+class NVX_EXPORT CICCProfile {
  public:
   CICCProfile();
   CICCProfile(const CICCProfile&) = delete;
@@ -100,7 +100,7 @@ class CICCProfile {
 
 // A memory stream with the byte order of ICC data, most significant byte first. What a read misses at the end of the
 // stream counts as zero bytes. The block is somebody else's, or is taken out by whoever wrote a growing one.
-class CICCProfileBufferAccess : public CNvxMemFile {
+class NVX_EXPORT CICCProfileBufferAccess : public CNvxMemFile {
  public:
   using CNvxMemFile::CNvxMemFile;
   ~CICCProfileBufferAccess() override;
@@ -123,7 +123,7 @@ class CICCProfileBufferAccess : public CNvxMemFile {
 };
 
 // A tag of the ICC text description type, taken apart. Its strings may be replaced; all else is carried through.
-class CICCTextDescription {
+class NVX_EXPORT CICCTextDescription {
  public:
   static constexpr std::uint32_t kTypeSignature = 0x64657363;  // "desc"
   static constexpr std::uint32_t kMacintoshSize = 67;

@@ -22,7 +22,7 @@ class NVX_EXPORT CICMEntry : public CProfileDataEntry {
   CICMEntry();
   ~CICMEntry() override;
 
-  // Copies the source with its buffer, type and label. True; false for null.
+  // Copies the source with its buffer, type and label; false for null and where Copy gives false.
   bool DoImport(CProfileDataEntry* source) override;
 
   // Works out the option info. False, with the option info as it was, if the buffer is no readable ICC profile.

@@ -10,7 +10,7 @@
 #include <memory>
 
 // What is known of an input profile.
-class CInputProfileInfo final : public CProfileInfoObject {
+class NVX_EXPORT CInputProfileInfo final : public CProfileInfoObject {
  public:
   static constexpr std::uint32_t kColorCmyk = 1;
   static constexpr std::uint32_t kColorOther = 2;

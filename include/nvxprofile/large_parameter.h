@@ -120,8 +120,8 @@ class NVX_EXPORT CLargeParameterData : public CDataObject {
   CLargeParameterData& operator=(const CLargeParameterData&) = delete;
   virtual ~CLargeParameterData();
 
-  // Takes the table over; null is ignored.
-  void AddTail(CLargeParameterDataEntry* entry);
+  // Takes the table over, also where the heap is exhausted on the way. False for null, which changes nothing.
+  bool AddTail(CLargeParameterDataEntry* entry);
 
   // First table of that used type, null if none; moves the cursor.
   CLargeParameterDataEntry* Find(std::uint32_t usedType);
@@ -146,8 +146,8 @@ class NVX_EXPORT CLargeParameterEntry : public CProfileDataEntry {
 
   CDataObject* GetFormatData() override;
 
-  // Takes over the tables of another CLargeParameterEntry by way of their form; false for another class and for tables
-  // that the form cannot carry, with this entry as it was.
+  // Takes over the tables of another CLargeParameterEntry by way of their form; false for another class, for one whose
+  // buffer is unread or was read in part, and for tables that the form cannot carry, with this entry as it was.
   bool DoImport(CProfileDataEntry* source) override;
 
   // False for an empty buffer, with the tables as they were; false with the tables that were made so far for a form
@@ -158,7 +158,12 @@ class NVX_EXPORT CLargeParameterEntry : public CProfileDataEntry {
   // CLargeParameterFile::SaveFile refuses.
   bool DataToBuffer() override;
 
-  CLargeParameterData* GetLargeParameterData() { return &data_; }
+  // The tables, which stay the entry's, open to changes and for reading alone.
+  CLargeParameterData* GetLargeParameterData() {
+    OpenPayload();
+    return &data_;
+  }
+  const CLargeParameterData* GetLargeParameterData() const { return &data_; }
 
  private:
   CLargeParameterData data_;
@@ -168,7 +173,7 @@ class NVX_EXPORT CLargeParameterEntry : public CProfileDataEntry {
 //
 // Every list that SaveFile accepts loads again as it was, whatever its order: a reader finds the block of each table
 // behind those before it, since used type 1 has a fixed length and used type 2 says it in its record.
-class CLargeParameterFile : public CDataFile {
+class NVX_EXPORT CLargeParameterFile : public CDataFile {
  public:
   // A reader that has read the header; null for a wrong one. The caller owns it.
   static CLargeParameterFile* CreateLargeParameterFile(CNvxFile& file);
@@ -183,11 +188,11 @@ class CLargeParameterFile : public CDataFile {
 
   // False, with nothing written, for what the form cannot carry: a used type other than 1 and 2; used type 1 with other
   // arrays than one of 264 words; used type 2 with other than two arrays, or with a word 0 of array 0 that is not the
-  // byte length of array 0, since that is where a reader learns it; more than 32 bits of bytes. False too if the stream
-  // does not take the bytes.
+  // byte length of array 0, since that is where a reader learns it; more than 32 bits of bytes. False too for a null
+  // list, and if the stream does not take the bytes.
   virtual bool SaveFile(CNvxFile& file, CLargeParameterData* data);
 
-  virtual ~CLargeParameterFile() = default;
+  virtual ~CLargeParameterFile();
 
  private:
   std::int32_t recordCount_ = 0;

@@ -11,16 +11,19 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <vector>
 
 // One channel of a table.
-class CLutChannelInf {
+class NVX_EXPORT CLutChannelInf {
  public:
   // Characters of a name, the terminator included.
   static constexpr std::size_t kNameLength = 128;
 
   CLutChannelInf() = default;
-  virtual ~CLutChannelInf() = default;
+  CLutChannelInf(const CLutChannelInf&) = default;
+  CLutChannelInf& operator=(const CLutChannelInf&) = default;
+  virtual ~CLutChannelInf();
 
   // Ink or colour code: the low 8 bits of what was set.
   std::uint8_t GetChannelCode() const { return static_cast<std::uint8_t>(code_); }
@@ -46,7 +49,7 @@ class CLutChannelInf {
 // One grid point: samples of 8 bits, one for each output channel. A node of a table is a view of the table's samples
 // until its count changes; then it holds an array of its own, and its neighbours stay as they were. One that stands
 // alone always holds its own.
-class CLutDataEntry : public CDataEntryObject {
+class NVX_EXPORT CLutDataEntry : public CDataEntryObject {
  public:
   CLutDataEntry() = default;
   CLutDataEntry(const CLutDataEntry&) = delete;
@@ -84,6 +87,13 @@ namespace nvx {
 // Samples of successive nodes that lie in one piece of memory.
 struct SampleRun {
   std::uint8_t* samples = nullptr;
+  std::uint32_t size = 0;  // bytes
+  int nodes = 0;
+};
+
+// The same for reading alone.
+struct SampleView {
+  const std::uint8_t* samples = nullptr;
   std::uint32_t size = 0;  // bytes
   int nodes = 0;
 };
@@ -132,6 +142,12 @@ class NVX_EXPORT CLutData : public CDataObject {
   // The longest run of samples that starts with the given node; without nodes for an index that has none. A table
   // whose nodes have kept their counts is one run.
   nvx::SampleRun GetRun(int firstNode);
+  nvx::SampleView ViewRun(int firstNode) const;
+  // The channels, for reading alone.
+  std::span<const CLutChannelInf> InputChannels() const { return inputChannelInfs_; }
+  std::span<const CLutChannelInf> OutputChannels() const { return outputChannelInfs_; }
+  // As GetSize.
+  int CountNodes() const { return gridNodes_ + static_cast<int>(added_.size()); }
 
   // Nodes of a table with these counts; the greatest number when they are more than that.
   static std::uint64_t CountNodes(std::uint32_t inputChannels, std::uint32_t gridCount);
@@ -173,17 +189,18 @@ class NVX_EXPORT CLutData3D : public CLutData {
 };
 
 // Reads or writes a table; made for one load or one save. Loads start where the stream stands.
-class CLutFile : public CDataFile {
+class NVX_EXPORT CLutFile : public CDataFile {
  public:
   virtual ~CLutFile();
 
-  // Fills the table, after LoadHeader if that has not run yet. Counts that the stream cannot hold are refused with the
-  // table as it was. After a wrong channel signature the table is initialised, with the channels before it filled. A
-  // channel name is cut to 127 characters.
+  // Fills the table, after LoadHeader if that has not run yet. False for a null table. Counts that the stream cannot
+  // hold are refused with the table as it was. After a wrong channel signature the table is initialised, with the
+  // channels before it filled. A channel name is cut to 127 characters.
   virtual bool LoadFile(CNvxFile& file, CLutData* data);
   // False unless signature and version are right.
   virtual bool LoadHeader(CNvxFile& file);
-  // Writes 280 bytes, 336 for each channel, and the samples. False if the stream refuses them.
+  // Writes 280 bytes, 336 for each channel, and the samples. False with nothing written for a null table and for nodes
+  // that do not fit its counts, which would not load; false if the stream refuses the bytes.
   virtual bool SaveFile(CNvxFile& file, CLutData* data);
 
  private:
@@ -206,8 +223,9 @@ class NVX_EXPORT CSeparateChromaEntry : public CProfileDataEntry {
   bool BufferToData() override;
   bool DataToBuffer() override;
 
-  // Lives as long as the entry.
+  // The table, which lives as long as the entry, open to changes and for reading alone.
   virtual CLutData3D* GetLutData();
+  const CLutData& Table() const { return data_; }
 
  private:
   CLutData3D data_;

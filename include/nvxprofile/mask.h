@@ -72,8 +72,10 @@ class NVX_EXPORT CMaskParameterData : public CDataObject {
   void DeleteContents() override;
   virtual ~CMaskParameterData();
 
-  // Appends an entry, which the list takes over. Null is ignored.
-  void AddTail(CMaskParameterDataEntry* entry);
+  // Appends an entry. True if the list holds it from then on: it owns it with auto-delete, and refers to it without.
+  // False for null, which changes nothing. Where the heap is exhausted on the way the entry is destroyed, unless it is
+  // only borrowed.
+  bool AddTail(CMaskParameterDataEntry* entry);
 
   // First entry with this pass, colourset, method and number of layer colours; null if there is none. It stays the
   // list's. The values of the colours decide nothing and are not read, so that `layerColors` may be null.
@@ -137,8 +139,9 @@ class NVX_EXPORT CMaskPatternData : public CDataObject {
   void DeleteContents() override;
   virtual ~CMaskPatternData();
 
-  // Files an entry under its ID; the table takes it over. False if the ID is taken: the entry that was there stays, and
-  // the new one is destroyed. False for null, and for an entry that the table holds already.
+  // Files an entry under its ID. True if the table holds it from then on, as in CMaskParameterData. False if the ID is
+  // taken: the entry that was there stays, and the new one is destroyed, also without auto-delete. False, with nothing
+  // changed, for null and for an entry that the table holds already.
   bool Add(CMaskPatternDataEntry* entry);
 
   // The entry with that ID, which stays the table's; null if there is none. Takes logarithmic time.
@@ -163,7 +166,7 @@ class NVX_EXPORT CMaskPatternData : public CDataObject {
 };
 
 // Form of a parameter list. An object serves one load or one save.
-class CMaskParameterFile : public CDataFile {
+class NVX_EXPORT CMaskParameterFile : public CDataFile {
  public:
   // What a record of the form has room for.
   static constexpr std::uint32_t kMostLayerColors = 10;
@@ -171,7 +174,7 @@ class CMaskParameterFile : public CDataFile {
 
   // Adds the records of a stream to the list, behind what it holds. False, with the list as it was, for a wrong magic
   // of the header, for a stream that ends early, and for a record that claims more colours or IDs than it has room for.
-  // Records and data blocks with a wrong magic are passed over.
+  // Records and data blocks with a wrong magic are passed over, which the stream then tells (HasPassedOver).
   virtual bool LoadFile(CNvxFile& file, CMaskParameterData* data);
 
   // Reads the header; false if its magic is wrong or the stream too short. A LoadFile on the same object then goes on
@@ -193,7 +196,7 @@ class CMaskParameterFile : public CDataFile {
 };
 
 // Form of a pattern table. An object serves one load or one save.
-class CMaskPatternFile : public CDataFile {
+class NVX_EXPORT CMaskPatternFile : public CDataFile {
  public:
   // Adds the patterns of a stream to the table. The first of several records with one ID counts, and what the table
   // holds already stays. The data blocks go to the patterns of this stream in ascending order of their IDs: the k-th

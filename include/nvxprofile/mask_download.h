@@ -46,16 +46,19 @@ class NVX_EXPORT CMaskDownLoadEntry : public CProfileDataEntry {
   ~CMaskDownLoadEntry() override;
 
   // Copies the values of the source's blocks of types 3, 4 and 6 into this entry's, where both have one; the source's
-  // buffer is parsed before. True even if nothing was copied; false if the source is no CMaskDownLoadEntry.
+  // buffer is parsed before. True even if nothing was copied; false if the source is no CMaskDownLoadEntry, and if the
+  // buffer of this entry is unread or was read in part.
   bool DoImport(CProfileDataEntry* source) override;
 
-  // False for an empty buffer and for one too short for the header, with the entry as it was. False as well for a wrong
-  // magic, a block type above 6 and a stream that ends early: the header is then the stream's, and there are no blocks.
-  // A block type of 0 loads as type 3. The entry's version is afterwards that of its last block's type.
+  // False for an empty buffer and for one too short for the header, with the entry as it was. False for block headers
+  // that the stream does not hold and for a wrong magic of one: the blocks stay as they were. False for a body that is
+  // cut short or of a type above 6: the blocks before it are there; and for a wrong magic of a body: there are no
+  // blocks. The header is the stream's in all these cases. A block type of 0 loads as type 3. The entry's version is
+  // afterwards that of its last block's type.
   bool BufferToData() override;
 
   // False, with the buffer as it was, for what could not be read back: a data count above the number of blocks, or a
-  // block whose counts are not those of its type.
+  // block whose counts are not those of its type; and for a buffer that is unread or was read in part.
   bool DataToBuffer() override;
 
   // Back to an empty header with `dataCount` blocks; SetWeftDataParameter(index, type) then gives each its type.
@@ -69,18 +72,28 @@ class NVX_EXPORT CMaskDownLoadEntry : public CProfileDataEntry {
   // First block of that type, null if there is none. It stays the entry's and is valid until the next Initialize or
   // BufferToData; its arrays also only until its next SetWeftDataParameter.
   tagWeftDatas* GetWeftData(std::uint32_t type);
+  const tagWeftDatas* GetWeftData(std::uint32_t type) const;
 
   // All blocks, in the order of the stream; valid as long as GetWeftData's result.
-  std::span<tagWeftDatas> GetWeftBlocks() { return blocks_; }
+  std::span<tagWeftDatas> GetWeftBlocks() {
+    OpenPayload();
+    return blocks_;
+  }
+  std::span<const tagWeftDatas> GetWeftBlocks() const { return blocks_; }
 
   // These stay the entry's. The total size is in bytes and set by DataToBuffer.
-  tagWeftHeader* GetWeftHeader() { return &header_; }
-  std::uint32_t* GetWeftDataCount() { return &header_.DataCount; }
+  tagWeftHeader* GetWeftHeader() {
+    OpenPayload();
+    return &header_;
+  }
+  const tagWeftHeader* GetWeftHeader() const { return &header_; }
+  std::uint32_t* GetWeftDataCount() { return &GetWeftHeader()->DataCount; }
   std::uint32_t* GetWeftTotalSize() { return &totalSize_; }
 
   // Type of the first block as the last load read it, valid until the next load; null if that load read no block header
   // and before any load.
   std::uint32_t* GetWeftUsedType();
+  const std::uint32_t* GetWeftUsedType() const;
 
   // True for versions below 4.1.
   bool IsSuportVersion(const tagWeftHeader* header) const;
@@ -99,11 +112,13 @@ class NVX_EXPORT CMaskDownLoadEntry : public CProfileDataEntry {
   virtual std::optional<std::uint64_t> GetWeftDataSize() const;
 
   std::uint32_t GetDataCount() const { return header_.DataCount; }
+  void SetHeader(const tagWeftHeader& header) { header_ = header; }
   const std::vector<nvx::WeftBlockHeader>& GetLoadedBlockHeaders() const { return blockHeaders_; }
 
  private:
   void DeleteBlocks();
   bool LoadBlock(CNvxFile& file, std::uint32_t index);
+  void ShapeBlock(std::uint32_t index, std::uint32_t type);
 
   tagWeftHeader header_;
   std::vector<tagWeftDatas> blocks_;
@@ -123,8 +138,16 @@ class NVX_EXPORT CMaskDownloadIncludePatternEntry : public CMaskDownLoadEntry {
   // Both stay the entry's. BufferToData fills them anew. It gives false unless the stream holds exactly one block, of
   // type 5, and where CMaskParameterFile or CMaskPatternFile does; DataToBuffer gives false where CMaskParameterFile
   // does and for a data count other than 1.
-  CMaskParameterData* GetMaskParameterData() { return &parameters_; }
-  CMaskPatternData* GetMaskPatternData() { return &patterns_; }
+  CMaskParameterData* GetMaskParameterData() {
+    OpenPayload();
+    return &parameters_;
+  }
+  CMaskPatternData* GetMaskPatternData() {
+    OpenPayload();
+    return &patterns_;
+  }
+  const CMaskParameterData* GetMaskParameterData() const { return &parameters_; }
+  const CMaskPatternData* GetMaskPatternData() const { return &patterns_; }
 
  protected:
   bool LoadWeftData(CNvxFile& file) override;

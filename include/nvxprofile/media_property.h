@@ -74,31 +74,33 @@ class NVX_EXPORT CMediaPropertyData : public CDataObject {
   CMediaPropertyData& operator=(const CMediaPropertyData&) = delete;
   virtual ~CMediaPropertyData();
 
-  // Takes the block over; null is ignored.
-  void AddTail(CMediaPropertyDataEntry* entry);
+  // Takes the block over, also where the heap is exhausted on the way. False for null, which changes nothing.
+  bool AddTail(CMediaPropertyDataEntry* entry);
   // Destroys all blocks.
   void DeleteMediaProperty();
-  // The first block of that type, null if there is none.
+  // The first block of that type, null if there is none; moves the cursor.
   CMediaPropertyDataEntry* Find(std::uint32_t usedType);
   // Puts the cursor on the first block; false if there is none.
   bool GetHeadPosition() { return entries_.Head(); }
   // The block at the cursor; `more` says whether another follows. Null at the end.
   CMediaPropertyDataEntry* GetNext(bool& more) { return entries_.Next(more); }
   int GetPropertyCount() const { return static_cast<int>(entries_.Count()); }
+  // The same blocks for walks and searches that leave the cursor alone.
+  const nvx::CursorList<CMediaPropertyDataEntry>& Entries() const { return entries_; }
 
  private:
   nvx::CursorList<CMediaPropertyDataEntry> entries_;
 };
 
 // Reads or writes a set; made for one load or one save.
-class CMediaPropertyFile : public CDataFile {
+class NVX_EXPORT CMediaPropertyFile : public CDataFile {
  public:
   // Reads the header from the start of the stream; false unless signature and version are right.
   virtual bool LoadHeader(CNvxFile& file);
-  // Adds the stored blocks to the set, which is empty before. On false the set keeps what was read so far. A parameter
-  // count above 16 counts as 16; parameters that are not in use are not restored.
+  // Adds the stored blocks to the set, which is empty before. False for a null set. On false the set keeps what was
+  // read so far. A parameter count above 16 counts as 16; parameters that are not in use are not restored.
   virtual bool LoadFile(CNvxFile& file, CMediaPropertyData* data);
-  // Writes 16 bytes and 88 for each block. False if the stream refuses them.
+  // Writes 16 bytes and 88 for each block. False for a null set, and if the stream refuses the bytes.
   virtual bool SaveFile(CNvxFile& file, CMediaPropertyData* data);
   virtual ~CMediaPropertyFile();
 
@@ -117,8 +119,12 @@ class NVX_EXPORT CMediaPropertyEntry : public CProfileDataEntry {
   bool BufferToData() override;
   bool DataToBuffer() override;
 
-  // Lives as long as the entry.
-  CMediaPropertyData* GetMediaPropertyData() { return &data_; }
+  // The set, which lives as long as the entry, open to changes and for reading alone.
+  CMediaPropertyData* GetMediaPropertyData() {
+    OpenPayload();
+    return &data_;
+  }
+  const CMediaPropertyData* GetMediaPropertyData() const { return &data_; }
 
  private:
   CMediaPropertyData data_;

@@ -77,9 +77,9 @@ class NVX_EXPORT CInfoData : public CDataObject {
   std::uint8_t reserve_[kReserveSize] = {};
 };
 
-// Reads or writes one model record; made for one load or one save. Without a virtual destructor: destroyed as what it
-// is.
-class CModelFile final : public CDataFile {
+// Reads or writes one model record; made for one load or one save. Null data give false. Without a virtual destructor:
+// destroyed as what it is.
+class NVX_EXPORT CModelFile final : public CDataFile {
  public:
   static constexpr std::uint32_t kRecordSize = 276;
 
@@ -97,8 +97,8 @@ class CModelFile final : public CDataFile {
   bool headerRead_ = false;
 };
 
-// Reads or writes one info record; made for one load or one save.
-class CInfoFile : public CDataFile {
+// Reads or writes one info record; made for one load or one save. Null data give false.
+class NVX_EXPORT CInfoFile : public CDataFile {
  public:
   static constexpr std::uint32_t kRecordSize = 400;
 
@@ -126,8 +126,12 @@ class NVX_EXPORT CModelEntry : public CProfileDataEntry {
   bool BufferToData() override;
   bool DataToBuffer() override;
 
-  // Lives as long as the entry.
-  CModelData* GetModelData() { return &data_; }
+  // The record, which lives as long as the entry, open to changes and for reading alone.
+  CModelData* GetModelData() {
+    OpenPayload();
+    return &data_;
+  }
+  const CModelData* GetModelData() const { return &data_; }
 
  private:
   CModelData data_;

@@ -7,12 +7,29 @@
 #include <cstdint>
 
 namespace nvx {
+
 class Diagnosis;
-}
+class PayloadKeeper;
+
+// What the payload of an entry is worth beside its buffer.
+enum class PayloadState {
+  kUnread,  // the buffer was not parsed since it came; the payload says what it said before
+  kWhole,   // buffer and payload say the same
+  kPart,  // the bytes say what the payload does not: the buffer was parsed and refused, with what came before the fault
+          // in the payload, or the payload was asked for while the buffer was unread
+  kEdited,  // the payload was read whole or made anew, and may have been changed since somebody asked for it
+};
+
+}  // namespace nvx
 
 // The base of all entries. The buffer comes from malloc and is released with free; blocks that a CNvxMemFile grew can
 // be attached to it. Buffer and payload are two forms of the same thing: BufferToData parses the one into the other,
 // DataToBuffer serializes back, and neither happens by itself.
+//
+// An entry knows the state of its payload. Whoever asks for the payload may change it, so from then on it counts as
+// edited whenever it would count as whole. Bytes that the payload does not say are never replaced by it: DataToBuffer
+// gives false for a buffer that is unread or was read in part. To write a payload over such bytes let them go first
+// (DeleteBuffer).
 class NVX_EXPORT CProfileDataEntry {
  public:
   // The entry type codes. CreateDataEntry knows a class for each of them.
@@ -73,7 +90,8 @@ class NVX_EXPORT CProfileDataEntry {
 
   virtual ~CProfileDataEntry();
 
-  // The payload, which stays the entry's; null for entries that have none.
+  // The payload, which stays the entry's; null for entries that have none. Asking for it opens it to changes, as the
+  // getters of the classes do.
   virtual CDataObject* GetFormatData();
 
   // Takes over the payload of another entry of the same kind; false if this entry imports nothing.
@@ -85,12 +103,14 @@ class NVX_EXPORT CProfileDataEntry {
   // Parses the buffer into the payload. The buffer stays as it is.
   virtual bool BufferToData();
 
-  // Serializes the payload into a new buffer. On false the buffer stays as it was.
+  // Serializes the payload into a new buffer. On false the buffer stays as it was: for a payload that its form cannot
+  // carry, and for a buffer that is unread or was read in part.
   virtual bool DataToBuffer();
 
-  // Copies flags, types, option info and label, calls DataToBuffer on this entry and copies the buffer if it is not
-  // empty. The payload of the target stays; BufferToData on the target renews it.
-  virtual void Copy(CProfileDataEntry& target);
+  // Copies flags, types, option info and label, brings this entry's buffer up to date (RenewBuffer) and copies it if it
+  // is not empty. The payload of the target stays; BufferToData on the target renews it. False, with the target as it
+  // was, if the buffer cannot be brought up to date.
+  virtual bool Copy(CProfileDataEntry& target);
 
   // Frees the present buffer and takes over a malloc'ed block.
   virtual void AttachBuffer(std::uint8_t* buffer, std::uint32_t size);
@@ -117,6 +137,13 @@ class NVX_EXPORT CProfileDataEntry {
   virtual std::uint32_t GetUsedType() const;
   virtual void SetUsedType(std::uint32_t usedType);
 
+  nvx::PayloadState GetPayloadState() const { return state_; }
+
+  // Makes the buffer say all that the entry knows: an edited payload is serialized, and in every other state the bytes
+  // say it already and stay. False, with the buffer as it was, for changes that cannot be written: a form that cannot
+  // carry them, or a payload that was read in part and asked for since.
+  bool RenewBuffer();
+
   void SetDisplay(bool display) { display_ = display; }
   const char* GetLabelString() const { return label_; }
 
@@ -131,7 +158,12 @@ class NVX_EXPORT CProfileDataEntry {
   // For the subclasses: the values of their row in the table of entry types.
   CProfileDataEntry(UsedType usedType, FormatType formatType, bool display);
 
+  // For the subclasses: their payload is about to be handed out for reading and writing.
+  void OpenPayload();
+
  private:
+  friend class nvx::PayloadKeeper;
+
   std::uint32_t formatType_ = 0;
   std::uint32_t usedType_ = 0;
   bool complete_ = false;
@@ -141,4 +173,6 @@ class NVX_EXPORT CProfileDataEntry {
   std::uint32_t optionInfo_ = 0;
   char label_[kLabelLength] = {};
   nvx::Diagnosis* diagnosis_ = nullptr;
+  nvx::PayloadState state_ = nvx::PayloadState::kUnread;
+  bool isOpen_ = false;  // somebody may hold the payload for writing
 };

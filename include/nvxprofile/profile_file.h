@@ -26,8 +26,9 @@ class NVX_EXPORT CProfileFile {
   virtual bool LoadData(CNvxFile& file, CProfileData* data, bool headerOnly);
   virtual bool LoadData(const char16_t* path, CProfileData* data, bool headerOnly);
 
-  // Writes the model. What `route` means is told by each format: one route, or a set of flags. The path form writes
-  // beside the target and replaces it at the end: after a false the old file is as it was and no other file is left.
+  // Writes the model. What `route` means is told by each format: one route, or a set of flags. After a false the model
+  // is as it was. The path form writes beside the target and replaces it at the end: after a false the old file is as
+  // it was, too, and no other file is left.
   virtual bool SaveData(CNvxFile& file, CProfileData* data, std::uint32_t route);
   virtual bool SaveData(const char16_t* path, CProfileData* data, std::uint32_t route);
 
@@ -66,7 +67,7 @@ class NVX_EXPORT CProfileFileQCT : public CProfileFile {
   void SetOffsetLoadPoint(std::uint32_t offset) { offsetLoadPoint_ = offset; }
 
   // Bytes that a save of the route writes; 0 if there is no such route.
-  static std::uint64_t GetSavedSize(CProfileData& data, std::uint32_t route);
+  static std::uint64_t GetSavedSize(const CProfileData& data, std::uint32_t route);
 
  protected:
   // One record of the entry table as the stream holds it.
@@ -83,8 +84,6 @@ class NVX_EXPORT CProfileFileQCT : public CProfileFile {
 
   // True exactly if LoadEntries would succeed here. Parses no payload and needs no model.
   bool CheckEntries(CNvxFile& file);
-  // Types of the entries that the last LoadEntries brought into the model and whose payload parsed.
-  const std::vector<std::uint32_t>& GetParsedTypes() const { return parsedTypes_; }
 
   // For the formats that hold the entry table without the header before it.
   void SetLoadEntryCount(std::uint32_t count) { entryCount_ = count; }
@@ -94,7 +93,6 @@ class NVX_EXPORT CProfileFileQCT : public CProfileFile {
 
  private:
   std::vector<EntryHeaderRecord> entryHeaders_;
-  std::vector<std::uint32_t> parsedTypes_;
   std::uint32_t headerSize_ = kHeaderSize;  // from the load point to the first entry header
   std::uint32_t offsetLoadPoint_ = 0;
   std::uint32_t entryCount_ = 0;

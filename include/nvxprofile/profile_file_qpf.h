@@ -21,7 +21,8 @@ inline constexpr std::uint32_t kSaveCalibration = kRouteCalibration;        // N
 // of route 4; in the file it is the frame, and the entry table of NVX1 keeps only a placeholder for it.
 //
 // A load rebuilds the buffers of route 4 from their payloads, and makes every curve there one of 16 bits. An entry
-// whose payload does not parse is left alone, with its bytes as they were in the file.
+// whose payload does not parse, or only in part, keeps its bytes as they were in the file; the curves of it that parsed
+// are of 16 bits like all others.
 class NVX_EXPORT CProfileFileQPFv3 : public CProfileFileQCT {
  public:
   CProfileFileQPFv3();
@@ -35,10 +36,11 @@ class NVX_EXPORT CProfileFileQPFv3 : public CProfileFileQCT {
   // `flags` is a set of nvx::kSave bits; other bits have no meaning. Buffers are written as they are, so whoever
   // changed a payload has called DataToBuffer. The stream receives everything in one write at the end, or nothing.
   //
-  // False without an ICC entry that can be opened and stands on route 4, and when a flag of the information record asks
-  // for a route that is missing. In the model a save sets LayoutNumber to 3, the version, RenderingScan, RenderingFeed,
-  // UpdateTimeValue, CreateTimeValue if it was 0, and moves the ICC entry to the end of route 4. A record that held the
-  // text view so far gets an empty binary view.
+  // False, with the model as it was, without an ICC entry that can be opened and stands on route 4, and when a flag of
+  // the information record asks for a route that is missing. In the model a save sets LayoutNumber to 3, the version,
+  // RenderingScan, RenderingFeed, UpdateTimeValue, CreateTimeValue if it was 0, and moves the ICC entry to the end of
+  // route 4. A record with the text view gets a binary view of what that says: the numbers of its code texts, and its
+  // media names in Japanese and English.
   bool SaveData(CNvxFile& file, CProfileData* data, std::uint32_t flags) override;
   // As CProfileFile says: after a false the old file is as it was.
   bool SaveData(const char16_t* path, CProfileData* data, std::uint32_t flags) override;
@@ -107,7 +109,6 @@ class NVX_EXPORT CProfileFileQPFv3 : public CProfileFileQCT {
  private:
   bool LoadTags(CICCProfile& profile, CProfileData* data);
   bool LoadVersion(CICCProfile& profile, CProfileData& scratch);
-  void RebuildParsedEntries(CProfileData& data);
   bool SaveTags(CICCProfile& profile, CProfileData* data, std::uint32_t flags);
 
   nvx::Diagnosis* diagnosis_ = nullptr;  // of the stream that is being loaded

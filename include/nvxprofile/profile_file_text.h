@@ -15,10 +15,9 @@
 // The INI file "QPFConvert.qpd", which turns labels of a text header into model, ink and resolution numbers. Its folder
 // comes from the system's settings when the object is made; the file is read anew at each lookup. Labels are text of
 // the ANSI code page. A lookup that gives false says in GetFailure why.
-class CQPFConvertTable {
+class NVX_EXPORT CQPFConvertTable {
  public:
-  // Without a folder, with a path of more than 255 bytes and without the file the table stays empty, and no lookup
-  // finds anything.
+  // Without a folder and without the file the table stays empty, and no lookup finds anything.
   CQPFConvertTable();
 
   // The three code texts of section "Printer.<label>", cut to their fields; false if one is empty or missing.
@@ -44,7 +43,7 @@ class CQPFConvertTable {
   bool GetInkNumber(const char* label, const char* key, std::int32_t& value);
   bool FailWithoutKey(const std::string& section, const char* key);
 
-  char path_[256] = {};  // UTF-8; empty if the table is not there
+  std::string path_;  // UTF-8; empty if the table is not there
   std::string failure_;
 };
 
@@ -58,14 +57,15 @@ class NVX_EXPORT CProfileFileQPFv1 : public CProfileFileQCT {
  protected:
   explicit CProfileFileQPFv1(std::int32_t headerVersion);
 
-  // Reads text header and section table and leaves the stream behind the table. Makes LayoutNumber 1; a binary view
-  // that the record held is released before. False also for a line of 256 characters or more, for a text without
+  // Reads text header and section table and leaves the stream behind the table. Makes LayoutNumber 1; of a binary view
+  // that the record held nothing stays. False also for a line of 256 characters or more, for a text without
   // "@Binary", and for a section table that breaks its rules or does not end within the file.
   bool LoadHeader(CNvxFile& file, CProfileData* data) override;
   // Reads the container at the offset load point onto the route that its header names.
   bool LoadEntries(CNvxFile& file, CProfileData* data) override;
-  // Writes the text header with the local time of the save. Makes LayoutNumber 1, as a load does. False, with nothing
-  // written, for a text with a line end in it, and for a short write.
+  // Writes the text header with the local time of the save. Makes LayoutNumber 1. False, with nothing written, for a
+  // text with a line end in it and for a record with the binary view, which has no labels to write; false for a short
+  // write.
   bool SaveHeader(CNvxFile& file, CProfileData* data, std::uint32_t route) override;
   // Writes section table and container of the one route, which must exist.
   bool SaveBody(CNvxFile& file, CProfileData* data, std::uint32_t route) override;

@@ -34,7 +34,18 @@ struct _tagDBDeviceProfileInfo {
   std::int32_t HalftoneCode = 0;
 };
 
-// The information record. Each format fills the fields that its files carry.
+namespace nvx {
+
+// Values of _tagDeviceProfileInfo::LayoutNumber: which of the two views holds.
+inline constexpr std::uint32_t kNoView = 0;
+inline constexpr std::uint32_t kTextView = 1;
+inline constexpr std::uint32_t kBinaryView = 3;
+
+}  // namespace nvx
+
+// The information record. Each format fills the fields that its files carry. It owns nothing and may be copied; what
+// MediaInfo points to belongs to the CProfileData that made it, and a copy that is to outlive it is made by
+// CProfileData::CopyProfileInfo.
 struct _tagDeviceProfileInfo {
   // What the header of a legacy text-headed profile holds: narrow text in the ANSI code page.
   struct TextView {
@@ -57,7 +68,7 @@ struct _tagDeviceProfileInfo {
     std::uint32_t MediaNumber;
     char16_t DefaultMediaName[65];  // taken when no media name fits the language
     std::uint32_t MediaInfoCount;
-    tagMedia* MediaInfo;  // from CProfileData::CreateMediaInfoArray; owned by the CProfileData while LayoutNumber is 3
+    tagMedia* MediaInfo;  // from CProfileData::CreateMediaInfoArray, which owns it
     char16_t CreateModule[33];
     char16_t MakerText[33];
     char16_t StoredRevisionCode[5];
@@ -90,7 +101,7 @@ struct _tagDeviceProfileInfo {
   std::int64_t CreateTimeValue = 0;  // seconds since 1970
   SYSTEMTIME UpdateTime;
   std::int64_t UpdateTimeValue = 0;
-  std::uint32_t LayoutNumber = 0;  // which view holds: 1 Text, 3 Binary, 0 neither
+  std::uint32_t LayoutNumber = 0;  // which view holds: nvx::kTextView, kBinaryView or kNoView
   union {
     TextView Text{};
     BinaryView Binary;
@@ -108,14 +119,14 @@ struct _tagDeviceProfileInfo {
   char16_t OutputText[32] = {};
   bool SaveVersion5 = false;       // set by callers: a save writes minor version 5
   char16_t ListKeys[5][256] = {};  // filled by callers, compared by CProfileDataInfo::IsOrderedBefore
-  char16_t FullPath[256] = {};     // full path of a text-headed file
+  char16_t FullPath[256] = {};     // full path of a text-headed file; empty if it is longer
 };
 
 // Zeroing the greater view zeroes both.
 static_assert(sizeof(_tagDeviceProfileInfo::TextView) >= sizeof(_tagDeviceProfileInfo::BinaryView));
 
 // Base of the records by which lists of profiles are sorted.
-class CProfileInfoObject {
+class NVX_EXPORT CProfileInfoObject {
  public:
   virtual bool IsOrderedBefore(const CProfileInfoObject& other) const;
 
@@ -126,8 +137,9 @@ class CProfileInfoObject {
   ~CProfileInfoObject() = default;
 };
 
-// The information object of a loaded profile. Copies share what MediaInfo points to, so there are none.
-class CProfileDataInfo : public CProfileInfoObject {
+// The information object of a loaded profile. A copy would point to the media names of another profile, so there are
+// none.
+class NVX_EXPORT CProfileDataInfo : public CProfileInfoObject {
  public:
   CProfileDataInfo() = default;  // cppcheck-suppress uninitMemberVar
   CProfileDataInfo(const CProfileDataInfo&) = delete;

@@ -58,9 +58,9 @@ class NVX_EXPORT CSpecialColorInfoDataEntry : public CDataEntryObject {
   // Destroys the VD curves; the destructor runs it.
   virtual void DeleteContentsVD();
 
-  // Takes the curve set over; null is ignored. Words 2 and 3 of array 0 stay as they are: whoever fills the object
-  // keeps them true.
-  void AddTailVD(CCurveData* curves);
+  // Takes the curve set over, also where the heap is exhausted on the way; false for null, which changes nothing. Words
+  // 2 and 3 of array 0 stay as they are: whoever fills the object keeps them true.
+  bool AddTailVD(CCurveData* curves);
   int GetCountVD() const { return static_cast<int>(curves_.Count()); }
   bool GetHeadPositionVD() { return curves_.Head(); }
   CCurveData* GetNextVD(bool& more) { return curves_.Next(more); }
@@ -92,8 +92,8 @@ class NVX_EXPORT CSpecialColorInfoData : public CDataObject {
   CSpecialColorInfoData& operator=(const CSpecialColorInfoData&) = delete;
   virtual ~CSpecialColorInfoData();
 
-  // Takes the table over; null is ignored.
-  void AddTail(CSpecialColorInfoDataEntry* entry);
+  // Takes the table over, also where the heap is exhausted on the way. False for null, which changes nothing.
+  bool AddTail(CSpecialColorInfoDataEntry* entry);
 
   // First table of that used type, null if none; moves the cursor.
   CSpecialColorInfoDataEntry* Find(std::uint32_t usedType);
@@ -122,8 +122,9 @@ class NVX_EXPORT CSpecialColorInfoEntry : public CProfileDataEntry {
 
   CDataObject* GetFormatData() override;
 
-  // Takes over the tables of another CSpecialColorInfoEntry by way of their form; false for another class and for
-  // tables that the form cannot carry, with this entry as it was. Nothing is thrown: exhausted memory gives false too.
+  // Takes over the tables of another CSpecialColorInfoEntry by way of their form; false for another class, for one
+  // whose buffer is unread or was read in part, and for tables that the form cannot carry, with this entry as it was.
+  // Nothing is thrown: exhausted memory gives false too.
   bool DoImport(CProfileDataEntry* source) override;
 
   // False for an empty buffer, with the tables as they were; false with the tables that were made so far for a form
@@ -134,7 +135,12 @@ class NVX_EXPORT CSpecialColorInfoEntry : public CProfileDataEntry {
   // CSpecialColorInfoFile::SaveFile refuses.
   bool DataToBuffer() override;
 
-  CSpecialColorInfoData* GetSpecialColorInfoData() { return &data_; }
+  // The tables, which stay the entry's, open to changes and for reading alone.
+  CSpecialColorInfoData* GetSpecialColorInfoData() {
+    OpenPayload();
+    return &data_;
+  }
+  const CSpecialColorInfoData* GetSpecialColorInfoData() const { return &data_; }
 
  private:
   CSpecialColorInfoData data_;
@@ -144,7 +150,7 @@ class NVX_EXPORT CSpecialColorInfoEntry : public CProfileDataEntry {
 //
 // Every list that SaveFile accepts loads again as it was, whatever its length: a reader finds the block of each table
 // behind those before it, by the data sizes in the records and the words of array 0 that tell of the VD curves.
-class CSpecialColorInfoFile : public CDataFile {
+class NVX_EXPORT CSpecialColorInfoFile : public CDataFile {
  public:
   // A reader that has read the header; null for a wrong one. The caller owns it.
   static CSpecialColorInfoFile* CreateSpecialColorInfoFile(CNvxFile& file);
@@ -153,20 +159,20 @@ class CSpecialColorInfoFile : public CDataFile {
   virtual bool LoadHeader(CNvxFile& file);
 
   // Appends the tables to the list and stores the profile colour type, the latter even if the header is wrong; reads
-  // the header first if that is not done. A record of a used type other than 1 makes no table; its block is passed over
-  // if there is one. False for a form that breaks a rule: tables made before that stay in the list. A table whose block
-  // has a wrong magic, or a curve set that does not load, keeps what was read until then, and the others are read all
-  // the same.
+  // the header first if that is not done. A record of a used type other than 1 makes no table and has no data block,
+  // whatever data size it states. False for a form that breaks a rule: tables made before that stay in the list. A
+  // table whose block has a wrong magic, or a curve set that does not load, keeps what was read until then, and the
+  // others are read all the same.
   virtual bool LoadFile(CNvxFile& file, CSpecialColorInfoData* data);
 
   // False, with nothing written, for what the form cannot carry: a used type other than 1; a word 0 of array 0 that is
   // not the byte length of array 0, since that is where a reader learns it; words 2 and 3 of array 0 that do not agree
   // with the number and the bytes of the VD curve sets (without sets, a word 2 above 0); a set whose curves differ in
-  // data size or have a DataType that the curve form cannot carry; more than 32 bits of bytes. False too if the stream
-  // does not take the bytes.
+  // data size or have a DataType that the curve form cannot carry; more than 32 bits of bytes. False too for a null
+  // list, and if the stream does not take the bytes.
   virtual bool SaveFile(CNvxFile& file, CSpecialColorInfoData* data);
 
-  virtual ~CSpecialColorInfoFile() = default;
+  virtual ~CSpecialColorInfoFile();
 
  private:
   std::uint32_t profileColorType_ = 0;

@@ -1,4 +1,5 @@
 // What the calibration history answers.
+#include "core/payload.h"
 #include "core/report.h"
 #include "core/text.h"
 
@@ -12,57 +13,69 @@ namespace {
 constexpr const char* kSource = "ProfileAccess";
 constexpr std::size_t kNameLength = 21;
 
-CCalibrationHistoryEntry* HistoryOf(CProfileData* profile) {
+std::int32_t CodeOf(CProfileDataEntry& calibration) { return static_cast<std::int32_t>(calibration.GetOptionInfo()); }
+
+using Children = nvx::CursorList<CProfileDataEntry>;
+
+const CCalibrationHistoryEntry* HistoryOf(const CProfileData* profile) {
   if (profile == nullptr) return nullptr;
-  return dynamic_cast<CCalibrationHistoryEntry*>(
+  return dynamic_cast<const CCalibrationHistoryEntry*>(
       profile->GetProfileDataEntryFromList(CProfileDataEntry::kCalibrationHistory));
 }
 
-// The history if it holds calibrations: the first child is the target entry.
-CCalibrationHistoryEntry* HistoryWithCalibrations(CProfileData* profile) {
-  CCalibrationHistoryEntry* const history = HistoryOf(profile);
-  return history != nullptr && history->GetEntryCount() >= 2 ? history : nullptr;
+const Children* ChildrenOf(const CProfileData* profile) {
+  const CCalibrationHistoryEntry* const history = HistoryOf(profile);
+  return history != nullptr ? &history->GetChildData().Children() : nullptr;
 }
 
-// The calibration at a position of the history, its children renewed; null for a child of another class.
-CContainerEntry* CalibrationAt(CCalibrationHistoryEntry& history, int position) {
-  auto* const calibration = dynamic_cast<CContainerEntry*>(history.GetProfileDataEntry(position));
-  if (calibration != nullptr) calibration->BufferToData();
+// The children of a history that holds calibrations: the first child is the target entry.
+const Children* CalibrationsOf(const CProfileData* profile) {
+  const Children* const children = ChildrenOf(profile);
+  return children != nullptr && children->Count() >= 2 ? children : nullptr;
+}
+
+// The calibration at a position of the history, its children as its buffer has them; null for a child of another class.
+const CContainerEntry* CalibrationAt(const Children& children, std::size_t position) {
+  auto* const calibration = dynamic_cast<CContainerEntry*>(children.At(position));
+  if (calibration != nullptr && nvx::PayloadKeeper::IsStale(*calibration)) calibration->BufferToData();
   return calibration;
 }
 
 template <class Visit>
-void ForEachCalibration(CCalibrationHistoryEntry& history, Visit visit) {
-  for (int position = 1; position < history.GetEntryCount(); ++position) {
-    if (CContainerEntry* const calibration = CalibrationAt(history, position)) visit(*calibration);
+void ForEachCalibration(const Children& children, Visit visit) {
+  for (std::size_t position = 1; position < children.Count(); ++position) {
+    if (const CContainerEntry* const calibration = CalibrationAt(children, position)) {
+      visit(*calibration->GetChildData().GetContainerData(), CodeOf(*children.At(position)));
+    }
   }
 }
 
-CProfileDataEntry* CalibrationCurves(CProfileData* profile, std::uint32_t code, std::uint32_t usedType) {
-  CCalibrationHistoryEntry* const history = HistoryOf(profile);
+CProfileDataEntry* CalibrationCurves(const CProfileData* profile, std::uint32_t code, std::uint32_t usedType) {
+  const CCalibrationHistoryEntry* const history = HistoryOf(profile);
   if (history == nullptr) return nullptr;
-  auto* const calibration =
-      dynamic_cast<CContainerEntry*>(history->GetProfileDataEntry(CProfileDataEntry::kCalibrationContainer, code));
-  return calibration != nullptr ? calibration->GetProfileDataEntry(usedType, 0) : nullptr;
+  const auto* const calibration = dynamic_cast<const CContainerEntry*>(
+      history->GetChildData().Find(CProfileDataEntry::kCalibrationContainer, code));
+  return calibration != nullptr ? calibration->GetChildData().Find(usedType, 0) : nullptr;
 }
 
 }  // namespace
 
 bool CProfileAccess::GetCalibrationCount(std::int32_t& count, CError*) {
   count = 0;
-  CCalibrationHistoryEntry* const history = HistoryOf(profile_.get());
-  if (history == nullptr || history->GetEntryCount() == 0) return false;
-  count = history->GetEntryCount() - 1;
+  const Children* const children = ChildrenOf(profile_.get());
+  if (children == nullptr || children->IsEmpty()) return false;
+  count = static_cast<std::int32_t>(children->Count()) - 1;
   return true;
 }
 
 bool CProfileAccess::GetCalibrationInfo(int index, int& code, int& value, std::int64_t& time, char16_t* name, CError*) {
-  CCalibrationHistoryEntry* const history = HistoryWithCalibrations(profile_.get());
-  if (history == nullptr || index < 0 || index >= history->GetEntryCount()) return false;
-  CContainerEntry* const calibration = CalibrationAt(*history, index + 1);
+  const Children* const children = CalibrationsOf(profile_.get());
+  if (children == nullptr || index < 0) return false;
+  const std::size_t position = static_cast<std::size_t>(index) + 1;
+  const CContainerEntry* const calibration = CalibrationAt(*children, position);
   if (calibration == nullptr) return false;
-  const tag_ContainerData& description = *calibration->GetContainerData();
-  code = static_cast<int>(calibration->GetOptionInfo());
+  const tag_ContainerData& description = *calibration->GetChildData().GetContainerData();
+  code = CodeOf(*children->At(position));
   value = description.Value;
   time = description.Time;
   const std::u16string_view text = nvx::FieldText(description.Name).substr(0, kNameLength);
@@ -71,25 +84,22 @@ bool CProfileAccess::GetCalibrationInfo(int index, int& code, int& value, std::i
 }
 
 bool CProfileAccess::GetMultiCalibrationCode(std::int32_t* codes, CError*) {
-  CCalibrationHistoryEntry* const history = HistoryWithCalibrations(profile_.get());
-  if (history == nullptr) return false;
-  ForEachCalibration(*history, [&](CContainerEntry& calibration) {
-    *codes++ = static_cast<std::int32_t>(calibration.GetOptionInfo());
-  });
+  const Children* const children = CalibrationsOf(profile_.get());
+  if (children == nullptr) return false;
+  ForEachCalibration(*children, [&](const tag_ContainerData&, std::int32_t code) { *codes++ = code; });
   return true;
 }
 
 bool CProfileAccess::GetNewestCalibrationCode(std::int32_t& code, CError*) {
   if (!profile_) return false;
   code = -1;
-  CCalibrationHistoryEntry* const history = HistoryWithCalibrations(profile_.get());
-  if (history == nullptr) return false;
+  const Children* const children = CalibrationsOf(profile_.get());
+  if (children == nullptr) return false;
   std::int64_t newest = 0;
-  ForEachCalibration(*history, [&](CContainerEntry& calibration) {
-    const std::int64_t time = calibration.GetContainerData()->Time;
-    if (time <= newest) return;
-    newest = time;
-    code = static_cast<std::int32_t>(calibration.GetOptionInfo());
+  ForEachCalibration(*children, [&](const tag_ContainerData& description, std::int32_t candidate) {
+    if (description.Time <= newest) return;
+    newest = description.Time;
+    code = candidate;
   });
   return true;
 }

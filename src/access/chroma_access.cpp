@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <span>
 
 namespace {
 
@@ -14,14 +15,22 @@ int FailWithoutTable(CError* error, int line) {
   return -1;
 }
 
-using ChannelAt = CLutChannelInf* (CLutData::*)(int);
+// The table of an entry; null for one without.
+const CLutData* TableOf(CProfileDataEntry& entry) {
+  if (const auto* const chroma = dynamic_cast<const CSeparateChromaEntry*>(&entry)) return &chroma->Table();
+  return dynamic_cast<const CLutData*>(entry.GetFormatData());
+}
 
-int GiveCodes(CLutData& table, std::uint32_t count, ChannelAt channelAt, std::uint32_t* codes) {
-  const int channels = static_cast<int>(count);
-  for (int i = 0; codes != nullptr && i < channels; ++i) {
-    if (const CLutChannelInf* const channel = (table.*channelAt)(i)) codes[i] = channel->GetChannelCode();
-  }
-  return channels;
+const CLutData* FindTable(const CProfileData* profile) {
+  if (profile == nullptr) return nullptr;
+  CProfileDataEntry* const entry = profile->GetProfileDataEntryFromList(CProfileDataEntry::kSeparateChroma);
+  return entry != nullptr ? TableOf(*entry) : nullptr;
+}
+
+int GiveCodes(std::span<const CLutChannelInf> channels, std::uint32_t count, std::uint32_t* codes) {
+  const std::size_t known = std::min<std::size_t>(channels.size(), count);
+  for (std::size_t i = 0; codes != nullptr && i < known; ++i) codes[i] = channels[i].GetChannelCode();
+  return static_cast<int>(count);
 }
 
 // Copies `width` samples of a node that holds `count`; what it lacks reads as 0.
@@ -33,11 +42,11 @@ void CopyNode(const std::uint8_t* samples, std::size_t count, std::size_t width,
 
 // Copies `width` samples of each of `nodes` nodes. Nodes have other counts, and there are fewer of them, only where a
 // caller changed the table; what is not there reads as 0.
-void CopySamples(CLutData& table, int nodes, std::size_t width, std::uint8_t* target) {
-  const int present = std::min(nodes, table.GetSize());
-  nvx::SampleRun run;
+void CopySamples(const CLutData& table, int nodes, std::size_t width, std::uint8_t* target) {
+  const int present = std::min(nodes, table.CountNodes());
+  nvx::SampleView run;
   for (int node = 0; node < present; node += run.nodes) {
-    run = table.GetRun(node);
+    run = table.ViewRun(node);
     const std::size_t count = run.size / static_cast<std::size_t>(run.nodes);
     run.nodes = std::min(run.nodes, present - node);
     const auto runNodes = static_cast<std::size_t>(run.nodes);
@@ -64,19 +73,19 @@ CLutData* CProfileAccess::GetChromaLutData(CError* error) {
 }
 
 int CProfileAccess::GetChromaInputChannel(std::uint32_t* codes, CError* error) {
-  CLutData* const table = GetChromaLutData(error);
+  const CLutData* const table = FindTable(profile_.get());
   if (table == nullptr) return FailWithoutTable(error, __LINE__);
-  return GiveCodes(*table, table->GetInputChannelCount(), &CLutData::GetAtInputChannelInf, codes);
+  return GiveCodes(table->InputChannels(), table->GetInputChannelCount(), codes);
 }
 
 int CProfileAccess::GetChromaOutputChannel(std::uint32_t* codes, CError* error) {
-  CLutData* const table = GetChromaLutData(error);
+  const CLutData* const table = FindTable(profile_.get());
   if (table == nullptr) return FailWithoutTable(error, __LINE__);
-  return GiveCodes(*table, table->GetOutputChannelCount(), &CLutData::GetAtOutputChannelInf, codes);
+  return GiveCodes(table->OutputChannels(), table->GetOutputChannelCount(), codes);
 }
 
 int CProfileAccess::GetChromaData(std::uint8_t* buffer, std::uint32_t& gridCount, CError* error) {
-  CLutData* const table = GetChromaLutData(error);
+  const CLutData* const table = FindTable(profile_.get());
   if (table == nullptr) return FailWithoutTable(error, __LINE__);
   gridCount = table->GetGridCount();
   const std::uint64_t width = table->GetOutputChannelCount();

@@ -1,8 +1,9 @@
 // The curves of a profile, and the merge of gray balance with linearization.
 #include "access/curve_samples.h"
+#include "core/payload.h"
 #include "core/report.h"
 
-#include <nvxprofile/curve.h>
+#include <nvxprofile/curve_entry.h>
 #include <nvxprofile/profile_access.h>
 
 #include <algorithm>
@@ -63,9 +64,7 @@ void Merge(void* out, std::size_t count, const Samples<First>& first, const Samp
 
 template <class Sample>
 void MergeArray(Sample* out, const Sample* first, const Sample* second, int count) {
-  if (count <= 0) return;
-  const auto size = static_cast<std::size_t>(count);
-  Merge(out, size, Samples<Sample>{first, size}, Samples<Sample>{second, size});
+  for (int i = 0; i < count; ++i) out[i] = second[first[i]];
 }
 
 struct CurveView {
@@ -101,10 +100,19 @@ bool MergeCurves(void* out, const CurveView& first, const CurveView& second) {
   return merged;
 }
 
+// The curve set of an entry as its buffer has it; null for an entry without one. What was parsed since the buffer came
+// and has been in nobody's hands answers as it is, so that a repeated query writes to nothing.
+const CCurveData* CurvesOf(CProfileDataEntry& entry) {
+  if (nvx::PayloadKeeper::IsStale(entry)) entry.BufferToData();
+  if (const auto* const curves = dynamic_cast<const CProfileCurveEntry*>(&entry)) return curves->GetCurveData();
+  return dynamic_cast<const CCurveData*>(entry.GetFormatData());
+}
+
 constexpr const char16_t* kNoGrayBalance = u"Profile:Gray balance entry - none";
 constexpr const char16_t* kNoLinearization = u"Profile:Linearization entry - none";
 
-CProfileDataEntry* FindEntry(CProfileData& profile, std::uint32_t usedType, const char16_t* missing, CError* error) {
+CProfileDataEntry* FindEntry(const CProfileData& profile, std::uint32_t usedType, const char16_t* missing,
+                             CError* error) {
   CProfileDataEntry* const entry = profile.GetProfileDataEntryFromList(usedType);
   if (entry == nullptr) nvx::Fail(error, nvx::kReasonNotFound, kSource, __LINE__, missing);
   return entry;
@@ -174,8 +182,7 @@ void* CProfileAccess::GetCurveDataBuffer(CProfileDataEntry* entry, std::uint32_t
     return nullptr;
   }
   const std::uint32_t usedType = entry->GetUsedType();
-  entry->BufferToData();
-  auto* const curves = dynamic_cast<CCurveData*>(entry->GetFormatData());
+  const CCurveData* const curves = CurvesOf(*entry);
   if (curves == nullptr) {
     nvx::Fail(error, nvx::kReasonNotFound, kSource, __LINE__,
               nvx::Message(u"Profile: Entry format error(not curve data). Entry type = %d")

@@ -17,8 +17,10 @@ struct CurveFailures {
 };
 
 // The first curve of the ink, with an extendInfo other than 0 the first one that has both; null if there is none.
-inline CCurveDataEntry* FindCurve(CCurveData& set, std::uint32_t ink, std::uint32_t extendInfo) {
-  return extendInfo == 0 ? set.FindInkIDEntry(ink) : set.FindInkIDEntryonSize(ink, extendInfo);
+inline CCurveDataEntry* FindCurve(const CCurveData& set, std::uint32_t ink, std::uint32_t extendInfo) {
+  return set.Curves().First([=](const CCurveDataEntry& curve) {
+    return curve.GetInkID() == ink && (extendInfo == 0 || curve.GetExtendInfo() == extendInfo);
+  });
 }
 
 // The samples of a curve, with their size in bytes and their type. Null on failure; `fail(reason, text)` then stores

@@ -1,8 +1,9 @@
 // Why a profile does not load, and what is suspicious in one that does.
+#include "access/curve_samples.h"
 #include "core/stream.h"
 #include "icc/icc_directory.h"
 
-#include <nvxprofile/curve.h>
+#include <nvxprofile/curve_entry.h>
 #include <nvxprofile/diagnosis.h>
 #include <nvxprofile/profile_data.h>
 #include <nvxprofile/profile_file.h>
@@ -43,11 +44,9 @@ void ExplainUnknown(CNvxFile& file) {
 
 void Suspect(Diagnosis& diagnosis, std::string_view rule) { diagnosis.Report(Severity::kWarning, 0, rule); }
 
-void CheckCurves(CCurveData& curves, Diagnosis& diagnosis) {
+void CheckCurves(const CCurveData& curves, Diagnosis& diagnosis) {
   std::set<std::pair<std::uint32_t, std::uint32_t>> seen;
-  bool more = curves.GetHeadPosition();
-  while (more) {
-    CCurveDataEntry* const curve = curves.GetNext(more);
+  for (CCurveDataEntry* const curve : curves.Curves()) {
     const std::string name = "ink " + std::to_string(curve->GetInkID());
     if (curve->GetSize() == 0) Suspect(diagnosis, name + ": curve without samples");
     if (curve->GetDataType() == CCurveDataEntry::kSamples16 && curve->GetSize() % 2 != 0) {
@@ -59,20 +58,18 @@ void CheckCurves(CCurveData& curves, Diagnosis& diagnosis) {
   }
 }
 
-CCurveData* CurvesOf(CProfileData& data, std::uint32_t usedType) {
-  CProfileDataEntry* const entry = data.GetProfileDataEntryFromList(usedType);
-  return entry != nullptr ? dynamic_cast<CCurveData*>(entry->GetFormatData()) : nullptr;
+const CCurveData* CurvesOf(const CProfileDataEntry* entry) {
+  const auto* const curves = dynamic_cast<const CProfileCurveEntry*>(entry);
+  return curves != nullptr ? curves->GetCurveData() : nullptr;
 }
 
 // The merge looks each gray balance sample up in the linearization of the same ink.
-void CheckMerge(CProfileData& data, Diagnosis& diagnosis) {
-  CCurveData* const gray = CurvesOf(data, CProfileDataEntry::kGrayBalance);
-  CCurveData* const linearization = CurvesOf(data, CProfileDataEntry::kLinearization);
+void CheckMerge(const CProfileData& data, Diagnosis& diagnosis) {
+  const CCurveData* const gray = CurvesOf(data.GetProfileDataEntryFromList(CProfileDataEntry::kGrayBalance));
+  const CCurveData* const linearization = CurvesOf(data.GetProfileDataEntryFromList(CProfileDataEntry::kLinearization));
   if (gray == nullptr || linearization == nullptr) return;
-  bool more = gray->GetHeadPosition();
-  while (more) {
-    CCurveDataEntry* const first = gray->GetNext(more);
-    CCurveDataEntry* const second = linearization->FindInkIDEntry(first->GetInkID());
+  for (CCurveDataEntry* const first : gray->Curves()) {
+    CCurveDataEntry* const second = FindCurve(*linearization, first->GetInkID(), 0);
     if (second != nullptr && (first->GetDataType() != second->GetDataType() || first->GetSize() != second->GetSize())) {
       Suspect(diagnosis, "gray balance and linearization of ink " + std::to_string(first->GetInkID()) +
                              " differ in sample width or number");
@@ -88,11 +85,9 @@ void CheckModel(CProfileData& data, Diagnosis& diagnosis) {
   if (info.LayoutNumber != 0 && data.GetProfileDataEntryFromList(CProfileDataEntry::kIcm) == nullptr) {
     Suspect(diagnosis, "no ICC profile entry");
   }
-  bool more = data.GetEntryStartPos();
-  while (more) {
-    CProfileDataEntry* const entry = data.GetNextEntry(more);
+  for (const CProfileDataEntry* const entry : data.Entries()) {
     const DiagnosisScope scope(&diagnosis, 0, [&] { return "entry " + std::to_string(entry->GetUsedType()); });
-    if (auto* const curves = dynamic_cast<CCurveData*>(entry->GetFormatData())) CheckCurves(*curves, diagnosis);
+    if (const CCurveData* const curves = CurvesOf(entry)) CheckCurves(*curves, diagnosis);
   }
   CheckMerge(data, diagnosis);
 }

@@ -29,20 +29,20 @@ bool FailNotFound(CError* error, int line, const char16_t* comment) {
 
 // The entry of a type; null, with the failure reported, if it is missing or of another class.
 template <class Entry>
-Entry* FindEntry(CProfileData& profile, std::uint32_t usedType, const char16_t* comment, CError* error) {
-  auto* const entry = dynamic_cast<Entry*>(profile.GetProfileDataEntryFromList(usedType));
+const Entry* FindEntry(const CProfileData& profile, std::uint32_t usedType, const char16_t* comment, CError* error) {
+  const auto* const entry = dynamic_cast<const Entry*>(profile.GetProfileDataEntryFromList(usedType));
   if (entry == nullptr) FailNotFound(error, __LINE__, comment);
   return entry;
 }
 
-CMaskDownLoadEntry* FindMaskEntry(CProfileData& profile, CError* error) {
+const CMaskDownLoadEntry* FindMaskEntry(const CProfileData& profile, CError* error) {
   return FindEntry<CMaskDownLoadEntry>(profile, CProfileDataEntry::kMaskDownload, u"Profile:Mask DownLoad Entry - none",
                                        error);
 }
 
 // The first block of a type, null with the failure reported; `comment` is for an entry without such a block.
-const tagWeftDatas* FindBlock(CProfileData& profile, std::uint32_t type, const char16_t* comment, CError* error) {
-  CMaskDownLoadEntry* const entry = FindMaskEntry(profile, error);
+const tagWeftDatas* FindBlock(const CProfileData& profile, std::uint32_t type, const char16_t* comment, CError* error) {
+  const CMaskDownLoadEntry* const entry = FindMaskEntry(profile, error);
   if (entry == nullptr) return nullptr;
   const tagWeftDatas* const block = entry->GetWeftData(type);
   if (block == nullptr) FailNotFound(error, __LINE__, comment);
@@ -123,7 +123,7 @@ bool CProfileAccess::GetPrinterMaskParameter(std::uint32_t* values, std::uint8_t
 
 bool CProfileAccess::IsSupportWeftVersion(CError* error) {
   if (!profile_) return false;
-  CMaskDownLoadEntry* const entry = FindMaskEntry(*profile_, error);
+  const CMaskDownLoadEntry* const entry = FindMaskEntry(*profile_, error);
   return entry != nullptr && entry->IsSuportVersion(entry->GetWeftHeader());
 }
 
@@ -132,7 +132,7 @@ std::uint32_t CProfileAccess::GetMaskParameterAndPatternBuffer(std::uint8_t* buf
                                                                std::uint32_t printMethod, std::uint32_t layerColorCount,
                                                                std::uint32_t* layerColors, CError* error) {
   if (!profile_) return 0;
-  auto* const entry = FindEntry<CMaskDownloadIncludePatternEntry>(
+  const auto* const entry = FindEntry<CMaskDownloadIncludePatternEntry>(
       *profile_, CProfileDataEntry::kMaskDownloadIncludePattern, u"Profile:There is no specified parameter.", error);
   if (entry == nullptr) return 0;
 

@@ -25,17 +25,24 @@ int FailWithType(CError* error, int line, std::u16string_view format, std::uint3
   return -1;
 }
 
+// The set of an entry; null for one without.
+const CMediaPropertyData* PropertiesOf(CProfileDataEntry& entry) {
+  if (const auto* const media = dynamic_cast<const CMediaPropertyEntry*>(&entry)) return media->GetMediaPropertyData();
+  return dynamic_cast<const CMediaPropertyData*>(entry.GetFormatData());
+}
+
 int CopyBlock(CProfileDataEntry* entry, std::uint32_t block, std::int32_t* values, CError* error) {
   if (entry == nullptr) {
     nvx::Fail(error, nvx::kReasonBadArgument, kSource, __LINE__, u"Profile:Parameter none(media property)");
     return -1;
   }
   const std::uint32_t usedType = entry->GetUsedType();
-  auto* const data = dynamic_cast<CMediaPropertyData*>(entry->GetFormatData());
+  const CMediaPropertyData* const data = PropertiesOf(*entry);
   if (data == nullptr) {
     return FailWithType(error, __LINE__, u"Profile: Entry format error(not media property). Entry type = %d", usedType);
   }
-  CMediaPropertyDataEntry* const found = data->Find(block);
+  CMediaPropertyDataEntry* const found = data->Entries().First(
+      [block](const CMediaPropertyDataEntry& candidate) { return candidate.GetUsedType() == block; });
   if (found == nullptr) {
     return FailWithType(error, __LINE__, u"Profile: Media property format error(not media property). Entry type = %d",
                         usedType);
@@ -45,7 +52,7 @@ int CopyBlock(CProfileDataEntry* entry, std::uint32_t block, std::int32_t* value
 }
 
 // The number of values that went to `values`; 0 after a failure, which is reported unless there is no profile.
-int ReadBlock(CProfileData* profile, const BlockQuery& query, std::int32_t* values, CError* error) {
+int ReadBlock(const CProfileData* profile, const BlockQuery& query, std::int32_t* values, CError* error) {
   if (profile == nullptr) return 0;
   CProfileDataEntry* const entry = profile->GetProfileDataEntryFromList(CProfileDataEntry::kMediaProperty);
   if (entry == nullptr) {
@@ -58,7 +65,7 @@ int ReadBlock(CProfileData* profile, const BlockQuery& query, std::int32_t* valu
   return 0;
 }
 
-bool ReadFirstValue(CProfileData* profile, const BlockQuery& query, std::int32_t& value, CError* error) {
+bool ReadFirstValue(const CProfileData* profile, const BlockQuery& query, std::int32_t& value, CError* error) {
   Parameters parameters{};
   if (ReadBlock(profile, query, parameters.data(), error) == 0) return false;
   value = parameters[0];
@@ -145,6 +152,7 @@ bool CProfileAccess::GetDotSize_SD(std::int32_t* sizes, std::int32_t& count, CEr
 
 bool CProfileAccess::GetPassDensity(std::int32_t& count, std::int32_t** values, CError* error) {
   count = -1;
+  if (!profile_) return false;
   const int found = ReadBlock(profile_.get(), {nvx::kMediaPassDensity, u"Profile:Pass Density - none"}, *values, error);
   if (found == 0) return false;
   count = found;

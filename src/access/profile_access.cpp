@@ -19,9 +19,9 @@ bool FailWithPath(CError* error, int line, std::u16string_view format, const cha
 }
 
 // The bytes of the first output block of the mask download entry; null if there are none.
-const std::uint8_t* OutputBlock(CProfileData& profile) {
-  auto* const entry =
-      dynamic_cast<CMaskDownLoadEntry*>(profile.GetProfileDataEntryFromList(CProfileDataEntry::kMaskDownload));
+const std::uint8_t* OutputBlock(const CProfileData& profile) {
+  const auto* const entry =
+      dynamic_cast<const CMaskDownLoadEntry*>(profile.GetProfileDataEntryFromList(CProfileDataEntry::kMaskDownload));
   const tagWeftDatas* const block = entry != nullptr ? entry->GetWeftData(nvx::WeftOutputRecord::kBlockType) : nullptr;
   return block != nullptr ? block->Bytes : nullptr;
 }

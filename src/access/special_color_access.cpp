@@ -4,25 +4,28 @@
 #include <nvxprofile/profile_access.h>
 #include <nvxprofile/special_color.h>
 
+#include <algorithm>
+
 namespace {
 
 constexpr const char* kSource = "ProfileAccess";
 constexpr std::uint32_t kTable = 1;
 
 // Null without a profile too.
-CSpecialColorInfoDataEntry* FindTable(CProfileData* profile) {
+CSpecialColorInfoDataEntry* FindTable(const CProfileData* profile) {
   if (profile == nullptr) return nullptr;
-  auto* const entry =
-      dynamic_cast<CSpecialColorInfoEntry*>(profile->GetProfileDataEntryFromList(CProfileDataEntry::kSpecialColorInfo));
-  return entry != nullptr ? entry->GetSpecialColorInfoData()->Find(kTable) : nullptr;
+  const auto* const entry = dynamic_cast<const CSpecialColorInfoEntry*>(
+      profile->GetProfileDataEntryFromList(CProfileDataEntry::kSpecialColorInfo));
+  if (entry == nullptr) return nullptr;
+  return entry->GetSpecialColorInfoData()->Entries().First(
+      [](const CSpecialColorInfoDataEntry& table) { return table.GetUsedType() == kTable; });
 }
 
 // The curve set of a number that counts from 1, or the last; null for an empty list.
-CCurveData* CurveSetOf(CSpecialColorInfoDataEntry& table, std::int32_t number) {
-  CCurveData* curves = nullptr;
-  bool more = table.GetHeadPositionVD();
-  for (std::int32_t i = 0; i < number && more; ++i) curves = table.GetNextVD(more);
-  return curves;
+CCurveData* CurveSetOf(const CSpecialColorInfoDataEntry& table, std::int32_t number) {
+  const auto& sets = table.CurvesVD();
+  if (number < 1 || sets.IsEmpty()) return nullptr;
+  return sets.At(std::min(static_cast<std::size_t>(number), sets.Count()) - 1);
 }
 
 }  // namespace

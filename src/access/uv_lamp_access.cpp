@@ -20,14 +20,18 @@ struct LampTable {
   CLargeParameterDataEntry* fixed = nullptr;
   CLargeParameterDataEntry* patterns = nullptr;
 
-  bool Find(CProfileData& profile, const char16_t* missing, CError* error) {
-    auto* const entry =
-        dynamic_cast<CLargeParameterEntry*>(profile.GetProfileDataEntryFromList(CProfileDataEntry::kLargeParameter));
+  bool Find(const CProfileData& profile, const char16_t* missing, CError* error) {
+    const auto* const entry = dynamic_cast<const CLargeParameterEntry*>(
+        profile.GetProfileDataEntryFromList(CProfileDataEntry::kLargeParameter));
     if (entry == nullptr) {
       return nvx::Fail(error, nvx::kReasonNotFound, kSource, __LINE__, u"Profile:Large Parameter Entry - none");
     }
-    fixed = entry->GetLargeParameterData()->Find(1);
-    if (fixed == nullptr) patterns = entry->GetLargeParameterData()->Find(2);
+    const auto find = [entry](std::uint32_t usedType) {
+      return entry->GetLargeParameterData()->Entries().First(
+          [usedType](const CLargeParameterDataEntry& table) { return table.GetUsedType() == usedType; });
+    };
+    fixed = find(1);
+    if (fixed == nullptr) patterns = find(2);
     return fixed != nullptr || patterns != nullptr ||
            nvx::Fail(error, nvx::kReasonNotFound, kSource, __LINE__, missing);
   }

@@ -238,7 +238,7 @@ class Inspector {
     const Number number = ParseNumber(value);
     if (!number.plain) Remark(line, "is no whole number and reads as " + std::to_string(number.value));
     if (key.name == kSpecialInkCount && number.value > SPECIAL_COLOR_ADJUST::kMaxInks) {
-      Remark(line, "more than 8 inks are refused");
+      Remark(line, "more than 8 inks: only the first 8 are read");
     }
   }
 

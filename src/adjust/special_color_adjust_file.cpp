@@ -30,10 +30,7 @@ bool CSpecialColorAdjustFile::GetColorAdjustData(SPECIAL_COLOR_ADJUST* data, CEr
   int count = 0;
   if (!analyzer_->GetIntValue(kSpecialInkset, &data->Inkset, error)) return false;
   if (!analyzer_->GetIntValue(kSpecialInkCount, &count, error)) return false;
-  if (count > SPECIAL_COLOR_ADJUST::kMaxInks) {
-    return nvx::Fail(&error, nvx::kReasonNoKey, kSource, __LINE__,
-                     u"Adjust file:Parameter none (key = SpecialInkCount)");
-  }
+  count = std::min(count, SPECIAL_COLOR_ADJUST::kMaxInks);
   data->InkCount = count;
   int codes[SPECIAL_COLOR_ADJUST::kMaxInks] = {};
   if (!analyzer_->GetIntList(kSpecialInk, codes, count, error)) return false;

@@ -30,21 +30,26 @@ CNvxFile::~CNvxFile() {
 
 bool CNvxFile::Open(const char16_t* path, std::uint32_t access, std::uint32_t, std::uint32_t creation) {
   const std::u16string_view text = nvx::TextOf(path);
-  if (text.empty() || text.size() >= kPathLength) return false;
+  if (text.empty()) return false;
   const platform::FileHandle handle = platform::OpenFile(text, access, creation);
   if (handle == platform::kNoFile) return false;
-  Close();
-  return Attach(handle, path);
+  Attach(handle, text);
+  writable_ = (access & nvx::kGenericWrite) != 0;
+  return true;
 }
 
-bool CNvxFile::Attach(std::intptr_t handle, const char16_t* path) {
-  const std::u16string_view text = nvx::TextOf(path);
-  if (text.size() >= kPathLength) return false;
+void CNvxFile::Attach(std::intptr_t handle, std::u16string_view path) {
+  // The path may be the one that is stored here.
+  std::u16string kept(path);
+  Close();
   handle_ = handle;
-  position_ = 0;
+  writable_ = true;
   failed_ = false;
-  nvx::CopyText(path_, text);
-  return true;
+  if (kept.size() < kPathLength) {
+    nvx::CopyText(path_, kept);
+  } else {
+    longPath_ = std::move(kept);
+  }
 }
 
 void CNvxFile::Close() {
@@ -54,6 +59,7 @@ void CNvxFile::Close() {
   if (buffer_) *buffer_ = Buffer();
   position_ = 0;
   path_[0] = 0;
+  longPath_.clear();
 }
 
 CNvxFile::Buffer& CNvxFile::UseBuffer() {
@@ -104,12 +110,13 @@ std::uint32_t CNvxFile::Read(void* buffer, std::uint32_t count) {
 }
 
 std::uint32_t CNvxFile::Write(const void* buffer, std::uint32_t count) {
-  if (handle_ == platform::kNoFile || failed_) return 0;
+  if (handle_ == platform::kNoFile || !writable_ || failed_) return 0;
   DropReads();
   std::uint32_t done = 0;
   if (count >= Buffer::kCapacity) {
     if (!FlushWrites()) return 0;
     done = static_cast<std::uint32_t>(platform::WriteFile(handle_, buffer, count));
+    failed_ = done != count;
   } else if (count != 0) {
     Buffer& pending = UseBuffer();
     if (pending.end + count > Buffer::kCapacity && !FlushWrites()) return 0;
@@ -161,14 +168,16 @@ std::uint32_t CNvxFile::Seek(std::uint32_t offset, std::uint32_t origin) {
   return static_cast<std::uint32_t>(position_);
 }
 
+std::u16string_view CNvxFile::GetPath() const { return longPath_.empty() ? nvx::FieldText(path_) : longPath_; }
+
 void CNvxFile::GetFileName(char16_t* out) const {
-  const platform::FileNameParts parts = platform::SplitFileName(nvx::FieldText(path_));
-  std::u16string name(parts.name);
-  name += parts.extension;
-  nvx::CopyText(out, kPathLength, std::u16string_view(name));
+  const platform::FileNameParts parts = platform::SplitFileName(GetPath());
+  const std::u16string_view name = parts.name.substr(0, kPathLength - 1);
+  nvx::CopyOut(out, name);
+  nvx::CopyOut(out + name.size(), parts.extension.substr(0, kPathLength - 1 - name.size()));
 }
 
-void CNvxFile::GetPathName(char16_t* out) const { nvx::CopyText(out, kPathLength, nvx::FieldText(path_)); }
+void CNvxFile::GetPathName(char16_t* out) const { nvx::CopyOut(out, nvx::FieldText(path_)); }
 
 void* CNvxFile::GetHandle() const {
   return reinterpret_cast<void*>(handle_);  // NOLINT(performance-no-int-to-ptr): a handle is published as a pointer

@@ -34,31 +34,83 @@ class EntryStream : public CNvxMemFile {
   }
 };
 
-// Runs load(stream) over the buffer; false for an empty one.
-template <class Load>
-bool ParseBuffer(CProfileDataEntry& entry, Load&& load) {
-  if (entry.GetSize() == 0) return false;
-  EntryStream stream(entry);
-  return load(stream);
-}
-
 // How long a rebuilt buffer is: as long as its form, or as long as the block of a memory stream that the form was
 // written to, the smallest multiple of 1024 that holds it, with zeros behind the form.
 enum class BufferLength { kExact, kCapacity };
 
-// Runs save(stream) into a new block made for a form of `size` bytes and gives the block to the entry. On false the
-// entry's buffer stays as it was.
+// The one place that knows what parsing and rebuilding do to the state of a payload.
+class PayloadKeeper {
+ public:
+  // Runs load(stream) over the buffer; false for an empty one. A reader that passes over something (nvx::PassOver) has
+  // read the buffer in part, although it gives true.
+  template <class Load>
+  static bool Parse(CProfileDataEntry& entry, Load&& load) {
+    if (entry.GetSize() == 0) return false;
+    EntryStream stream(entry);
+    entry.state_ = PayloadState::kPart;
+    if (!load(stream)) return false;
+    if (!stream.HasPassedOver()) SetInStep(entry);
+    return true;
+  }
+
+  // True unless the buffer holds bytes that the payload does not say.
+  static bool SaysAll(const CProfileDataEntry& entry) {
+    return entry.state_ == PayloadState::kWhole || entry.state_ == PayloadState::kEdited || entry.size_ == 0;
+  }
+
+  // True for a payload that has to be parsed before it answers for the buffer.
+  static bool IsStale(const CProfileDataEntry& entry) {
+    return entry.isOpen_ || (entry.state_ == PayloadState::kUnread && entry.size_ != 0);
+  }
+
+  // Runs save(stream) into a new block made for a form of `size` bytes and gives the block to the entry. On false the
+  // entry's buffer stays as it was.
+  template <class Save>
+  static bool Replace(CProfileDataEntry& entry, std::uint64_t size, BufferLength length, Save&& save) {
+    constexpr std::uint64_t kStep = 1024;
+    const std::uint64_t rounded = size == 0 ? kStep : (size + kStep - 1) / kStep * kStep;
+    const std::uint64_t capacity = length == BufferLength::kExact ? size : rounded;
+    if (capacity > std::numeric_limits<std::uint32_t>::max()) return false;
+    Block block = AllocateBlock(static_cast<std::size_t>(capacity));
+    std::memset(block.get() + size, 0, static_cast<std::size_t>(capacity - size));
+    CNvxMemFile stream(block.get(), static_cast<std::uint32_t>(capacity));
+    if (!save(stream) || stream.GetPosition() != size) return false;
+    entry.AttachBuffer(block.release(), static_cast<std::uint32_t>(capacity));
+    return true;
+  }
+
+  // Buffer and payload say the same from here on.
+  static void SetInStep(CProfileDataEntry& entry) {
+    entry.state_ = entry.isOpen_ ? PayloadState::kEdited : PayloadState::kWhole;
+  }
+
+  // A stored entry without bytes: it has none, and its payload says nothing.
+  static void SetEmpty(CProfileDataEntry& entry) {
+    entry.DeleteBuffer();
+    SetInStep(entry);
+  }
+
+  // A copy takes over what its original knew of buffer and payload, both of which it has copies of.
+  static void CopyState(const CProfileDataEntry& from, CProfileDataEntry& to) {
+    to.state_ = from.state_;
+    to.isOpen_ = from.isOpen_;
+  }
+
+  // The form of the payload as DataToBuffer makes it, whatever the buffer holds; buffer and state stay. Null with
+  // `size` 0 if the form cannot carry the payload.
+  static Block FormOf(CProfileDataEntry& entry, std::uint32_t& size);
+};
+
+template <class Load>
+bool ParseBuffer(CProfileDataEntry& entry, Load&& load) {
+  return PayloadKeeper::Parse(entry, load);
+}
+
+// The buffer anew from the payload, unless it holds bytes that the payload does not say.
 template <class Save>
 bool RebuildBuffer(CProfileDataEntry& entry, std::uint64_t size, BufferLength length, Save&& save) {
-  constexpr std::uint64_t kStep = 1024;
-  const std::uint64_t rounded = size == 0 ? kStep : (size + kStep - 1) / kStep * kStep;
-  const std::uint64_t capacity = length == BufferLength::kExact ? size : rounded;
-  if (capacity > std::numeric_limits<std::uint32_t>::max()) return false;
-  Block block = AllocateBlock(static_cast<std::size_t>(capacity));
-  std::memset(block.get() + size, 0, static_cast<std::size_t>(capacity - size));
-  CNvxMemFile stream(block.get(), static_cast<std::uint32_t>(capacity));
-  if (!save(stream) || stream.GetPosition() != size) return false;
-  entry.AttachBuffer(block.release(), static_cast<std::uint32_t>(capacity));
+  if (!PayloadKeeper::SaysAll(entry) || !PayloadKeeper::Replace(entry, size, length, save)) return false;
+  PayloadKeeper::SetInStep(entry);
   return true;
 }
 

@@ -3,7 +3,7 @@
 #include <nvxprofile/profile_data.h>
 
 #include <algorithm>
-#include <cstring>
+#include <utility>
 
 namespace {
 
@@ -14,10 +14,8 @@ auto OfType(std::uint32_t usedType) {
 }  // namespace
 
 void CProfileRoute::Add(CProfileDataEntry* entry) { entries_.Append(entry); }
-CProfileDataEntry* CProfileRoute::GetEntry(std::uint32_t usedType) { return entries_.Find(OfType(usedType)); }
+CProfileDataEntry* CProfileRoute::GetEntry(std::uint32_t usedType) const { return entries_.First(OfType(usedType)); }
 int CProfileRoute::GetEntryCount() const { return static_cast<int>(entries_.Count()); }
-bool CProfileRoute::GetHeadPos() { return entries_.Head(); }
-CProfileDataEntry* CProfileRoute::GetNext(bool& more) { return entries_.Next(more); }
 bool CProfileRoute::IsExistEntry(CProfileDataEntry* entry) const { return entries_.Contains(entry); }
 
 CProfileDataEntry* CProfileRoute::RemoveEntry(std::uint32_t usedType) {
@@ -39,46 +37,43 @@ CProfileData::~CProfileData() { DeleteContents(); }
 void CProfileData::DeleteContents() {
   routes_.clear();
   routeCursor_ = routes_.end();
-  entries_.Clear(nvx::Ownership::kOwned);
-  _tagDeviceProfileInfo& info = info_.Info;
-  if (info.LayoutNumber == 3) {
-    delete[] info.Binary.MediaInfo;
-    info.Binary.MediaInfo = nullptr;
-  }
+  entries_.Clear();
+  if (info_.Info.LayoutNumber == nvx::kBinaryView) info_.Info.Binary.MediaInfo = nullptr;
+  mediaNames_.clear();
 }
 
-void CProfileData::SetProfileDataEntry(CProfileDataEntry* entry, std::uint32_t route) {
-  if (entry == nullptr) return;
+bool CProfileData::SetProfileDataEntry(CProfileDataEntry* entry, std::uint32_t route) {
+  if (entry == nullptr) return false;
   CProfileDataEntry* present = GetProfileDataEntryFromList(entry->GetUsedType());
   // Goes with this scope if it is not kept, or if the heap is exhausted before it has a place.
   std::unique_ptr<CProfileDataEntry> arrived(present != entry ? entry : nullptr);
   std::unique_ptr<CProfileRoute>& place = routes_[route];
   if (!place) place = std::make_unique<CProfileRoute>(route);
+  const bool stays = present == nullptr || present == entry;
   if (present == nullptr) {
-    entries_.Append(arrived.release(), nvx::Ownership::kOwned);
+    entries_.Append(std::move(arrived));
     present = entry;
   }
   place->Add(present);
+  return stays;
 }
 
-CProfileDataEntry* CProfileData::GetProfileDataEntryFromList(std::uint32_t usedType) {
-  const auto found = std::find_if(entries_.begin(), entries_.end(),
-                                  [usedType](const CProfileDataEntry* e) { return e->GetUsedType() == usedType; });
-  return found != entries_.end() ? *found : nullptr;
+CProfileDataEntry* CProfileData::GetProfileDataEntryFromList(std::uint32_t usedType) const {
+  return entries_.First(OfType(usedType));
 }
 
-CProfileDataEntry* CProfileData::GetProfileDataEntry(std::uint32_t route, std::uint32_t usedType) {
-  CProfileRoute* const place = GetProfileRoute(route);
+CProfileDataEntry* CProfileData::GetProfileDataEntry(std::uint32_t route, std::uint32_t usedType) const {
+  const CProfileRoute* const place = GetProfileRoute(route);
   return place != nullptr ? place->GetEntry(usedType) : nullptr;
 }
 
-CProfileRoute* CProfileData::GetProfileRoute(std::uint32_t route) {
+CProfileRoute* CProfileData::GetProfileRoute(std::uint32_t route) const {
   const auto found = routes_.find(route);
   return found != routes_.end() ? found->second.get() : nullptr;
 }
 
-int CProfileData::GetEntryCount(std::uint32_t route) {
-  CProfileRoute* const place = GetProfileRoute(route);
+int CProfileData::GetEntryCount(std::uint32_t route) const {
+  const CProfileRoute* const place = GetProfileRoute(route);
   return place != nullptr ? place->GetEntryCount() : -1;
 }
 
@@ -92,12 +87,8 @@ CProfileDataEntry* CProfileData::RemoveProfileDataEntry(std::uint32_t usedType, 
   }
   const bool elsewhere = std::any_of(routes_.begin(), routes_.end(),
                                      [entry](const auto& item) { return item.second->IsExistEntry(entry); });
-  if (!elsewhere) entries_.Remove(entry);
-  return entry;
+  return elsewhere ? entry : entries_.Remove(entry).release();
 }
-
-bool CProfileData::GetEntryStartPos() { return entries_.Head(); }
-CProfileDataEntry* CProfileData::GetNextEntry(bool& more) { return entries_.Next(more); }
 
 bool CProfileData::GetRouteStartPos() {
   routeCursor_ = routes_.begin();
@@ -114,10 +105,27 @@ CProfileRoute* CProfileData::GetNextRoute(bool& more) {
   return route;
 }
 
-_tagDeviceProfileInfo* CProfileData::GetProfileInfo() { return &info_.Info; }
-
-bool CProfileData::IsSpecifiedRoute(std::uint32_t route) { return routes_.find(route) != routes_.end(); }
+bool CProfileData::IsSpecifiedRoute(std::uint32_t route) const { return routes_.find(route) != routes_.end(); }
 
 tagMedia* CProfileData::CreateMediaInfoArray(int count) {
-  return count > 0 ? new tagMedia[static_cast<std::size_t>(count)]() : nullptr;
+  if (count <= 0) return nullptr;
+  mediaNames_.push_back(std::make_unique<tagMedia[]>(static_cast<std::size_t>(count)));
+  return mediaNames_.back().get();
+}
+
+void CProfileData::SetMediaInfo(std::span<const tagMedia> names) {
+  _tagDeviceProfileInfo::BinaryView& view = info_.Info.Binary;
+  const tagMedia* const former = view.MediaInfo;
+  tagMedia* const media = CreateMediaInfoArray(static_cast<int>(names.size()));
+  std::copy(names.begin(), names.end(), media);
+  view.MediaInfo = media;
+  view.MediaInfoCount = static_cast<std::uint32_t>(names.size());
+  std::erase_if(mediaNames_, [former](const auto& array) { return array.get() == former; });
+}
+
+void CProfileData::CopyProfileInfo(const CProfileData& from) {
+  info_.Info = from.info_.Info;
+  if (info_.Info.LayoutNumber != nvx::kBinaryView || info_.Info.Binary.MediaInfo == nullptr) return;
+  const _tagDeviceProfileInfo::BinaryView& view = from.info_.Info.Binary;
+  SetMediaInfo({view.MediaInfo, view.MediaInfoCount});
 }

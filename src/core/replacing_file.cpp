@@ -6,9 +6,11 @@ namespace nvx {
 
 bool ReplacingFile::Create(const char16_t* target) {
   const std::u16string_view path = TextOf(target);
-  if (path.empty() || path.size() >= kPathLength) return false;
+  if (path.empty()) return false;
   const platform::FileHandle handle = replacement_.Create(path);
-  return handle != platform::kNoFile && Attach(handle, target);
+  if (handle == platform::kNoFile) return false;
+  Attach(handle, path);
+  return true;
 }
 
 bool ReplacingFile::Commit() {

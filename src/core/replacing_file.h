@@ -1,7 +1,7 @@
 // Saving that never harms: the stream writes beside its target and takes the target's place at the end.
 #pragma once
 
-#include "platform/file_system.h"
+#include "platform/replacement_file.h"
 
 #include <nvxprofile/file.h>
 

@@ -15,6 +15,11 @@ void Warn(CNvxFile& file, std::uint64_t offset, std::string_view rule) {
   if (Diagnosis* const diagnosis = file.GetDiagnosis()) diagnosis->Report(Severity::kWarning, offset, rule);
 }
 
+void PassOver(CNvxFile& file, std::string_view rule) {
+  file.NotePassedOver();
+  if (file.GetDiagnosis() != nullptr) Warn(file, file.GetPosition(), rule);
+}
+
 StreamBlock::StreamBlock(CNvxFile& file, std::uint32_t count) {
   if (!Holds(file, count, 1)) return;
   if (auto* const memory = dynamic_cast<CNvxMemFile*>(&file)) {

@@ -50,6 +50,9 @@ bool RefuseAt(CNvxFile& file, std::uint64_t offset, std::string_view rule);
 // What is odd but does not stop a reader.
 void Warn(CNvxFile& file, std::uint64_t offset, std::string_view rule);
 
+// The same for what a reader leaves out of what it makes of the form.
+void PassOver(CNvxFile& file, std::string_view rule);
+
 // The next `count` bytes of a stream: a view of the block of a memory stream, or a copy of a file's bytes. The stream
 // moves behind them. Empty with `count` above 0 if the stream holds fewer.
 class StreamBlock {

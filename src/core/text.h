@@ -38,6 +38,12 @@ void CopyText(Char (&target)[N], const std::basic_string<Char>& text) {
   CopyText(target, N, std::basic_string_view<Char>(text));
 }
 
+// Copies text and terminator to a caller's room, and nothing behind them.
+template <class Char>
+void CopyOut(Char* out, std::basic_string_view<Char> text) {
+  *std::copy(text.begin(), text.end(), out) = Char{};
+}
+
 // ASCII as wide text, for numbers and fixed texts.
 inline std::u16string Widen(std::string_view ascii) { return {ascii.begin(), ascii.end()}; }
 

@@ -6,6 +6,7 @@
 #include <nvxprofile/file.h>
 #include <nvxprofile/profile_data.h>
 
+#include <algorithm>
 #include <cstdint>
 
 namespace nvx {
@@ -14,14 +15,11 @@ namespace nvx {
 inline constexpr std::uint32_t kEntryOverhead =
     kRecordSize<ContainerEntryHeader> + ContainerEntryHeader::kBodyMagicSize;
 
-// Calls visit(entry) for each entry of the route in order until one gives false.
+// Gives true if visit(entry) does for each entry of the route, and stops at the first false.
 template <class Visit>
-bool ForEachEntry(CProfileRoute& route, Visit visit) {
-  bool more = route.GetHeadPos();
-  while (more) {
-    if (!visit(*route.GetNext(more))) return false;
-  }
-  return true;
+bool ForEachEntry(const CProfileRoute& route, Visit visit) {
+  return std::all_of(route.Entries().begin(), route.Entries().end(),
+                     [&](CProfileDataEntry* entry) { return visit(*entry); });
 }
 
 // Write the header and the body of an entry of which the table holds `size` bytes. False for a size that the header

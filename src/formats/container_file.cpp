@@ -1,3 +1,4 @@
+#include "core/payload.h"
 #include "core/stream.h"
 #include "core/text.h"
 #include "formats/container_entries.h"
@@ -28,6 +29,7 @@ std::unique_ptr<CProfileDataEntry> MakeEntry(CNvxFile& file, const ContainerEntr
     nvx::Refuse(file, "entry header: format type does not belong to the used type");
     return nullptr;
   }
+  nvx::PayloadKeeper::SetEmpty(*entry);
   entry->SetComplete(header.complete != 0);
   entry->SetOptionInfo(header.optionInfo);
   entry->SetLabelString(header.label);
@@ -62,13 +64,12 @@ bool WalkBodies(CNvxFile& file, const std::vector<nvx::RecordBytes<ContainerEntr
 }
 
 // Parses an entry's buffer, which starts at `offset` of the stream.
-bool Parse(CNvxFile& file, std::uint32_t offset, CProfileDataEntry& entry) {
+void Parse(CNvxFile& file, std::uint32_t offset, CProfileDataEntry& entry) {
   const nvx::DiagnosisScope scope(file.GetDiagnosis(), offset,
                                   [&] { return "entry " + std::to_string(entry.GetUsedType()); });
   entry.SetDiagnosis(file.GetDiagnosis());
-  const bool parsed = entry.BufferToData();
+  entry.BufferToData();
   entry.SetDiagnosis(nullptr);
-  return parsed;
 }
 
 }  // namespace
@@ -94,8 +95,8 @@ CProfileFileQCT::~CProfileFileQCT() = default;
 
 void CProfileFileQCT::DeleteContents() { entryHeaders_.clear(); }
 
-std::uint64_t CProfileFileQCT::GetSavedSize(CProfileData& data, std::uint32_t route) {
-  CProfileRoute* const place = data.GetProfileRoute(route);
+std::uint64_t CProfileFileQCT::GetSavedSize(const CProfileData& data, std::uint32_t route) {
+  const CProfileRoute* const place = data.GetProfileRoute(route);
   if (place == nullptr) return 0;
   std::uint64_t size = kHeaderSize;
   ForEachEntry(*place, [&](CProfileDataEntry& entry) {
@@ -139,17 +140,17 @@ bool CProfileFileQCT::LoadEntryHeader(CNvxFile& file) {
 }
 
 bool CProfileFileQCT::LoadEntries(CNvxFile& file, CProfileData* data) {
-  parsedTypes_.clear();
   return LoadEntryHeader(file) &&
          WalkBodies(file, entryHeaders_, [&](std::unique_ptr<CProfileDataEntry> entry, std::uint32_t size) {
            const std::uint32_t offset = file.GetDiagnosis() != nullptr ? file.GetPosition() : 0;
            if (size != 0 && !nvx::ReadExact(file, entry->GetBuffer(size), size))
              return nvx::Refuse(file, "entry body: cut short");
            // An entry whose payload does not parse keeps its bytes.
-           const bool parsed = Parse(file, offset, *entry);
-           const bool stays = data->GetProfileDataEntryFromList(entry->GetUsedType()) == nullptr;
-           if (parsed && stays) parsedTypes_.push_back(entry->GetUsedType());
-           data->SetProfileDataEntry(entry.release(), route_);
+           Parse(file, offset, *entry);
+           const std::uint32_t usedType = entry->GetUsedType();
+           if (!data->SetProfileDataEntry(entry.release(), route_) && data->GetProfileDataEntry(route_, usedType)) {
+             nvx::PassOver(file, "entry header: the profile has an entry of this used type already, which stays");
+           }
            return true;
          });
 }
@@ -163,6 +164,7 @@ bool CProfileFileQCT::CheckEntries(CNvxFile& file) {
 }
 
 bool CProfileFileQCT::SaveHeader(CNvxFile& file, CProfileData* data, std::uint32_t route) {
+  if (!data->IsSpecifiedRoute(route)) return false;
   ContainerHeader header;
   header.targetType = data->GetTargetType();
   header.route = route;

@@ -1,11 +1,10 @@
 // The conversion of a text-headed profile into one of the current generation.
-#include "core/byte_order.h"
+#include "core/payload.h"
 #include "core/text.h"
-#include "formats/legacy_header.h"
-#include "platform/locale.h"
+#include "formats/record_views.h"
 
 #include <nvxprofile/convert.h>
-#include <nvxprofile/curve.h>
+#include <nvxprofile/curve_entry.h>
 #include <nvxprofile/profile_file.h>
 #include <nvxprofile/profile_file_qpf.h>
 
@@ -15,8 +14,6 @@
 #include <string>
 #include <string_view>
 #include <utility>
-
-namespace platform = nvx::platform;
 
 namespace {
 
@@ -51,47 +48,27 @@ constexpr std::array<Rule, 10> kRules{{
     {CProfileDataEntry::kMediaProperty, CProfileDataEntry::kMediaProperty, Method::kCopy},
 }};
 
-// The entry's buffer is a form that its class reads.
-bool Parses(CProfileDataEntry& entry) {
-  const std::unique_ptr<CProfileDataEntry> probe(
-      CProfileDataEntry::CreateDataEntry(static_cast<UsedType>(entry.GetUsedType())));
-  if (!probe || entry.GetSize() == 0) return false;
-  std::memcpy(probe->GetBuffer(entry.GetSize()), entry.GetRefBuffer(), entry.GetSize());
-  return probe->BufferToData();
-}
-
-// CProfileDataEntry::Copy renews the buffer from the payload. Where the payload did not parse there is nothing to renew
-// it from, and the bytes go over as they are.
-void CopyEntry(CProfileDataEntry& source, CProfileDataEntry& target) {
-  if (Parses(source)) return source.Copy(target);
-  target.SetComplete(source.IsComplete());
-  target.SetDisplay(source.IsDisplayEnable());
-  target.SetOptionInfo(source.GetOptionInfo());
-  target.SetLabelString(source.GetLabelString());
-  if (source.GetSize() != 0) std::memcpy(target.GetBuffer(source.GetSize()), source.GetRefBuffer(), source.GetSize());
-}
-
 // Appends to the target a new curve for each curve of the source that passes; fill(curve, new curve) gives it its
 // content, `limitKey` its ExtendInfo unless it is 0.
 template <class Fill>
 void AppendCurves(CProfileDataEntry& source, CProfileDataEntry& target, std::uint32_t limitKey, bool onlyVariable,
                   Fill fill) {
-  auto* const from = dynamic_cast<CCurveData*>(source.GetFormatData());
-  auto* const to = dynamic_cast<CCurveData*>(target.GetFormatData());
+  auto* const from = dynamic_cast<CProfileCurveEntry*>(&source);
+  auto* const to = dynamic_cast<CProfileCurveEntry*>(&target);
   if (from == nullptr || to == nullptr) return;
-  const bool parsed = source.BufferToData();
-  target.BufferToData();
-  bool more = from->GetHeadPosition();
-  while (more) {
-    CCurveDataEntry& curve = *from->GetNext(more);
-    if (onlyVariable && curve.GetExtendInfo() != kVariableInfo) continue;
-    std::unique_ptr<CCurveDataEntry> made(CCurveDataEntry::CreateCurveDataEntry(CCurveDataEntry::kSamples16));
-    fill(curve, *made);
-    made->SetExtendInfo(limitKey != 0 ? limitKey : curve.GetExtendInfo());
-    to->AddTail(made.release());
+  from->BufferToData();
+  if (!nvx::PayloadKeeper::SaysAll(*from)) return;
+  to->BufferToData();
+  CCurveData& made = *to->GetCurveData();
+  for (CCurveDataEntry* const curve : std::as_const(*from).GetCurveData()->Curves()) {
+    if (onlyVariable && curve->GetExtendInfo() != kVariableInfo) continue;
+    std::unique_ptr<CCurveDataEntry> copy(CCurveDataEntry::CreateCurveDataEntry(CCurveDataEntry::kSamples16));
+    fill(*curve, *copy);
+    copy->SetExtendInfo(limitKey != 0 ? limitKey : curve->GetExtendInfo());
+    made.AddTail(copy.release());
   }
-  if (parsed) source.DataToBuffer();
-  target.DataToBuffer();
+  from->DataToBuffer();
+  to->DataToBuffer();
 }
 
 // 256 samples from 0 to 65535.
@@ -101,48 +78,6 @@ void FillLine(CCurveDataEntry& curve) {
   std::memcpy(curve.GetBuffer(sizeof samples), samples.data(), sizeof samples);
   curve.SetMax(65535);
   curve.SetMin(0);
-}
-
-tagMedia* CopyNames(CProfileData& owner, const tagMedia* names, std::uint32_t count) {
-  if (names == nullptr) return nullptr;
-  tagMedia* const copy = owner.CreateMediaInfoArray(static_cast<int>(count));
-  std::copy_n(names, count, copy);
-  return copy;
-}
-
-std::uint32_t Number(std::u16string_view text) { return static_cast<std::uint32_t>(nvx::LeadingNumber(text)); }
-
-// What the record of a profile that has no binary view yields for one, without the media names.
-_tagDeviceProfileInfo::BinaryView BinaryViewOf(const _tagDeviceProfileInfo& info) {
-  _tagDeviceProfileInfo::BinaryView view{};
-  view.ModelNumber = Number(nvx::FieldText(info.ModelCode));
-  view.ModelSubNumber = Number(nvx::FieldText(info.ModelSubCode));
-  view.InternalNumber = Number(nvx::FieldText(info.InternalCode));
-  view.MediaNumber = info.LayoutNumber == 1
-                         ? static_cast<std::uint32_t>(nvx::LeadingNumber(nvx::FieldText(info.Text.Media_Code)))
-                         : Number(nvx::FieldText(info.MediaCode));
-  return view;
-}
-
-// The text view makes room for the binary one, which starts with a Japanese and an English media name. A record with
-// neither view has the one name that it shows.
-void ReplaceTextView(CProfileData& data) {
-  _tagDeviceProfileInfo& info = *data.GetProfileInfo();
-  const bool hasText = info.LayoutNumber == 1;
-  const std::u16string shown(nvx::FieldText(info.MediaName));
-  const std::u16string japanese = hasText ? platform::AnsiToWide(nvx::FieldText(info.Text.Media_Jpn)) : shown;
-  const std::u16string english = hasText ? platform::AnsiToWide(nvx::FieldText(info.Text.Media_Eng)) : shown;
-  _tagDeviceProfileInfo::BinaryView view = BinaryViewOf(info);
-  nvx::CopyText(view.DefaultMediaName, english);
-  view.MediaInfoCount = 2;
-  view.MediaInfo = data.CreateMediaInfoArray(2);
-  view.MediaInfo[0].Language = platform::kLanguageJapanese;
-  nvx::CopyText(view.MediaInfo[0].Name, japanese);
-  view.MediaInfo[1].Language = platform::kLanguageEnglish;
-  nvx::CopyText(view.MediaInfo[1].Name, english);
-  info.Text = {};
-  info.Binary = view;
-  info.LayoutNumber = 3;
 }
 
 }  // namespace
@@ -176,23 +111,21 @@ void CConvertV2ToV3Profile::SetupModuleVersion(const char16_t* version) {
   nvx::CopyText(moduleVersion_, nvx::TextOf(version));
 }
 
-void CConvertV2ToV3Profile::ConvertV2ToV3Profile(const _tagDBDeviceProfileInfo* database) {
-  if (!v2_) return;
-  v3_ = std::make_unique<CProfileData>();
-  _tagDeviceProfileInfo& info = *v3_->GetProfileInfo();
-  info = *v2_->GetProfileInfo();
-  if (info.LayoutNumber == 3) {
-    const tagMedia* const names = std::exchange(info.Binary.MediaInfo, nullptr);
-    info.Binary.MediaInfo = CopyNames(*v3_, names, info.Binary.MediaInfoCount);
-  }
+bool CConvertV2ToV3Profile::ConvertV2ToV3Profile(const _tagDBDeviceProfileInfo* database) {
+  if (!v2_) return false;
+  std::unique_ptr<CProfileData> former = std::exchange(v3_, std::make_unique<CProfileData>());
+  v3_->CopyProfileInfo(*v2_);
   SetupV3HeaderString(database);
-  bool more = v2_->GetEntryStartPos();
-  while (more) ConvertEntry(*v2_->GetNextEntry(more));
+  const auto& entries = v2_->Entries();
+  const bool whole =
+      std::all_of(entries.begin(), entries.end(), [this](CProfileDataEntry* entry) { return ConvertEntry(*entry); });
+  if (!whole) v3_ = std::move(former);
+  return whole;
 }
 
 void CConvertV2ToV3Profile::SetupV3HeaderString(const _tagDBDeviceProfileInfo* database) {
+  nvx::ConvertToBinaryView(*v3_);
   _tagDeviceProfileInfo& info = *v3_->GetProfileInfo();
-  if (info.LayoutNumber != 3) ReplaceTextView(*v3_);
   nvx::CopyText(info.Binary.StoredRevisionCode, kNewRevision);
   nvx::CopyText(info.Binary.CreateModule, std::u16string(kModule) + u" v" + moduleVersion_);
   nvx::CopyText(info.Binary.MakerText, kMaker);
@@ -202,14 +135,16 @@ void CConvertV2ToV3Profile::SetupV3HeaderString(const _tagDBDeviceProfileInfo* d
   info.HasMaskDownload = info.HasOutputBlock = info.HasLargeParameter = info.HasSpecialColor = false;
 }
 
-void CConvertV2ToV3Profile::ConvertEntry(CProfileDataEntry& source) {
+bool CConvertV2ToV3Profile::ConvertEntry(CProfileDataEntry& source) {
   const auto rule =
       std::find_if(kRules.begin(), kRules.end(), [&](const Rule& r) { return r.source == source.GetUsedType(); });
-  if (rule == kRules.end()) return;
+  if (rule == kRules.end()) return true;
   std::unique_ptr<CProfileDataEntry> target(CProfileDataEntry::CreateDataEntry(rule->target));
+  if (rule->method != Method::kCopy) source.BufferToData();
+  bool whole = nvx::PayloadKeeper::SaysAll(source);
   switch (rule->method) {
     case Method::kCopy:
-      CopyEntry(source, *target);
+      whole = source.Copy(*target);
       break;
     case Method::kLimit:
     case Method::kVariableLimit: {
@@ -225,7 +160,8 @@ void CConvertV2ToV3Profile::ConvertEntry(CProfileDataEntry& source) {
       GetLineEntryCurve(&source, target.get(), false, false);
       break;
   }
-  v3_->SetProfileDataEntry(target.release(), nvx::kRouteMain);
+  if (whole) v3_->SetProfileDataEntry(target.release(), nvx::kRouteMain);
+  return whole;
 }
 
 void CConvertV2ToV3Profile::Convert8bitTo16bit(CProfileDataEntry* source, CProfileDataEntry* target, bool setLimitKey,
@@ -246,8 +182,8 @@ void CConvertV2ToV3Profile::GetLineEntryCurve(CProfileDataEntry* source, CProfil
                });
 }
 
-void CConvertV2ToV3Profile::SaveV3Profile(const char16_t* path) {
-  if (v3_) CProfileFileQPFv3().SaveData(path, v3_.get(), nvx::kRouteMain);
+bool CConvertV2ToV3Profile::SaveV3Profile(const char16_t* path) {
+  return v3_ && CProfileFileQPFv3().SaveData(path, v3_.get(), nvx::kRouteMain);
 }
 
 CProfileDataEntry* CConvertV2ToV3Profile::GetProfileDataEntry_V2(std::uint32_t usedType) {

@@ -108,14 +108,6 @@ bool ReadTextHeader(CNvxFile& file, TextHeader& header) {
   return RefuseAt(file, bytes.Offset(), "text header: no line \"@Binary\"");
 }
 
-void SelectTextView(_tagDeviceProfileInfo& info) {
-  if (info.LayoutNumber == 3) {
-    delete[] info.Binary.MediaInfo;
-    info.Text = {};
-  }
-  info.LayoutNumber = 1;
-}
-
 std::int32_t LeadingNumber(std::string_view text) { return Number(text); }
 std::int32_t LeadingNumber(std::u16string_view text) { return Number(text); }
 

@@ -68,9 +68,6 @@ struct SectionRecord {
 
 static_assert(kRecordSize<SectionRecord> == 8);
 
-// Makes LayoutNumber 1. A binary view gives its media names back and leaves an empty text view.
-void SelectTextView(_tagDeviceProfileInfo& info);
-
 // Leading decimal digits behind blanks and an optional sign, limited to 32 bits; 0 for text without any.
 std::int32_t LeadingNumber(std::string_view text);
 std::int32_t LeadingNumber(std::u16string_view text);

@@ -2,6 +2,7 @@
 #include "core/stream.h"
 #include "core/text.h"
 #include "formats/legacy_header.h"
+#include "formats/record_views.h"
 #include "platform/locale.h"
 
 #include <nvxprofile/profile_file_text.h>
@@ -215,7 +216,7 @@ bool CProfileFileQPFv1::LoadHeader(CNvxFile& file, CProfileData* data) {
   nvx::SelectTextView(info);
   file.GetPathName(info.FullPath);
   CNvxFile text;
-  if (!text.Open(info.FullPath, nvx::kGenericRead, nvx::kShareRead, nvx::kOpenExisting)) {
+  if (!text.Open(std::u16string(file.GetPath()).c_str(), nvx::kGenericRead, nvx::kShareRead, nvx::kOpenExisting)) {
     return nvx::Refuse(file, "text header: the stream's path cannot be opened");
   }
   text.SetDiagnosis(file.GetDiagnosis());

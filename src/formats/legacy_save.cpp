@@ -2,6 +2,7 @@
 #include "core/stream.h"
 #include "core/text.h"
 #include "formats/legacy_header.h"
+#include "formats/record_views.h"
 #include "platform/clock.h"
 
 #include <nvxprofile/profile_file_text.h>
@@ -64,6 +65,8 @@ bool SaveContainer(CNvxFile& file, CProfileData* data, std::uint32_t route) {
 
 bool CProfileFileQPFv1::SaveHeader(CNvxFile& file, CProfileData* data, std::uint32_t) {
   _tagDeviceProfileInfo& info = *data->GetProfileInfo();
+  // A record of the current generation has no labels, and a file without them does not load.
+  if (info.LayoutNumber == nvx::kBinaryView) return false;
   nvx::SelectTextView(info);
   const _tagDeviceProfileInfo::TextView& view = info.Text;
   HeaderLines lines;

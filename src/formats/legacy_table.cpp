@@ -35,18 +35,16 @@ CQPFConvertTable::CQPFConvertTable() {
     failure_ = "conversion table: no folder is set for it";
     return;
   }
-  const std::string path = folder + "/" + std::string(kFileName);
-  if (path.size() >= sizeof path_) {
-    failure_ = "conversion table: path of more than 255 bytes: " + path;
-  } else if (!platform::FileExists(platform::Utf8ToWide(path))) {
+  std::string path = folder + "/" + std::string(kFileName);
+  if (!platform::FileExists(platform::Utf8ToWide(path))) {
     failure_ = "conversion table: no file " + path;
   } else {
-    nvx::CopyText(path_, path);
+    path_ = std::move(path);
   }
 }
 
 bool CQPFConvertTable::FailWithoutKey(const std::string& section, const char* key) {
-  if (path_[0] == 0) return false;
+  if (path_.empty()) return false;
   failure_ = "conversion table: no key " + std::string(key) + " in [" +
              platform::WideToUtf8(platform::AnsiToWide(section)) + "]";
   return false;

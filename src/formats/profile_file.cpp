@@ -1,5 +1,6 @@
 #include "core/replacing_file.h"
 #include "core/stream.h"
+#include "formats/model_guard.h"
 
 #include <nvxprofile/profile_file.h>
 
@@ -23,9 +24,13 @@ bool CProfileFile::LoadData(const char16_t* path, CProfileData* data, bool heade
 }
 
 bool CProfileFile::SaveData(CNvxFile& file, CProfileData* data, std::uint32_t route) {
-  return data != nullptr && SaveHeader(file, data, route) && SaveBody(file, data, route) && file.Flush();
+  if (data == nullptr) return false;
+  nvx::ModelGuard guard(*data);
+  return guard.Done(SaveHeader(file, data, route) && SaveBody(file, data, route) && file.Flush());
 }
 
 bool CProfileFile::SaveData(const char16_t* path, CProfileData* data, std::uint32_t route) {
-  return nvx::SaveByReplacing(path, [&](CNvxFile& file) { return SaveData(file, data, route); });
+  if (data == nullptr) return false;
+  nvx::ModelGuard guard(*data);
+  return guard.Done(nvx::SaveByReplacing(path, [&](CNvxFile& file) { return SaveData(file, data, route); }));
 }

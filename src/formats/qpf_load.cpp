@@ -4,6 +4,7 @@
 #include "core/text.h"
 #include "entries/mask/mask_download_records.h"
 #include "formats/qpf_tags.h"
+#include "formats/record_views.h"
 #include "platform/clock.h"
 #include "platform/locale.h"
 
@@ -18,6 +19,7 @@
 #include <cstring>
 #include <memory>
 #include <string>
+#include <vector>
 
 using nvx::RouteTag;
 
@@ -58,20 +60,22 @@ const tagMedia* FindMedia(const _tagDeviceProfileInfo::BinaryView& view, std::ui
   return found != end && found->Name[0] != 0 ? found : nullptr;
 }
 
-void MakeCurves16Bit(CCurveData& curves) {
-  curves.SetCurveDataSizeType(CCurveDataEntry::kSamples16);
-  bool more = curves.GetHeadPosition();
-  while (more) {
-    if (CCurveDataEntry* const curve = curves.GetNext(more)) curve->SetDataType(CCurveDataEntry::kSamples16);
-  }
-}
-
 void Parse(CProfileDataEntry& entry, nvx::Diagnosis* diagnosis) {
   const nvx::DiagnosisScope scope(diagnosis, nvx::kRecordSize<nvx::PrivateTagOpening>,
                                   [&] { return "entry " + std::to_string(entry.GetUsedType()); });
   entry.SetDiagnosis(diagnosis);
   entry.BufferToData();
   entry.SetDiagnosis(nullptr);
+}
+
+// What was not read whole stays as its bytes: rebuilding it would lose the rest.
+void RebuildAs16Bit(CProfileDataEntry& entry) {
+  auto* const curves = dynamic_cast<CProfileCurveEntry*>(&entry);
+  if (curves != nullptr && entry.GetSize() != 0) {
+    curves->TakeSamplesAs16Bit();
+  } else if (entry.GetPayloadState() == nvx::PayloadState::kWhole) {
+    entry.DataToBuffer();
+  }
 }
 
 enum class Payload { kParse, kLeave };
@@ -201,18 +205,10 @@ bool CProfileFileQPFv3::LoadEntries(CNvxFile& stream, CProfileData* data) {
 bool CProfileFileQPFv3::LoadNVX1Tag(CICCProfile& profile, CProfileData* data) {
   TagStream stream(profile, nvx::kEntryTag, diagnosis_);
   if (!stream.IsPresent() || !LoadHeader(stream, data) || !LoadEntries(stream, data)) return false;
-  RebuildParsedEntries(*data);
-  return true;
-}
-
-// A set that parsed in part, or not at all, stays as its bytes: rebuilding it would lose the rest.
-void CProfileFileQPFv3::RebuildParsedEntries(CProfileData& data) {
-  for (const std::uint32_t usedType : GetParsedTypes()) {
-    CProfileDataEntry* const entry = data.GetProfileDataEntry(nvx::kRouteMain, usedType);
-    if (entry == nullptr) continue;
-    if (auto* const curves = dynamic_cast<CProfileCurveEntry*>(entry)) MakeCurves16Bit(*curves->GetCurveData());
-    entry->DataToBuffer();
+  if (const CProfileRoute* const route = data->GetProfileRoute(nvx::kRouteMain)) {
+    for (CProfileDataEntry* const entry : route->Entries()) RebuildAs16Bit(*entry);
   }
+  return true;
 }
 
 bool CProfileFileQPFv3::LoadVersion(CICCProfile& profile, CProfileData& scratch) {
@@ -243,16 +239,13 @@ bool CProfileFileQPFv3::LoadMediaData(CNvxFile& stream, CProfileData* data) {
   if (header.count == 0) return true;
   if (!nvx::Holds(stream, header.count, nvx::kRecordSize<nvx::MediaNameRecord>))
     return nvx::Refuse(stream, "media names: count beyond the end");
-  std::unique_ptr<tagMedia[]> table(data->CreateMediaInfoArray(static_cast<int>(header.count)));
-  for (std::uint32_t i = 0; i < header.count; ++i) {
+  std::vector<tagMedia> table(header.count);
+  for (tagMedia& media : table) {
     nvx::MediaNameRecord record;
     if (!nvx::ReadRecord(stream, record)) return nvx::Refuse(stream, "media names: cut short");
-    table[i] = record.media;
+    media = record.media;
   }
-  auto& view = data->GetProfileInfo()->Binary;
-  delete[] view.MediaInfo;
-  view.MediaInfo = table.release();
-  view.MediaInfoCount = header.count;
+  data->SetMediaInfo(table);
   return true;
 }
 
@@ -270,7 +263,7 @@ bool CProfileFileQPFv3::LoadNVX5Tag(CICCProfile& profile, CProfileData* data) {
   TagStream stream(profile, nvx::kMaskDownloadTag.name, diagnosis_);
   CProfileDataEntry* const entry =
       LoadRouteTag(stream, *data, nvx::kMaskDownloadTag, MaskEntryType(stream), Payload::kParse);
-  if (auto* const mask = dynamic_cast<CMaskDownLoadEntry*>(entry)) {
+  if (const auto* const mask = dynamic_cast<const CMaskDownLoadEntry*>(entry)) {
     const std::uint32_t* const blockType = mask->GetWeftUsedType();
     if (blockType != nullptr && *blockType == nvx::WeftOutputRecord::kBlockType)
       data->GetProfileInfo()->HasOutputBlock = true;
@@ -288,8 +281,10 @@ bool CProfileFileQPFv3::LoadNVX7Tag(CICCProfile& profile, CProfileData* data) {
   CProfileDataEntry* const entry =
       LoadRouteTag(stream, *data, nvx::kSpecialColorTag, CProfileDataEntry::kSpecialColorInfo, Payload::kParse);
   if (entry == nullptr) return false;
-  const auto* const colors = dynamic_cast<CSpecialColorInfoData*>(entry->GetFormatData());
-  if (colors != nullptr && colors->GetProfileColorType() == 1) data->GetProfileInfo()->SeparateWayCode = 3;
+  const auto* const colors = dynamic_cast<const CSpecialColorInfoEntry*>(entry);
+  if (colors != nullptr && colors->GetSpecialColorInfoData()->GetProfileColorType() == 1) {
+    data->GetProfileInfo()->SeparateWayCode = 3;
+  }
   return true;
 }
 

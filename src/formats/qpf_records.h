@@ -120,11 +120,4 @@ static_assert(kHeaderBlockSize == 400);
 static_assert(kRecordSize<MediaTableHeader> == 16);
 static_assert(kRecordSize<MediaNameRecord> == 130);
 
-// Makes the binary view the one that holds. A record that held the text view gets an empty one, so that no text is
-// taken for a pointer; a record that held neither keeps what its maker put into the binary view.
-inline void SelectBinaryView(_tagDeviceProfileInfo& info) {
-  if (info.LayoutNumber == 1) info.Binary = _tagDeviceProfileInfo::BinaryView{};
-  info.LayoutNumber = 3;
-}
-
 }  // namespace nvx

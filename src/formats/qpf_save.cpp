@@ -2,7 +2,9 @@
 #include "core/payload.h"
 #include "core/stream.h"
 #include "formats/container_entries.h"
+#include "formats/model_guard.h"
 #include "formats/qpf_tags.h"
+#include "formats/record_views.h"
 #include "icc/description.h"
 #include "platform/clock.h"
 
@@ -36,8 +38,8 @@ std::uint32_t MinorVersion(const _tagDeviceProfileInfo& info) {
   return 0;
 }
 
-std::uint64_t RouteTagSize(CProfileData& data, const RouteTag& tag) {
-  CProfileRoute* const route = data.GetProfileRoute(tag.route);
+std::uint64_t RouteTagSize(const CProfileData& data, const RouteTag& tag) {
+  const CProfileRoute* const route = data.GetProfileRoute(tag.route);
   if (route == nullptr) return 0;
   std::uint64_t size = kOpeningSize;
   ForEachEntry(*route, [&](CProfileDataEntry& entry) {
@@ -88,13 +90,19 @@ bool CProfileFileQPFv3::SaveData(const char16_t* path, CProfileData* data, std::
 
 bool CProfileFileQPFv3::SaveData(CNvxFile& file, CProfileData* data, std::uint32_t flags) {
   if (data == nullptr) return false;
-  nvx::SelectBinaryView(*data->GetProfileInfo());
   CProfileDataEntry* const icc = data->GetProfileDataEntryFromList(CProfileDataEntry::kIcm);
+  CProfileRoute* const route = data->GetProfileRoute(nvx::kRouteMain);
+  if (icc == nullptr || route == nullptr || !route->IsExistEntry(icc)) return false;
   CICCProfile profile;
-  if (icc == nullptr || !profile.OpenBuffer(icc->GetRefBuffer(), icc->GetSize(), false)) return false;
+  if (!profile.OpenBuffer(icc->GetRefBuffer(), icc->GetSize(), false)) return false;
+  nvx::ModelGuard guard(*data);
+  nvx::UseBinaryView(*data);
   if (!SaveTags(profile, data, flags)) return false;
   nvx::RewriteDescription(profile, file);
-  return profile.WriteTo(file) && file.Flush();
+  if (!guard.Done(profile.WriteTo(file) && file.Flush())) return false;
+  route->RemoveEntry(CProfileDataEntry::kIcm);
+  route->Add(icc);
+  return true;
 }
 
 bool CProfileFileQPFv3::SaveTags(CICCProfile& profile, CProfileData* data, std::uint32_t flags) {
@@ -124,11 +132,10 @@ bool CProfileFileQPFv3::SaveHeader(CNvxFile& stream, CProfileData* data, std::ui
 }
 
 bool CProfileFileQPFv3::SaveBody(CNvxFile& stream, CProfileData* data, std::uint32_t route) {
-  CProfileRoute* const place = data->GetProfileRoute(route);
-  CProfileDataEntry* const icc = place != nullptr ? place->RemoveEntry(CProfileDataEntry::kIcm) : nullptr;
+  const CProfileRoute* const place = data->GetProfileRoute(route);
+  CProfileDataEntry* const icc = place != nullptr ? place->GetEntry(CProfileDataEntry::kIcm) : nullptr;
   if (icc == nullptr) return false;
-  place->Add(icc);
-  // The bytes of the ICC profile are the frame of the file; here its entry stands last, without them.
+  // The bytes of the ICC profile are the frame of the file; here its entry comes last, without them.
   const auto forEachOther = [&](auto write) {
     return ForEachEntry(
         *place, [&](CProfileDataEntry& entry) { return IsIcc(entry) || write(stream, entry, entry.GetSize()); });

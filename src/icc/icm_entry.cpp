@@ -27,18 +27,15 @@ CICMEntry::~CICMEntry() = default;
 CReplaceProfileEntry::CReplaceProfileEntry() : CICMEntry(kReplaceProfile) {}
 CReplaceProfileEntry::~CReplaceProfileEntry() = default;
 
-bool CICMEntry::DoImport(CProfileDataEntry* source) {
-  if (source == nullptr) return false;
-  source->Copy(*this);
-  return true;
-}
+bool CICMEntry::DoImport(CProfileDataEntry* source) { return source != nullptr && source->Copy(*this); }
 
 bool CICMEntry::BufferToData() {
-  nvx::IccDirectory directory;
-  // No bytes at all are no fault: a placeholder has none.
-  if (GetSize() == 0 || !nvx::ReadIccDirectory(GetRefBuffer(), GetSize(), directory, GetDiagnosis())) return false;
-  SetOptionInfo(OptionOf(directory));
-  return true;
+  return nvx::ParseBuffer(*this, [this](CNvxFile& stream) {
+    nvx::IccDirectory directory;
+    if (!nvx::ReadIccDirectory(stream, directory)) return false;
+    SetOptionInfo(OptionOf(directory));
+    return true;
+  });
 }
 
 std::uint32_t CICMEntry::GetColors() {
@@ -59,6 +56,7 @@ bool CICMEntry::Load(const char16_t* path, std::uint32_t& error, ICMOptionInfo) 
   file.SeekToBegin();
   if (!nvx::ReadExact(file, block.get(), size)) return Fail(error, kErrorFile);
   AttachBuffer(block.release(), size);
+  nvx::PayloadKeeper::SetInStep(*this);
   SetOptionInfo(OptionOf(directory));
   SetComplete(true);
   return true;

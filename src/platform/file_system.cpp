@@ -9,40 +9,12 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdio>
-#include <cstdlib>
 #include <ctime>
-#include <random>
 
 namespace nvx::platform {
 namespace {
 
 int Descriptor(FileHandle file) { return static_cast<int>(file); }
-
-// The link's target where the path is a link that leads somewhere, else the path itself.
-std::string ResolveLink(const std::string& path) {
-  struct ::stat status {};
-  if (::lstat(path.c_str(), &status) != 0 || !S_ISLNK(status.st_mode)) return path;
-  char* const resolved = ::realpath(path.c_str(), nullptr);
-  if (resolved == nullptr) return path;
-  std::string result(resolved);
-  std::free(resolved);
-  return result;
-}
-
-std::string FolderOf(const std::string& path) {
-  const std::size_t slash = path.rfind('/');
-  if (slash == std::string::npos) return ".";
-  return slash == 0 ? "/" : path.substr(0, slash);
-}
-
-// Makes a rename durable. Its failure harms nobody: the file is complete under either name.
-void SyncFolder(const std::string& folder) {
-  const int descriptor = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-  if (descriptor < 0) return;
-  ::fsync(descriptor);
-  ::close(descriptor);
-}
 
 }  // namespace
 
@@ -130,68 +102,5 @@ std::optional<SYSTEMTIME> FileCreationTime(std::u16string_view path) {
 }
 
 std::uint32_t LastError() { return static_cast<std::uint32_t>(errno); }
-
-ReplacementFile::~ReplacementFile() {
-  if (named_) ::unlink(temporary_.c_str());
-}
-
-FileHandle ReplacementFile::Create(std::u16string_view target) {
-  target_ = ResolveLink(WideToUtf8(target));
-  struct ::stat status {};
-  const bool exists = ::stat(target_.c_str(), &status) == 0;
-  if (exists && !S_ISREG(status.st_mode)) return OpenFile(target, kGenericRead | kGenericWrite, kCreateAlways);
-  // A file that may not be written is not replaced either, though its folder would allow it.
-  if (exists && ::access(target_.c_str(), W_OK) != 0) return kNoFile;
-
-  const std::string folder = FolderOf(target_);
-  const std::size_t slash = target_.rfind('/');
-  const std::string file = slash == std::string::npos ? target_ : target_.substr(slash + 1);
-  temporary_ = folder + "/." + file.substr(0, 200) + ".nvx-new";
-  int descriptor = ::open(folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0666);
-  if (descriptor < 0) {
-    temporary_ += "-" + std::to_string(::getpid()) + "-" + std::to_string(std::random_device()());
-    descriptor = ::open(temporary_.c_str(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, 0666);
-    named_ = descriptor >= 0;
-  }
-  if (descriptor < 0) {
-    temporary_.clear();
-    return kNoFile;
-  }
-  if (exists) {
-    // As far as this process may: a file of somebody else's becomes its own otherwise.
-    if (::fchown(descriptor, status.st_uid, status.st_gid) != 0) errno = 0;
-    ::fchmod(descriptor, status.st_mode & 07777);
-  }
-  return descriptor;
-}
-
-bool ReplacementFile::GiveName(FileHandle file) {
-  if (named_) return true;
-  const std::string handle = "/proc/self/fd/" + std::to_string(Descriptor(file));
-  ::unlink(temporary_.c_str());
-  named_ = ::linkat(AT_FDCWD, handle.c_str(), AT_FDCWD, temporary_.c_str(), AT_SYMLINK_FOLLOW) == 0;
-  return named_;
-}
-
-bool ReplacementFile::Commit(FileHandle file) {
-  if (temporary_.empty()) return true;
-  if (::fsync(Descriptor(file)) != 0) return false;
-  // Two savers of one target use the same name and may take it from each other; whichever file is renamed is whole.
-  constexpr int kTries = 100;
-  for (int i = 0; i < kTries; ++i) {
-    if (!GiveName(file)) {
-      if (errno == EEXIST) continue;
-      return false;
-    }
-    if (::rename(temporary_.c_str(), target_.c_str()) == 0) {
-      named_ = false;
-      SyncFolder(FolderOf(target_));
-      return true;
-    }
-    if (errno != ENOENT) return false;
-    named_ = false;
-  }
-  return false;
-}
 
 }  // namespace nvx::platform

@@ -41,31 +41,4 @@ std::optional<SYSTEMTIME> FileCreationTime(std::u16string_view path);
 // Error number of the last failed call of this thread.
 std::uint32_t LastError();
 
-// A new file beside a target, which takes the target's place all at once or leaves it alone. Where the file system can,
-// the new file has no name until the very end, so that not even a killed process leaves one behind; and what is left by
-// one killed in the last two calls is taken away by the next save of the same target.
-class ReplacementFile {
- public:
-  ReplacementFile() = default;
-  ReplacementFile(const ReplacementFile&) = delete;
-  ReplacementFile& operator=(const ReplacementFile&) = delete;
-  // Without a Commit the new file is removed.
-  ~ReplacementFile();
-
-  // Makes the new file in the folder of the target, with the target's owner and permissions where it exists. A link is
-  // followed. A target that is no plain file, such as a device, is opened itself. kNoFile on failure; the handle is the
-  // caller's.
-  FileHandle Create(std::u16string_view target);
-
-  // Puts the bytes of `file` on the disk and renames it over the target.
-  bool Commit(FileHandle file);
-
- private:
-  bool GiveName(FileHandle file);
-
-  std::string target_;
-  std::string temporary_;  // name of the new file; empty when there is nothing to rename
-  bool named_ = false;     // the new file has that name already
-};
-
 }  // namespace nvx::platform

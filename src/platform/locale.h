@@ -23,7 +23,9 @@ bool IsLeadByte(std::uint32_t codePage, char byte);
 // The longest start of ANSI text with at most `longest` bytes that ends at the end of a character.
 std::string_view CutAnsi(std::string_view text, std::size_t longest);
 
-// Conversion between the ANSI code page and UTF-16. What cannot be converted becomes U+FFFD or a question mark.
+// Conversion between the ANSI code page and UTF-16. A byte of 0x80 to 0x9F without a character in the code page is the
+// control character of the same number, one above that the private character that the vendor of the code page gives it,
+// and both come back as the byte. What else cannot be converted becomes U+FFFD or a question mark.
 std::u16string AnsiToWide(std::string_view text);
 std::string WideToAnsi(std::u16string_view text);
 

@@ -257,11 +257,11 @@ TEST(CurveAccess, AMergeNeedsBothCurves) {
   ExpectError(error, nvx::kReasonBadArgument, u"Profile: Parameter error InkColorCode = 4, Entry type = 7");
 }
 
-TEST(CurveAccess, MergeArraysTakeTheLastElementForAnIndexBeyond) {
+TEST(CurveAccess, MergeArraysCountOutputAndIndices) {
   OpenAccess access;
   std::array<std::uint32_t, 3> out = {9, 9, 9};
-  std::array<std::uint32_t, 2> first = {std::numeric_limits<std::uint32_t>::max(), 0};
-  std::array<std::uint32_t, 2> second = {100000, 200000};
+  std::array<std::uint32_t, 2> first = {3, 0};
+  std::array<std::uint32_t, 4> second = {100000, 1, 2, 200000};  // longer than what the count says
   access.MergeArrayDWORD(out.data(), first.data(), second.data(), 0);
   access.MergeArrayDWORD(out.data(), first.data(), second.data(), -1);
   EXPECT_THAT(out, ElementsAre(9, 9, 9));

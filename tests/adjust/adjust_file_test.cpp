@@ -394,9 +394,9 @@ TEST_F(AdjustFiles, SpecialInks) {
   EXPECT_EQ(Message(), NoKey(u"g_SpecialDensity_0000"));
 
   Open(file, "SpecialInkset=4\nSpecialInkCount=9\nSpecialInk=1,2,3,4,5,6,7,8,9\n");
-  EXPECT_FALSE(file.GetColorAdjustData(&data, error_));
-  EXPECT_EQ(Message(), NoKey(u"SpecialInkCount"));
-  EXPECT_EQ(data.InkCount, 3);
+  ASSERT_TRUE(file.GetColorAdjustData(&data, error_));
+  EXPECT_EQ(data.InkCount, 8);
+  EXPECT_EQ(data.Inks[7].InkCode, 8);
   data.InkCount = 1000;
   EXPECT_TRUE(file.GetSpecialDensity(&data, error_));
   Open(file, "SpecialInkset=4\nSpecialInkCount=8\nSpecialInk=1,2,3,4,5,6,7,8,9\n");

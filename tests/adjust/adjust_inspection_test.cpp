@@ -81,7 +81,7 @@ TEST(AdjustInspection, ValuesThatDoNotReadAsTheyStand) {
                   "3 v_InkRatio: is neither true nor false and counts as missing",
                   "4 ProfileCode: is no whole number and reads as 12", "5 v_Cyan: has no value and counts as missing"));
   EXPECT_THAT(Remarks("SpecialInkCount=9\nSpecialInk=1,99999999999\n", AdjustKind::kSpecial),
-              ElementsAre("1 SpecialInkCount: more than 8 inks are refused",
+              ElementsAre("1 SpecialInkCount: more than 8 inks: only the first 8 are read",
                           "2 SpecialInk: item 2, \"99999999999\", reads as 2147483647",
                           "2 SpecialInk: has 2 items for 9 inks"));
 }

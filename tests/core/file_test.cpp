@@ -43,8 +43,8 @@ TEST(File, OpenRefusesWhatIsNoFileAndKeepsTheOldOne) {
   EXPECT_FALSE(file.Open(folder.WideFile("none").c_str(), nvx::kGenericRead, nvx::kShareRead, nvx::kOpenExisting));
   EXPECT_FALSE(file.Open(nvx::platform::Utf8ToWide(folder.Path().string()).c_str(), nvx::kGenericRead, nvx::kShareRead,
                          nvx::kOpenExisting));
-  const std::u16string longPath = folder.WideFile(std::string(260, 'x'));
-  EXPECT_FALSE(file.Open(longPath.c_str(), nvx::kGenericRead, nvx::kShareRead, nvx::kOpenExisting));
+  const std::u16string longName = folder.WideFile(std::string(260, 'x'));
+  EXPECT_FALSE(file.Open(longName.c_str(), nvx::kGenericRead, nvx::kShareRead, nvx::kOpenExisting));
   char16_t name[256];
   file.GetFileName(name);
   EXPECT_EQ(std::u16string(name), u"a.bin");

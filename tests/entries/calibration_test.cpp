@@ -229,7 +229,7 @@ TEST(CalibrationForm, EmptyBuffersStayEmpty) {
     SetBuffer(history, form);
     ASSERT_TRUE(history.BufferToData());
     EXPECT_EQ(history.GetProfileDataEntry(0)->GetSize(), 0u);
-    EXPECT_TRUE(history.JoinBuffers(0));
+    EXPECT_TRUE(history.DataToBuffer());
     EXPECT_EQ(BufferOf(history), form);
   }
 }

@@ -423,10 +423,13 @@ TEST_F(LegacyFile, ABinaryViewMakesRoomForTheText) {
   ASSERT_TRUE(Load(SimpleProfile(kLines), data));
   EXPECT_STREQ(data.GetProfileInfo()->Text.Printer_Label, "PX");
   EXPECT_EQ(data.GetProfileInfo()->Text.Pass_Support, 0u);
+  const Bytes before = ReadBytes(folder_.File("a.qpf"));
   fillBinary(data);
-  ASSERT_TRUE(CProfileFileQPFv1().SaveData(path_.c_str(), &data, 1));
-  const Bytes saved = ReadBytes(folder_.File("a.qpf"));
-  EXPECT_EQ(std::string(saved.begin(), saved.begin() + 30), "Printer_Label:\r\nInkSet_Label:\r");
+  EXPECT_FALSE(CProfileFileQPFv1().SaveData(path_.c_str(), &data, 1)) << "there are no labels to write";
+  EXPECT_EQ(ReadBytes(folder_.File("a.qpf")), before);
+  EXPECT_EQ(data.GetProfileInfo()->LayoutNumber, nvx::kBinaryView);
+  EXPECT_EQ(data.GetProfileInfo()->Binary.ModelNumber, 0x41414141u);
+  EXPECT_EQ(data.GetProfileInfo()->Binary.MediaInfoCount, 2u);
 }
 
 }  // namespace

@@ -64,22 +64,63 @@ TEST(Locale, WesternBothWays) {
 TEST(Locale, WhatDoesNotConvertBecomesASubstitute) {
   {
     const ScopedVariable page("NVXPROFILE_CODEPAGE", "932");
-    EXPECT_EQ(AnsiToWide("a\xFF"
-                         "b"),
-              u"a\xFFFD"
-              u"b");
     EXPECT_EQ(AnsiToWide("a\x83"), u"a\xFFFD");  // half a character at the end
+    EXPECT_EQ(AnsiToWide("a\x83 b"), u"a\xFFFD b");
     EXPECT_EQ(WideToAnsi(u"aé\xD83D\xDE00z"), "a??z");
   }
   const ScopedVariable page("NVXPROFILE_CODEPAGE", "1252");
-  EXPECT_EQ(AnsiToWide("\x81z"), u"\xFFFDz");
   EXPECT_EQ(WideToAnsi(u"光x\xD83Dy\xDE00z\xD83D"), "?x?y?z?");
-  EXPECT_EQ(AnsiToWide(std::string(3000, '\x81')), std::u16string(3000, u'\xFFFD'));
+  EXPECT_EQ(WideToAnsi(u"\x80|\xF8F1"), "?|?") << "a control whose byte has a character, a private one of another page";
+  EXPECT_EQ(AnsiToWide(std::string(3000, '\x81')), std::u16string(3000, u'\x81'));
   EXPECT_EQ(AnsiToWide(std::string(3000, 'e')), std::u16string(3000, u'e'));
   EXPECT_EQ(AnsiToWide(""), u"");
   const ScopedVariable unknown("NVXPROFILE_CODEPAGE", "99999");
   EXPECT_EQ(AnsiToWide("é"), u"é");
   EXPECT_EQ(WideToAnsi(u"é"), "é");
+}
+
+// Text of the bytes that are no half of a character comes back, whatever the code page has no character for.
+TEST(Locale, NoByteIsLost) {
+  const struct {
+    std::uint32_t page;
+    std::string_view controls;  // bytes that stand for the control of the same number
+    std::string_view privates;  // bytes that stand for private characters
+  } kPages[] = {
+      {874, "\x81\x82\x83\x84\x86\x90\x98\x9F", "\xDB\xDC\xDD\xDE\xFC\xFD\xFE\xFF"},
+      {932, "\x80", "\xA0\xFD\xFE\xFF"},
+      {936, "", "\xFF"},
+      {949, "\x80", "\xFF"},
+      {950, "\x80", "\xFF"},
+      {1250, "\x81\x83\x88\x90\x98", ""},
+      {1251, "\x98", ""},
+      {1252, "\x81\x8D\x8F\x90\x9D", ""},
+      {1253, "\x81\x88\x8A\x8C\x8D\x8E\x8F\x90\x98\x9A\x9C\x9D\x9E\x9F", "\xAA\xD2\xFF"},
+      {1254, "\x81\x8D\x8E\x8F\x90\x9D\x9E", ""},
+      {1255, "\x81\x8A\x8C\x8D\x8E\x8F\x90\x9A\x9C\x9D\x9E\x9F", "\xD9\xDA\xDB\xDC\xDD\xDE\xDF\xFB\xFC\xFF"},
+      {1256, "", ""},
+      {1257, "\x81\x83\x88\x8A\x8C\x90\x98\x9A\x9C\x9F", "\xA1\xA5"},
+      {1258, "\x81\x8A\x8D\x8E\x8F\x90\x9A\x9D\x9E", ""},
+  };
+  for (const auto& item : kPages) {
+    const ScopedVariable page("NVXPROFILE_CODEPAGE", std::to_string(item.page));
+    for (int value = 1; value < 256; ++value) {
+      const char byte = static_cast<char>(value);
+      if (nvx::platform::IsLeadByte(item.page, byte)) continue;
+      const std::u16string wide = AnsiToWide({&byte, 1});
+      ASSERT_EQ(wide.size(), 1u) << item.page << ' ' << value;
+      EXPECT_EQ(WideToAnsi(wide), std::string(1, byte)) << item.page << ' ' << value;
+      const bool isPrivate = wide[0] >= 0xE000 && wide[0] < 0xF900;
+      EXPECT_EQ(isPrivate, item.privates.find(byte) != item.privates.npos) << item.page << ' ' << value;
+      const bool isControl = wide[0] >= 0x80 && wide[0] < 0xA0;
+      if (item.controls.find(byte) != item.controls.npos) {
+        EXPECT_EQ(wide[0], value) << item.page;
+      } else {
+        EXPECT_FALSE(isControl && wide[0] != value) << item.page << ' ' << value;
+      }
+    }
+  }
+  const ScopedVariable euro("NVXPROFILE_CODEPAGE", "936");
+  EXPECT_EQ(AnsiToWide("\x80"), u"€");
 }
 
 TEST(Locale, CutsBetweenCharacters) {

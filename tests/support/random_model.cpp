@@ -198,6 +198,23 @@ void AddIcc(CProfileData& data, std::uint32_t route) {
   data.SetProfileDataEntry(icc.release(), route);
 }
 
+}  // namespace
+
+std::unique_ptr<CProfileDataEntry> MakeRandomEntry(std::uint32_t usedType, std::mt19937& random) {
+  std::unique_ptr<CProfileDataEntry> entry(
+      CProfileDataEntry::CreateDataEntry(static_cast<CProfileDataEntry::UsedType>(usedType)));
+  if (!entry) return nullptr;
+  if (entry->GetFormatType() == CProfileDataEntry::kFormatIcc) {
+    const Bytes bytes = IccWithTags({"cprt", "wtpt"});
+    std::memcpy(entry->GetBuffer(static_cast<std::uint32_t>(bytes.size())), bytes.data(), bytes.size());
+    entry->BufferToData();
+  }
+  Maker(random).Fill(*entry);
+  return entry;
+}
+
+namespace {
+
 void AddRandomEntry(CProfileData& data, std::uint32_t usedType, std::uint32_t route, Maker& maker) {
   std::unique_ptr<CProfileDataEntry> entry(
       CProfileDataEntry::CreateDataEntry(static_cast<CProfileDataEntry::UsedType>(usedType)));

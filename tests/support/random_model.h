@@ -4,7 +4,9 @@
 #include <nvxprofile/profile_data.h>
 
 #include <cstdint>
+#include <memory>
 #include <random>
+#include <string>
 #include <vector>
 
 namespace nvx::test {
@@ -13,6 +15,10 @@ namespace nvx::test {
 // current generation, on the given routes otherwise. The ICC entry is a small real profile.
 void FillRandomProfile(CProfileData& data, std::mt19937& random);
 void FillRandomRoute(CProfileData& data, std::uint32_t route, std::mt19937& random);
+
+// A new entry of a type with random contents and flags; null for a type without a class. Its buffer says what its
+// payload says.
+std::unique_ptr<CProfileDataEntry> MakeRandomEntry(std::uint32_t usedType, std::mt19937& random);
 
 // One entry as the tests compare it: types, flags and the bytes of its buffer.
 struct EntryImage {

@@ -101,13 +101,11 @@ void ContainerFromJson(const Node& node, CContainerEntry& container) {
     }
     container.InsertProfileDataEntry(container.GetEntryCount(), child.release());
   }
-  std::uint32_t nextId = 0;
   if (auto* const history = dynamic_cast<CCalibrationHistoryEntry*>(&container)) {
-    nextId = node.U32Or("nextID", 0);
-    history->SetNextID(nextId);
+    history->SetNextID(node.U32Or("nextID", 0));
   }
   // What did not parse keeps its bytes.
-  if (!container.JoinBuffers(nextId)) node.Fail("the entries are too many for one entry");
+  if (!container.DataToBuffer()) node.Fail("the entries are too many for one entry");
 }
 
 Json TargetToJson(CCalibrationTargetEntry& target) {

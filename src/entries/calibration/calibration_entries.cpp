@@ -5,7 +5,14 @@
 
 #include <cstring>
 #include <memory>
+#include <utility>
 #include <vector>
+
+namespace {
+
+constexpr std::uint32_t kInfoSize = 2 * CCalibrationInfoEntry::kRecordLength;
+
+}  // namespace
 
 CCalibrationContainerEntry::CCalibrationContainerEntry()
     : CContainerEntry(kCalibrationContainer, true, Removal::kForbidden) {}
@@ -22,31 +29,40 @@ bool CCalibrationHistoryEntry::DoImport(CProfileDataEntry* source) {
   auto* const from = dynamic_cast<CCalibrationHistoryEntry*>(source);
   if (from == nullptr) return false;
   if (from == this) return true;
-  if (from->GetEntryCount() == GetEntryCount()) {
-    from->Copy(*this);
-    BufferToData();
-    return true;
-  }
+  if (!nvx::PayloadKeeper::SaysAll(*from) || !from->RenewBuffer()) return false;
+  const auto& theirs = from->GetChildData().Children();
+  return theirs.Count() == std::as_const(*this).GetChildData().Children().Count() ? ReplaceBy(*from)
+                                                                                  : InsertFrom(*from);
+}
 
-  CProfileDataEntry* const target = from->GetProfileDataEntry(kCalibrationTarget, 0);
-  const int first = target != nullptr ? 1 : 0;
+// What the source's buffer holds is tried before anything here goes.
+bool CCalibrationHistoryEntry::ReplaceBy(CCalibrationHistoryEntry& source) {
+  CCalibrationHistoryEntry probe;
+  return source.Copy(probe) && probe.BufferToData() && source.Copy(*this) && BufferToData();
+}
+
+bool CCalibrationHistoryEntry::InsertFrom(CCalibrationHistoryEntry& source) {
+  if (!nvx::PayloadKeeper::SaysAll(*this)) return false;
+  const CContainerData& theirs = std::as_const(source).GetChildData();
+  CProfileDataEntry* const target = theirs.Find(kCalibrationTarget, 0);
+  const std::size_t first = target != nullptr ? 1 : 0;
   std::vector<std::unique_ptr<CProfileDataEntry>> taken;
-  for (int i = first; i < from->GetEntryCount(); ++i) {
-    taken.push_back(nvx::CloneEntry(*from->GetProfileDataEntry(i)));
+  for (std::size_t i = first; i < theirs.Children().Count(); ++i) {
+    taken.push_back(nvx::CloneEntry(*theirs.Children().At(i)));
     if (!taken.back()) return false;
   }
 
+  CContainerData& ours = GetChildData();
   if (target != nullptr) {
-    CProfileDataEntry* own = GetProfileDataEntry(kCalibrationTarget, 0);
-    if (own == nullptr) {
-      own = CreateDataEntry(kCalibrationTarget);
-      SetProfileDataEntry(own);
+    if (ours.Find(kCalibrationTarget, 0) == nullptr) {
+      ours.Insert(ours.Children().Count(), std::unique_ptr<CProfileDataEntry>(CreateDataEntry(kCalibrationTarget)));
     }
-    target->Copy(*own);
-    own->BufferToData();
+    CProfileDataEntry& own = *ours.Find(kCalibrationTarget, 0);
+    target->Copy(own);
+    own.BufferToData();
   }
-  int position = first;
-  for (std::unique_ptr<CProfileDataEntry>& entry : taken) InsertProfileDataEntry(position++, entry.release());
+  std::size_t position = first;
+  for (std::unique_ptr<CProfileDataEntry>& entry : taken) ours.Insert(position++, std::move(entry));
   nextId_ += static_cast<std::uint32_t>(taken.size());
   return true;
 }
@@ -64,7 +80,8 @@ bool CCalibrationTargetEntry::BufferToData() {
 }
 
 CCalibrationInfoEntry::CCalibrationInfoEntry() : CProfileDataEntry(kCalibrationInfo, kFormatCalibrationInfo, true) {
-  std::memset(GetBuffer(2 * kRecordLength), 0, 2 * kRecordLength);
+  std::memset(CProfileDataEntry::GetBuffer(kInfoSize), 0, kInfoSize);
+  nvx::PayloadKeeper::SetInStep(*this);
 }
 
 CCalibrationInfoEntry::Records& CCalibrationInfoEntry::UseRecords() {
@@ -72,12 +89,20 @@ CCalibrationInfoEntry::Records& CCalibrationInfoEntry::UseRecords() {
   return *records_;
 }
 
+CCalibrationInfoEntry::Records& CCalibrationInfoEntry::OpenRecords() {
+  OpenPayload();
+  return UseRecords();
+}
+
+tag_CalibrationInfo* CCalibrationInfoEntry::GetCalibrationInfo() { return &OpenRecords().base; }
+tag_CalibrationInfo* CCalibrationInfoEntry::GetCalibrationInfoEx() { return &OpenRecords().extended; }
+
 void CCalibrationInfoEntry::SetCalibrationInfo(const tag_CalibrationInfo* info) {
-  if (info != nullptr) UseRecords().base = *info;
+  if (info != nullptr) OpenRecords().base = *info;
 }
 
 void CCalibrationInfoEntry::SetCalibrationInfoEx(const tag_CalibrationInfo* info) {
-  if (info != nullptr) UseRecords().extended = *info;
+  if (info != nullptr) OpenRecords().extended = *info;
 }
 
 bool CCalibrationInfoEntry::BufferToData() {
@@ -91,9 +116,9 @@ bool CCalibrationInfoEntry::BufferToData() {
 }
 
 bool CCalibrationInfoEntry::DataToBuffer() {
-  const Records& records = UseRecords();
-  std::uint8_t* const buffer = GetBuffer(2 * kRecordLength);
-  std::memcpy(buffer, records.base.Data, kRecordLength);
-  std::memcpy(buffer + kRecordLength, records.extended.Data, kRecordLength);
-  return true;
+  return nvx::RebuildBuffer(*this, kInfoSize, nvx::BufferLength::kExact, [this](CNvxFile& stream) {
+    const Records& records = UseRecords();
+    return nvx::WriteExact(stream, records.base.Data, kRecordLength) &&
+           nvx::WriteExact(stream, records.extended.Data, kRecordLength);
+  });
 }

@@ -1,4 +1,5 @@
 // The form that holds the children of a container.
+#include "core/payload.h"
 #include "core/replacing_file.h"
 #include "core/stream.h"
 #include "core/text.h"
@@ -66,14 +67,12 @@ class ChildLoader {
         CProfileDataEntry::CreateDataEntry(static_cast<CProfileDataEntry::UsedType>(header.usedType)));
     if (!entry) return nvx::Refuse(file_, "calibration entry header: unknown used type");
     entry->SetOptionInfo(header.optionInfo);
-    entry->DeleteBuffer();
-    if (auto* const container = dynamic_cast<CContainerEntry*>(entry.get())) {
-      container->GetChildData().SetLevel(data_.GetLevel() + 1);
-    }
+    nvx::PayloadKeeper::SetEmpty(*entry);
+    data_.SetLevelOfChild(*entry);
     Child child{entry.get(), false};
     if (!Fill(header, child)) return false;
     index_.emplace(key, child);
-    data_.Insert(data_.Children().Count(), entry.release());
+    data_.Insert(data_.Children().Count(), std::move(entry));
     return true;
   }
 
@@ -140,7 +139,7 @@ CProfileFileCalibration::~CProfileFileCalibration() = default;
 
 void CProfileFileCalibration::DeleteContents() { entryHeaders_.clear(); }
 
-std::uint64_t CProfileFileCalibration::GetSavedSize(CContainerData& data) {
+std::uint64_t CProfileFileCalibration::GetSavedSize(const CContainerData& data) {
   std::uint64_t size = kHeaderSize;
   for (CProfileDataEntry* const child : data.Children()) {
     size += std::uint64_t{kEntryHeaderSize} + CalibrationEntryHeader::kBodyMagicSize + child->GetSize();
@@ -230,9 +229,9 @@ bool CProfileFileCalibration::SaveEntryHeaders(CNvxFile& file, CContainerData* d
 
 bool CProfileFileCalibration::SaveBody(CNvxFile& file, CContainerData* data) {
   if (!SaveEntryHeaders(file, data)) return false;
-  for (CProfileDataEntry* const child : data->Children()) {
-    nvx::WriteMagic(file, CalibrationEntryHeader::kBodyMagic);
-    nvx::WriteExact(file, child->GetRefBuffer(), child->GetSize());
-  }
-  return true;
+  const auto& children = data->Children();
+  return std::all_of(children.begin(), children.end(), [&](CProfileDataEntry* child) {
+    return nvx::WriteMagic(file, CalibrationEntryHeader::kBodyMagic) &&
+           nvx::WriteExact(file, child->GetRefBuffer(), child->GetSize());
+  });
 }

@@ -1,4 +1,5 @@
 #include "core/byte_order.h"
+#include "core/payload.h"
 #include "core/text.h"
 
 #include <nvxprofile/calibration_history.h>
@@ -13,48 +14,54 @@ namespace {
 
 using Codes = std::set<std::uint32_t>;
 
-std::vector<std::uint8_t> BufferOf(CProfileDataEntry& entry) {
-  const std::uint8_t* const bytes = entry.GetRefBuffer();
-  return bytes != nullptr ? std::vector<std::uint8_t>(bytes, bytes + entry.GetSize()) : std::vector<std::uint8_t>();
+void CopyBuffer(CProfileDataEntry& source, CProfileDataEntry& copy) {
+  if (source.GetSize() == 0) return copy.DeleteBuffer();
+  std::memcpy(copy.GetBuffer(source.GetSize()), source.GetRefBuffer(), source.GetSize());
 }
 
-void SetBuffer(CProfileDataEntry& entry, const std::vector<std::uint8_t>& bytes) {
-  std::uint8_t* const buffer = entry.GetBuffer(static_cast<std::uint32_t>(bytes.size()));
-  if (buffer != nullptr) std::memcpy(buffer, bytes.data(), bytes.size());
-}
-
-// Leaves both buffers as the source's was.
-void CopyPayloadAndBuffer(CProfileDataEntry& source, CProfileDataEntry& copy) {
-  const std::vector<std::uint8_t> buffer = BufferOf(source);
-  auto* const curves = dynamic_cast<CProfileCurveEntry*>(&source);
-  auto* const curvesCopy = dynamic_cast<CProfileCurveEntry*>(&copy);
-  if (curves != nullptr && curvesCopy != nullptr) {
-    curves->GetCurveData()->Copy(*curvesCopy->GetCurveData());
-    SetBuffer(copy, buffer);
-  } else if (source.DataToBuffer()) {
-    SetBuffer(copy, BufferOf(source));
+// Gives the copy buffer and payload of the source, each of which may say more than the other. False for an edited
+// payload that its form cannot carry.
+bool CopyPayloadAndBuffer(CProfileDataEntry& source, CProfileDataEntry& copy) {
+  const PayloadState state = source.GetPayloadState();
+  if (state == PayloadState::kEdited || state == PayloadState::kUnread) {
+    std::uint32_t size = 0;
+    Block form = PayloadKeeper::FormOf(source, size);
+    if (!form && state == PayloadState::kEdited) return false;
+    copy.AttachBuffer(form.release(), size);
     copy.BufferToData();
-    SetBuffer(source, buffer);
-    SetBuffer(copy, buffer);
+    CopyBuffer(source, copy);
   } else {
-    SetBuffer(copy, buffer);
+    CopyBuffer(source, copy);
     copy.BufferToData();
   }
+  return true;
 }
 
 // False if a child cannot be copied.
-bool CopyContainer(CContainerEntry& source, CContainerEntry& copy) {
-  SetBuffer(copy, BufferOf(source));
-  copy.SetContainerData(source.GetContainerData());
-  copy.GetChildData().SetLevel(source.GetChildData().GetLevel());
-  for (CProfileDataEntry* const child : source.GetChildData().Children()) {
+bool CopyChildren(const CContainerEntry& source, CContainerEntry& copy) {
+  const CContainerData& children = source.GetChildData();
+  copy.SetContainerData(children.GetContainerData());
+  CContainerData& copies = copy.GetChildData();
+  for (CProfileDataEntry* const child : children.Children()) {
     std::unique_ptr<CProfileDataEntry> childCopy = CloneEntry(*child);
     if (!childCopy) return false;
-    copy.GetChildData().Insert(copy.GetChildData().Children().Count(), childCopy.release());
+    copies.Insert(copies.Children().Count(), std::move(childCopy));
   }
-  auto* const sourceHistory = dynamic_cast<CCalibrationHistoryEntry*>(&source);
+  const auto* const sourceHistory = dynamic_cast<const CCalibrationHistoryEntry*>(&source);
   auto* const copyHistory = dynamic_cast<CCalibrationHistoryEntry*>(&copy);
   if (sourceHistory != nullptr && copyHistory != nullptr) copyHistory->SetNextID(sourceHistory->PeekNextID());
+  return true;
+}
+
+bool CopyContents(CProfileDataEntry& source, CProfileDataEntry& copy) {
+  const auto* const container = dynamic_cast<const CContainerEntry*>(&source);
+  if (container == nullptr) {
+    if (!CopyPayloadAndBuffer(source, copy)) return false;
+  } else {
+    if (!CopyChildren(*container, dynamic_cast<CContainerEntry&>(copy))) return false;
+    CopyBuffer(source, copy);
+  }
+  PayloadKeeper::CopyState(source, copy);
   return true;
 }
 
@@ -82,21 +89,23 @@ std::uint32_t FreshCode(CCalibrationHistoryEntry& history, const Codes& taken, c
 }
 
 // The target entry of the history, made in front of the calibrations if there is none.
-CProfileDataEntry& TargetOf(CCalibrationHistoryEntry& history, std::int64_t createTime) {
-  CProfileDataEntry* target = history.GetProfileDataEntry(CProfileDataEntry::kCalibrationTarget, 0);
-  if (target != nullptr) return *target;
-  target = new CCalibrationTargetEntry;
-  history.InsertProfileDataEntry(0, target);
-  StoreLittle(target->GetBuffer(sizeof createTime), static_cast<std::uint64_t>(createTime));
-  target->BufferToData();
-  return *target;
+CProfileDataEntry& TargetOf(CContainerData& history, std::int64_t createTime) {
+  CProfileDataEntry* const present = history.Find(CProfileDataEntry::kCalibrationTarget, 0);
+  if (present != nullptr) return *present;
+  auto made = std::make_unique<CCalibrationTargetEntry>();
+  CProfileDataEntry& target = *made;
+  StoreLittle(target.GetBuffer(sizeof createTime), static_cast<std::uint64_t>(createTime));
+  target.BufferToData();
+  history.Insert(0, std::move(made));
+  return target;
 }
 
 void AddCurves(CCalibrationContainerEntry& calibration, std::unique_ptr<CProfileCurveEntry> curves) {
   if (!curves) return;
   curves->SetOptionInfo(0);
   curves->SetComplete(true);
-  calibration.InsertProfileDataEntry(calibration.GetEntryCount(), curves.release());
+  CContainerData& children = calibration.GetChildData();
+  children.Insert(children.Children().Count(), std::move(curves));
 }
 
 void RaiseNextId(CCalibrationHistoryEntry& history, const Codes& taken) {
@@ -108,26 +117,18 @@ void RaiseNextId(CCalibrationHistoryEntry& history, const Codes& taken) {
 std::unique_ptr<CProfileDataEntry> CloneEntry(CProfileDataEntry& entry) {
   const auto usedType = static_cast<CProfileDataEntry::UsedType>(entry.GetUsedType());
   std::unique_ptr<CProfileDataEntry> copy(CProfileDataEntry::CreateDataEntry(usedType));
-  if (!copy) return nullptr;
+  if (!copy || !CopyContents(entry, *copy)) return nullptr;
   copy->SetComplete(entry.IsComplete());
   copy->SetDisplay(entry.IsDisplayEnable());
   copy->SetFormatType(entry.GetFormatType());
   copy->SetOptionInfo(entry.GetOptionInfo());
   copy->SetLabelString(entry.GetLabelString());
-  auto* const container = dynamic_cast<CContainerEntry*>(&entry);
-  auto* const containerCopy = dynamic_cast<CContainerEntry*>(copy.get());
-  if (container != nullptr && containerCopy != nullptr) {
-    if (!CopyContainer(*container, *containerCopy)) return nullptr;
-  } else {
-    CopyPayloadAndBuffer(entry, *copy);
-  }
   return copy;
 }
 
 CCalibrationContainerEntry* AddCalibration(CCalibrationHistoryEntry& history, NewCalibration calibration) {
-  TargetOf(history, calibration.time);
+  if (!PayloadKeeper::SaysAll(history)) return nullptr;
   auto entry = std::make_unique<CCalibrationContainerEntry>();
-  entry->SetOptionInfo(FreshCode(history, CodesOf(history), {}));
   entry->SetComplete(true);
   tag_ContainerData& description = *entry->GetContainerData();
   description.Value = calibration.value;
@@ -136,9 +137,13 @@ CCalibrationContainerEntry* AddCalibration(CCalibrationHistoryEntry& history, Ne
   AddCurves(*entry, std::move(calibration.inkLimit));
   AddCurves(*entry, std::move(calibration.linearization));
   AddCurves(*entry, std::move(calibration.grayBalance));
-  entry->DataToBuffer();
-  CCalibrationContainerEntry* const added = entry.release();
-  history.InsertProfileDataEntry(history.GetEntryCount(), added);
+  if (!entry->DataToBuffer()) return nullptr;
+
+  CContainerData& children = history.GetChildData();
+  TargetOf(children, calibration.time);
+  entry->SetOptionInfo(FreshCode(history, CodesOf(history), {}));
+  CCalibrationContainerEntry* const added = entry.get();
+  children.Insert(children.Children().Count(), std::move(entry));
   return added;
 }
 
@@ -156,24 +161,26 @@ std::vector<std::uint32_t> CollidingCodes(const CCalibrationHistoryEntry& histor
 
 std::optional<std::vector<ImportedCalibration>> ImportCalibrations(CCalibrationHistoryEntry& history,
                                                                    CCalibrationHistoryEntry& source) {
-  if (&history == &source) return std::nullopt;
+  if (&history == &source || !PayloadKeeper::SaysAll(history) || !PayloadKeeper::SaysAll(source)) return std::nullopt;
+  const CContainerData& theirs = std::as_const(source).GetChildData();
+  CContainerData& ours = history.GetChildData();
   std::vector<std::unique_ptr<CProfileDataEntry>> copies;
-  for (CProfileDataEntry* const child : source.GetChildData().Children()) {
-    const bool isNew = history.GetProfileDataEntry(child->GetUsedType(), child->GetOptionInfo()) == nullptr;
+  for (CProfileDataEntry* const child : theirs.Children()) {
+    const bool isNew = ours.Find(child->GetUsedType(), child->GetOptionInfo()) == nullptr;
     if (IsTarget(*child) || !(IsCalibration(*child) || isNew)) continue;
     copies.push_back(CloneEntry(*child));
     if (!copies.back()) return std::nullopt;
   }
 
-  CProfileDataEntry& target = TargetOf(history, 0);
-  if (CProfileDataEntry* const from = source.GetProfileDataEntry(CProfileDataEntry::kCalibrationTarget, 0)) {
+  CProfileDataEntry& target = TargetOf(ours, 0);
+  if (CProfileDataEntry* const from = theirs.Find(CProfileDataEntry::kCalibrationTarget, 0)) {
     from->Copy(target);
     target.BufferToData();
   }
   std::vector<ImportedCalibration> imported;
   Codes taken = CodesOf(history);
   const Codes wanted = CodesOf(source);
-  int position = 1;
+  std::size_t position = 1;
   for (std::unique_ptr<CProfileDataEntry>& copy : copies) {
     if (IsCalibration(*copy)) {
       const std::uint32_t code = copy->GetOptionInfo();
@@ -181,7 +188,7 @@ std::optional<std::vector<ImportedCalibration>> ImportCalibrations(CCalibrationH
       taken.insert(copy->GetOptionInfo());
       imported.push_back({code, copy->GetOptionInfo()});
     }
-    history.InsertProfileDataEntry(position++, copy.release());
+    ours.Insert(position++, std::move(copy));
   }
   RaiseNextId(history, taken);
   return imported;

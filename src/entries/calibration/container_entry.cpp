@@ -3,41 +3,58 @@
 #include <nvxprofile/calibration.h>
 
 #include <algorithm>
+#include <memory>
+#include <utility>
 
 namespace {
 
-// True if containers with children stand below the deepest level. The walk itself goes no deeper.
-bool NestsTooDeep(const CContainerData& data, std::uint32_t level) {
-  return std::any_of(data.Children().begin(), data.Children().end(), [=](CProfileDataEntry* child) {
-    auto* const container = dynamic_cast<CContainerEntry*>(child);
-    if (container == nullptr) return false;
-    const CContainerData& below = container->GetChildData();
-    return level < CContainerEntry::kMaxLevels ? NestsTooDeep(below, level + 1) : !below.Children().IsEmpty();
-  });
+// True if a container below the deepest level has children. The walk itself goes no deeper.
+bool NestsTooDeep(const CContainerData& data) {
+  if (data.Children().IsEmpty()) return false;
+  return data.GetLevel() > CContainerEntry::kMaxLevels || data.Children().First([](const CProfileDataEntry& child) {
+    const auto* const container = dynamic_cast<const CContainerEntry*>(&child);
+    return container != nullptr && NestsTooDeep(container->GetChildData());
+  }) != nullptr;
 }
 
 }  // namespace
 
-CContainerData::~CContainerData() { children_.Clear(nvx::Ownership::kOwned); }
+CContainerData::~CContainerData() = default;
 
-void CContainerData::DeleteContents() { children_.Clear(nvx::Ownership::kOwned); }
+void CContainerData::DeleteContents() { children_.Clear(); }
 
 CProfileDataEntry* CContainerData::Find(std::uint32_t usedType, std::uint32_t optionInfo) const {
-  const auto found = std::find_if(children_.begin(), children_.end(), [=](CProfileDataEntry* child) {
-    return child->GetUsedType() == usedType && child->GetOptionInfo() == optionInfo;
-  });
-  return found != children_.end() ? *found : nullptr;
+  return children_.First(
+      [=](CProfileDataEntry& child) { return child.GetUsedType() == usedType && child.GetOptionInfo() == optionInfo; });
 }
 
-void CContainerData::Insert(std::size_t index, CProfileDataEntry* entry) {
-  if (auto* const container = dynamic_cast<CContainerEntry*>(entry)) container->GetChildData().SetLevel(level_ + 1);
-  children_.Insert(index, entry, nvx::Ownership::kOwned);
+void CContainerData::SetLevel(CProfileDataEntry& entry, std::uint32_t level) {
+  auto* const container = dynamic_cast<CContainerEntry*>(&entry);
+  if (container == nullptr) return;
+  container->data_.level_ = level;
+  for (CProfileDataEntry* const child : container->data_.children_) SetLevel(*child, level + 1);
+}
+
+void CContainerData::Insert(std::size_t index, std::unique_ptr<CProfileDataEntry> entry) {
+  SetLevelOfChild(*entry);
+  children_.Insert(index, std::move(entry));
+}
+
+std::unique_ptr<CProfileDataEntry> CContainerData::TakeAt(std::size_t index) {
+  std::unique_ptr<CProfileDataEntry> entry = children_.TakeAt(index);
+  if (entry) SetLevel(*entry, 1);
+  return entry;
+}
+
+std::unique_ptr<CProfileDataEntry> CContainerData::Add(std::unique_ptr<CProfileDataEntry> entry) {
+  if (!entry || Find(entry->GetUsedType(), entry->GetOptionInfo()) != nullptr) return entry;
+  Insert(children_.Count(), std::move(entry));
+  return nullptr;
 }
 
 bool CContainerData::SetProfileDataEntry(CProfileDataEntry* entry) {
-  if (entry == nullptr) return false;
-  if (children_.Contains(entry) || Find(entry->GetUsedType(), entry->GetOptionInfo()) != nullptr) return true;
-  Insert(children_.Count(), entry);
+  if (entry == nullptr || children_.Contains(entry)) return entry != nullptr;
+  static_cast<void>(Add(std::unique_ptr<CProfileDataEntry>(entry)).release());
   return true;
 }
 
@@ -61,23 +78,37 @@ void CContainerEntry::SetContainerData(const tag_ContainerData* description) {
   if (description != nullptr) *data_.GetContainerData() = *description;
 }
 
+// Who is given nothing changes nothing.
+CProfileDataEntry* CContainerEntry::HandOut(CProfileDataEntry* child) {
+  if (child != nullptr) OpenPayload();
+  return child;
+}
+
 CProfileDataEntry* CContainerEntry::GetProfileDataEntry(int index) {
-  return index >= 0 ? data_.Children().At(static_cast<std::size_t>(index)) : nullptr;
+  return HandOut(index >= 0 ? data_.Children().At(static_cast<std::size_t>(index)) : nullptr);
 }
 
 CProfileDataEntry* CContainerEntry::GetProfileDataEntry(std::uint32_t usedType, std::uint32_t optionInfo) {
-  return data_.Find(usedType, optionInfo);
+  return HandOut(data_.Find(usedType, optionInfo));
 }
 
-void CContainerEntry::InsertProfileDataEntry(int index, CProfileDataEntry* entry) {
-  if (entry == nullptr || data_.Children().Contains(entry)) return;
-  data_.Insert(static_cast<std::size_t>(std::max(index, 0)), entry);
+bool CContainerEntry::InsertProfileDataEntry(int index, CProfileDataEntry* entry) {
+  if (entry == nullptr || data_.Children().Contains(entry)) return false;
+  GetChildData().Insert(static_cast<std::size_t>(std::max(index, 0)), std::unique_ptr<CProfileDataEntry>(entry));
+  return true;
 }
 
-bool CContainerEntry::SetProfileDataEntry(CProfileDataEntry* entry) { return data_.SetProfileDataEntry(entry); }
+bool CContainerEntry::SetProfileDataEntry(CProfileDataEntry* entry) {
+  return GetChildData().SetProfileDataEntry(entry);
+}
+
+std::unique_ptr<CProfileDataEntry> CContainerEntry::AddProfileDataEntry(std::unique_ptr<CProfileDataEntry> entry) {
+  return GetChildData().Add(std::move(entry));
+}
 
 CProfileDataEntry* CContainerEntry::RemoveProfileDataEntry(int index) {
-  return removable_ && index >= 0 ? data_.TakeAt(static_cast<std::size_t>(index)) : nullptr;
+  if (!removable_ || index < 0) return nullptr;
+  return GetChildData().TakeAt(static_cast<std::size_t>(index)).release();
 }
 
 CProfileDataEntry* CContainerEntry::RemoveProfileDataEntry(std::uint32_t usedType, std::uint32_t optionInfo) {
@@ -87,8 +118,11 @@ CProfileDataEntry* CContainerEntry::RemoveProfileDataEntry(std::uint32_t usedTyp
 }
 
 bool CContainerEntry::ParseChildren(std::uint32_t& optionValue) {
+  if (data_.GetLevel() > kMaxLevels && GetSize() != 0) {
+    nvx::EntryStream stream(*this);
+    return nvx::Refuse(stream, "calibration container: nests too deep");
+  }
   return nvx::ParseBuffer(*this, [&](CNvxFile& stream) {
-    if (data_.GetLevel() > kMaxLevels) return nvx::Refuse(stream, "calibration container: nests too deep");
     data_.DeleteContents();
     CProfileFileCalibration form;
     form.SetOptionValue(optionValue);
@@ -98,19 +132,16 @@ bool CContainerEntry::ParseChildren(std::uint32_t& optionValue) {
   });
 }
 
-bool CContainerEntry::JoinBuffers(std::uint32_t optionValue) {
+bool CContainerEntry::RebuildForm(std::uint32_t optionValue) {
+  if (!nvx::PayloadKeeper::SaysAll(*this) || NestsTooDeep(data_)) return false;
+  const auto& children = data_.Children();
+  if (!std::all_of(children.begin(), children.end(), [](CProfileDataEntry* child) { return child->RenewBuffer(); })) {
+    return false;
+  }
   CProfileFileCalibration form;
   form.SetOptionValue(optionValue);
   return nvx::RebuildBuffer(*this, CProfileFileCalibration::GetSavedSize(data_), nvx::BufferLength::kExact,
                             [&](CNvxFile& stream) { return form.SaveData(stream, &data_); });
-}
-
-bool CContainerEntry::RebuildForm(std::uint32_t optionValue) {
-  // What was too deep to be parsed keeps its bytes.
-  if (data_.GetLevel() > kMaxLevels) return data_.Children().IsEmpty();
-  if (NestsTooDeep(data_, data_.GetLevel())) return false;
-  for (CProfileDataEntry* const child : data_.Children()) child->DataToBuffer();
-  return JoinBuffers(optionValue);
 }
 
 bool CContainerEntry::BufferToData() {

@@ -172,18 +172,18 @@ void CCurveDataEntry16::CopyData(CCurveDataEntry* target) {
 
 CCurveData::~CCurveData() { CCurveData::DeleteContents(); }
 
-void CCurveData::DeleteContents() {
-  curves_.Clear(IsAutoDelete() ? nvx::Ownership::kOwned : nvx::Ownership::kBorrowed);
-}
+void CCurveData::DeleteContents() { IsAutoDelete() ? curves_.Clear() : curves_.LetGo(); }
 
-void CCurveData::AddTail(CCurveDataEntry* entry) {
-  if (entry == nullptr) return;
-  curves_.Append(entry, IsAutoDelete() ? nvx::Ownership::kOwned : nvx::Ownership::kBorrowed);
+bool CCurveData::AddTail(CCurveDataEntry* entry) {
+  if (entry == nullptr) return false;
+  if (IsAutoDelete()) {
+    curves_.Append(std::unique_ptr<CCurveDataEntry>(entry));
+  } else {
+    curves_.AppendBorrowed(entry);
+  }
   dataSizeType_ = entry->GetDataType();
+  return true;
 }
-
-bool CCurveData::GetHeadPosition() { return curves_.Head(); }
-CCurveDataEntry* CCurveData::GetNext(bool& more) { return curves_.Next(more); }
 
 CCurveDataEntry* CCurveData::FindInkIDEntry(std::uint32_t inkId) {
   return curves_.Find([inkId](const CCurveDataEntry& curve) { return curve.GetInkID() == inkId; });

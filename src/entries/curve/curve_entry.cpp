@@ -18,28 +18,23 @@ std::uint64_t InkAndExtendKey(const CCurveDataEntry& curve) {
 
 // Of curves with one key the first counts.
 template <class KeyOf>
-CurvesByKey IndexCurves(CCurveData& set, KeyOf keyOf) {
+CurvesByKey IndexCurves(const CCurveData& set, KeyOf keyOf) {
   CurvesByKey curves;
-  bool more = set.GetHeadPosition();
-  while (more) {
-    CCurveDataEntry* const curve = set.GetNext(more);
-    curves.emplace(keyOf(*curve), curve);
-  }
+  for (CCurveDataEntry* const curve : set.Curves()) curves.emplace(keyOf(*curve), curve);
   return curves;
 }
 
 template <class KeyOf>
 bool ImportCurves(CProfileCurveEntry& target, CProfileDataEntry* source, KeyOf keyOf) {
-  auto* const curves = dynamic_cast<CProfileCurveEntry*>(source);
-  if (curves == nullptr) return false;
+  const auto* const curves = dynamic_cast<const CProfileCurveEntry*>(source);
+  if (curves == nullptr || !nvx::PayloadKeeper::SaysAll(*source) || !nvx::PayloadKeeper::SaysAll(target)) return false;
   const CurvesByKey found = IndexCurves(*curves->GetCurveData(), keyOf);
-  CCurveData& set = *target.GetCurveData();
-  bool more = !found.empty() && set.GetHeadPosition();
-  while (more) {
-    CCurveDataEntry* const curve = set.GetNext(more);
-    const auto partner = found.find(keyOf(*curve));
-    if (partner == found.end()) return false;
-    partner->second->CopyData(curve);
+  if (!found.empty()) {
+    for (CCurveDataEntry* const curve : target.GetCurveData()->Curves()) {
+      const auto partner = found.find(keyOf(*curve));
+      if (partner == found.end()) return false;
+      partner->second->CopyData(curve);
+    }
   }
   return target.SetLabelString(source->GetLabelString());
 }
@@ -48,18 +43,31 @@ bool ImportCurves(CProfileCurveEntry& target, CProfileDataEntry* source, KeyOf k
 
 CProfileCurveEntry::~CProfileCurveEntry() = default;
 
-CDataObject* CProfileCurveEntry::GetFormatData() { return &curves_; }
+CDataObject* CProfileCurveEntry::GetFormatData() { return GetCurveData(); }
 
 bool CProfileCurveEntry::DoImport(CProfileDataEntry* source) { return ImportCurves(*this, source, InkAndExtendKey); }
 bool CSeparateLightEntry::DoImport(CProfileDataEntry* source) { return ImportCurves(*this, source, InkKey); }
 
 bool CProfileCurveEntry::BufferToData() {
-  return nvx::ParseBuffer(*this, [this](CNvxMemFile& file) { return nvx::ReloadCurveSet(file, curves_); });
+  const bool parsed = nvx::ParseBuffer(*this, [this](CNvxMemFile& file) { return nvx::ReloadCurveSet(file, curves_); });
+  if (takes16Bit_ && GetPayloadState() == nvx::PayloadState::kPart) MakeCurves16Bit();
+  return parsed;
 }
 
 bool CProfileCurveEntry::DataToBuffer() {
   return nvx::RebuildBuffer(*this, nvx::CurveSetSize(curves_), nvx::BufferLength::kExact,
                             [this](CNvxFile& file) { return CCurveFile().SaveFile(file, &curves_); });
+}
+
+bool CProfileCurveEntry::TakeSamplesAs16Bit() {
+  takes16Bit_ = true;
+  MakeCurves16Bit();
+  return GetPayloadState() == nvx::PayloadState::kPart || DataToBuffer();
+}
+
+void CProfileCurveEntry::MakeCurves16Bit() {
+  curves_.SetCurveDataSizeType(CCurveDataEntry::kSamples16);
+  for (CCurveDataEntry* const curve : curves_.Curves()) curve->SetDataType(CCurveDataEntry::kSamples16);
 }
 
 CGrayBalanceEntry::~CGrayBalanceEntry() = default;

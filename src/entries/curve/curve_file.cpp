@@ -2,22 +2,13 @@
 #include "core/replacing_file.h"
 #include "entries/curve/curve_form.h"
 
+#include <algorithm>
 #include <bit>
 #include <memory>
 
 using nvx::CurveRecord;
 
 namespace {
-
-// Calls visit(curve) for each curve in order until one gives false.
-template <class Visit>
-bool ForEachCurve(CCurveData& set, Visit visit) {
-  bool more = set.GetHeadPosition();
-  while (more) {
-    if (!visit(*set.GetNext(more))) return false;
-  }
-  return true;
-}
 
 // Samples are native numbers in memory and little-endian in the form; bytes are bytes.
 bool WriteSamples(CNvxFile& file, CCurveDataEntry& curve) {
@@ -92,18 +83,20 @@ bool CCurveFile::LoadFile(CNvxFile& file, CCurveData* data) {
 
 bool CCurveFile::SaveFile(CNvxFile& file, CCurveData* data) {
   if (data == nullptr) return false;
+  const auto& curves = data->Curves();
+  if (!std::all_of(curves.begin(), curves.end(), nvx::HasKnownType)) return false;
   tagCurveFileHeader header;
   header.UsedType = data->GetUsedType();
-  header.EntryCount = static_cast<std::uint32_t>(data->GetCount());
+  header.EntryCount = static_cast<std::uint32_t>(curves.Count());
   return nvx::WriteRecord(file, header) &&
-         ForEachCurve(*data,
-                      [&](CCurveDataEntry& curve) {
-                        CurveRecord record;
-                        EntryToTag(&curve, &record);
-                        return nvx::WriteRecord(file, record);
-                      }) &&
-         ForEachCurve(*data, [&](CCurveDataEntry& curve) {
-           return nvx::WriteMagic(file, nvx::kCurveBlockMagic) && WriteSamples(file, curve);
+         std::all_of(curves.begin(), curves.end(),
+                     [&](CCurveDataEntry* curve) {
+                       CurveRecord record;
+                       EntryToTag(curve, &record);
+                       return nvx::WriteRecord(file, record);
+                     }) &&
+         std::all_of(curves.begin(), curves.end(), [&](CCurveDataEntry* curve) {
+           return nvx::WriteMagic(file, nvx::kCurveBlockMagic) && WriteSamples(file, *curve);
          });
 }
 

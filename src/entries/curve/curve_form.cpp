@@ -25,7 +25,6 @@ class CurveSetRefill {
  public:
   explicit CurveSetRefill(CCurveData& set) : set_(set) {
     if (!set.IsAutoDelete()) set.DeleteContents();
-    set.curves_.Head();
   }
   CurveSetRefill(const CurveSetRefill&) = delete;
   CurveSetRefill& operator=(const CurveSetRefill&) = delete;
@@ -48,8 +47,7 @@ class CurveSetRefill {
 
  private:
   static bool HasShape(CCurveDataEntry& curve, const CurveRecord& record) {
-    const std::type_info& wanted =
-        record.DataType == CCurveDataEntry::kSamples8 ? typeid(CCurveDataEntry8) : typeid(CCurveDataEntry16);
+    const std::type_info& wanted = HoldsBytes(record) ? typeid(CCurveDataEntry8) : typeid(CCurveDataEntry16);
     return typeid(curve) == wanted && curve.GetSize() == record.DataSize;
   }
 
@@ -61,17 +59,18 @@ class CurveSetRefill {
   }
 
   void DropRest() {
-    while (set_.curves_.Count() > taken_) delete set_.curves_.TakeAt(set_.curves_.Count() - 1);
+    while (set_.curves_.Count() > taken_) set_.curves_.TakeAt(set_.curves_.Count() - 1);
   }
 
   CCurveData& set_;
   std::size_t taken_ = 0;
 };
 
-std::uint64_t CurveSetSize(CCurveData& set) {
+std::uint64_t CurveSetSize(const CCurveData& set) {
   std::uint64_t size = kRecordSize<tagCurveFileHeader>;
-  bool more = set.GetHeadPosition();
-  while (more) size += std::uint64_t{kRecordSize<CurveRecord>} + kCurveBlockMagicSize + set.GetNext(more)->GetSize();
+  for (CCurveDataEntry* const curve : set.Curves()) {
+    size += std::uint64_t{kRecordSize<CurveRecord>} + kCurveBlockMagicSize + curve->GetSize();
+  }
   return size;
 }
 
@@ -89,7 +88,9 @@ bool ReloadCurveSet(CNvxMemFile& file, CCurveData& set) {
     const std::uint8_t* const block = file.Buffer + file.Position;
     const char* const fault = CurveFault(record, LoadLittle<std::uint32_t>(block), left - kCurveBlockMagicSize);
     if (fault != nullptr) return Refuse(file, fault);
-    curves.Fill(record, table.NameFieldAt(i), block + kCurveBlockMagicSize);
+    const char* const name = table.NameFieldAt(i);
+    if (name[kCurveNameSize - 1] != 0) PassOver(file, "curve record: name without its end, cut to 91 characters");
+    curves.Fill(record, name, block + kCurveBlockMagicSize);
     file.Position += kCurveBlockMagicSize + record.DataSize;
   }
   return true;
@@ -139,20 +140,24 @@ const char* CurveFault(const CurveRecord& record, std::uint32_t signature, std::
   if (record.DataType != CCurveDataEntry::kSamples8 && record.DataType != CCurveDataEntry::kSamples16) {
     return "curve record: unknown DataType";
   }
-  // Half a sample has no place in the curve, and without it the curve could not be written back as it was.
-  if (record.DataType == CCurveDataEntry::kSamples16 && record.DataSize % 2 != 0) {
-    return "curve record: odd data size of 16-bit samples";
-  }
   return record.DataSize <= left ? nullptr : "curve record: data size beyond the end";
 }
 
+bool HasKnownType(const CCurveDataEntry* curve) {
+  return curve->GetDataType() == CCurveDataEntry::kSamples8 || curve->GetDataType() == CCurveDataEntry::kSamples16;
+}
+
+bool HoldsBytes(const CurveRecord& record) {
+  return record.DataType == CCurveDataEntry::kSamples8 || record.DataSize % 2 != 0;
+}
+
 std::unique_ptr<CCurveDataEntry> MakeCurve(const CurveRecord& record) {
-  return std::unique_ptr<CCurveDataEntry>(
-      CCurveDataEntry::CreateCurveDataEntry(static_cast<CCurveDataEntry::typeData>(record.DataType)));
+  if (HoldsBytes(record)) return std::make_unique<CCurveDataEntry8>();
+  return std::make_unique<CCurveDataEntry16>();
 }
 
 void LoadSamples(const CurveRecord& record, const std::uint8_t* samples, void* array) {
-  if (record.DataType == CCurveDataEntry::kSamples16) {
+  if (!HoldsBytes(record)) {
     LoadLittleRun(static_cast<std::uint16_t*>(array), samples, record.DataSize / 2);
   } else if (record.DataSize != 0) {
     std::memcpy(array, samples, record.DataSize);

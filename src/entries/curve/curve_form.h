@@ -50,7 +50,7 @@ inline constexpr std::uint32_t kCurveBlockMagicSize = 4;
 inline constexpr std::uint32_t kCurveNameSize = sizeof(CurveRecord::InkName);
 
 // Bytes of the form of a set.
-std::uint64_t CurveSetSize(CCurveData& set);
+std::uint64_t CurveSetSize(const CCurveData& set);
 
 // Makes the set what the form at the start of the block says, as emptying it and loading the form would; false in the
 // same cases. Curves of an owned set that have the class and size that the form asks for are filled again where they
@@ -85,7 +85,14 @@ class CurveTable {
 // the bytes that the stream holds behind it.
 const char* CurveFault(const CurveRecord& record, std::uint32_t signature, std::uint32_t left);
 
-// A curve of the record's class, without values; null for a DataType without one.
+// True if the samples of a record are held as bytes: those of 8 bits, and those of 16 bits in an odd number of bytes,
+// of which a curve of 16-bit samples would lose the last.
+bool HoldsBytes(const CurveRecord& record);
+
+// True if a reader knows the curve's DataType.
+bool HasKnownType(const CCurveDataEntry* curve);
+
+// A curve of the record's class, without values. Its DataType must be known.
 std::unique_ptr<CCurveDataEntry> MakeCurve(const CurveRecord& record);
 
 // Copies the samples of a curve from the form to its array, which has room for them.

@@ -132,13 +132,14 @@ std::int32_t* CLargeParameterID002Entry::GetRefBufferByPatternIndex(std::int32_t
   return store.data() + offset;
 }
 
-CLargeParameterData::~CLargeParameterData() { CLargeParameterData::DeleteLargeParameter(); }
+CLargeParameterData::~CLargeParameterData() = default;
 
 void CLargeParameterData::DeleteContents() { DeleteLargeParameter(); }
-void CLargeParameterData::DeleteLargeParameter() { entries_.Clear(nvx::Ownership::kOwned); }
+void CLargeParameterData::DeleteLargeParameter() { entries_.Clear(); }
 
-void CLargeParameterData::AddTail(CLargeParameterDataEntry* entry) {
-  if (entry != nullptr) entries_.Append(entry, nvx::Ownership::kOwned);
+bool CLargeParameterData::AddTail(CLargeParameterDataEntry* entry) {
+  if (entry != nullptr) entries_.Append(std::unique_ptr<CLargeParameterDataEntry>(entry));
+  return entry != nullptr;
 }
 
 CLargeParameterDataEntry* CLargeParameterData::Find(std::uint32_t usedType) {

@@ -7,22 +7,20 @@
 
 namespace {
 
-// Rebuilds the buffer of `target` from the tables of another or the same entry.
-bool Rebuild(CProfileDataEntry& target, CLargeParameterData& tables) {
-  const auto size = nvx::LargeParameterFormSize(tables);
-  return size && nvx::RebuildBuffer(target, *size, nvx::BufferLength::kCapacity,
-                                    [&](CNvxFile& file) { return CLargeParameterFile().SaveFile(file, &tables); });
+auto Writer(CLargeParameterData& tables) {
+  return [&tables](CNvxFile& file) { return CLargeParameterFile().SaveFile(file, &tables); };
 }
 
 }  // namespace
 
-CDataObject* CLargeParameterEntry::GetFormatData() { return &data_; }
+CDataObject* CLargeParameterEntry::GetFormatData() { return GetLargeParameterData(); }
 
 bool CLargeParameterEntry::DoImport(CProfileDataEntry* source) {
   auto* const other = dynamic_cast<CLargeParameterEntry*>(source);
-  if (other == nullptr || !Rebuild(*this, other->data_)) return false;
-  BufferToData();
-  return true;
+  if (other == nullptr || !nvx::PayloadKeeper::SaysAll(*other)) return false;
+  const auto size = nvx::LargeParameterFormSize(other->data_);
+  return size && nvx::PayloadKeeper::Replace(*this, *size, nvx::BufferLength::kCapacity, Writer(other->data_)) &&
+         BufferToData();
 }
 
 bool CLargeParameterEntry::BufferToData() {
@@ -33,4 +31,7 @@ bool CLargeParameterEntry::BufferToData() {
   });
 }
 
-bool CLargeParameterEntry::DataToBuffer() { return Rebuild(*this, data_); }
+bool CLargeParameterEntry::DataToBuffer() {
+  const auto size = nvx::LargeParameterFormSize(data_);
+  return size && nvx::RebuildBuffer(*this, *size, nvx::BufferLength::kCapacity, Writer(data_));
+}

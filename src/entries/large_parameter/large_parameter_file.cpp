@@ -108,6 +108,8 @@ CLargeParameterFile* CLargeParameterFile::CreateLargeParameterFile(CNvxFile& fil
   return reader->LoadHeader(file) ? reader.release() : nullptr;
 }
 
+CLargeParameterFile::~CLargeParameterFile() = default;
+
 bool CLargeParameterFile::LoadHeader(CNvxFile& file) {
   headerRead_ = false;
   file.SeekToBegin();
@@ -120,7 +122,7 @@ bool CLargeParameterFile::LoadHeader(CNvxFile& file) {
 }
 
 bool CLargeParameterFile::LoadFile(CNvxFile& file, CLargeParameterData* data) {
-  if (!headerRead_ && !LoadHeader(file)) return false;
+  if (data == nullptr || (!headerRead_ && !LoadHeader(file))) return false;
   const auto records = nvx::ReadWordTableRecords(file, recordCount_);
   if (!records) return false;
 
@@ -143,7 +145,7 @@ bool CLargeParameterFile::LoadFile(CNvxFile& file, CLargeParameterData* data) {
 }
 
 bool CLargeParameterFile::SaveFile(CNvxFile& file, CLargeParameterData* data) {
-  if (!nvx::LargeParameterFormSize(*data)) return false;
+  if (data == nullptr || !nvx::LargeParameterFormSize(*data)) return false;
   LargeParameterHeader header;
   header.recordCount = data->GetPropertyCount();
   if (!nvx::WriteRecord(file, header)) return false;

@@ -24,6 +24,8 @@ void Release(std::vector<T>& items) {
 
 }  // namespace
 
+CLutChannelInf::~CLutChannelInf() = default;
+
 std::uint64_t CLutData::CountNodes(std::uint32_t inputChannels, std::uint32_t gridCount) {
   if (inputChannels == 0) return 1;
   if (gridCount <= 1) return gridCount;
@@ -85,7 +87,7 @@ void CLutData::SetOutputChannel(std::uint32_t outputChannels) { outputChannels_ 
 CLutChannelInf* CLutData::GetAtInputChannelInf(int index) { return ChannelAt(inputChannelInfs_, index); }
 CLutChannelInf* CLutData::GetAtOutputChannelInf(int index) { return ChannelAt(outputChannelInfs_, index); }
 
-int CLutData::GetSize() { return gridNodes_ + static_cast<int>(added_.size()); }
+int CLutData::GetSize() { return CountNodes(); }
 
 std::uint32_t CLutData::GetLutDataSize() {
   if (GetSize() == 0) return 0;
@@ -132,16 +134,24 @@ int CLutData::EndOfRun(int firstNode) const {
   return gridNodes_;
 }
 
-nvx::SampleRun CLutData::GetRun(int firstNode) {
-  if (firstNode < 0 || firstNode >= GetSize()) return {};
+nvx::SampleView CLutData::ViewRun(int firstNode) const {
+  if (firstNode < 0 || firstNode >= CountNodes()) return {};
   const int end = firstNode < gridNodes_ ? EndOfRun(firstNode) : firstNode;
   if (end == firstNode) {
-    CLutDataEntry& node = *GetAt(firstNode);
+    // A node that stands for itself has an object already.
+    const CLutDataEntry& node = firstNode < gridNodes_ ? chunks_[static_cast<std::size_t>(firstNode / kChunkNodes)]
+                                                                [static_cast<std::size_t>(firstNode % kChunkNodes)]
+                                                       : *added_[static_cast<std::size_t>(firstNode - gridNodes_)];
     return {node.samples_, node.count_, 1};
   }
   const int nodes = end - firstNode;
   return {samples_.data() + static_cast<std::size_t>(firstNode) * nodeWidth_,
           static_cast<std::uint32_t>(nodes) * nodeWidth_, nodes};
+}
+
+nvx::SampleRun CLutData::GetRun(int firstNode) {
+  const nvx::SampleView run = ViewRun(firstNode);
+  return {const_cast<std::uint8_t*>(run.samples), run.size, run.nodes};
 }
 
 std::uint8_t* CLutData::GetRefBuffer() {

@@ -7,17 +7,6 @@ namespace {
 
 constexpr std::uint32_t kOptionInfo = 6;
 
-std::uint64_t FormSize(CLutData& data) {
-  const std::uint64_t channels = std::uint64_t{data.GetInputChannelCount()} + data.GetOutputChannelCount();
-  std::uint64_t size = nvx::kRecordSize<nvx::LutHeader> + channels * nvx::kRecordSize<nvx::LutChannelHeader>;
-  nvx::SampleRun run;
-  for (int node = 0; node < data.GetSize(); node += run.nodes) {
-    run = data.GetRun(node);
-    size += run.size;
-  }
-  return size;
-}
-
 // A code is 8 bits wide, whatever was set.
 void ReduceCodes(CLutData& data, CLutChannelInf* (CLutData::*channelAt)(int)) {
   for (int i = 0; CLutChannelInf* const channel = (data.*channelAt)(i); ++i) {
@@ -33,21 +22,27 @@ CSeparateChromaEntry::CSeparateChromaEntry() : CProfileDataEntry(kSeparateChroma
 
 CSeparateChromaEntry::~CSeparateChromaEntry() = default;
 
-CDataObject* CSeparateChromaEntry::GetFormatData() { return &data_; }
-CLutData3D* CSeparateChromaEntry::GetLutData() { return &data_; }
+CDataObject* CSeparateChromaEntry::GetFormatData() { return CSeparateChromaEntry::GetLutData(); }
+
+CLutData3D* CSeparateChromaEntry::GetLutData() {
+  OpenPayload();
+  return &data_;
+}
 
 bool CSeparateChromaEntry::DoImport(CProfileDataEntry* source) {
   if (dynamic_cast<CSeparateChromaEntry*>(source) == nullptr) return false;
+  OpenPayload();
   ReduceCodes(data_, &CLutData::GetAtInputChannelInf);
   ReduceCodes(data_, &CLutData::GetAtOutputChannelInf);
   return true;
 }
 
 bool CSeparateChromaEntry::BufferToData() {
-  return nvx::ParseBuffer(*this, [&](CNvxFile& stream) { return CLutFile().LoadFile(stream, GetLutData()); });
+  return nvx::ParseBuffer(*this, [&](CNvxFile& stream) { return CLutFile().LoadFile(stream, &data_); });
 }
 
 bool CSeparateChromaEntry::DataToBuffer() {
-  return nvx::RebuildBuffer(*this, FormSize(*GetLutData()), nvx::BufferLength::kCapacity,
-                            [&](CNvxFile& stream) { return CLutFile().SaveFile(stream, GetLutData()); });
+  const auto size = nvx::LutFormSize(data_);
+  return size && nvx::RebuildBuffer(*this, *size, nvx::BufferLength::kCapacity,
+                                    [&](CNvxFile& stream) { return CLutFile().SaveFile(stream, &data_); });
 }

@@ -36,7 +36,7 @@ bool ReadChannels(CNvxFile& file, CLutData& data, std::uint32_t count, ChannelAt
     CLutChannelInf* const channel = (data.*channelAt)(static_cast<int>(i));
     if (channel == nullptr) return false;
     if (nvx::FieldText(header.channelName).size() >= CLutChannelInf::kNameLength) {
-      nvx::Warn(file, file.GetPosition(), "channel header: name cut to 127 characters");
+      nvx::PassOver(file, "channel header: name cut to 127 characters");
     }
     channel->SetChannelCode(header.channelCode);
     channel->SetChannelAttribute(header.channelAttribute);
@@ -69,7 +69,31 @@ bool ForEachRun(CLutData& data, Transfer transfer) {
   return true;
 }
 
+// Calls visit(run) for the samples of all nodes in order until one gives false.
+template <class Visit>
+bool ForEachView(const CLutData& data, Visit visit) {
+  nvx::SampleView run;
+  for (int node = 0; node < data.CountNodes(); node += run.nodes) {
+    run = data.ViewRun(node);
+    if (!visit(run)) return false;
+  }
+  return true;
+}
+
 }  // namespace
+
+std::optional<std::uint64_t> nvx::LutFormSize(const CLutData& table) {
+  const std::uint64_t inputs = table.GetInputChannelCount();
+  const std::uint64_t outputs = table.GetOutputChannelCount();
+  const std::uint64_t nodes = CLutData::CountNodes(table.GetInputChannelCount(), table.GetGridCount());
+  if (nodes != static_cast<std::uint64_t>(table.CountNodes()) || table.InputChannels().size() != inputs ||
+      table.OutputChannels().size() != outputs || !ForEachView(table, [=](const SampleView& run) {
+        return run.size == static_cast<std::uint64_t>(run.nodes) * outputs;
+      })) {
+    return std::nullopt;
+  }
+  return kRecordSize<LutHeader> + (inputs + outputs) * kRecordSize<LutChannelHeader> + nodes * outputs;
+}
 
 CLutFile::~CLutFile() = default;
 
@@ -86,7 +110,7 @@ bool CLutFile::LoadHeader(CNvxFile& file) {
 }
 
 bool CLutFile::LoadFile(CNvxFile& file, CLutData* data) {
-  if (!headerRead_ && !LoadHeader(file)) return false;
+  if (data == nullptr || (!headerRead_ && !LoadHeader(file))) return false;
   if (!HoldsTable(file, inputChannels_, outputChannels_, gridCount_)) return false;
   data->Initialize(inputChannels_, outputChannels_, gridCount_);
   return ReadChannels(file, *data, inputChannels_, &CLutData::GetAtInputChannelInf) &&
@@ -97,6 +121,7 @@ bool CLutFile::LoadFile(CNvxFile& file, CLutData* data) {
 }
 
 bool CLutFile::SaveFile(CNvxFile& file, CLutData* data) {
+  if (data == nullptr || !nvx::LutFormSize(*data)) return false;
   LutHeader header;
   header.inputChannels = data->GetInputChannelCount();
   header.outputChannels = data->GetOutputChannelCount();
@@ -104,7 +129,5 @@ bool CLutFile::SaveFile(CNvxFile& file, CLutData* data) {
   return nvx::WriteRecord(file, header) &&
          WriteChannels(file, *data, header.inputChannels, &CLutData::GetAtInputChannelInf) &&
          WriteChannels(file, *data, header.outputChannels, &CLutData::GetAtOutputChannelInf) &&
-         ForEachRun(*data, [&](const std::uint8_t* samples, std::uint32_t size) {
-           return nvx::WriteExact(file, samples, size);
-         });
+         ForEachView(*data, [&](const nvx::SampleView& run) { return nvx::WriteExact(file, run.samples, run.size); });
 }

@@ -5,6 +5,9 @@
 
 #include <nvxprofile/lut.h>
 
+#include <cstdint>
+#include <optional>
+
 namespace nvx {
 
 struct LutHeader {
@@ -52,5 +55,9 @@ struct LutChannelHeader {
 
 static_assert(kRecordSize<LutHeader> == 280);
 static_assert(kRecordSize<LutChannelHeader> == 336);
+
+// Bytes of the form of a table; nothing for one that would not load again: its nodes or channels are not those that its
+// counts tell of.
+std::optional<std::uint64_t> LutFormSize(const CLutData& table);
 
 }  // namespace nvx

@@ -9,10 +9,6 @@
 
 namespace {
 
-nvx::Ownership OwnershipOf(CDataObject& data) {
-  return data.IsAutoDelete() ? nvx::Ownership::kOwned : nvx::Ownership::kBorrowed;
-}
-
 template <class Entry>
 using Entries = std::vector<std::unique_ptr<Entry>>;
 
@@ -24,19 +20,16 @@ Entries<Entry> CopiesOf(const nvx::CursorList<Entry>& list) {
   return copies;
 }
 
-// Room comes first, so that entries change hands without fail.
 template <class Entry>
-void Adopt(Entries<Entry> entries, nvx::CursorList<Entry>& list) {
+void Append(Entries<Entry> entries, nvx::CursorList<Entry>& list) {
   list.Reserve(list.Count() + entries.size());
-  for (std::unique_ptr<Entry>& entry : entries) list.Append(entry.release());
+  for (std::unique_ptr<Entry>& entry : entries) list.Append(std::move(entry));
 }
 
-// Deep copies take the place of what the list held; the copies are there before anything goes.
+// Empties the list of an object that owns its entries with auto-delete and borrows them without.
 template <class Entry>
-void ReplaceByCopies(nvx::CursorList<Entry>& list, nvx::Ownership held, const nvx::CursorList<Entry>& other) {
-  Entries<Entry> copies = CopiesOf(other);
-  list.Clear(held);
-  Adopt(std::move(copies), list);
+void Empty(CDataObject& owner, nvx::CursorList<Entry>& list) {
+  owner.IsAutoDelete() ? list.Clear() : list.LetGo();
 }
 
 std::uint32_t At(const std::vector<std::uint32_t>& values, int index) {
@@ -76,12 +69,14 @@ void CMaskParameterDataEntry::SetParamDataBuffer(const std::uint8_t* data, std::
 
 CMaskParameterData::CMaskParameterData(const CMaskParameterData& other) : CDataObject(other) {
   SetAutoDelete(true);
-  Adopt(CopiesOf(other.entries_), entries_);
+  ::Append(CopiesOf(other.entries_), entries_);
 }
 
 CMaskParameterData& CMaskParameterData::operator=(const CMaskParameterData& other) {
   if (this == &other) return *this;
-  ReplaceByCopies(entries_, OwnershipOf(*this), other.entries_);
+  auto copies = CopiesOf(other.entries_);
+  DeleteContents();
+  ::Append(std::move(copies), entries_);
   CDataObject::operator=(other);
   SetAutoDelete(true);
   return *this;
@@ -89,14 +84,20 @@ CMaskParameterData& CMaskParameterData::operator=(const CMaskParameterData& othe
 
 CMaskParameterData::~CMaskParameterData() { CMaskParameterData::DeleteContents(); }
 
-void CMaskParameterData::DeleteContents() { entries_.Clear(OwnershipOf(*this)); }
+void CMaskParameterData::DeleteContents() { Empty(*this, entries_); }
 
-void CMaskParameterData::AddTail(CMaskParameterDataEntry* entry) {
-  if (entry != nullptr) entries_.Append(entry, OwnershipOf(*this));
+bool CMaskParameterData::AddTail(CMaskParameterDataEntry* entry) {
+  if (entry == nullptr) return false;
+  if (IsAutoDelete()) {
+    entries_.Append(std::unique_ptr<CMaskParameterDataEntry>(entry));
+  } else {
+    entries_.AppendBorrowed(entry);
+  }
+  return true;
 }
 
 void CMaskParameterData::Append(std::vector<std::unique_ptr<CMaskParameterDataEntry>> entries) {
-  Adopt(std::move(entries), entries_);
+  ::Append(std::move(entries), entries_);
 }
 
 CMaskParameterDataEntry* CMaskParameterData::GetEntry(std::uint32_t pass, std::uint32_t specialColorsetCode,
@@ -119,12 +120,14 @@ void CMaskPatternDataEntry::SetMaskPatternBuffer(const std::uint8_t* data, std::
 
 CMaskPatternData::CMaskPatternData(const CMaskPatternData& other) : CDataObject(other) {
   SetAutoDelete(true);
-  Adopt(CopiesOf(other.entries_), entries_);
+  Append(CopiesOf(other.entries_), entries_);
 }
 
 CMaskPatternData& CMaskPatternData::operator=(const CMaskPatternData& other) {
   if (this == &other) return *this;
-  ReplaceByCopies(entries_, OwnershipOf(*this), other.entries_);
+  auto copies = CopiesOf(other.entries_);
+  DeleteContents();
+  Append(std::move(copies), entries_);
   CDataObject::operator=(other);
   SetAutoDelete(true);
   return *this;
@@ -132,14 +135,19 @@ CMaskPatternData& CMaskPatternData::operator=(const CMaskPatternData& other) {
 
 CMaskPatternData::~CMaskPatternData() { CMaskPatternData::DeleteContents(); }
 
-void CMaskPatternData::DeleteContents() { entries_.Clear(OwnershipOf(*this)); }
+void CMaskPatternData::DeleteContents() { Empty(*this, entries_); }
 
 bool CMaskPatternData::Add(CMaskPatternDataEntry* entry) {
   if (entry == nullptr) return false;
   const std::uint32_t id = entry->GetMaskPatternID();
   const auto place = std::lower_bound(entries_.begin(), entries_.end(), id, HasLowerID);
   if (place == entries_.end() || (*place)->GetMaskPatternID() != id) {
-    entries_.Insert(static_cast<std::size_t>(place - entries_.begin()), entry, OwnershipOf(*this));
+    const auto index = static_cast<std::size_t>(place - entries_.begin());
+    if (IsAutoDelete()) {
+      entries_.Insert(index, std::unique_ptr<CMaskPatternDataEntry>(entry));
+    } else {
+      entries_.InsertBorrowed(index, entry);
+    }
     return true;
   }
   if (*place != entry) delete entry;
@@ -162,9 +170,7 @@ void CMaskPatternData::Merge(std::vector<std::unique_ptr<CMaskPatternDataEntry>>
   }
   merged.insert(merged.end(), present, entries_.end());
 
-  // Nothing below can fail: the list keeps its room while it is emptied.
-  entries_.Reserve(merged.size());
-  while (!entries_.IsEmpty()) entries_.TakeAt(entries_.Count() - 1);
-  for (CMaskPatternDataEntry* entry : merged) entries_.Append(entry);
+  // Nothing can fail from here on.
+  entries_.Become(std::move(merged));
   for (std::unique_ptr<CMaskPatternDataEntry>& entry : entries) static_cast<void>(entry.release());
 }

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <iterator>
 #include <memory>
+#include <utility>
 
 using nvx::WeftBlockHeader;
 using nvx::WeftHeaderRecord;
@@ -75,6 +76,7 @@ void CMaskDownLoadEntry::DeleteBlocks() {
 }
 
 void CMaskDownLoadEntry::Initialize(std::uint32_t dataCount) {
+  OpenPayload();
   DeleteBlocks();
   header_ = tagWeftHeader();
   header_.DataCount = dataCount;
@@ -82,6 +84,11 @@ void CMaskDownLoadEntry::Initialize(std::uint32_t dataCount) {
 }
 
 void CMaskDownLoadEntry::SetWeftDataParameter(std::uint32_t index, std::uint32_t type) {
+  OpenPayload();
+  ShapeBlock(index, type);
+}
+
+void CMaskDownLoadEntry::ShapeBlock(std::uint32_t index, std::uint32_t type) {
   if (type == 0) type = kMaskType;
   if (index >= header_.DataCount || index >= blocks_.size()) index = 0;
   const BlockKind* const kind = KindOf(type);
@@ -98,12 +105,21 @@ void CMaskDownLoadEntry::SetWeftDataParameter(std::uint32_t index, std::uint32_t
 }
 
 tagWeftDatas* CMaskDownLoadEntry::GetWeftData(std::uint32_t type) {
+  OpenPayload();
+  return const_cast<tagWeftDatas*>(std::as_const(*this).GetWeftData(type));
+}
+
+const tagWeftDatas* CMaskDownLoadEntry::GetWeftData(std::uint32_t type) const {
   const auto found = std::find_if(blocks_.begin(), blocks_.end(),
                                   [type](const tagWeftDatas& block) { return block.BlockType == type; });
   return found != blocks_.end() ? &*found : nullptr;
 }
 
 std::uint32_t* CMaskDownLoadEntry::GetWeftUsedType() {
+  return const_cast<std::uint32_t*>(std::as_const(*this).GetWeftUsedType());
+}
+
+const std::uint32_t* CMaskDownLoadEntry::GetWeftUsedType() const {
   return blockHeaders_.empty() ? nullptr : &blockHeaders_.front().blockType;
 }
 
@@ -114,11 +130,11 @@ bool CMaskDownLoadEntry::IsSuportVersion(const tagWeftHeader* header) const {
 
 bool CMaskDownLoadEntry::DoImport(CProfileDataEntry* source) {
   auto* const from = dynamic_cast<CMaskDownLoadEntry*>(source);
-  if (from == nullptr) return false;
+  if (from == nullptr || !nvx::PayloadKeeper::SaysAll(*this)) return false;
   from->BufferToData();
   if (from == this) return true;
   for (const std::uint32_t type : {kMaskType, kPrinterMaskType, WeftOutputRecord::kBlockType}) {
-    const tagWeftDatas* const theirs = from->GetWeftData(type);
+    const tagWeftDatas* const theirs = std::as_const(*from).GetWeftData(type);
     tagWeftDatas* const ours = GetWeftData(type);
     if (theirs == nullptr || ours == nullptr || !IsSound(*theirs) || !IsSound(*ours)) continue;
     std::copy_n(theirs->Values, theirs->ValueCount, ours->Values);
@@ -131,7 +147,6 @@ bool CMaskDownLoadEntry::BufferToData() {
   return nvx::ParseBuffer(*this, [this](CNvxFile& file) {
     WeftHeaderRecord record;
     if (!nvx::ReadRecord(file, record)) return nvx::Refuse(file, "mask download header: cut short");
-    DeleteBlocks();
     blockHeaders_.clear();
     header_ = record.header;
     return LoadWeftDataHeader(file) && LoadWeftData(file);
@@ -156,10 +171,9 @@ bool CMaskDownLoadEntry::LoadWeftData(CNvxFile& file) {
   DeleteBlocks();
   blocks_.resize(header_.DataCount);
   for (std::uint32_t i = 0; i < header_.DataCount; ++i) {
-    if (!LoadBlock(file, i)) {
-      DeleteBlocks();
-      return false;
-    }
+    if (LoadBlock(file, i)) continue;
+    blocks_.resize(std::min<std::size_t>(i, blocks_.size()));
+    return false;
   }
   return true;
 }
@@ -168,13 +182,19 @@ bool CMaskDownLoadEntry::LoadBlock(CNvxFile& file, std::uint32_t index) {
   const std::uint32_t stored = blockHeaders_[index].blockType;
   const BlockKind* const kind = KindOf(stored != 0 ? stored : kMaskType);
   if (kind == nullptr) return nvx::Refuse(file, "mask download block: unknown type");
-  if (!nvx::ReadMagic(file, WeftBlockHeader::kBodyMagic)) return nvx::Refuse(file, "mask download block: wrong magic");
+  const nvx::StreamBlock magic(file, WeftBlockHeader::kBodyMagicSize);
+  if (!magic.IsWhole()) return nvx::Refuse(file, "mask download block: cut short");
+  if (nvx::LoadLittle<std::uint32_t>(magic.Data()) != WeftBlockHeader::kBodyMagic) {
+    // Bodies that do not stand where they should put all before them in doubt.
+    DeleteBlocks();
+    return nvx::Refuse(file, "mask download block: wrong magic");
+  }
   const std::uint32_t valueBytes = kind->valueCount * std::uint32_t{sizeof(std::uint32_t)};
   const nvx::StreamBlock values(file, valueBytes);
   const nvx::StreamBlock bytes(file, kind->byteCount);
   if (!values.IsWhole() || !bytes.IsWhole()) return nvx::Refuse(file, "mask download block: cut short");
 
-  SetWeftDataParameter(index, stored);
+  ShapeBlock(index, stored);
   nvx::LoadLittleRun(blocks_[index].Values, values.Data(), kind->valueCount);
   std::copy_n(bytes.Data(), kind->byteCount, blocks_[index].Bytes);
   return true;
@@ -187,9 +207,8 @@ bool CMaskDownLoadEntry::DataToBuffer() {
                              std::uint64_t{header_.DataCount} * nvx::kRecordSize<WeftBlockHeader> + *dataSize;
   const bool rebuilt = nvx::RebuildBuffer(*this, size, nvx::BufferLength::kExact, [this](CNvxFile& file) {
     if (!nvx::WriteRecord(file, WeftHeaderRecord{header_})) return false;
-    SaveWeftDataHeader(file);
-    SaveWeftData(file);
-    return true;
+    return (header_.DataCount == 0 || SaveWeftDataHeader(file) != 0) &&
+           (header_.DataCount == 0 || SaveWeftData(file) != 0);
   });
   if (rebuilt) totalSize_ = GetSize();
   return rebuilt;
@@ -232,9 +251,7 @@ std::uint32_t CMaskDownLoadEntry::SaveWeftData(CNvxFile& file) {
 CMaskDownloadIncludePatternEntry::CMaskDownloadIncludePatternEntry()
     : CMaskDownLoadEntry(kMaskDownloadIncludePattern, kFormatMaskDownloadIncludePattern, false) {
   const BlockKind& kind = *KindOf(kIncludePatternType);
-  GetWeftHeader()->VersionMajor = kind.versionMajor;
-  GetWeftHeader()->VersionMinor = kind.versionMinor;
-  GetWeftHeader()->DataCount = 1;
+  SetHeader({kind.versionMajor, kind.versionMinor, 1, {}});
 }
 
 CMaskDownloadIncludePatternEntry::~CMaskDownloadIncludePatternEntry() = default;

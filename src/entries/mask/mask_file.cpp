@@ -44,7 +44,7 @@ bool ReadRecords(CNvxFile& file, std::uint32_t count, Take take) {
     Record record;
     if (!nvx::ReadRecord(file, record)) return nvx::Refuse(file, "mask record: cut short");
     if (record.magic != nvx::kMaskRecordMagic) {
-      nvx::Warn(file, file.GetPosition(), "mask record: wrong magic, passed over");
+      nvx::PassOver(file, "mask record: wrong magic, passed over");
     } else if (!take(record)) {
       return false;
     }
@@ -61,7 +61,7 @@ BlockMagic ReadBlockMagic(CNvxFile& file, std::uint32_t magic) {
     return BlockMagic::kCutShort;
   }
   if (nvx::LoadLittle<std::uint32_t>(bytes) == magic) return BlockMagic::kRight;
-  nvx::Warn(file, file.GetPosition(), "mask data block: wrong magic, left empty");
+  nvx::PassOver(file, "mask data block: wrong magic, left empty");
   return BlockMagic::kWrong;
 }
 
@@ -168,7 +168,7 @@ void KeepNewPatterns(CNvxFile& file, const CMaskPatternData& table, Patterns& pa
     };
     patterns.erase(std::remove_if(patterns.begin(), patterns.end(), taken), patterns.end());
   }
-  if (patterns.size() != count) nvx::Warn(file, file.GetPosition(), "mask pattern records: repeated IDs dropped");
+  if (patterns.size() != count) nvx::PassOver(file, "mask pattern records: repeated IDs dropped");
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include <nvxprofile/media_property.h>
 
 #include <algorithm>
+#include <memory>
 
 namespace {
 
@@ -49,13 +50,14 @@ bool CMediaPropertyDataEntry::SetParameter(std::int32_t index, std::int32_t valu
   return true;
 }
 
-CMediaPropertyData::~CMediaPropertyData() { DeleteMediaProperty(); }
+CMediaPropertyData::~CMediaPropertyData() = default;
 
-void CMediaPropertyData::AddTail(CMediaPropertyDataEntry* entry) {
-  if (entry != nullptr) entries_.Append(entry, nvx::Ownership::kOwned);
+bool CMediaPropertyData::AddTail(CMediaPropertyDataEntry* entry) {
+  if (entry != nullptr) entries_.Append(std::unique_ptr<CMediaPropertyDataEntry>(entry));
+  return entry != nullptr;
 }
 
-void CMediaPropertyData::DeleteMediaProperty() { entries_.Clear(nvx::Ownership::kOwned); }
+void CMediaPropertyData::DeleteMediaProperty() { entries_.Clear(); }
 
 CMediaPropertyDataEntry* CMediaPropertyData::Find(std::uint32_t usedType) {
   return entries_.Find([usedType](const CMediaPropertyDataEntry& entry) { return entry.GetUsedType() == usedType; });

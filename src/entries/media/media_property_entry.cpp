@@ -16,7 +16,7 @@ std::uint64_t FormSize(const CMediaPropertyData& data) {
 CMediaPropertyEntry::CMediaPropertyEntry() : CProfileDataEntry(kMediaProperty, kFormatKeyed, true) {}
 CMediaPropertyEntry::~CMediaPropertyEntry() = default;
 
-CDataObject* CMediaPropertyEntry::GetFormatData() { return &data_; }
+CDataObject* CMediaPropertyEntry::GetFormatData() { return GetMediaPropertyData(); }
 
 bool CMediaPropertyEntry::BufferToData() {
   return nvx::ParseBuffer(*this, [&](CNvxFile& stream) {

@@ -30,16 +30,6 @@ bool ReadValues(CNvxFile& file, CMediaPropertyDataEntry& block) {
   return true;
 }
 
-// Calls visit(block) for each block in order until one gives false.
-template <class Visit>
-bool ForEachBlock(CMediaPropertyData& data, Visit visit) {
-  bool more = data.GetHeadPosition();
-  while (more) {
-    if (!visit(*data.GetNext(more))) return false;
-  }
-  return true;
-}
-
 MediaPropertyEntryHeader HeaderOf(const CMediaPropertyDataEntry& block) {
   MediaPropertyEntryHeader header;
   header.usedType = block.GetUsedType();
@@ -69,20 +59,26 @@ bool CMediaPropertyFile::LoadHeader(CNvxFile& file) {
 }
 
 bool CMediaPropertyFile::LoadFile(CNvxFile& file, CMediaPropertyData* data) {
-  if (!headerRead_ && !LoadHeader(file)) return false;
+  if (data == nullptr || (!headerRead_ && !LoadHeader(file))) return false;
   if (!nvx::Holds(file, entryCount_, nvx::kRecordSize<MediaPropertyEntryHeader>)) {
     return nvx::Refuse(file, "media property: entry count beyond the end");
   }
   for (std::uint32_t i = 0; i < entryCount_; ++i) {
     data->AddTail(MakeBlock(file, nvx::ReadRecordPadded<MediaPropertyEntryHeader>(file)));
   }
-  return ForEachBlock(*data, [&](CMediaPropertyDataEntry& block) { return ReadValues(file, block); });
+  const auto& blocks = data->Entries();
+  return std::all_of(blocks.begin(), blocks.end(),
+                     [&](CMediaPropertyDataEntry* block) { return ReadValues(file, *block); });
 }
 
 bool CMediaPropertyFile::SaveFile(CNvxFile& file, CMediaPropertyData* data) {
+  if (data == nullptr) return false;
+  const auto& blocks = data->Entries();
   MediaPropertyHeader header;
-  header.entryCount = static_cast<std::uint32_t>(data->GetPropertyCount());
+  header.entryCount = static_cast<std::uint32_t>(blocks.Count());
   return nvx::WriteRecord(file, header) &&
-         ForEachBlock(*data, [&](CMediaPropertyDataEntry& block) { return nvx::WriteRecord(file, HeaderOf(block)); }) &&
-         ForEachBlock(*data, [&](CMediaPropertyDataEntry& block) { return nvx::WriteRecord(file, ValuesOf(block)); });
+         std::all_of(blocks.begin(), blocks.end(),
+                     [&](CMediaPropertyDataEntry* block) { return nvx::WriteRecord(file, HeaderOf(*block)); }) &&
+         std::all_of(blocks.begin(), blocks.end(),
+                     [&](CMediaPropertyDataEntry* block) { return nvx::WriteRecord(file, ValuesOf(*block)); });
 }

@@ -3,14 +3,12 @@
 #include <nvxprofile/model_info.h>
 
 #include <algorithm>
-#include <cstring>
 
 namespace {
 
-// Text and terminator, and nothing behind it.
 template <std::size_t N>
 void CopyOut(char* out, const char (&text)[N]) {
-  std::memcpy(out, text, nvx::FieldText(text).size() + 1);
+  nvx::CopyOut(out, nvx::FieldText(text));
 }
 
 }  // namespace

@@ -5,7 +5,7 @@
 CModelEntry::CModelEntry() : CProfileDataEntry(kModel, kFormatModel, false) {}
 CModelEntry::~CModelEntry() = default;
 
-CDataObject* CModelEntry::GetFormatData() { return &data_; }
+CDataObject* CModelEntry::GetFormatData() { return GetModelData(); }
 
 bool CModelEntry::BufferToData() {
   return nvx::ParseBuffer(*this, [&](CNvxFile& stream) { return CModelFile().LoadFile(stream, &data_); });
@@ -19,7 +19,10 @@ bool CModelEntry::DataToBuffer() {
 CInfoEntry::CInfoEntry() : CProfileDataEntry(kInfo, kFormatInfo, true) { CProfileDataEntry::SetComplete(true); }
 CInfoEntry::~CInfoEntry() = default;
 
-CDataObject* CInfoEntry::GetFormatData() { return &data_; }
+CDataObject* CInfoEntry::GetFormatData() {
+  OpenPayload();
+  return &data_;
+}
 
 bool CInfoEntry::BufferToData() {
   return nvx::ParseBuffer(*this, [&](CNvxFile& stream) { return CInfoFile().LoadFile(stream, &data_); });

@@ -36,7 +36,7 @@ bool CModelFile::LoadHeader(CNvxFile& file) {
 }
 
 bool CModelFile::LoadFile(CNvxFile& file, CModelData* data) {
-  if (!headerRead_ && !LoadHeader(file)) return false;
+  if (data == nullptr || (!headerRead_ && !LoadHeader(file))) return false;
   const auto record = nvx::DecodeRecord<ModelRecord>(record_.data());
   data->SetCmykMode(record.cmykMode != 0);
   data->SetModelName(record.modelName);
@@ -48,6 +48,7 @@ bool CModelFile::LoadFile(CNvxFile& file, CModelData* data) {
 }
 
 bool CModelFile::SaveFile(CNvxFile& file, CModelData* data) {
+  if (data == nullptr) return false;
   ModelRecord record;
   record.cmykMode = data->IsCmykMode() ? 1 : 0;
   record.vdType = data->GetVDType();
@@ -75,7 +76,7 @@ bool CInfoFile::LoadHeader(CNvxFile& file) {
 }
 
 bool CInfoFile::LoadFile(CNvxFile& file, CInfoData* data) {
-  if (!headerRead_ && !LoadHeader(file)) return false;
+  if (data == nullptr || (!headerRead_ && !LoadHeader(file))) return false;
   const auto record = nvx::DecodeRecord<InfoRecord>(record_.data());
   data->SetVersionStr(record.versionStr);
   data->SetComment(record.comment);
@@ -85,6 +86,7 @@ bool CInfoFile::LoadFile(CNvxFile& file, CInfoData* data) {
 }
 
 bool CInfoFile::SaveFile(CNvxFile& file, CInfoData* data) {
+  if (data == nullptr) return false;
   InfoRecord record;
   nvx::CopyText(record.versionStr, nvx::TextOf(data->GetVersionStr()));
   nvx::CopyText(record.comment, nvx::TextOf(data->GetComment()));

@@ -49,21 +49,18 @@ bool ReadCurveSets(CNvxFile& file, std::uint32_t count, std::uint32_t size,
                                [&] { return "VD curves " + std::to_string(i + 1); });
     std::unique_ptr<CCurveData> curves = LoadSet(set);
     if (!curves) return false;
+    if (set.HasPassedOver()) file.NotePassedOver();
     take(std::move(curves));
     offset += *length;
   }
   return true;
 }
 
-std::optional<std::uint64_t> ListedCurveSetSize(CCurveData& set) {
+std::optional<std::uint64_t> ListedCurveSetSize(const CCurveData& set) {
   std::optional<std::uint32_t> curveSize;
-  bool more = set.GetHeadPosition();
-  while (more) {
-    CCurveDataEntry& curve = *set.GetNext(more);
-    const std::uint32_t size = curve.GetSize();
-    const std::uint32_t type = curve.GetDataType();
-    const bool isCarried = type == CCurveDataEntry::kSamples8 || (type == CCurveDataEntry::kSamples16 && size % 2 == 0);
-    if (!isCarried || size != curveSize.value_or(size)) return std::nullopt;
+  for (CCurveDataEntry* const curve : set.Curves()) {
+    const std::uint32_t size = curve->GetSize();
+    if (!HasKnownType(curve) || size != curveSize.value_or(size)) return std::nullopt;
     curveSize = size;
   }
   return CurveSetSize(set);

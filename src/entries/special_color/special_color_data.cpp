@@ -49,7 +49,7 @@ CSpecialColorInfoDataEntry* CSpecialColorInfoDataEntry::CreateSpecialColorInfoDa
   }
 }
 
-CSpecialColorInfoDataEntry::~CSpecialColorInfoDataEntry() { CSpecialColorInfoDataEntry::DeleteContentsVD(); }
+CSpecialColorInfoDataEntry::~CSpecialColorInfoDataEntry() = default;
 
 void CSpecialColorInfoDataEntry::SetUsedType(std::uint32_t usedType, const std::uint32_t* sizes) {
   usedType_ = usedType;
@@ -100,19 +100,21 @@ std::int32_t CSpecialColorInfoDataEntry::SeekPatternVDCurveIndex(std::int32_t pa
   return RecommendationsOf(arrays_, patternCount_).Word(pattern, kCurveIndex);
 }
 
-void CSpecialColorInfoDataEntry::DeleteContentsVD() { curves_.Clear(nvx::Ownership::kOwned); }
+void CSpecialColorInfoDataEntry::DeleteContentsVD() { curves_.Clear(); }
 
-void CSpecialColorInfoDataEntry::AddTailVD(CCurveData* curves) {
-  if (curves != nullptr) curves_.Append(curves, nvx::Ownership::kOwned);
+bool CSpecialColorInfoDataEntry::AddTailVD(CCurveData* curves) {
+  if (curves != nullptr) curves_.Append(std::unique_ptr<CCurveData>(curves));
+  return curves != nullptr;
 }
 
-CSpecialColorInfoData::~CSpecialColorInfoData() { CSpecialColorInfoData::DeleteSpecialColorInfo(); }
+CSpecialColorInfoData::~CSpecialColorInfoData() = default;
 
 void CSpecialColorInfoData::DeleteContents() { DeleteSpecialColorInfo(); }
-void CSpecialColorInfoData::DeleteSpecialColorInfo() { entries_.Clear(nvx::Ownership::kOwned); }
+void CSpecialColorInfoData::DeleteSpecialColorInfo() { entries_.Clear(); }
 
-void CSpecialColorInfoData::AddTail(CSpecialColorInfoDataEntry* entry) {
-  if (entry != nullptr) entries_.Append(entry, nvx::Ownership::kOwned);
+bool CSpecialColorInfoData::AddTail(CSpecialColorInfoDataEntry* entry) {
+  if (entry != nullptr) entries_.Append(std::unique_ptr<CSpecialColorInfoDataEntry>(entry));
+  return entry != nullptr;
 }
 
 CSpecialColorInfoDataEntry* CSpecialColorInfoData::Find(std::uint32_t usedType) {

@@ -7,24 +7,21 @@
 
 namespace {
 
-// Rebuilds the buffer of `target` from the tables of another or the same entry.
-bool Rebuild(CProfileDataEntry& target, CSpecialColorInfoData& tables) {
-  const auto size = nvx::SpecialColorFormSize(tables);
-  return size && nvx::RebuildBuffer(target, *size, nvx::BufferLength::kCapacity,
-                                    [&](CNvxFile& file) { return CSpecialColorInfoFile().SaveFile(file, &tables); });
+auto Writer(CSpecialColorInfoData& tables) {
+  return [&tables](CNvxFile& file) { return CSpecialColorInfoFile().SaveFile(file, &tables); };
 }
 
 }  // namespace
 
-CDataObject* CSpecialColorInfoEntry::GetFormatData() { return &data_; }
+CDataObject* CSpecialColorInfoEntry::GetFormatData() { return GetSpecialColorInfoData(); }
 
 bool CSpecialColorInfoEntry::DoImport(CProfileDataEntry* source) {
   auto* const other = dynamic_cast<CSpecialColorInfoEntry*>(source);
-  if (other == nullptr) return false;
+  if (other == nullptr || !nvx::PayloadKeeper::SaysAll(*other)) return false;
   try {
-    if (!Rebuild(*this, other->data_)) return false;
-    BufferToData();
-    return true;
+    const auto size = nvx::SpecialColorFormSize(other->data_);
+    return size && nvx::PayloadKeeper::Replace(*this, *size, nvx::BufferLength::kCapacity, Writer(other->data_)) &&
+           BufferToData();
   } catch (...) {
     return false;
   }
@@ -38,4 +35,7 @@ bool CSpecialColorInfoEntry::BufferToData() {
   });
 }
 
-bool CSpecialColorInfoEntry::DataToBuffer() { return Rebuild(*this, data_); }
+bool CSpecialColorInfoEntry::DataToBuffer() {
+  const auto size = nvx::SpecialColorFormSize(data_);
+  return size && nvx::RebuildBuffer(*this, *size, nvx::BufferLength::kCapacity, Writer(data_));
+}

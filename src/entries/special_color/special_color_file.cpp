@@ -54,16 +54,6 @@ std::optional<Block> FindBlock(CNvxFile& file, const WordTableRecord& record, st
   return block;
 }
 
-// The block of a record that makes no table, if there is one.
-std::optional<Block> FindIdleBlock(CNvxFile& file, const WordTableRecord& record, std::uint64_t start) {
-  nvx::Warn(file, start, "record: a used type other than 1 makes no table");
-  nvx::Diagnosis* const diagnosis = file.GetDiagnosis();
-  file.SetDiagnosis(nullptr);
-  const auto block = FindBlock(file, record, start);
-  file.SetDiagnosis(diagnosis);
-  return block;
-}
-
 // The table that a record describes, without words; null when memory runs out.
 CSpecialColorInfoDataEntry* MakeTable(const WordTableRecord& record, const Block& block) {
   const std::uint32_t sizes[] = {block.lengths.first, block.lengths.second};
@@ -146,6 +136,8 @@ CSpecialColorInfoFile* CSpecialColorInfoFile::CreateSpecialColorInfoFile(CNvxFil
   return reader->LoadHeader(file) ? reader.release() : nullptr;
 }
 
+CSpecialColorInfoFile::~CSpecialColorInfoFile() = default;
+
 bool CSpecialColorInfoFile::LoadHeader(CNvxFile& file) {
   file.SeekToBegin();
   const bool isWhole = nvx::Holds(file, 1, nvx::kRecordSize<SpecialColorHeader>);
@@ -158,6 +150,7 @@ bool CSpecialColorInfoFile::LoadHeader(CNvxFile& file) {
 }
 
 bool CSpecialColorInfoFile::LoadFile(CNvxFile& file, CSpecialColorInfoData* data) {
+  if (data == nullptr) return false;
   if (!headerRead_) LoadHeader(file);
   data->SetProfileColorType(profileColorType_);
   if (!headerRead_) return false;
@@ -167,16 +160,16 @@ bool CSpecialColorInfoFile::LoadFile(CNvxFile& file, CSpecialColorInfoData* data
   std::vector<Placed> placed;
   std::uint64_t end = file.GetPosition();
   for (const WordTableRecord& record : *records) {
-    const bool makesTable = record.usedType == kSpecialColorTable;
-    const auto block = makesTable ? FindBlock(file, record, end) : FindIdleBlock(file, record, end);
-    if (makesTable) {
-      if (!block) return false;
-      CSpecialColorInfoDataEntry* const table = MakeTable(record, *block);
-      if (table == nullptr) return false;
-      data->AddTail(table);
-      placed.push_back({table, block->start});
+    if (record.usedType != kSpecialColorTable) {
+      nvx::PassOver(file, "record: a used type other than 1 makes no table");
+      continue;
     }
-    if (block) end += block->size;
+    const auto block = FindBlock(file, record, end);
+    if (!block) return false;
+    CSpecialColorInfoDataEntry* const table = MakeTable(record, *block);
+    if (!data->AddTail(table)) return false;
+    placed.push_back({table, block->start});
+    end += block->size;
   }
 
   bool complete = true;
@@ -187,7 +180,7 @@ bool CSpecialColorInfoFile::LoadFile(CNvxFile& file, CSpecialColorInfoData* data
 }
 
 bool CSpecialColorInfoFile::SaveFile(CNvxFile& file, CSpecialColorInfoData* data) {
-  if (!nvx::SpecialColorFormSize(*data)) return false;
+  if (data == nullptr || !nvx::SpecialColorFormSize(*data)) return false;
   SpecialColorHeader header;
   header.profileColorType = data->GetProfileColorType();
   header.recordCount = data->GetPropertyCount();

@@ -179,11 +179,11 @@ TEST(ChromaEntry, ReadsAndSavesItsForm) {
   EXPECT_EQ(BytesOf(entry), Form().Zero(3072 - 2664).Take());
   ASSERT_TRUE(entry.BufferToData());
 
-  // A node with a count of its own is saved as it is.
+  // The form has no place for a node with a count of its own.
+  const Bytes before = BytesOf(entry);
   table.GetAt(0)->Add(0xEE);
-  ASSERT_TRUE(entry.DataToBuffer());
-  const Bytes saved = BytesOf(entry);
-  EXPECT_EQ(Bytes(saved.begin() + 2632, saved.begin() + 2638), (Bytes{1, 2, 3, 4, 0xEE, 5}));
+  EXPECT_FALSE(entry.DataToBuffer());
+  EXPECT_EQ(BytesOf(entry), before);
 }
 
 TEST(ChromaEntry, ReducesCodesAndCutsNames) {
@@ -208,6 +208,10 @@ TEST(ChromaEntry, ReducesCodesAndCutsNames) {
   EXPECT_STREQ(entry.GetLabelString(), "");
   EXPECT_EQ(table.GetAt(0)->GetAt(0), 77);
 
+  EXPECT_EQ(entry.GetPayloadState(), nvx::PayloadState::kPart);
+  EXPECT_FALSE(entry.DataToBuffer()) << "the whole name stands in the buffer alone";
+  EXPECT_EQ(BytesOf(entry), form.Take());
+  entry.DeleteBuffer();
   ASSERT_TRUE(entry.DataToBuffer());
   ByteBuilder saved = Header(1, 1, 1);
   saved.Append(Channel(0xFF, 0, std::string(127, 'a'))).Append(Channel(1, 5, std::string(127, 'b'))).U8(77);

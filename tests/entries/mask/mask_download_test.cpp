@@ -161,12 +161,29 @@ TEST(MaskDownload, RefusesBrokenStreams) {
     nvx::Diagnosis diagnosis;
     EXPECT_FALSE(Parse(entry, stream, &diagnosis)) << stream.size();
     EXPECT_TRUE(diagnosis.HasErrors());
-    EXPECT_EQ(entry.GetWeftData(3), nullptr);
+    EXPECT_FALSE(entry.DataToBuffer());
     EXPECT_EQ(BufferOf(entry), stream);
   }
   CMaskDownLoadEntry entry;
   EXPECT_FALSE(Parse(entry, streams[whole.size() - 1]));
   EXPECT_EQ(entry.GetWeftUsedType(), nullptr) << "no block headers are kept";
+}
+
+TEST(MaskDownload, KeepsTheBlocksBeforeAFault) {
+  const Bytes whole = ThreeBlocks();
+  const auto load = [](CMaskDownLoadEntry& entry, Bytes bytes, std::size_t offset) {
+    bytes[offset] = 'X';
+    EXPECT_FALSE(Parse(entry, bytes));
+    return entry.GetWeftBlocks().size();
+  };
+  CMaskDownLoadEntry entry;
+  EXPECT_FALSE(Parse(entry, Bytes(whole.begin(), whole.end() - 1)));
+  EXPECT_EQ(entry.GetWeftBlocks().size(), 2u) << "the last body is cut short";
+  EXPECT_FALSE(Parse(entry, Bytes(whole.begin(), whole.begin() + 92 + 17)));
+  EXPECT_EQ(entry.GetWeftBlocks().size(), 1u);
+  ASSERT_TRUE(Parse(entry, whole));
+  EXPECT_EQ(load(entry, whole, 20 + 24), 3u) << "a wrong block header leaves what stood there";
+  EXPECT_EQ(load(entry, whole, 92 + 16), 0u) << "a wrong body magic puts all in doubt";
 }
 
 TEST(MaskDownload, DoesNotSaveWhatCannotBeReadBack) {
