@@ -319,6 +319,13 @@ class ReportTest(unittest.TestCase):
         linearization_of(other)[0]["samples"] = [max(sample, 0) for sample in cyan]
         other["entries"].remove(entry_of(other, "large-parameter"))
         entry_of(other, "media-property")["payload"]["mediaProperties"][1]["parameters"][0] = 44
+        entry_of(other, "special-color")["payload"]["entries"][0]["parameters"][1][3] = 95
+        patterns = entry_of(other, "mask-patterns")["payload"]["maskPatterns"]
+        patterns[0]["maskPattern"] = patterns[4]["maskPattern"]
+        calibrations = entry_of(other, "calibration-history")["payload"]["entries"]
+        black = calibrations[2]["payload"]["entries"][0]["payload"]["curves"][3]["samples"]
+        black[10] += 655
+        del calibrations[8]
         return other
 
     def test_comparison_shows_what_differs(self):
@@ -340,7 +347,14 @@ class ReportTest(unittest.TestCase):
         for cell, difference in zip(shown, wanted):
             self.assertAlmostEqual(float(cell.replace("−", "-")), difference, places=5)
         self.assertEqual(set(self.table("difference-linearization")["Black"]), {"0"})
-        self.assertIn("Masks: the same in both", self.texts("details.same summary"))
+        self.assertIn("Separation table: the same in both", self.texts("details.same summary"))
+        special = self.texts("#special .card td")
+        self.assertIn("density 100;", special[0])
+        self.assertIn("density 95;", special[1])
+        self.assertEqual(self.texts("#masks .card h3"), ["Pattern 1"], "the patterns that differ")
+        calibrations = self.texts("#calibrations .card td")
+        self.assertTrue(calibrations[1].endswith("; curves differ by up to 1%"), calibrations)
+        self.assertEqual([calibrations[2][:6], calibrations[3]], ["August", ""])
         self.assertIn("Only in A.", self.texts("#lamp p"))
         self.assertEqual(["".join(cell.split()) for cell in self.texts("#media .card td")], ["38424035", "44424035"])
         folded = self.browser.driver.find_element(By.XPATH, "//summary[text()='Separation table: the same in both']")

@@ -73,10 +73,10 @@ function groupCompared(set, other, group) {
   ];
 }
 
-function curvesCompared(a, b) {
-  return sortedSets([...a.curves, ...b.curves.filter((set) => !setNamed(a.curves, set.name))]).flatMap((set) => {
-    const other = setNamed(b.curves, set.name);
-    const isOfA = setNamed(a.curves, set.name) === set;
+function setsCompared(a, b) {
+  return sortedSets([...a, ...b.filter((set) => !setNamed(a, set.name))]).flatMap((set) => {
+    const other = setNamed(b, set.name);
+    const isOfA = setNamed(a, set.name) === set;
     if (isOfA && other) {
       if (isSame(set, other))
         return foldedSame(curveTitle(set.name), () => el('div', { class: 'cards' }, curveCards([set], 'a-')));
@@ -190,32 +190,138 @@ const entryPairs = (profile) =>
     `${showBytes(entry.size)}, ${entryState(entry)}${entry.label ? `, ${entry.label}` : ''}`,
   ]);
 
+// --- conditions ---
+
+const hexOf = (base64) => Array.from(bytesOf(base64), (byte) => byte.toString(16).padStart(2, '0')).join(' ');
+
+const lampPairs = (profile) =>
+  profile.lamp.flatMap((table, number) => {
+    const start = profile.lamp.length > 1 ? `Table ${number + 1}: ` : '';
+    if (table.fixed) {
+      return d3
+        .range(0, table.fixed.length, 10)
+        .map((word) => [`${start}Words from ${word}`, listNumbers(table.fixed.slice(word, word + 10))]);
+    }
+    return table.patterns.map(({ conditions, splits, parameters }, i) => [
+      `${start}Pattern ${i + 1}`,
+      `Conditions ${conditions.map(showCondition).join(', ')}; splits of ${listNumbers(splits)}; parameters ${listNumbers(parameters)}`,
+    ]);
+  });
+
+const maskPairs = ({ masks }) => [
+  ...(masks.conditions?.maskParameters ?? []).map((record) => [
+    `Passes ${record.pass}, colour set ${record.specialColorsetCode}, method ${record.printMethod}, layer colours ${record.layerColors.join(' ') || 'none'}`,
+    `Patterns ${record.usePatternIDs.join(' ')}; parameters ${hexOf(record.paramData)}`,
+  ]),
+  ...(masks.blocks?.weftData ?? []).map((block, i) => [
+    `Block ${i + 1}`,
+    `Type ${block.blockType}; values ${listNumbers(block.values)}; bytes ${hexOf(block.bytes)}`,
+  ]),
+];
+
+// The patterns that are not the same in both, as pairs of pictures.
+function patternsCompared(a, b) {
+  const [inA, inB] = [a, b].map(
+    ({ masks }) => new Map((masks.conditions?.maskPatterns ?? []).map((pattern) => [pattern.maskPatternID, pattern])),
+  );
+  const ids = [...new Set([...inA.keys(), ...inB.keys()])].filter(
+    (id) => inA.get(id)?.maskPattern !== inB.get(id)?.maskPattern,
+  );
+  const side = (pattern, letter) =>
+    el(
+      'div',
+      {},
+      el('p', {}, el('b', {}, letter)),
+      pattern ? patternPicture(pattern) : el('p', { class: 'note' }, 'none'),
+    );
+  return ids.map((id) =>
+    el(
+      'div',
+      { class: 'card' },
+      el('h3', {}, `Pattern ${id}`),
+      el('div', { class: 'patterns' }, side(inA.get(id), 'A'), side(inB.get(id), 'B')),
+    ),
+  );
+}
+
+const specialPairs = (profile) =>
+  profile.special.tables.flatMap((table, number) =>
+    table.patterns.map(({ conditions, colors, level, density, curveSet }, i) => [
+      `${profile.special.tables.length > 1 ? `Table ${number + 1}: ` : ''}Pattern ${i + 1}`,
+      `Conditions ${conditions.map(showCondition).join(', ')}; colours ${colors.map(showCondition).join(' ')}; level ${level}; density ${density}; curves ${curveSet > 0 ? `of set ${curveSet}` : 'none'}`,
+    ]),
+  );
+
+const specialSets = (profile) =>
+  profile.special.tables.flatMap((table, number) =>
+    table.curveSets.map((curves, i) => ({
+      name: `Variable dots, ${profile.special.tables.length > 1 ? `table ${number + 1}, ` : ''}set ${i + 1}`,
+      sound: true,
+      curves,
+    })),
+  );
+
+const calibrationText = (calibration) =>
+  `${nameOf(calibration)}, ${showTime(calibration.time)}, value ${calibration.value}`;
+
+// How far the curves of a calibration are from those of the one with its code in the other profile.
+function calibrationDistance(a, b, code) {
+  const [setsA, setsB] = [a, b].map(
+    (profile) =>
+      profile.calibrationCurves?.[profile.calibrations.list.findIndex((calibration) => calibration.code === code)] ??
+      [],
+  );
+  const changes = setsB.flatMap((set) =>
+    set.curves.map((curve) => changeBetween(curveOf(setsA, set.name, curve), curve)?.greatest ?? 0),
+  );
+  return d3.max(changes) ?? 0;
+}
+
+function calibrationsCompared(a, b) {
+  const pairs = (profile, note) =>
+    profile.calibrations.list.map((calibration) => [
+      `Code ${calibration.code}`,
+      calibrationText(calibration) + note(calibration.code),
+    ]);
+  const distance = (code) => calibrationDistance(a, b, code);
+  return pairsCompared(
+    'Calibrations',
+    pairs(a, () => ''),
+    pairs(b, (code) => (distance(code) > 0 ? `; curves differ by up to ${showFinePercent(distance(code))}` : '')),
+  );
+}
+
+// Their comparison shows all that there is.
+const isFull = new Set(['overview', 'media', 'entries']);
+
 const comparers = {
   overview: (a, b) => pairsCompared('What it is for', recordFacts(a), recordFacts(b)),
-  curves: curvesCompared,
+  curves: (a, b) => setsCompared(a.curves, b.curves),
   separation: separationCompared,
   icc: iccCompared,
+  calibrations: calibrationsCompared,
+  special: (a, b) => [
+    pairsCompared('Special colours', specialPairs(a), specialPairs(b)),
+    setsCompared(specialSets(a), specialSets(b)),
+  ],
+  lamp: (a, b) => pairsCompared('UV lamp', lampPairs(a), lampPairs(b)),
+  masks: (a, b) => [pairsCompared('Masks', maskPairs(a), maskPairs(b)), patternsCompared(a, b)],
   media: (a, b) => pairsCompared('Media settings', mediaPairs(a), mediaPairs(b)),
   entries: (a, b) => pairsCompared('Entries', entryPairs(a), entryPairs(b)),
 };
 
+// All of both behind what differs.
 const sideBySide = (a, b, section) =>
-  el(
-    'div',
-    { class: 'cards' },
-    [
-      [a, 'A'],
-      [b, 'B'],
-    ].map(([profile, letter]) =>
+  lazyDetails({ class: 'fold' }, `${section.title}: both in full`, () => {
+    const side = (profile, letter) =>
       el(
         'div',
-        {},
+        { class: 'column' },
         el('h3', {}, sideLabel(profile, letter)),
-        el('br'),
         section.build(profile, `${letter.toLowerCase()}-`),
-      ),
-    ),
-  );
+      );
+    return el('div', { class: 'cards' }, side(a, 'A'), side(b, 'B'));
+  });
 
 function sectionCompared(a, b, section) {
   const parts = [section.part, section.also].filter(Boolean);
@@ -224,7 +330,7 @@ function sectionCompared(a, b, section) {
   if (!inA || !inB) return [el('p', {}, `Only in ${inA ? 'A' : 'B'}.`), section.build(inA ? a : b, inA ? 'a-' : 'b-')];
   if (section.key !== 'overview' && parts.every((part) => isSame(a[part], b[part])))
     return foldedSame(section.title, () => section.build(a, 'a-'));
-  return comparers[section.key]?.(a, b) ?? sideBySide(a, b, section);
+  return [comparers[section.key](a, b), isFull.has(section.key) ? null : sideBySide(a, b, section)];
 }
 
 function showComparison(a, b) {

@@ -34,7 +34,7 @@ const curveTitle = (name) => curveTexts[name]?.[0] ?? name;
 
 function conditionName(setName, extend) {
   if (setName === 'ucr') return ucrNames[extend] ?? `kind ${extend}`;
-  return setName.startsWith('variable') ? `dot size ${extend}` : `condition ${extend}`;
+  return /^variable/i.test(setName) ? `dot size ${extend}` : `condition ${extend}`;
 }
 
 // The curves of a set, in groups that share a plot: one for each condition.
