@@ -6,6 +6,7 @@ import json
 import os
 import pathlib
 import shutil
+import struct
 import subprocess
 import sys
 import tempfile
@@ -51,6 +52,46 @@ def entry_of(document, kind):
 
 def linearization_of(document):
     return entry_of(document, "linearization")["payload"]["curves"]
+
+
+def lab_of(profile, colors):
+    """What Little CMS makes of device colours."""
+    command = ["transicc", "-n", "-t1", "-i", profile, "-o", "*Lab"]
+    output = subprocess.run(command, input="\n".join(colors) + "\n", capture_output=True, text=True, check=True).stdout
+    return [list(map(float, line.split())) for line in output.splitlines() if line[:1].isdigit()]
+
+
+def lut_a_to_b_profile():
+    """A profile from RGB to Lab with all parts of lutAToB: colour table, M curves, matrix, B curves."""
+    fixed = lambda *values: struct.pack(f">{len(values)}i", *(round(65536 * value) for value in values))
+    para = lambda *values: b"para" + bytes(4) + struct.pack(">HH", 3, 0) + fixed(*values)
+    identity = b"curv" + bytes(8)
+    # Paper is white; each primary less takes away from the three values in its own way.
+    nodes = [
+        (65535 * (0.2 + 0.8 * (r + g + b) / 3), 32896 + 12000 * (r - g), 32896 + 9000 * (g - b))
+        for r in (0, 1)
+        for g in (0, 1)
+        for b in (0, 1)
+    ]
+    clut = (
+        bytes([2, 2, 2])
+        + bytes(13)
+        + bytes([2, 0, 0, 0])
+        + b"".join(struct.pack(">3H", *map(round, node)) for node in nodes)
+    )
+    b_curves, m_curves = 3 * identity, 3 * para(1.2, 0.9, 0.1, 0.4, 0.05)
+    matrix = fixed(0.95, 0.03, 0.02, 0.01, 0.97, 0.02, 0, 0.05, 0.95, 0, 0.01, 0.02)
+    starts = [32]
+    for part in (b_curves, matrix, m_curves):
+        starts.append(starts[-1] + len(part))
+    lut = (
+        b"mAB " + bytes(4) + bytes([3, 3, 0, 0]) + struct.pack(">5I", *starts, 0) + b_curves + matrix + m_curves + clut
+    )
+    header = struct.pack(
+        ">I4sI4s4s4s12s4s", 144 + len(lut), bytes(4), 0x04200000, b"prtr", b"RGB ", b"Lab ", bytes(12), b"acsp"
+    )
+    header += bytes(28) + fixed(0.9642, 1, 0.8249) + bytes(48)
+    return header + struct.pack(">I4sII", 1, b"A2B0", 144, len(lut)) + lut
 
 
 class ReportTest(unittest.TestCase):
@@ -192,23 +233,24 @@ class ReportTest(unittest.TestCase):
         self.assertEqual(told[0], f"{round(node(3, 4, 0, 0)[0] / 2.55, 1):g}%")
 
     def test_gamut_is_what_an_icc_engine_computes(self):
-        self.browser.open(self.page)
-        table = self.table("icc-gamut")
-        shown = [[float(column[i].replace("−", "-")) for column in table.values()] for i in range(5)]
-        colors = "".join(
-            f"{c} {m} {y} {k}\n"
-            for c, m, y, k in ((0, 0, 0, 0), (100, 0, 0, 0), (0, 100, 0, 0), (0, 0, 100, 0), (0, 0, 0, 100))
-        )
-        frame = entry_of(self.example, "icc")["file"]
-        result = subprocess.run(
-            ["transicc", "-n", "-t1", "-i", frame, "-o", "*Lab"],
-            input=colors,
-            capture_output=True,
-            text=True,
-            check=True,
-        )
-        computed = [list(map(float, line.split())) for line in result.stdout.splitlines() if line[:1].isdigit()]
-        self.assertEqual(len(computed), 5, result.stdout)
+        """Paper and solids of a profile with Lab and one with XYZ behind lut16, and of one with lutAToB."""
+        made = self.folder / "lut_a_to_b.icc"
+        made.write_bytes(lut_a_to_b_profile())
+        cmyk = ["0 0 0 0", "100 0 0 0", "0 100 0 0", "0 0 100 0", "0 0 0 100"]
+        rgb = ["255 255 255", "0 255 255", "255 0 255", "255 255 0"]
+        ghostscript = pathlib.Path("/usr/share/color/icc/ghostscript")
+        profiles = {ghostscript / "default_cmyk.icc": cmyk, ghostscript / "ps_cmyk.icc": cmyk, made: rgb}
+        page = self.folder / "gamuts.html"
+        tool("report", *profiles, "-o", page)
+        for number, (profile, colors) in enumerate(profiles.items()):
+            with self.subTest(profile=profile.name):
+                self.browser.open(page, f"#/{number}")
+                columns = self.table("icc-gamut").values()
+                shown = [[float(column[i].replace("−", "-")) for column in columns] for i in range(len(colors))]
+                self.assert_close(shown, lab_of(profile, colors))
+
+    def assert_close(self, shown, computed):
+        self.assertEqual(len(shown), len(computed))
         for ours, theirs in zip(shown, computed):
             for a, b in zip(ours, theirs):
                 self.assertAlmostEqual(a, b, delta=0.6)

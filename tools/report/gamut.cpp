@@ -53,7 +53,7 @@ class Reader {
 // Samples at equal distances from 0 to 1, looked up with linear interpolation.
 double Interpolate(const std::vector<double>& samples, double x) {
   if (samples.empty()) return x;
-  const double place = std::clamp(x, 0.0, 1.0) * static_cast<double>(samples.size() - 1);
+  const double place = std::clamp(std::isnan(x) ? 0.0 : x, 0.0, 1.0) * static_cast<double>(samples.size() - 1);
   const auto index = std::min(static_cast<std::size_t>(place), samples.size() - 1);
   const double next = samples[std::min(index + 1, samples.size() - 1)];
   return std::lerp(samples[index], next, place - static_cast<double>(index));
@@ -221,6 +221,12 @@ std::optional<Table> ReadTable(const Reader& reader) {
   }
 }
 
+// Curves and matrix of a damaged profile may lead anywhere; what no colour has is cut.
+double Cut(double value) {
+  constexpr double kFar = 300;
+  return std::isnan(value) ? 0 : std::clamp(value, -kFar, kFar);
+}
+
 // Turns stored nodes into Lab.
 class NodeReader {
  public:
@@ -235,7 +241,8 @@ class NodeReader {
     }
     value = Multiply(value);
     for (std::size_t c = 0; c < 3 && !table_.bCurves.empty(); ++c) value[c] = table_.bCurves[c](value[c]);
-    return FromEncoding(value);
+    const Lab lab = FromEncoding(value);
+    return {Cut(lab.l), Cut(lab.a), Cut(lab.b)};
   }
 
  private:
