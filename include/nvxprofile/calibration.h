@@ -122,7 +122,8 @@ class NVX_EXPORT CContainerEntry : public CProfileDataEntry {
 
   // Brings the buffers of all children up to date (RenewBuffer) and makes this entry's buffer of them, exactly as long
   // as its form. False, with the old buffer, if a child's changes cannot be written, for a form beyond 4 GiB, for
-  // children below kMaxLevels, and for a buffer that is unread or was read in part. Buffers of children may then be
+  // children below kMaxLevels, for two children of one used type and option info, which would load as one, and for a
+  // buffer that is unread or was read in part. Buffers of children may then be
   // new, but say what their payloads say.
   bool DataToBuffer() override;
 
@@ -192,8 +193,8 @@ class NVX_EXPORT CCalibrationHistoryEntry : public CContainerEntry {
   // are inserted behind it in their order, and the next ID grows by their number.
   //
   // The codes of the calibrations stay. Two histories often hold the same codes, since both start at 0; two
-  // calibrations with one code live side by side in memory, but become one when the form is loaded again.
-  // nvx::CollidingCodes tells, and nvx::ImportCalibrations imports without any loss.
+  // calibrations with one code live side by side in memory, but no form can carry them, and DataToBuffer then gives
+  // false. nvx::CollidingCodes tells, and nvx::ImportCalibrations imports without any loss.
   bool DoImport(CProfileDataEntry* source) override;
 
   bool BufferToData() override;

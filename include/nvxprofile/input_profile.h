@@ -22,7 +22,7 @@ class NVX_EXPORT CInputProfileInfo final : public CProfileInfoObject {
   char16_t FileName[514] = {};  // name and extension, without folders
   std::uint32_t ColorKind = 0;
   char16_t SortText[41] = {};  // left empty by the library, for callers to fill
-  SYSTEMTIME FileTime;         // when the file came into being, in UTC; zero if that is not known
+  SYSTEMTIME FileTime{};       // when the file came into being, in UTC; zero if that is not known
 };
 
 // Looks at one input profile and keeps neither the file nor the profile open.

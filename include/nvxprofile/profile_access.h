@@ -12,10 +12,14 @@ class CCurveData;
 class CLutData;
 
 // Owns the loaded profile, from a successful Init until the next Init or its own end. Getters hand out pointers into
-// the profile, which the caller never frees. `error` is always a valid record; an operation fills it when it fails and
-// leaves it alone when it succeeds. Without a profile the queries give null, false, 0 or -1 and leave `error`
-// untouched, unless it is said otherwise. One object is for one thread at a time, since even queries move cursors and
-// parse entries anew; objects on different files are independent.
+// the profile, which the caller never frees and does not write to. `error` is always a valid record; an operation fills
+// it when it fails and leaves it alone when it succeeds. Without a profile the queries give null, false, 0 or -1 and
+// leave `error` untouched, unless it is said otherwise.
+//
+// Queries of a loaded profile write to nothing that they share: any number of threads may ask one object at once,
+// without a lock, each with an error record of its own, as long as nobody changes the profile meanwhile. Init is a
+// change; so is asking for a payload or a child of the model (GetFormatData and the like), since whoever holds it may
+// write to it, and walking a list by its cursor.
 class NVX_EXPORT CProfileAccess {
  public:
   CProfileAccess();
@@ -42,7 +46,9 @@ class NVX_EXPORT CProfileAccess {
   bool GetRenderingResolution(std::uint32_t& scan, std::uint32_t& feed, std::uint32_t& expand);
 
   // Curves. A pointer to the samples of one curve, `size` their size in bytes, `dataType` 1 for samples of 8 bits and 2
-  // for 16 bits. It is valid until the next curve query on the same entry: each query parses the entry's buffer anew.
+  // for 16 bits. Queries answer from the entry's buffer: a payload that somebody has asked the model for, and may have
+  // changed without DataToBuffer, is parsed anew. The pointer is valid as long as nobody changes the profile, and after
+  // the entry's payload was asked for until the next curve query on the entry.
   // Null on failure: without a profile or the entry, size and dataType stay as they were; else they are 0, unless the
   // curve has an unknown data type: its size then stands.
   void* GetInkLimit(std::uint32_t inkColorCode, int& size, int& dataType, CError* error);
@@ -150,8 +156,8 @@ class NVX_EXPORT CProfileAccess {
   // Calibrations. A code names one wherever it stands in the history; the index of GetCalibrationInfo counts positions
   // from 0. `name` has room for 21 characters, `codes` for as many as there are calibrations. No operation but the
   // curve getters uses `error`. The count is 0 and the newest code -1 on failure, the latter also after a success in a
-  // history where no time is above 0. The queries by position and of the newest parse the calibrations that they visit
-  // anew, so that pointers to their children are invalid from then on. The curve getters give what GetInkLimit gives;
+  // history where no time is above 0; without a profile it stays as it was. The queries by position and of the newest
+  // parse a calibration anew whose children somebody has asked for, so that pointers to them are invalid from then on. The curve getters give what GetInkLimit gives;
   // size and dataType stay as they were for a negative code and a calibration or curve entry that is missing.
   bool GetCalibrationCount(std::int32_t& count, CError* error);
   bool GetCalibrationInfo(int index, int& code, int& value, std::int64_t& time, char16_t* name, CError* error);
@@ -167,7 +173,7 @@ class NVX_EXPORT CProfileAccess {
 
   void* GetCurveDataBuffer(CProfileDataEntry* entry, std::uint32_t inkColorCode, std::uint32_t extendInfo, int& size,
                            int& dataType, CError* error);
-  // out[i] = second[first[i]] for i below count. `second` has `count` elements; an index beyond takes the last.
+  // out[i] = second[first[i]] for i below count. `second` has an element for every value in `first`.
   void MergeArrayBYTE(std::uint8_t* out, std::uint8_t* first, std::uint8_t* second, int count);
   void MergeArrayWORD(std::uint16_t* out, std::uint16_t* first, std::uint16_t* second, int count);
   void MergeArrayDWORD(std::uint32_t* out, std::uint32_t* first, std::uint32_t* second, int count);

@@ -97,9 +97,9 @@ struct _tagDeviceProfileInfo {
   std::uint32_t ProfileMajorVersion = 0;  // 1, 2 or 3
   std::uint32_t ProfileMinorVersion = 0;  // 0 to 5
   char16_t PrinterComment[65] = {};
-  SYSTEMTIME CreateTime;
+  SYSTEMTIME CreateTime{};
   std::int64_t CreateTimeValue = 0;  // seconds since 1970
-  SYSTEMTIME UpdateTime;
+  SYSTEMTIME UpdateTime{};
   std::int64_t UpdateTimeValue = 0;
   std::uint32_t LayoutNumber = 0;  // which view holds: nvx::kTextView, kBinaryView or kNoView
   union {

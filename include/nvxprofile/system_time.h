@@ -3,6 +3,22 @@
 
 #include <cstdint>
 
+// Windows has this structure already, and a program may use both.
+#if defined(_WIN32)
+
+#if !defined(NOMINMAX)
+#define NOMINMAX
+#endif
+#if defined(_M_X64) && !defined(_AMD64_)
+#define _AMD64_
+#endif
+
+#include <windef.h>
+
+#include <minwinbase.h>
+
+#else
+
 struct _SYSTEMTIME {
   std::uint16_t wYear = 0;
   std::uint16_t wMonth = 0;  // 1 to 12
@@ -15,3 +31,5 @@ struct _SYSTEMTIME {
 };
 
 using SYSTEMTIME = _SYSTEMTIME;
+
+#endif

@@ -66,15 +66,14 @@ class LineCutter {
 // platform::LastError, if the file cannot be opened.
 template <class Take>
 bool CutFile(std::u16string_view path, LineCutter& cutter, Take&& take) {
-  const platform::FileHandle file = platform::OpenFile(path, kGenericRead, kOpenExisting);
-  if (file == platform::kNoFile) return false;
+  const platform::ScopedFile file(platform::OpenFile(path, kGenericRead, platform::kShareReadAndWrite, kOpenExisting));
+  if (!file.IsOpen()) return false;
   std::array<char, 16384> piece;
   std::size_t length = piece.size();
   while (length == piece.size()) {
-    length = platform::ReadFile(file, piece.data(), piece.size());
+    length = platform::ReadFile(file.Handle(), piece.data(), piece.size());
     if (!cutter.Feed(std::string_view(piece.data(), length), take)) break;
   }
-  platform::CloseFile(file);
   return true;
 }
 

@@ -28,10 +28,10 @@ CNvxFile::~CNvxFile() {
   if (handle_ != platform::kNoFile) platform::CloseFile(handle_);
 }
 
-bool CNvxFile::Open(const char16_t* path, std::uint32_t access, std::uint32_t, std::uint32_t creation) {
+bool CNvxFile::Open(const char16_t* path, std::uint32_t access, std::uint32_t share, std::uint32_t creation) {
   const std::u16string_view text = nvx::TextOf(path);
   if (text.empty()) return false;
-  const platform::FileHandle handle = platform::OpenFile(text, access, creation);
+  const platform::FileHandle handle = platform::OpenFile(text, access, share, creation);
   if (handle == platform::kNoFile) return false;
   Attach(handle, text);
   writable_ = (access & nvx::kGenericWrite) != 0;

@@ -4,6 +4,7 @@
 #include <nvxprofile/system_time.h>
 
 #include <cstdint>
+#include <ctime>
 #include <optional>
 
 namespace nvx::platform {
@@ -14,5 +15,8 @@ std::int64_t CurrentTime();
 // Local broken-down time without day of week and milliseconds, which stay 0. Nothing for a negative time and for one
 // beyond the year 3000, which the conversion refuses.
 std::optional<SYSTEMTIME> LocalTime(std::int64_t seconds);
+
+// The parts of a time in the zone that counts now; false if the system refuses.
+bool ToLocal(std::time_t seconds, std::tm& parts);
 
 }  // namespace nvx::platform

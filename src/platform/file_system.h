@@ -20,9 +20,29 @@ struct FileNameParts {
 };
 FileNameParts SplitFileName(std::u16string_view path);
 
-// Opens with the flags of nvxprofile/file.h; kNoFile on failure and for folders.
-FileHandle OpenFile(std::u16string_view path, std::uint32_t access, std::uint32_t creation);
+// What nvxprofile/file.h has no name for: others may go on writing.
+inline constexpr std::uint32_t kShareReadAndWrite = 3;
+
+// Opens with the flags of nvxprofile/file.h; kNoFile on failure and for folders. A POSIX system knows no sharing modes.
+FileHandle OpenFile(std::u16string_view path, std::uint32_t access, std::uint32_t share, std::uint32_t creation);
 void CloseFile(FileHandle file);
+
+// Closes what it holds.
+class ScopedFile {
+ public:
+  explicit ScopedFile(FileHandle file) : file_(file) {}
+  ScopedFile(const ScopedFile&) = delete;
+  ScopedFile& operator=(const ScopedFile&) = delete;
+  ~ScopedFile() {
+    if (IsOpen()) CloseFile(file_);
+  }
+
+  bool IsOpen() const { return file_ != kNoFile; }
+  FileHandle Handle() const { return file_; }
+
+ private:
+  FileHandle file_;
+};
 
 // Transfer as many bytes as the file gives or takes, going on after interruptions and short transfers. The count
 // that was transferred; fewer than asked at the end of the file or on an error.

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -9,13 +10,22 @@ namespace nvx::platform {
 
 inline constexpr std::uint16_t kLanguageJapanese = 17;
 inline constexpr std::uint16_t kLanguageEnglish = 9;
+inline constexpr std::uint32_t kCodePageUtf8 = 65001;
 
-// Primary language number: from LC_ALL, LC_MESSAGES or LANG, whichever is set first. C, POSIX, nothing at all and
-// unknown languages count as English.
+// Primary language number. On a POSIX system from LC_ALL, LC_MESSAGES or LANG, whichever is set first: C, POSIX,
+// nothing at all and unknown languages count as English. On Windows NVXPROFILE_LANGUAGE where it names a language, else
+// the language of the system.
 std::uint16_t PrimaryLanguage();
 
-// NVXPROFILE_CODEPAGE where it is a number; else by language: ja 932, zh 936, ko 949, ru 1251, others 1252.
+// NVXPROFILE_CODEPAGE where it is a number. Else on a POSIX system, and on Windows with NVXPROFILE_LANGUAGE, by
+// language; otherwise the ANSI code page of the process.
 std::uint32_t AnsiCodePage();
+
+// Primary language number of a locale name such as ja_JP.UTF-8 or en-GB.
+std::optional<std::uint16_t> LanguageNumber(std::string_view locale);
+
+// The ANSI code page of a language: ja 932, zh 936, ko 949, ru 1251, others 1252.
+std::uint32_t CodePageOf(std::uint16_t language);
 
 // True if the byte starts a character of two bytes in a code page of that kind (932, 936, 949, 950).
 bool IsLeadByte(std::uint32_t codePage, char byte);
@@ -29,7 +39,7 @@ std::string_view CutAnsi(std::string_view text, std::size_t longest);
 std::u16string AnsiToWide(std::string_view text);
 std::string WideToAnsi(std::u16string_view text);
 
-// Paths and messages: UTF-8 on the outside of a POSIX system. A half of a surrogate pair alone becomes U+FFFD.
+// Paths and messages: UTF-8 on the outside of the library. A half of a surrogate pair alone becomes U+FFFD.
 std::string WideToUtf8(std::u16string_view text);
 std::u16string Utf8ToWide(std::string_view text);
 

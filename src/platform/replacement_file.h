@@ -3,7 +3,7 @@
 
 #include "platform/file_system.h"
 
-#include <filesystem>
+#include <memory>
 #include <string_view>
 
 namespace nvx::platform {
@@ -17,7 +17,7 @@ namespace nvx::platform {
 // at the end; see docs/robustness.md for what holds then.
 class ReplacementFile {
  public:
-  ReplacementFile() = default;
+  ReplacementFile();
   ReplacementFile(const ReplacementFile&) = delete;
   ReplacementFile& operator=(const ReplacementFile&) = delete;
   // Without a Commit the new file is removed.
@@ -31,17 +31,8 @@ class ReplacementFile {
   bool Commit(FileHandle file);
 
  private:
-  using Path = std::filesystem::path::string_type;  // as the operating system takes it
-
-  FileHandle CreateBeside();
-  FileHandle CreateElsewhere();
-  bool GiveName(FileHandle file);
-  bool Rename(FileHandle file);
-
-  Path target_;             // empty when there is nothing to replace
-  Path temporary_;          // name of the new file; empty while it has none to come
-  bool named_ = false;      // the new file has that name already
-  bool elsewhere_ = false;  // the new file lies in the temporary folder
+  class State;
+  std::unique_ptr<State> state_;
 };
 
 }  // namespace nvx::platform

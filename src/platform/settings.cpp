@@ -1,12 +1,13 @@
 #include "platform/settings.h"
 
+#include "platform/environment.h"
+#include "platform/file_system.h"
 #include "platform/locale.h"
+
+#include <nvxprofile/file.h>
 
 #include <algorithm>
 #include <charconv>
-#include <cstdio>
-#include <cstdlib>
-#include <memory>
 #include <utility>
 
 namespace nvx::platform {
@@ -102,35 +103,26 @@ class IniSearch {
   std::uint32_t page_ = AnsiCodePage();
 };
 
-struct CloseStream {
-  void operator()(std::FILE* file) const { std::fclose(file); }
-};
-
 // Takes a file through one block, which grows only for a line that is longer.
 void SearchFile(const std::string& path, IniSearch& search) {
-  const std::unique_ptr<std::FILE, CloseStream> file(std::fopen(path.c_str(), "rbe"));
-  if (!file) return;
-  std::setvbuf(file.get(), nullptr, _IONBF, 0);
+  const ScopedFile file(OpenFile(Utf8ToWide(path), kGenericRead, kShareReadAndWrite, kOpenExisting));
+  if (!file.IsOpen()) return;
   std::string block(std::size_t{1} << 16, '\0');
   std::size_t held = 0;
   bool first = true;
-  while (true) {
+  bool more = true;
+  while (more) {
     if (held == block.size()) block.resize(2 * block.size());
-    const std::size_t got = std::fread(block.data() + held, 1, block.size() - held, file.get());
+    const std::size_t got = ReadFile(file.Handle(), block.data() + held, block.size() - held);
     std::string_view text(block.data(), held + got);
     if (first && text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
     first = false;
     const std::size_t whole = got == 0 ? text.size() : text.rfind('\n') + 1;
-    if (!search.TakeLines(text.substr(0, whole)) || got == 0) return;
+    more = search.TakeLines(text.substr(0, whole)) && got != 0;
     text.remove_prefix(whole);
     held = text.size();
     std::copy(text.begin(), text.end(), block.begin());
   }
-}
-
-std::string Variable(const char* name) {
-  const char* const value = std::getenv(name);
-  return value != nullptr ? value : "";
 }
 
 }  // namespace
@@ -160,11 +152,8 @@ std::int32_t IniInteger(const std::optional<std::string>& value, std::int32_t mi
 }
 
 std::string ProfileFolder() {
-  if (std::string folder = Variable("NVXPROFILE_PROFILE_DIR"); !folder.empty()) return folder;
-  std::string home = Variable("XDG_CONFIG_HOME");
-  if (home.empty() && !Variable("HOME").empty()) home = Variable("HOME") + "/.config";
-  for (const std::string& folder : {home, std::string("/etc")}) {
-    if (folder.empty()) continue;
+  if (auto folder = EnvironmentVariable("NVXPROFILE_PROFILE_DIR")) return *folder;
+  for (const std::string& folder : SettingsFolders()) {
     const auto value = ReadIniText(folder + "/nvxprofile/settings.ini", {}, "ProfileDir");
     if (value && !value->empty()) return *value;
   }

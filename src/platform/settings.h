@@ -29,9 +29,12 @@ inline std::int32_t ReadIniInteger(const std::string& path, std::string_view sec
   return IniInteger(ReadIniText(path, section, key), missing);
 }
 
-// Folder of the conversion table, UTF-8: NVXPROFILE_PROFILE_DIR, else the key ProfileDir in
-// $XDG_CONFIG_HOME/nvxprofile/settings.ini (~/.config by default), else in /etc/nvxprofile/settings.ini; empty if none
-// says so.
+// Folder of the conversion table, UTF-8: NVXPROFILE_PROFILE_DIR, else the key ProfileDir in the first file
+// nvxprofile/settings.ini below the folders of settings that has it; empty if none says so.
 std::string ProfileFolder();
+
+// Where programs keep their settings, the user's before the machine's, UTF-8: $XDG_CONFIG_HOME (~/.config by default)
+// and /etc on a POSIX system, %APPDATA% and %ProgramData% on Windows.
+std::vector<std::string> SettingsFolders();
 
 }  // namespace nvx::platform

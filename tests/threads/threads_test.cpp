@@ -1,4 +1,5 @@
-// Independent objects on different threads: nothing is shared, so nothing needs a lock.
+// Independent objects on different threads, which share nothing, and one profile that many threads ask: nothing needs a
+// lock.
 #include "support/files.h"
 #include "support/legacy_profile.h"
 #include "support/random_model.h"
@@ -10,6 +11,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <string>
 #include <thread>
@@ -74,6 +76,102 @@ TEST(Threads, LoadQueryAndSaveIndependentProfiles) {
     }
   });
   EXPECT_EQ(failures, 0);
+}
+
+// What every query of a profile answers, as text. Failures answer too.
+std::string AskEverything(CProfileAccess& access) {
+  CError error;
+  std::string answers;
+  int size = 0;
+  int type = 0;
+  const auto tell = [&](const void* samples) {
+    answers += std::to_string(size) + '/' + std::to_string(type) + ' ';
+    if (samples != nullptr) answers.append(static_cast<const char*>(samples), static_cast<std::size_t>(size));
+  };
+  const auto count = [&](bool result, auto... values) {
+    answers += result ? 't' : 'f';
+    ((answers += std::to_string(values) + ' '), ...);
+  };
+  for (std::uint32_t ink = 0; ink < 256; ink += 5) {
+    tell(access.GetInkLimit(ink, size, type, &error));
+    tell(access.GetLinearization(ink, size, type, &error));
+    tell(access.GetGrayBalance(ink, size, type, &error));
+    tell(access.GetLightInk(ink, size, type, &error));
+    tell(access.GetMultiInkLimit(ink, 0, size, type, &error));
+    tell(access.GetVariable(ink, 3, size, type, &error));
+    tell(access.GetVariableInkLimit(ink, 0, size, type, &error));
+    count(access.GetMergeGrayBalance(ink, nullptr, size, type, &error), size, type);
+    for (const int code : {0, 1}) {
+      tell(access.GetCalibrationInkLimit(ink, code, size, type, &error));
+      tell(access.GetCalibrationLinearization(ink, code, size, type, &error));
+      tell(access.GetCalibrationGrayBalance(ink, code, size, type, &error));
+    }
+  }
+  tell(access.GetUCR(size, type, &error));
+  tell(access.GetBG(size, type, &error));
+  std::uint32_t grid = 0;
+  std::vector<std::uint8_t> table(static_cast<std::size_t>(std::max(access.GetChromaData(nullptr, grid, &error), 0)));
+  count(true, access.GetChromaData(table.data(), grid, &error), grid, access.GetChromaInputChannel(nullptr, &error),
+        access.GetChromaOutputChannel(nullptr, &error));
+  answers.append(table.begin(), table.end());
+  count(access.GetIccProfile(size, &error) != nullptr, size);
+  count(access.GetReplaceProfile(size, &error) != nullptr, size);
+
+  std::int32_t a = 0;
+  std::int32_t b = 0;
+  std::int32_t c = 0;
+  std::int32_t d = 0;
+  count(access.GetMediaCorrect(a, &error), a);
+  count(access.GetWaveParam(a, &error), a);
+  count(access.GetMediaFeedSpeed(a, &error), a);
+  count(access.GetHeaterTemperature(a, b, c, d, &error), a, b, c, d);
+  std::int32_t values[16] = {};
+  std::int32_t* target = values;
+  count(access.GetPassDensity(a, &target, &error), a, values[0]);
+  count(access.GetDotSize_SD(values, a, &error), a, values[0]);
+  std::uint32_t valueCount = 0;
+  std::uint32_t byteCount = 0;
+  count(access.GetMaskParamCount(valueCount, byteCount, &error), valueCount, byteCount);
+  count(access.IsSupportWeftVersion(&error));
+  count(true, access.GetMaskParameterAndPatternBuffer(nullptr, 1, 1, 1, 0, nullptr, &error));
+  count(access.GetSpecialColorRecommendDensity(a, 1, 1, 3, &error), a);
+  count(access.GetSpecialColorRecommendLevel(a, 1, 1, 1, &b, &error), a);
+  count(access.GetSpecialColorVDCurve(a, b, 0, 1, 1, 3, &error) != nullptr, a, b);
+  count(access.GetUVLamp500ParamCount(valueCount, 1, 2, 3, 4, &error), valueCount);
+  count(access.GetUVLamp500SplitCount(a, 1, 2, 3, 4, &error), a);
+  count(access.GetCalibrationCount(a, &error), a);
+  count(access.GetNewestCalibrationCode(a, &error), a);
+  std::int32_t codes[16] = {};
+  count(access.GetMultiCalibrationCode(codes, &error), codes[0], codes[1]);
+  int code = 0;
+  int value = 0;
+  std::int64_t time = 0;
+  char16_t name[21] = {};
+  count(access.GetCalibrationInfo(0, code, value, time, name, &error), code, value, time);
+  return answers;
+}
+
+// Queries write to nothing, so that one profile answers to many threads.
+TEST(Threads, AskOneProfileEverything) {
+  constexpr int kThreads = 8;
+  const TempFolder folder;
+  const std::u16string path = folder.WideFile("p.icc");
+  for (unsigned seed = 1; seed < 7; ++seed) {
+    std::mt19937 random(seed);
+    CProfileData data;
+    nvx::test::FillRandomProfile(data, random);
+    ASSERT_TRUE(CProfileFileQPFv3().SaveData(path.c_str(), &data, nvx::kRouteCalibration));
+    CProfileAccess access;
+    CProfileAccess alone;
+    CError error;
+    ASSERT_TRUE(access.Init(path.c_str(), &error) && alone.Init(path.c_str(), &error));
+    const std::string expected = AskEverything(alone);
+    std::atomic<int> wrong{0};
+    RunOnThreads(kThreads, [&](int) {
+      for (int round = 0; round < 3; ++round) wrong += AskEverything(access) == expected ? 0 : 1;
+    });
+    EXPECT_EQ(wrong, 0) << seed;
+  }
 }
 
 // One table, one source, and a target for each conversion.

@@ -61,7 +61,13 @@ class ChildLoader {
     }
     const Key key(header.usedType, header.optionInfo);
     const auto found = index_.find(key);
-    if (found != index_.end()) return Fill(header, found->second);
+    if (found != index_.end()) {
+      // A second body for one child takes the place of the first.
+      if (found->second.parsed && header.bodySize > CalibrationEntryHeader::kBodyMagicSize) {
+        nvx::PassOver(file_, "calibration entry header: an entry before has this used type and option info");
+      }
+      return Fill(header, found->second);
+    }
 
     std::unique_ptr<CProfileDataEntry> entry(
         CProfileDataEntry::CreateDataEntry(static_cast<CProfileDataEntry::UsedType>(header.usedType)));

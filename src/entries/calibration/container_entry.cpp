@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <set>
 #include <utility>
 
 namespace {
@@ -14,6 +15,14 @@ bool NestsTooDeep(const CContainerData& data) {
   return data.GetLevel() > CContainerEntry::kMaxLevels || data.Children().First([](const CProfileDataEntry& child) {
     const auto* const container = dynamic_cast<const CContainerEntry*>(&child);
     return container != nullptr && NestsTooDeep(container->GetChildData());
+  }) != nullptr;
+}
+
+// True if a reader of the form would make one child of two.
+bool HoldsTwins(const CContainerData& data) {
+  std::set<std::pair<std::uint32_t, std::uint32_t>> seen;
+  return data.Children().First([&](CProfileDataEntry& child) {
+    return !seen.emplace(child.GetUsedType(), child.GetOptionInfo()).second;
   }) != nullptr;
 }
 
@@ -133,7 +142,7 @@ bool CContainerEntry::ParseChildren(std::uint32_t& optionValue) {
 }
 
 bool CContainerEntry::RebuildForm(std::uint32_t optionValue) {
-  if (!nvx::PayloadKeeper::SaysAll(*this) || NestsTooDeep(data_)) return false;
+  if (!nvx::PayloadKeeper::SaysAll(*this) || NestsTooDeep(data_) || HoldsTwins(data_)) return false;
   const auto& children = data_.Children();
   if (!std::all_of(children.begin(), children.end(), [](CProfileDataEntry* child) { return child->RenewBuffer(); })) {
     return false;

@@ -85,14 +85,15 @@ bool ForEachView(const CLutData& data, Visit visit) {
 std::optional<std::uint64_t> nvx::LutFormSize(const CLutData& table) {
   const std::uint64_t inputs = table.GetInputChannelCount();
   const std::uint64_t outputs = table.GetOutputChannelCount();
+  if (table.InputChannels().size() != inputs || table.OutputChannels().size() != outputs) return std::nullopt;
+  std::uint64_t samples = 0;
+  const bool even = ForEachView(table, [&](const SampleView& run) {
+    samples += run.size;
+    return run.size == static_cast<std::uint64_t>(run.nodes) * outputs;
+  });
   const std::uint64_t nodes = CLutData::CountNodes(table.GetInputChannelCount(), table.GetGridCount());
-  if (nodes != static_cast<std::uint64_t>(table.CountNodes()) || table.InputChannels().size() != inputs ||
-      table.OutputChannels().size() != outputs || !ForEachView(table, [=](const SampleView& run) {
-        return run.size == static_cast<std::uint64_t>(run.nodes) * outputs;
-      })) {
-    return std::nullopt;
-  }
-  return kRecordSize<LutHeader> + (inputs + outputs) * kRecordSize<LutChannelHeader> + nodes * outputs;
+  if (!even || (outputs != 0 && samples / outputs != nodes)) return std::nullopt;
+  return kRecordSize<LutHeader> + (inputs + outputs) * kRecordSize<LutChannelHeader> + samples;
 }
 
 CLutFile::~CLutFile() = default;

@@ -149,15 +149,38 @@ bool Overwrite(int from, const std::string& target) {
 
 }  // namespace
 
-ReplacementFile::~ReplacementFile() {
+class ReplacementFile::State {
+ public:
+  State() = default;
+  State(const State&) = delete;
+  State& operator=(const State&) = delete;
+  ~State();
+
+  FileHandle Create(std::u16string_view target);
+  bool Commit(FileHandle file);
+
+ private:
+  FileHandle CreateBeside();
+  FileHandle CreateElsewhere();
+  bool GiveName(FileHandle file);
+  bool Rename(FileHandle file);
+
+  std::string target_;      // empty when there is nothing to replace
+  std::string temporary_;   // name of the new file
+  bool named_ = false;      // the new file has that name already
+  bool elsewhere_ = false;  // the new file lies in the temporary folder
+};
+
+ReplacementFile::State::~State() {
   if (named_) ::unlink(temporary_.c_str());
 }
 
-FileHandle ReplacementFile::Create(std::u16string_view target) {
+FileHandle ReplacementFile::State::Create(std::u16string_view target) {
   const std::string path = ResolveLink(WideToUtf8(target));
   struct ::stat status {};
   const bool exists = ::stat(path.c_str(), &status) == 0;
-  if (exists && !S_ISREG(status.st_mode)) return OpenFile(target, kGenericRead | kGenericWrite, kCreateAlways);
+  if (exists && !S_ISREG(status.st_mode))
+    return OpenFile(target, kGenericRead | kGenericWrite, kNoShare, kCreateAlways);
   // A file that may not be written is not replaced either, though its folder would allow it.
   if (exists && ::access(path.c_str(), W_OK) != 0) return kNoFile;
 
@@ -173,7 +196,7 @@ FileHandle ReplacementFile::Create(std::u16string_view target) {
   return file;
 }
 
-FileHandle ReplacementFile::CreateBeside() {
+FileHandle ReplacementFile::State::CreateBeside() {
   const std::string folder = FolderOf(target_);
   temporary_ = folder + "/." + NameOf(target_).substr(0, 200) + ".nvx-new";
   const int descriptor = OpenNameless(folder);
@@ -184,7 +207,7 @@ FileHandle ReplacementFile::CreateBeside() {
   return file.descriptor;
 }
 
-FileHandle ReplacementFile::CreateElsewhere() {
+FileHandle ReplacementFile::State::CreateElsewhere() {
   NamedFile file = OpenNamed(TemporaryFolder() + "/." + NameOf(target_).substr(0, 200) + ".nvx-new", 0600);
   // Nobody needs its name, and without one nothing is left behind.
   if (file.descriptor >= 0) ::unlink(file.path.c_str());
@@ -192,7 +215,7 @@ FileHandle ReplacementFile::CreateElsewhere() {
   return file.descriptor;
 }
 
-bool ReplacementFile::GiveName(FileHandle file) {
+bool ReplacementFile::State::GiveName(FileHandle file) {
   if (named_) return true;
   ::unlink(temporary_.c_str());
   const std::string handle = DescriptorPath(Descriptor(file));
@@ -200,7 +223,7 @@ bool ReplacementFile::GiveName(FileHandle file) {
   return named_;
 }
 
-bool ReplacementFile::Rename(FileHandle file) {
+bool ReplacementFile::State::Rename(FileHandle file) {
   // Two savers of one target use the same name and may take it from each other; whichever file is renamed is whole.
   constexpr int kTries = 100;
   for (int i = 0; i < kTries; ++i) {
@@ -218,7 +241,7 @@ bool ReplacementFile::Rename(FileHandle file) {
   return false;
 }
 
-bool ReplacementFile::Commit(FileHandle file) {
+bool ReplacementFile::State::Commit(FileHandle file) {
   if (target_.empty()) return true;
   if (::fsync(Descriptor(file)) != 0) return false;
   if (elsewhere_) return Overwrite(Descriptor(file), target_);
@@ -228,5 +251,10 @@ bool ReplacementFile::Commit(FileHandle file) {
   }
   return IsFolderRefusal(errno) && Overwrite(Descriptor(file), target_);
 }
+
+ReplacementFile::ReplacementFile() : state_(std::make_unique<State>()) {}
+ReplacementFile::~ReplacementFile() = default;
+FileHandle ReplacementFile::Create(std::u16string_view target) { return state_->Create(target); }
+bool ReplacementFile::Commit(FileHandle file) { return state_->Commit(file); }
 
 }  // namespace nvx::platform
