@@ -1,7 +1,7 @@
 # Embeds the page of nvxprofile report and the charting library into the tool. Without the library the tool builds, and
 # report says what is missing.
 find_file(NVXPROFILE_D3 d3.min.js PATHS /usr/share/nodejs/d3/dist /usr/lib/nodejs/d3/dist DOC "d3, version 5 or later"
-          NO_DEFAULT_PATH)
+          NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH)
 set(charts ${NVXPROFILE_D3})
 if(NOT charts)
   set(charts "")
