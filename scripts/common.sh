@@ -20,9 +20,10 @@ need() {
   DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
 }
 
-build_packages=(g++ cmake ninja-build pkg-config libcli11-dev nlohmann-json3-dev libfmt-dev)
+build_packages=(g++ cmake ninja-build pkg-config libcli11-dev nlohmann-json3-dev libfmt-dev node-d3)
 profile_packages=(icc-profiles-free colord-data libgs-common)
 test_packages=(libgtest-dev libgmock-dev liblcms2-dev python3-jsonschema argyll)
+report_packages=(chromium chromium-driver python3-selenium liblcms2-utils poppler-utils libgs-common)
 
 # Every real ICC profile of the profile packages.
 profiles() { find /usr/share/color/icc -type f \( -iname '*.icc' -o -iname '*.icm' \) | sort; }

@@ -39,6 +39,7 @@ void AddDumpCommand(CLI::App& app, int& status);
 void AddBuildCommand(CLI::App& app, int& status);
 void AddDiffCommand(CLI::App& app, int& status);
 void AddValidateCommand(CLI::App& app, int& status);
+void AddReportCommand(CLI::App& app, int& status);
 void AddCompletionCommand(CLI::App& app, int& status);
 
 }  // namespace nvx::tool

@@ -93,6 +93,7 @@ int main(int argc, char** argv) {
                                 AddBuildCommand,
                                 AddDiffCommand,
                                 AddValidateCommand,
+                                AddReportCommand,
                                 AddCompletionCommand}) {
     add(app, status);
   }
