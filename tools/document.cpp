@@ -1,5 +1,6 @@
 #include "document.h"
 
+#include "console.h"
 #include "loading.h"
 #include "record_json.h"
 
@@ -210,7 +211,7 @@ void SetClock(const _tagDeviceProfileInfo& info) {
     parts.tm_isdst = -1;
     seconds = std::mktime(&parts);
   }
-  if (seconds > 0) ::setenv("SOURCE_DATE_EPOCH", std::to_string(seconds).c_str(), 1);
+  if (seconds > 0) SetVariable("SOURCE_DATE_EPOCH", std::to_string(seconds).c_str());
 }
 
 int FormatFromJson(const Node& node) {

@@ -1,11 +1,18 @@
 #include "command.h"
+#include "console.h"
 #include "manual.h"
 #include "terminal.h"
 
+#include <algorithm>
 #include <cstdio>
+#include <string>
+#include <utility>
+#include <vector>
 
 int main(int argc, char** argv) {
   using namespace nvx::tool;
+  const Console console;
+  std::vector<std::string> arguments = Arguments(argc, argv);
   CLI::App app("Reads, converts and writes device profiles of inkjet printers.", "nvxprofile");
   app.set_version_flag("--version", "nvxprofile " NVXPROFILE_VERSION);
   app.require_subcommand(1);
@@ -31,7 +38,10 @@ int main(int argc, char** argv) {
                         })
       ->group("");
   try {
-    app.parse(argc, argv);
+    // The parser takes them from the back, without the program's name.
+    arguments.erase(arguments.begin());
+    std::reverse(arguments.begin(), arguments.end());
+    app.parse(std::move(arguments));
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? kSuccess : kUsage;
   } catch (const std::exception& error) {
