@@ -5,6 +5,8 @@ install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/nvxprofile DESTINATION ${CMAKE_I
 install(TARGETS nvxprofile nvxprofile_static EXPORT nvxprofileTargets)
 if(TARGET nvxprofile_tool)
   install(TARGETS nvxprofile_tool)
+endif()
+if(TARGET nvxprofile_tool AND NOT WIN32)
   install(FILES ${PROJECT_BINARY_DIR}/tools/nvxprofile.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
   install(FILES ${PROJECT_BINARY_DIR}/tools/nvxprofile.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
           RENAME nvxprofile)

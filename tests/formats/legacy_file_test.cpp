@@ -279,7 +279,7 @@ TEST_F(LegacyFile, MediaNamesTakeOverTheNameBefore) {
       {"en", "%0%", "", "L", "L", "", "L"},       {"ja", "E", "", "", "", "", ""},
   };
   for (const auto& item : kCases) {
-    const ScopedVariable locale("LC_ALL", item.locale);
+    const ScopedLanguage locale(item.locale);
     CProfileData data;
     const std::string lines =
         kLines + "Media_Eng:" + item.english + "\nMedia_Jpn:" + item.japanese + "\nMedia_Label:" + item.label + "\n";

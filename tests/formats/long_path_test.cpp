@@ -33,8 +33,6 @@ class LongPath : public testing::Test {
   // Saves, and loads what was saved by path and through the front door.
   void SaveAndLoad(CProfileFile& format, const std::string& name, std::uint32_t selection) {
     ASSERT_TRUE(format.SaveData(Wide(name).c_str(), &data_, selection)) << name;
-    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(std::filesystem::path(File(name)).parent_path()), {}),
-              ++files_);
     CProfileData again;
     EXPECT_TRUE(format.LoadData(Wide(name).c_str(), &again, false)) << name;
     CProfileAccess access;
@@ -46,7 +44,6 @@ class LongPath : public testing::Test {
   nvx::test::LegacyFolder folder_;
   CProfileData data_;
   CError error_;
-  std::ptrdiff_t files_ = 0;
 };
 
 TEST_F(LongPath, AStreamKeepsItWhole) {

@@ -10,8 +10,6 @@
 #include <cstdlib>
 #include <memory>
 
-#include <unistd.h>
-
 namespace {
 
 using nvx::test::Bytes;
@@ -118,10 +116,10 @@ TEST(ProfileFileIcc, EveryBrokenFileGetsTheMessage) {
   CProfileAccess access;
   CError error;
   EXPECT_FALSE(access.Init(folder.WideFile("folder.icc").c_str(), &error));
-  if (::geteuid() != 0) {
-    std::filesystem::permissions(folder.File("bad"), std::filesystem::perms::none);
-    EXPECT_FALSE(access.Init(folder.WideFile("bad").c_str(), &error));
-  }
+  // The superuser reads it all the same.
+  std::filesystem::permissions(folder.File("bad"), std::filesystem::perms::none);
+  const bool readable = std::ifstream(folder.File("bad")).is_open();
+  EXPECT_TRUE(readable || !access.Init(folder.WideFile("bad").c_str(), &error));
 }
 
 TEST(ProfileFileIcc, RealProfilesGoThroughLoadAndSave) {

@@ -1,5 +1,6 @@
 #include "icc/description.h"
 #include "icc/icc_image.h"
+#include "support/environment.h"
 #include "support/icc_builder.h"
 
 #include <gtest/gtest.h>
@@ -299,11 +300,10 @@ TEST(IccDescription, TakesTheNameOfTheFile) {
 }
 
 TEST(IccDescription, CutsLongNamesBetweenCharacters) {
-  ::setenv("NVXPROFILE_CODEPAGE", "932", 1);
+  const nvx::test::ScopedVariable page("NVXPROFILE_CODEPAGE", "932");
   std::string name(64, 'x');
   for (int i = 0; i < 40; ++i) name += "\xE3\x81\x82";  // HIRAGANA LETTER A, two bytes in code page 932
   const CICCTextDescription description = Parsed(Rewritten(DescriptionTag(""), name.c_str()));
-  ::unsetenv("NVXPROFILE_CODEPAGE");
   std::u16string wide(64, u'x');
   wide.append(40, u'\u3042');
   EXPECT_EQ(description.GetUnicodeDescription(), wide + u'\0');

@@ -1,7 +1,9 @@
 // What a test changes in its process for a while: environment variables, and the room that the disk has.
 #pragma once
 
+#if !defined(_WIN32)
 #include <sys/resource.h>
+#endif
 
 #include <csignal>
 #include <cstddef>
@@ -25,11 +27,15 @@ class ScopedVariable {
 
  private:
   void Set(const char* value) const {
+#if defined(_WIN32)
+    ::_putenv_s(name_, value != nullptr ? value : "");
+#else
     if (value != nullptr) {
       ::setenv(name_, value, 1);
     } else {
       ::unsetenv(name_);
     }
+#endif
   }
 
   const char* name_;
@@ -39,12 +45,19 @@ class ScopedVariable {
 // The language of the system.
 class ScopedLanguage {
  public:
-  explicit ScopedLanguage(const char* locale) : all_("LC_ALL", locale), page_("NVXPROFILE_CODEPAGE", nullptr) {}
+  explicit ScopedLanguage(const char* locale) : all_(kVariable, locale), page_("NVXPROFILE_CODEPAGE", nullptr) {}
 
  private:
+#if defined(_WIN32)
+  static constexpr const char* kVariable = "NVXPROFILE_LANGUAGE";
+#else
+  static constexpr const char* kVariable = "LC_ALL";
+#endif
   ScopedVariable all_;
   ScopedVariable page_;
 };
+
+#if !defined(_WIN32)
 
 // No file grows beyond a size, as on a full disk.
 class ScopedFileSizeLimit {
@@ -65,5 +78,7 @@ class ScopedFileSizeLimit {
   ::rlimit before_{};
   void (*signal_)(int);
 };
+
+#endif
 
 }  // namespace nvx::test

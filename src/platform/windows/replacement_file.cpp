@@ -97,6 +97,11 @@ FileHandle ReplacementFile::State::Create(std::u16string_view target) {
   const auto path = FullPath(target);
   if (!path) return kNoFile;
   target_ = *path;
+  const DWORD attributes = ::GetFileAttributesW(path->c_str());
+  if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0) {
+    ::SetLastError(ERROR_ACCESS_DENIED);
+    return kNoFile;
+  }
   // A file that may not be written, or that somebody else holds open, is not replaced.
   const HANDLE old = ::CreateFileW(path->c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
                                    FILE_ATTRIBUTE_NORMAL, nullptr);
@@ -105,6 +110,10 @@ FileHandle ReplacementFile::State::Create(std::u16string_view target) {
     return reinterpret_cast<FileHandle>(CreateNew(target_));
   }
   const ScopedFile closer(reinterpret_cast<FileHandle>(old));
+  if (::GetFileType(old) != FILE_TYPE_DISK) {
+    ::SetLastError(ERROR_INVALID_NAME);
+    return kNoFile;
+  }
   target_ = ResolveLink(*path, old);
   const HANDLE file = CreateNew(target_);
   if (file != INVALID_HANDLE_VALUE) TakeAfter(file, old);

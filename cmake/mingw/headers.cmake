@@ -1,0 +1,15 @@
+# An imported target of headers of this machine. They are linked into a folder of their own: the machine's system headers
+# must not come before those of Windows.
+function(nvxprofile_add_headers target name)
+  if(TARGET ${target})
+    return()
+  endif()
+  if(NOT EXISTS /usr/include/${name})
+    message(FATAL_ERROR "${target} needs /usr/include/${name}")
+  endif()
+  set(folder ${CMAKE_BINARY_DIR}/headers)
+  file(MAKE_DIRECTORY ${folder})
+  file(CREATE_LINK /usr/include/${name} ${folder}/${name} SYMBOLIC)
+  add_library(${target} INTERFACE IMPORTED GLOBAL)
+  target_include_directories(${target} SYSTEM INTERFACE ${folder})
+endfunction()

@@ -1,0 +1,54 @@
+// Streams and saves that run out of room.
+#include "core/replacing_file.h"
+#include "support/environment.h"
+#include "support/files.h"
+
+#include <nvxprofile/file.h>
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+namespace {
+
+using nvx::test::Bytes;
+using nvx::test::ReadBytes;
+using nvx::test::TempFolder;
+using nvx::test::WriteBytes;
+
+TEST(File, FlushTellsThatADeviceIsFull) {
+  CNvxFile file;
+  ASSERT_TRUE(file.Open(u"/dev/full", nvx::kGenericWrite, 0, nvx::kOpenExisting));
+  EXPECT_EQ(file.Write("abcd", 4), 4u);
+  EXPECT_FALSE(file.Flush());
+  EXPECT_EQ(file.Write("abcd", 4), 0u);
+}
+
+TEST(ReplacingFile, AFullDiskLeavesTheOldFileAndNothingElse) {
+  const TempFolder folder;
+  const Bytes old(50, 3);
+  WriteBytes(folder.File("p.icc"), old);
+  const auto writes = [](std::uint32_t pieces, std::uint32_t size) {
+    return [=](CNvxFile& file) {
+      const Bytes bytes(size, 7);
+      for (std::uint32_t i = 0; i < pieces; ++i) {
+        if (file.Write(bytes.data(), size) != size) return false;
+      }
+      return true;
+    };
+  };
+  for (const std::size_t limit :
+       {std::size_t{0}, std::size_t{1}, std::size_t{32767}, std::size_t{32768}, std::size_t{99'999}}) {
+    {
+      const nvx::test::ScopedFileSizeLimit full(limit);
+      EXPECT_FALSE(nvx::SaveByReplacing(folder.WideFile("p.icc").c_str(), writes(100, 1000)));
+      EXPECT_FALSE(nvx::SaveByReplacing(folder.WideFile("p.icc").c_str(), writes(1, 100'000)));
+    }
+    EXPECT_EQ(ReadBytes(folder.File("p.icc")), old);
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.Path()), {}), 1);
+  }
+  EXPECT_FALSE(nvx::SaveByReplacing(u"/dev/full", writes(3, 100)));
+  EXPECT_TRUE(std::filesystem::is_character_file("/dev/full"));
+}
+
+}  // namespace
