@@ -157,8 +157,9 @@ class NVX_EXPORT CProfileAccess {
   // from 0. `name` has room for 21 characters, `codes` for as many as there are calibrations. No operation but the
   // curve getters uses `error`. The count is 0 and the newest code -1 on failure, the latter also after a success in a
   // history where no time is above 0; without a profile it stays as it was. The queries by position and of the newest
-  // parse a calibration anew whose children somebody has asked for, so that pointers to them are invalid from then on. The curve getters give what GetInkLimit gives;
-  // size and dataType stay as they were for a negative code and a calibration or curve entry that is missing.
+  // parse a calibration anew whose children somebody has asked for, so that pointers to them are invalid from then on.
+  // The curve getters give what GetInkLimit gives; size and dataType stay as they were for a negative code and a
+  // calibration or curve entry that is missing.
   bool GetCalibrationCount(std::int32_t& count, CError* error);
   bool GetCalibrationInfo(int index, int& code, int& value, std::int64_t& time, char16_t* name, CError* error);
   bool GetMultiCalibrationCode(std::int32_t* codes, CError* error);

@@ -47,7 +47,8 @@ class NVX_EXPORT CQPFConvertTable {
   std::string failure_;
 };
 
-// Version 1, with one container. The record keeps the path of the stream, so a load works from a real file only. Text longer than its field is cut behind its last whole character.
+// Version 1, with one container. The record keeps the path of the stream, so a load works from a real file only. Text
+// longer than its field is cut behind its last whole character.
 class NVX_EXPORT CProfileFileQPFv1 : public CProfileFileQCT {
  public:
   CProfileFileQPFv1();
