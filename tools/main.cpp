@@ -55,7 +55,7 @@ int Finish(int status) {
     return status;
   } catch (const std::exception& error) {
     PrintError(error.what());
-    return status == kSuccess ? kFailure : status;
+    return status == kUsage ? kUsage : kFailure;
   }
 }
 

@@ -6,7 +6,6 @@
 //     char name[64] = {};
 //     template <class Self, class Codec>
 //     static constexpr void Describe(Self& record, Codec& codec) {
-//       codec.Constant(Magic("ABCD"), record.magic);
 //       codec.Number(record.count);
 //       codec.Text(record.name, 40);
 //       codec.Reserved(12);

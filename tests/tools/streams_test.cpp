@@ -39,6 +39,9 @@ TEST(ToolStreams, LostOutputIsAnError) {
     EXPECT_EQ(result.status, 1) << command;
     EXPECT_NE(result.err.find("standard output: No space left on device"), std::string::npos) << result.err;
   }
+  const ToolResult different =
+      Shell(kTool + " diff " + kFrameProfile + " /usr/share/color/icc/ghostscript/default_rgb.icc > /dev/full");
+  EXPECT_EQ(different.status, 1) << "not 3: nobody has read what differs";
 }
 
 TEST(ToolStreams, PartsGoToPipesAndDevices) {
