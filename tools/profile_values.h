@@ -1,6 +1,8 @@
 // The values of a profile by name: reading them, and changing them where the file stores them.
 #pragma once
 
+#include "command.h"
+#include "loading.h"
 #include "payload.h"
 
 #include <nvxprofile/profile_access.h>
@@ -93,5 +95,19 @@ class ProfileValues {
   std::set<Tokens> changedFields_;  // of the record; of a view its name and the field's
   std::vector<Change> changes_;
 };
+
+// The status of a command that works on the values of a profile: that of run(), or failure with a message that names
+// the file, and the place in it where there is one.
+template <class Run>
+int StatusOf(const std::string& file, Run&& run) {
+  try {
+    return run();
+  } catch (const DocumentError& error) {
+    PrintErrorOf(file, error.Place() + ": " + error.what());
+  } catch (const std::runtime_error& error) {
+    PrintErrorOf(file, error.what());
+  }
+  return kFailure;
+}
 
 }  // namespace nvx::tool

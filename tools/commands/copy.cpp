@@ -82,7 +82,7 @@ void SetModelRecord(ProfileValues& values, const Options& options) {
 
 int Run(const Options& options) {
   const std::map<std::uint16_t, std::string> names = NamesOf(options);
-  try {
+  return StatusOf(options.file, [&] {
     ProfileValues values(options.file);
     if (values.Access().GetProfileLoadFormat() != kPrinterProfile) {
       throw std::runtime_error("only profiles of the current generation can be copied for another medium");
@@ -95,12 +95,7 @@ int Run(const Options& options) {
     const std::string name = std::filesystem::path(options.output).filename().string();
     WriteOutput(options.output, values.Image(hasName ? Utf8ToWide(name) : std::u16string()));
     return kSuccess;
-  } catch (const DocumentError& error) {
-    PrintErrorOf(options.file, error.Place() + ": " + error.what());
-  } catch (const std::runtime_error& error) {
-    PrintErrorOf(options.file, error.what());
-  }
-  return kFailure;
+  });
 }
 
 }  // namespace

@@ -18,7 +18,7 @@ struct Options {
 };
 
 int Run(const Options& options) {
-  try {
+  return StatusOf(options.file, [&] {
     ProfileValues values(options.file);
     std::vector<Json> found;
     for (const std::string& path : options.paths) found.push_back(values.Get(path));
@@ -30,12 +30,7 @@ int Run(const Options& options) {
       }
     }
     return kSuccess;
-  } catch (const DocumentError& error) {
-    PrintErrorOf(options.file, error.Place() + ": " + error.what());
-  } catch (const std::runtime_error& error) {
-    PrintErrorOf(options.file, error.what());
-  }
-  return kFailure;
+  });
 }
 
 }  // namespace

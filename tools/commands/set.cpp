@@ -22,7 +22,7 @@ struct Options {
 
 int Run(const Options& options) {
   const std::string output = options.output.empty() ? options.file : options.output;
-  try {
+  return StatusOf(options.file, [&] {
     ProfileValues values(options.file);
     Assign(values, options.assignments);
     const std::vector<std::uint8_t> image = values.Image();
@@ -32,12 +32,7 @@ int Run(const Options& options) {
       WriteOutput(output, image);
     }
     return kSuccess;
-  } catch (const DocumentError& error) {
-    PrintErrorOf(options.file, error.Place() + ": " + error.what());
-  } catch (const std::runtime_error& error) {
-    PrintErrorOf(options.file, error.what());
-  }
-  return kFailure;
+  });
 }
 
 }  // namespace
