@@ -22,7 +22,7 @@ CCalibrationHistoryEntry& EditableHistory(ChangedProfile& profile) {
   }
   CProfileData& data = profile.Data();
   if (CCalibrationHistoryEntry* const history = HistoryOf(data)) {
-    if (history->GetSize() != 0 && !history->BufferToData()) {
+    if (history->GetSize() != 0 && !ParsesWhole(*history)) {
       throw std::runtime_error("the calibration history is damaged; validate tells where");
     }
     return *history;
@@ -37,6 +37,12 @@ CContainerEntry& CalibrationOf(CCalibrationHistoryEntry& history, std::uint32_t 
       dynamic_cast<CContainerEntry*>(history.GetProfileDataEntry(CProfileDataEntry::kCalibrationContainer, code));
   if (calibration == nullptr) throw std::runtime_error(fmt::format("no calibration has the code {}", code));
   return *calibration;
+}
+
+std::uint32_t Append(CCalibrationHistoryEntry& history, NewCalibration calibration) {
+  CContainerEntry* const added = AddCalibration(history, std::move(calibration));
+  if (added == nullptr) throw std::runtime_error("the calibration does not fit into the history");
+  return added->GetOptionInfo();
 }
 
 std::u16string CalibrationName(const std::string& name) {

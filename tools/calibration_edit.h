@@ -13,11 +13,14 @@
 namespace nvx::tool {
 
 // The history of a profile of the current generation, made if there is none. Throws for profiles of other formats and
-// for a history that does not parse.
+// for a history that does not parse whole.
 CCalibrationHistoryEntry& EditableHistory(ChangedProfile& profile);
 
 // The calibration with that code; throws if there is none.
 CContainerEntry& CalibrationOf(CCalibrationHistoryEntry& history, std::uint32_t code);
+
+// Appends a calibration and gives its code.
+std::uint32_t Append(CCalibrationHistoryEntry& history, NewCalibration calibration);
 
 // The name for a calibration; throws for one that is empty or longer than the 20 characters that a profile keeps.
 std::u16string CalibrationName(const std::string& name);

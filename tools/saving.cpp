@@ -55,6 +55,10 @@ std::vector<std::uint8_t> ChangedProfile::SavedModel(const std::string& path) {
   return {bytes.begin(), bytes.end()};
 }
 
+bool ParsesWhole(CProfileDataEntry& entry) {
+  return entry.BufferToData() && entry.GetPayloadState() != PayloadState::kPart;
+}
+
 void PrintDone(const std::string& path, const std::string& what) {
   if (path != kStandardStream) PrintLine(path + ": " + what);
 }

@@ -35,6 +35,10 @@ class ChangedProfile {
   ProfileEdit edit_;
 };
 
+// Parses the entry's buffer. True only if the payload says all that stands there, so that it may be changed and written
+// anew.
+bool ParsesWhole(CProfileDataEntry& entry);
+
 // Tells what became of the file at `path`, unless that is standard output itself.
 void PrintDone(const std::string& path, const std::string& what);
 

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -211,6 +212,37 @@ TEST_F(CalibrationTool, CalibrateAppendsMeasuredCurves) {
     EXPECT_THAT(result.err, HasSubstr(message));
   }
   EXPECT_EQ(ReadBytes(folder_.File("a.icc")), before);
+}
+
+// Of two calibrations with one code the payload has the second alone: built anew, the first would be gone.
+TEST_F(CalibrationTool, ATwinIsNeverWrittenAway) {
+  Build("twins.icc", {Calibration(1, "first", 1), Calibration(2, "second", 2)}, 3);
+  Bytes bytes = ReadBytes(folder_.File("twins.icc"));
+  const Bytes second{'H', 'E', 'A', 'C', 88, 0, 0, 0};
+  std::size_t patched = 0;
+  for (auto at = bytes.begin();; ++at) {
+    at = std::search(at, bytes.end(), second.begin(), second.end());
+    if (at == bytes.end()) break;
+    if (at[12] != 20 || at[24] != 2) continue;
+    at[24] = 1;
+    ++patched;
+  }
+  ASSERT_EQ(patched, 1U);
+  WriteBytes(folder_.File("twins.icc"), bytes);
+  const std::string curves = "ink,index,sample\n1,0,0\n1,1,65535\n";
+  WriteBytes(folder_.File("c.csv"), Bytes(curves.begin(), curves.end()));
+  const std::vector<std::vector<std::string>> changes{
+      {"calibrate", folder_.File("twins.icc"), "--csv", folder_.File("c.csv"), "--name", "third"},
+      {"remove-calibration", folder_.File("twins.icc"), "1"},
+      {"rename-calibration", folder_.File("twins.icc"), "1", "other"}};
+  for (const std::vector<std::string>& change : changes) {
+    const ToolResult result = RunTool(change);
+    EXPECT_EQ(result.status, 1) << change[0] << result.out << result.err;
+    EXPECT_EQ(ReadBytes(folder_.File("twins.icc")), bytes) << change[0];
+  }
+  Build("from.icc", {Calibration(5, "x", 1)}, 6);
+  EXPECT_EQ(Import("from.icc", "twins.icc").status, 1);
+  EXPECT_EQ(ReadBytes(folder_.File("twins.icc")), bytes);
 }
 
 TEST_F(CalibrationTool, ImportLeavesADamagedHistoryAlone) {

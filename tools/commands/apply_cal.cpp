@@ -40,7 +40,7 @@ CProfileCurveEntry& CurveEntry(CProfileData& data, std::uint32_t usedType) {
     throw std::runtime_error(
         fmt::format("the profile has no {} curves to take inks and sample counts from", EntryName(usedType)));
   }
-  if (!entry->BufferToData()) {
+  if (!ParsesWhole(*entry)) {
     throw std::runtime_error(fmt::format("the {} curves are damaged; validate tells where", EntryName(usedType)));
   }
   return *entry;
@@ -63,7 +63,7 @@ std::string ReplaceCurves(CProfileData& data, const CalFile& cal, const Options&
       CurvesInCal(cal, inks, WantedCurves(entry, options), options.partial ? Fit::kPartial : Fit::kWhole);
   TakeOutputs(cal, inks, curves);
   CutAtLimits(cal, inks, curves);
-  if (!entry.DataToBuffer()) throw std::runtime_error("the curves are too many for one entry");
+  if (!entry.DataToBuffer()) throw std::runtime_error("the curves cannot be written as one entry");
   return fmt::format("{} curves of {} replaced", curves.size(), EntryName(entry.GetUsedType()));
 }
 
@@ -91,7 +91,7 @@ std::string AppendCalibration(ChangedProfile& profile, const CalFile& cal, const
   calibration.inkLimit = InkLimitOf(cal, inks, curves);
   const char* const limits = calibration.inkLimit ? " and ink limits" : "";
   calibration.linearization = std::move(linearization);
-  const std::uint32_t code = AddCalibration(history, std::move(calibration))->GetOptionInfo();
+  const std::uint32_t code = Append(history, std::move(calibration));
   return fmt::format("calibration {} \"{}\" appended, with {} curves{}", code, options.calibration, curves.size(),
                      limits);
 }

@@ -61,7 +61,7 @@ int Run(const Options& options) {
     calibration.name = name;
     calibration.value = options.value;
     calibration.time = options.time.value_or(PresentTime());
-    code = AddCalibration(history, std::move(calibration))->GetOptionInfo();
+    code = Append(history, std::move(calibration));
   } catch (const std::runtime_error& error) {
     PrintErrorOf(options.file, fmt::format("{}; nothing was changed", error.what()));
     return kFailure;

@@ -86,15 +86,17 @@ std::string Convert(const Job& job, const Options& options) {
   if (converter.GetProfileDataEntry_V2(CProfileDataEntry::kIcm) == nullptr) return "has no ICC profile entry";
   converter.SetupModuleVersion(Utf8ToWide(options.moduleVersion).c_str());
   const _tagDBDeviceProfileInfo database = DatabaseRecord(options, *header.GetProfileInfo());
-  converter.ConvertV2ToV3Profile(&database);
+  if (!converter.ConvertV2ToV3Profile(&database)) {
+    return "has an entry that can be read only in part, and what it holds besides would be lost; validate tells where";
+  }
 
   // The result is made and looked at before it takes the target's place. Its name goes into the profile as its
   // description, so it is the target's from the start.
   const WorkFolder folder(fs::temp_directory_path().string());
   const bool isStandard = job.target == kStandardStream;
   const fs::path made = folder.File(isStandard ? "profile" : job.target.filename().string());
-  converter.SaveV3Profile(Wide(made).c_str());
-  if (!fs::exists(made)) return "cannot be saved: the ICC profile entry is no usable profile, or the disk is full";
+  if (!converter.SaveV3Profile(Wide(made).c_str()))
+    return "cannot be saved: the ICC profile entry is no usable profile, or the disk is full";
   if (!IsComplete(made, converter)) return "the result does not load: " + WhyNotLoaded(Wide(made));
   const std::string bytes = ReadInput(made.string());
   WriteOutput(job.target.string(), {reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()});

@@ -105,7 +105,7 @@ int Run(const Options& options) {
   }
   const std::optional<std::vector<ImportedCalibration>> imported = ImportCalibrations(into, *from);
   if (!imported || !into.DataToBuffer()) {
-    PrintError(options.into + ": the calibrations are too many for one profile; it is as it was");
+    PrintError(options.into + ": the calibrations cannot be kept in one profile; it is as it was");
     return kFailure;
   }
   target.Save(into.GetUsedType(), options.into);
