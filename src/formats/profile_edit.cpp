@@ -305,7 +305,8 @@ bool ProfileEdit::SetEntryBytes(std::uint32_t usedType, View bytes) {
   return SetTag(name, tag);
 }
 
-bool ProfileEdit::ReplaceSlot(const Slot& slot, View bytes) {
+bool ProfileEdit::ReplaceSlot(const Slot& slot, View wanted) {
+  const Bytes bytes(wanted.begin(), wanted.end());  // the caller's may be a part of this file
   const auto bodySize = static_cast<std::uint32_t>(bytes.size() + kBodyMagicSize);
   const auto replaceIn = [&](Bytes& block, std::size_t base) {
     ChangeRecord<ContainerEntryHeader>(block.data() + slot.header - base,

@@ -79,6 +79,16 @@ TEST_F(Edit, OfAnotherLengthKeepsAllOtherTags) {
   EXPECT_FALSE(edit.SetEntryBytes(27, Bytes{})) << "a tag with its opening alone would not load";
 }
 
+TEST_F(Edit, TakesBytesOutOfTheFileItself) {
+  ProfileEdit edit;
+  Open(ReadBytes(NVXPROFILE_SOURCE_FOLDER "/fuzz/corpus/container/curves"), edit);
+  const Bytes longer = BytesOf(edit, 6);
+  ASSERT_GT(longer.size(), BytesOf(edit, 7).size());
+  ASSERT_TRUE(edit.SetEntryBytes(7, *edit.EntryBytes(6)));
+  EXPECT_EQ(BytesOf(edit, 7), longer);
+  EXPECT_EQ(BytesOf(edit, 6), longer);
+}
+
 TEST_F(Edit, RefusesTablesThatDoNotHold) {
   const Bytes whole = Profile();
   const Bytes magic{'I', 'H', 'E', 'P'};
