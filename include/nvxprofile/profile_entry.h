@@ -155,7 +155,7 @@ class NVX_EXPORT CProfileDataEntry {
   nvx::Diagnosis* GetDiagnosis() const { return diagnosis_; }
 
  protected:
-  // For the subclasses: the values of their row in the table of entry types.
+  // For the subclasses: the type of the entry, the kind of its binary form, and what IsDisplayEnable says.
   CProfileDataEntry(UsedType usedType, FormatType formatType, bool display);
 
   // For the subclasses: their payload is about to be handed out for reading and writing.
