@@ -5,6 +5,7 @@
 
 #include <nvxprofile/profile_file.h>
 
+#include <cstring>
 #include <limits>
 #include <memory>
 #include <optional>
@@ -70,6 +71,14 @@ void Parse(CNvxFile& file, std::uint32_t offset, CProfileDataEntry& entry) {
   entry.SetDiagnosis(file.GetDiagnosis());
   entry.BufferToData();
   entry.SetDiagnosis(nullptr);
+}
+
+// An entry on two routes of a text-headed profile stands in both of its tables.
+bool SayTheSame(CProfileDataEntry& a, CProfileDataEntry& b) {
+  return a.GetSize() == b.GetSize() &&
+         (a.GetSize() == 0 || std::memcmp(a.GetRefBuffer(), b.GetRefBuffer(), a.GetSize()) == 0) &&
+         a.IsComplete() == b.IsComplete() && a.GetOptionInfo() == b.GetOptionInfo() &&
+         std::strcmp(a.GetLabelString(), b.GetLabelString()) == 0;
 }
 
 }  // namespace
@@ -147,9 +156,10 @@ bool CProfileFileQCT::LoadEntries(CNvxFile& file, CProfileData* data) {
              return nvx::Refuse(file, "entry body: cut short");
            // An entry whose payload does not parse keeps its bytes.
            Parse(file, offset, *entry);
-           const std::uint32_t usedType = entry->GetUsedType();
-           if (!data->SetProfileDataEntry(entry.release(), route_) && data->GetProfileDataEntry(route_, usedType)) {
-             nvx::PassOver(file, "entry header: the profile has an entry of this used type already, which stays");
+           CProfileDataEntry* const present = data->GetProfileDataEntryFromList(entry->GetUsedType());
+           const bool isLost = present != nullptr && !SayTheSame(*present, *entry);
+           if (!data->SetProfileDataEntry(entry.release(), route_) && isLost) {
+             nvx::PassOver(file, "entry header: the profile has another entry of this used type already, which stays");
            }
            return true;
          });

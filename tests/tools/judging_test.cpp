@@ -1,4 +1,5 @@
 // What the tool says of profiles for those who print with them: differences, separation tables, and what prints wrong.
+#include "support/environment.h"
 #include "support/files.h"
 #include "tools/profile_maker.h"
 #include "tools/run_tool.h"
@@ -198,6 +199,19 @@ TEST_F(Judging, TheExamplesMergeToMoreThanTwoAmounts) {
     EXPECT_GT(std::set<std::uint16_t>(merged.begin(), merged.end()).size(), 25u);
     EXPECT_LT(merged[16], 40000);
   }
+}
+
+// An entry on both routes stands in both tables of the file, which takes nothing from anybody.
+TEST_F(Judging, AnEntryOnTwoRoutesIsSound) {
+  const std::string examples = std::string(NVXPROFILE_SOURCE_FOLDER) + "/examples/text_headed";
+  const ScopedVariable table("NVXPROFILE_PROFILE_DIR", examples.c_str());
+  ASSERT_EQ(RunTool({"build", examples + "/glossy.json", "-o", folder_.File("e.qpf")}).status, 0);
+  const ToolResult same = RunTool({"validate", folder_.File("e.qpf")});
+  EXPECT_THAT(same.out, testing::EndsWith("sound\n"));
+  Bytes bytes = ReadBytes(folder_.File("e.qpf"));
+  bytes.back() ^= 1;
+  WriteBytes(folder_.File("e.qpf"), bytes);
+  EXPECT_THAT(RunTool({"validate", folder_.File("e.qpf")}).out, HasSubstr("another entry of this used type already"));
 }
 
 TEST_F(Judging, PlotsShowWhereTheyCanBeSeen) {
