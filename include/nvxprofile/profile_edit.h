@@ -53,7 +53,7 @@ class NVX_EXPORT ProfileEdit {
 
   // The header of the entry; nothing if it has none, as the entries in tags of their own.
   std::optional<StoredEntryHeader> EntryHeader(std::uint32_t usedType) const;
-  bool SetEntryHeader(std::uint32_t usedType, const StoredEntryHeader& header);
+  bool SetEntryHeader(std::uint32_t usedType, const StoredEntryHeader& wanted);
 
   // The record of a printer profile with the fields that its header block and its media names hold, as they are stored:
   // what a load works out of them is not in it. The caller changes them in place, and the media names by
@@ -76,7 +76,7 @@ class NVX_EXPORT ProfileEdit {
   bool OpenTables(CNvxFile& file, const char16_t* path);
   bool LoadHeaders();
   std::optional<Slot> FindSlot(std::uint32_t usedType) const;
-  bool ReplaceSlot(const Slot& slot, std::span<const std::uint8_t> bytes);
+  bool ReplaceSlot(const Slot& slot, std::span<const std::uint8_t> wanted);
   std::optional<Tag> TagAt(const char* name) const;
   bool SetTag(const char* name, const std::vector<std::uint8_t>& bytes);
 
