@@ -124,7 +124,7 @@ std::string ZshAction(const Values& values) {
   }
 }
 
-// Brackets and colons part the pieces of a specification.
+// Brackets and colons part what an argument of _arguments says.
 std::string ZshEscaped(std::string_view text) {
   std::string escaped;
   for (const char c : text) {
@@ -139,12 +139,12 @@ std::string ZshOption(const CLI::Option& option) {
   std::string names = NamesOf(option);
   std::string lines;
   for (const std::string& name : CLI::detail::split(names, ' ')) {
-    std::string spec = "*" + name + "[" + ZshEscaped(option.get_description()) + "]";
+    std::string argument = "*" + name + "[" + ZshEscaped(option.get_description()) + "]";
     const int count = std::max(1, option.get_items_expected_min());
     for (int i = 0; values.kind != Kind::kNone && i < count; ++i) {
-      spec += fmt::format(":{}:{}", ZshEscaped(option.get_type_name()), ZshAction(values));
+      argument += fmt::format(":{}:{}", ZshEscaped(option.get_type_name()), ZshAction(values));
     }
-    lines += " \\\n        " + Quoted(spec);
+    lines += " \\\n        " + Quoted(argument);
   }
   return lines;
 }

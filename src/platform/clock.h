@@ -16,6 +16,9 @@ std::int64_t CurrentTime();
 // beyond the year 3000, which the conversion refuses.
 std::optional<SYSTEMTIME> LocalTime(std::int64_t seconds);
 
+// Year, month, day, hour, minute and second of broken-down time; the rest is 0.
+SYSTEMTIME SystemTimeOf(const std::tm& parts);
+
 // The parts of a time in the zone that counts now; false if the system refuses.
 bool ToLocal(std::time_t seconds, std::tm& parts);
 

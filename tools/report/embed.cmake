@@ -1,5 +1,6 @@
 # Writes the definitions of embedded.h.
-# TEMPLATE, STYLE, SCRIPTS (a list, joined in its order inside of one strict function), CHARTS (may be empty), OUT.
+# TEMPLATE, STYLES (a list, joined in its order), SCRIPTS (likewise, inside of one strict function), CHARTS (may be empty),
+# OUT.
 set(source "#include \"report/embedded.h\"\n\nnamespace nvx::tool {\nnamespace {\n\n")
 set(definitions "")
 
@@ -29,8 +30,15 @@ foreach(script IN LISTS SCRIPTS)
 endforeach()
 file(APPEND "${joined}" "})();\n")
 
+set(styles "${OUT}.css")
+file(WRITE "${styles}" "")
+foreach(style IN LISTS STYLES)
+  file(READ "${style}" text)
+  file(APPEND "${styles}" "${text}")
+endforeach()
+
 embed(PageTemplate "${TEMPLATE}")
-embed(PageStyle "${STYLE}")
+embed(PageStyle "${styles}")
 embed(PageScript "${joined}")
 embed(ChartLibrary "${CHARTS}")
 file(WRITE "${OUT}" "${source}\n}  // namespace\n\n${definitions}\n}  // namespace nvx::tool\n")

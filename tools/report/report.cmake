@@ -12,12 +12,13 @@ set(page ${CMAKE_CURRENT_LIST_DIR}/page)
 # In the order in which they build on each other.
 set(scripts data format dom inks plot curves separation gamut conditions calibrations profile compare index main)
 list(TRANSFORM scripts REPLACE "(.+)" "${page}/\\1.js")
+set(styles ${page}/style.css ${page}/plots.css ${page}/media.css)
 set(embedded ${CMAKE_CURRENT_BINARY_DIR}/report_page.cpp)
 add_custom_command(
   OUTPUT ${embedded}
-  COMMAND ${CMAKE_COMMAND} -DTEMPLATE=${page}/template.html -DSTYLE=${page}/style.css "-DSCRIPTS=${scripts}"
+  COMMAND ${CMAKE_COMMAND} -DTEMPLATE=${page}/template.html "-DSTYLES=${styles}" "-DSCRIPTS=${scripts}"
           -DCHARTS=${charts} -DOUT=${embedded} -P ${CMAKE_CURRENT_LIST_DIR}/embed.cmake
-  DEPENDS ${page}/template.html ${page}/style.css ${scripts} ${charts} ${CMAKE_CURRENT_LIST_DIR}/embed.cmake
+  DEPENDS ${page}/template.html ${styles} ${scripts} ${charts} ${CMAKE_CURRENT_LIST_DIR}/embed.cmake
   VERBATIM)
 target_sources(nvxprofile_tool PRIVATE ${embedded})
 set_source_files_properties(${embedded} PROPERTIES SKIP_PRECOMPILE_HEADERS ON)

@@ -1,4 +1,5 @@
 #include "platform/file_system.h"
+#include "platform/clock.h"
 
 #include "platform/locale.h"
 
@@ -81,14 +82,8 @@ std::optional<SYSTEMTIME> FileCreationTime(std::u16string_view path) {
   const std::time_t seconds = stamp.tv_sec;
   std::tm parts{};
   if (::gmtime_r(&seconds, &parts) == nullptr) return std::nullopt;
-  SYSTEMTIME time{};
-  time.wYear = static_cast<std::uint16_t>(1900 + parts.tm_year);
-  time.wMonth = static_cast<std::uint16_t>(parts.tm_mon + 1);
+  SYSTEMTIME time = SystemTimeOf(parts);
   time.wDayOfWeek = static_cast<std::uint16_t>(parts.tm_wday);
-  time.wDay = static_cast<std::uint16_t>(parts.tm_mday);
-  time.wHour = static_cast<std::uint16_t>(parts.tm_hour);
-  time.wMinute = static_cast<std::uint16_t>(parts.tm_min);
-  time.wSecond = static_cast<std::uint16_t>(parts.tm_sec);
   time.wMilliseconds = static_cast<std::uint16_t>(stamp.tv_nsec / 1'000'000);
   return time;
 }
