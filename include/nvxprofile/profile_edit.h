@@ -73,7 +73,7 @@ class NVX_EXPORT ProfileEdit {
   struct Slot;
   class Tag;
 
-  bool OpenTables(CNvxFile& file, const char16_t* path);
+  bool OpenTables(CNvxFile& file);
   bool LoadHeaders();
   std::optional<Slot> FindSlot(std::uint32_t usedType) const;
   bool ReplaceSlot(const Slot& slot, std::span<const std::uint8_t> wanted);

@@ -19,11 +19,6 @@
 
 namespace {
 
-bool HasIccExtension(std::u16string_view path) {
-  const std::u16string_view extension = nvx::platform::SplitFileName(path).extension;
-  return extension == u".icc" || extension == u".icm";
-}
-
 bool StartsWithTextHeader(CNvxFile& file) {
   char start[nvx::kTextHeaderStart.size()];
   file.SeekToBegin();
@@ -66,7 +61,7 @@ std::unique_ptr<CProfileFile> DetectTextFormat(CNvxFile& file) {
 }
 
 std::unique_ptr<CProfileFile> Detect(CNvxFile& file) {
-  if (HasIccExtension(file.GetPath())) return DetectIccFormat(file);
+  if (nvx::HasIccExtension(file.GetPath())) return DetectIccFormat(file);
   file.SeekToBegin();
   if (nvx::ReadMagic(file, nvx::ContainerHeader::kMagic)) return std::make_unique<CProfileFileQCT>();
   if (StartsWithTextHeader(file)) {
@@ -76,6 +71,11 @@ std::unique_ptr<CProfileFile> Detect(CNvxFile& file) {
 }
 
 }  // namespace
+
+bool nvx::HasIccExtension(std::u16string_view path) {
+  const std::u16string_view extension = nvx::platform::SplitFileName(path).extension;
+  return extension == u".icc" || extension == u".icm";
+}
 
 std::unique_ptr<CProfileFile> nvx::DetectFormat(CNvxFile& file) {
   Diagnosis* const diagnosis = file.GetDiagnosis();
@@ -88,7 +88,7 @@ std::unique_ptr<CProfileFile> nvx::DetectFormat(CNvxFile& file) {
 
 CProfileFile* CProfileFile::CreateProfileFile(const char16_t* path, bool readOnly) {
   if (path == nullptr) return nullptr;
-  if (HasIccExtension(path)) return CreateICCProfileFile(path);
+  if (nvx::HasIccExtension(path)) return CreateICCProfileFile(path);
   CNvxFile file;
   const std::uint32_t access = readOnly ? nvx::kGenericRead : nvx::kGenericRead | nvx::kGenericWrite;
   if (!file.Open(path, access, nvx::kShareRead, nvx::kOpenExisting)) return nullptr;

@@ -5,8 +5,19 @@
 #include <nvxprofile/profile_file.h>
 
 #include <memory>
+#include <string_view>
 
 namespace nvx {
+
+// What CProfileFile::GetMyFormat gives.
+inline constexpr int kContainer = 1;
+inline constexpr int kText1 = 2;
+inline constexpr int kText2 = 3;
+inline constexpr int kPrinterProfile = 4;
+inline constexpr int kPlainIcc = 6;
+
+// True for a path that is taken for an ICC profile whatever stands in the file.
+bool HasIccExtension(std::u16string_view path);
 
 // A format object for the file behind an open stream, as CProfileFile::CreateProfileFile gives it for its path; null if
 // it is of no known kind. The stream stands at its start afterwards, and nothing is recorded with its diagnosis: what

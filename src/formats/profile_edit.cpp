@@ -2,6 +2,7 @@
 #include "core/stream.h"
 #include "core/text.h"
 #include "formats/container_records.h"
+#include "formats/detection.h"
 #include "formats/qpf_tags.h"
 #include "formats/record_views.h"
 #include "icc/description.h"
@@ -24,9 +25,6 @@ namespace {
 using Bytes = std::vector<std::uint8_t>;
 using View = std::span<const std::uint8_t>;
 
-constexpr int kContainer = 1;
-constexpr int kText2 = 3;
-constexpr int kPrinterProfile = 4;
 constexpr std::uint32_t kEntryHeaderSize = kRecordSize<ContainerEntryHeader>;
 constexpr std::uint32_t kBodyMagicSize = ContainerEntryHeader::kBodyMagicSize;
 constexpr std::uint32_t kOpeningSize = kRecordSize<PrivateTagOpening>;
@@ -179,28 +177,25 @@ bool ProfileEdit::Open(const char16_t* path, Diagnosis* diagnosis) {
   if (path == nullptr || !file.Open(path, kGenericRead, kShareRead, kOpenExisting)) {
     return RefuseAt(file, 0, "file: cannot be opened");
   }
-  const std::unique_ptr<CProfileFile> form(CProfileFile::CreateProfileFile(path, true));
+  const std::unique_ptr<CProfileFile> form = DetectFormat(file);
   if (!form) return RefuseAt(file, 0, "file: of no known format");
   image_.resize(file.GetLength());
   if (!ReadExact(file, image_.data(), static_cast<std::uint32_t>(image_.size()))) {
     return Refuse(file, "file: unreadable");
   }
   format_ = form->GetMyFormat();
-  return OpenTables(file, path) || RefuseAt(file, 0, "entry table: does not hold");
+  return OpenTables(file) || RefuseAt(file, 0, "entry table: does not hold");
 }
 
-bool ProfileEdit::OpenTables(CNvxFile& file, const char16_t* path) {
+bool ProfileEdit::OpenTables(CNvxFile& file) {
   if (format_ == kPrinterProfile) return LoadHeaders();
   if (format_ < kContainer || format_ > kText2) return true;
   std::size_t start = 0;
   if (format_ != kContainer) {
     CProfileData scratch;
     CProfileFileQPFv1 header;
-    CNvxFile text;
-    text.SetDiagnosis(file.GetDiagnosis());
-    if (!text.Open(path, kGenericRead, kShareRead, kOpenExisting) || !header.LoadData(text, &scratch, true)) {
-      return false;
-    }
+    file.SeekToBegin();
+    if (!header.LoadData(file, &scratch, true)) return false;
     start = header.GetOffsetLoadPoint();
   }
   for (int i = 0; i < (format_ == kText2 ? 2 : 1); ++i) {

@@ -3,6 +3,7 @@
 #include "core/text.h"
 #include "entries/calibration/calibration_records.h"
 #include "formats/container_records.h"
+#include "formats/detection.h"
 #include "formats/legacy_header.h"
 #include "formats/qpf_tags.h"
 #include "formats/record_views.h"
@@ -23,12 +24,6 @@
 
 namespace nvx {
 namespace {
-
-constexpr int kContainer = 1;
-constexpr int kText1 = 2;
-constexpr int kText2 = 3;
-constexpr int kPrinterProfile = 4;
-constexpr int kPlainIcc = 6;
 
 // A file on disk without a buffer: it reads what it is asked for, and nothing ahead.
 class SparseFile : public CNvxFile {
@@ -193,11 +188,6 @@ bool SummarizeContainer(SparseFile& file, ProfileSummary& summary) {
   if (header.version != ContainerHeader::kVersion) return Refuse(file, "container header: wrong version");
   summary.format = kContainer;
   return true;
-}
-
-bool HasIccExtension(const char16_t* path) {
-  const std::u16string_view extension = platform::SplitFileName(path).extension;
-  return extension == u".icc" || extension == u".icm";
 }
 
 bool Summarize(SparseFile& file, const char16_t* path, ProfileSummary& summary) {
