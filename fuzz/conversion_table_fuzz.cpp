@@ -38,11 +38,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
   ::setenv("NVXPROFILE_CODEPAGE", size % 2 == 0 ? "932" : "1252", 1);
   folder.UseForConversionTable();
   folder.Write("QPFConvert.qpd", {bytes, size});
-  const std::string path = folder.File("QPFConvert.qpd");
+  const nvx::platform::IniFile file(folder.File("QPFConvert.qpd"));
   for (const char* const section : {"", "Printer.PX"}) {
-    const auto values = nvx::platform::ReadIniTexts(path, section, {"ModelCode", "Comment"});
-    Check(values[0] == nvx::platform::ReadIniText(path, section, "modelcode"));
-    Check(values[1] == nvx::platform::ReadIniText(path, section, "COMMENT"));
+    const auto values = file.Texts(section, {"ModelCode", "Comment"});
+    Check(values[0] == file.Text(section, "modelcode"));
+    Check(values[1] == file.Text(section, "COMMENT"));
     for (const std::optional<std::string>& value : values) {
       if (!value) continue;
       Check(value->size() < size && value->find('\n') == value->npos);

@@ -85,6 +85,9 @@ class NVX_EXPORT CNvxFile {
   // The handle of the operating system; all bits set while the stream is closed.
   void* GetHandle() const;
 
+  // False for a file of 4 GiB or more, of whose size GetLength gives the lower 32 bits. Loads of whole files refuse it.
+  bool FitsLength();
+
   // Who wants to know why a load fails attaches a record here, or null. Not owned; must outlive its use.
   void SetDiagnosis(nvx::Diagnosis* diagnosis) { diagnosis_ = diagnosis; }
   nvx::Diagnosis* GetDiagnosis() const { return diagnosis_; }

@@ -3,9 +3,11 @@
 
 #include <nvxprofile/file.h>
 #include <nvxprofile/icc_header.h>
+#include <nvxprofile/shared_bytes.h>
 
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -45,8 +47,10 @@ class NVX_EXPORT CICCProfile {
   virtual bool WriteToPath(const char16_t* path);
 
   // As OpenBuffer for a profile that reaches from where the stream stands to its end. Its bytes are read once, straight
-  // into the working copy, and what is wrong with them goes to the stream's diagnosis.
-  bool OpenStream(CNvxFile& file);
+  // into the working copy, and what is wrong with them goes to the stream's diagnosis. The tags named in `apart` are
+  // those that the caller takes out (ShareTag, then SetTag of nothing): they get blocks of their own, and what is left
+  // of the image needs no further copy.
+  bool OpenStream(CNvxFile& file, std::span<const char* const> apart = {});
 
   // Hands the image over as a malloc'ed block of `size` bytes that the caller owns, and ends the working copy. This
   // copies no more than what a removed tag makes room for. Null without a working copy and for an image beyond 4 GiB;
@@ -77,6 +81,10 @@ class NVX_EXPORT CICCProfile {
   // The tag's bytes inside the working copy, valid until the tag is set or the working copy ends. Null if there is no
   // such tag or it is empty; `size` is then 0.
   const std::uint8_t* GetRefTag(const char* tag, std::uint32_t& size) const;
+
+  // The tag's bytes to keep: without a copy for a tag that was opened apart or set, else copied. Empty if there is no
+  // such tag. Remove the tag before anybody writes to them.
+  nvx::SharedBytes ShareTag(const char* tag) const;
 
   // Where the tag's bytes lay in the image that was opened; 0 for a tag that was set since and for none.
   std::uint32_t GetTagOffset(const char* tag) const;

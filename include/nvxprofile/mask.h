@@ -6,9 +6,11 @@
 #include <nvxprofile/data_object.h>
 #include <nvxprofile/export.h>
 #include <nvxprofile/file.h>
+#include <nvxprofile/shared_bytes.h>
 
 #include <cstdint>
 #include <memory>
+#include <utility>
 #include <vector>
 
 // One printing condition with its parameter block and the IDs of the patterns that the block uses. Copies are deep.
@@ -40,12 +42,16 @@ class NVX_EXPORT CMaskParameterDataEntry : public CDataEntryObject {
   std::uint32_t GetUsePatternIDCount() const { return static_cast<std::uint32_t>(usePatternIDs_.size()); }
   std::uint32_t GetUsePatternID(int index) const;
 
-  // The parameter block, which stays the entry's and is valid until it is set again; null when it is empty.
-  std::uint8_t* GetParamDataBuffer() { return paramData_.empty() ? nullptr : paramData_.data(); }
+  // The parameter block, which stays the entry's and is valid until it is set again or, if it was asked for through
+  // a const entry, asked for writing; null when it is empty.
+  std::uint8_t* GetParamDataBuffer() { return paramData_.Writable(); }
+  const std::uint8_t* GetParamDataBuffer() const { return paramData_.Data(); }
   // Its size in bytes.
-  std::uint32_t GetParamDataSize() const { return static_cast<std::uint32_t>(paramData_.size()); }
+  std::uint32_t GetParamDataSize() const { return paramData_.Size(); }
   // Copies `size` bytes in the place of the block; null `data` empties it. The source may lie inside the block.
   void SetParamDataBuffer(const std::uint8_t* data, std::uint32_t size);
+  // The same without a copy.
+  void SetParamData(nvx::SharedBytes bytes) { paramData_ = std::move(bytes); }
 
  protected:
   // Releases the block and empties both arrays.
@@ -57,7 +63,7 @@ class NVX_EXPORT CMaskParameterDataEntry : public CDataEntryObject {
   std::uint32_t printMethod_ = 0;
   std::vector<std::uint32_t> layerColors_;
   std::vector<std::uint32_t> usePatternIDs_;
-  std::vector<std::uint8_t> paramData_;
+  nvx::SharedBytes paramData_;
 };
 
 // The printing conditions, in the order of adding: the first that fits wins. With auto-delete, on after construction,
@@ -115,16 +121,20 @@ class NVX_EXPORT CMaskPatternDataEntry : public CDataEntryObject {
   std::uint32_t GetMaskPatternID() const { return id_; }
   void SetMaskPatternID(std::uint32_t id) { id_ = id; }
 
-  // The pattern, which stays the entry's and is valid until it is set again; null when it is empty.
-  std::uint8_t* GetMaskPatternBuffer() { return pattern_.empty() ? nullptr : pattern_.data(); }
+  // The pattern, which stays the entry's and is valid until it is set again or, if it was asked for through a const
+  // entry, asked for writing; null when it is empty.
+  std::uint8_t* GetMaskPatternBuffer() { return pattern_.Writable(); }
+  const std::uint8_t* GetMaskPatternBuffer() const { return pattern_.Data(); }
   // Its size in bytes.
-  std::uint32_t GetMaskPatternSize() const { return static_cast<std::uint32_t>(pattern_.size()); }
+  std::uint32_t GetMaskPatternSize() const { return pattern_.Size(); }
   // Copies `size` bytes in the place of the pattern; null `data` empties it. The source may lie inside the pattern.
   void SetMaskPatternBuffer(const std::uint8_t* data, std::uint32_t size);
+  // The same without a copy.
+  void SetMaskPattern(nvx::SharedBytes bytes) { pattern_ = std::move(bytes); }
 
  private:
   std::uint32_t id_ = 0;
-  std::vector<std::uint8_t> pattern_;
+  nvx::SharedBytes pattern_;
 };
 
 // The patterns by ID, each ID once, walked in ascending order. With auto-delete, on after construction, the table owns

@@ -3,8 +3,10 @@
 
 #include <nvxprofile/data_object.h>
 #include <nvxprofile/export.h>
+#include <nvxprofile/shared_bytes.h>
 
 #include <cstdint>
+#include <span>
 
 namespace nvx {
 
@@ -129,8 +131,13 @@ class NVX_EXPORT CProfileDataEntry {
   virtual bool IsDisplayEnable();
   virtual void DeleteBuffer();
 
-  // The buffer, which stays the entry's and is valid until it is replaced; null when there is none.
+  // The buffer for reading and writing, which stays the entry's and is valid until it is replaced; null when there is
+  // none. A payload that goes on referring to bytes of the buffer (print masks, calibrations) keeps the former ones:
+  // the entry makes a copy for itself then. Bytes only looks, and copies nothing.
   virtual std::uint8_t* GetRefBuffer();
+
+  // The buffer for reading, valid until it is replaced or GetRefBuffer is called.
+  std::span<const std::uint8_t> Bytes() const { return buffer_.Bytes(); }
 
   virtual std::uint32_t GetFormatType() const;
   virtual void SetFormatType(std::uint32_t formatType);
@@ -168,8 +175,7 @@ class NVX_EXPORT CProfileDataEntry {
   std::uint32_t usedType_ = 0;
   bool complete_ = false;
   bool display_ = false;
-  std::uint8_t* buffer_ = nullptr;
-  std::uint32_t size_ = 0;
+  nvx::SharedBytes buffer_;
   std::uint32_t optionInfo_ = 0;
   char label_[kLabelLength] = {};
   nvx::Diagnosis* diagnosis_ = nullptr;

@@ -33,6 +33,9 @@ class NVX_EXPORT CProfileFileQPFv3 : public CProfileFileQCT {
   // Loads the whole file, whatever headerOnly says, from where the stream stands to its end. FileName is filled last.
   bool LoadData(CNvxFile& file, CProfileData* data, bool headerOnly) override;
 
+  // The same with the ICC profile that was opened from the whole stream. The profile ends with it, whatever the result.
+  bool LoadProfile(CICCProfile& profile, CNvxFile& file, CProfileData* data);
+
   // `flags` is a set of nvx::kSave bits; other bits have no meaning. Buffers are written as they are, so whoever
   // changed a payload has called DataToBuffer. The stream receives everything in one write at the end, or nothing.
   //

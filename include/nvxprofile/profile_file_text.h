@@ -10,11 +10,16 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <string>
 
+namespace nvx::platform {
+class IniFile;
+}
+
 // The INI file "QPFConvert.qpd", which turns labels of a text header into model, ink and resolution numbers. Its folder
-// comes from the system's settings when the object is made; the file is read anew at each lookup. Labels are text of
-// the ANSI code page. A lookup that gives false says in GetFailure why.
+// comes from the system's settings when the object is made; the file is read once, at the first lookup, and copies of the
+// object share what was read. Labels are text of the ANSI code page. A lookup that gives false says in GetFailure why.
 class NVX_EXPORT CQPFConvertTable {
  public:
   // Without a folder and without the file the table stays empty, and no lookup finds anything.
@@ -40,10 +45,12 @@ class NVX_EXPORT CQPFConvertTable {
   const std::string& GetFailure() const { return failure_; }
 
  private:
+  const nvx::platform::IniFile& Table();
   bool GetInkNumber(const char* label, const char* key, std::int32_t& value);
   bool FailWithoutKey(const std::string& section, const char* key);
 
   std::string path_;  // UTF-8; empty if the table is not there
+  std::shared_ptr<const nvx::platform::IniFile> table_;
   std::string failure_;
 };
 
@@ -54,8 +61,11 @@ class NVX_EXPORT CProfileFileQPFv1 : public CProfileFileQCT {
   CProfileFileQPFv1();
   ~CProfileFileQPFv1() override;
 
+  // The table as the loads of this object use it.
+  const CQPFConvertTable& GetConversionTable() const { return table_; }
+
  protected:
-  explicit CProfileFileQPFv1(std::int32_t headerVersion);
+  explicit CProfileFileQPFv1(std::int32_t headerVersion, CQPFConvertTable table = {});
 
   // Reads text header and section table and leaves the stream behind the table. Makes LayoutNumber 1; of a binary view
   // that the record held nothing stays. False also for a line of 256 characters or more, for a text without
@@ -108,6 +118,8 @@ class NVX_EXPORT CProfileFileQPFv1 : public CProfileFileQCT {
 class NVX_EXPORT CProfileFileQPFv2 : public CProfileFileQPFv1 {
  public:
   CProfileFileQPFv2();
+  // With the conversion table as the other object has read it.
+  explicit CProfileFileQPFv2(const CProfileFileQPFv1& other);
   ~CProfileFileQPFv2() override;
 
   using CProfileFileQPFv1::LoadData;

@@ -99,14 +99,13 @@ bool DiagnoseProfile(const char16_t* path, Diagnosis& diagnosis) {
   CNvxFile file;
   file.SetDiagnosis(&diagnosis);
   if (!file.Open(path, kGenericRead, kShareRead, kOpenExisting)) return RefuseAt(file, 0, "file: cannot be opened");
-  const std::unique_ptr<CProfileFile> format = DetectFormat(file);
-  if (!format) {
+  CProfileData data;
+  const LoadedFormat loaded = LoadProfile(file, data);
+  if (!loaded.format && !diagnosis.HasErrors()) {
     ExplainUnknown(file);
     if (!diagnosis.HasErrors()) RefuseAt(file, 0, "file: of no known format");
-    return false;
   }
-  CProfileData data;
-  if (!format->LoadData(file, &data, false)) {
+  if (!loaded.isLoaded) {
     return diagnosis.HasErrors() ? false : RefuseAt(file, 0, "profile: does not load");
   }
   CheckModel(data, diagnosis);

@@ -63,14 +63,14 @@ bool CopyBlock(const tagWeftDatas* block, std::uint32_t mostValues, std::uint32_
   return true;
 }
 
-using Patterns = std::vector<CMaskPatternDataEntry*>;
+using Patterns = std::vector<const CMaskPatternDataEntry*>;
 
 // The patterns that a record uses, in its order; false if one is missing.
 bool CollectPatterns(const CMaskParameterDataEntry& record, const CMaskPatternData& table, Patterns& patterns) {
   const auto count = static_cast<int>(record.GetUsePatternIDCount());
   patterns.reserve(static_cast<std::size_t>(count));
   for (int i = 0; i < count; ++i) {
-    CMaskPatternDataEntry* const pattern = table.GetEntry(static_cast<int>(record.GetUsePatternID(i)));
+    const CMaskPatternDataEntry* const pattern = table.GetEntry(static_cast<int>(record.GetUsePatternID(i)));
     if (pattern == nullptr) return false;
     patterns.push_back(pattern);
   }
@@ -86,7 +86,7 @@ std::uint64_t PackedSize(const CMaskParameterDataEntry& record, const Patterns& 
 }
 
 // Sizes, counts and IDs lose what their fields have no room for.
-void Pack(CNvxFile& file, CMaskParameterDataEntry& record, const Patterns& patterns) {
+void Pack(CNvxFile& file, const CMaskParameterDataEntry& record, const Patterns& patterns) {
   nvx::WriteRecord(file, PackedMaskHeader{static_cast<std::uint16_t>(record.GetParamDataSize()),
                                           static_cast<std::uint8_t>(patterns.size())});
   for (const CMaskPatternDataEntry* pattern : patterns) {
@@ -94,7 +94,7 @@ void Pack(CNvxFile& file, CMaskParameterDataEntry& record, const Patterns& patte
                                                pattern->GetMaskPatternSize()});
   }
   nvx::WriteExact(file, record.GetParamDataBuffer(), record.GetParamDataSize());
-  for (CMaskPatternDataEntry* pattern : patterns) {
+  for (const CMaskPatternDataEntry* pattern : patterns) {
     nvx::WriteExact(file, pattern->GetMaskPatternBuffer(), pattern->GetMaskPatternSize());
   }
 }
@@ -137,7 +137,7 @@ std::uint32_t CProfileAccess::GetMaskParameterAndPatternBuffer(std::uint8_t* buf
   if (entry == nullptr) return 0;
 
   const CMaskParameterData& records = *entry->GetMaskParameterData();
-  CMaskParameterDataEntry* record =
+  const CMaskParameterDataEntry* record =
       records.GetEntry(pass, specialColorsetCode, printMethod, layerColorCount, layerColors);
   if (record == nullptr) {
     record = records.GetEntry(pass, specialColorsetCode, layerColorCount * kMethodStep, layerColorCount, layerColors);

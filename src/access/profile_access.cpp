@@ -50,14 +50,12 @@ bool CProfileAccess::Init(const char16_t* path, CError* error) {
   profile_.reset();
   CNvxFile file;
   const bool isOpen = file.Open(path, nvx::kGenericRead, nvx::kShareRead, nvx::kOpenExisting);
-  const std::unique_ptr<CProfileFile> format = isOpen ? nvx::DetectFormat(file) : nullptr;
-  if (!format) return FailWithPath(error, __LINE__, u"Profile: File Format Error (file name:%s)", path);
-  profile_ = std::make_unique<CProfileData>();
-  if (!format->LoadData(file, profile_.get(), false)) {
-    profile_.reset();
-    return FailWithPath(error, __LINE__, u"Profile: Load Error (file name:%s)", path);
-  }
-  format_ = format->GetMyFormat();
+  auto profile = std::make_unique<CProfileData>();
+  const nvx::LoadedFormat loaded = isOpen ? nvx::LoadProfile(file, *profile) : nvx::LoadedFormat();
+  if (!loaded.format) return FailWithPath(error, __LINE__, u"Profile: File Format Error (file name:%s)", path);
+  if (!loaded.isLoaded) return FailWithPath(error, __LINE__, u"Profile: Load Error (file name:%s)", path);
+  profile_ = std::move(profile);
+  format_ = loaded.format->GetMyFormat();
   SetupProfileInfoStructure();
   return true;
 }

@@ -138,6 +138,12 @@ std::uint32_t CNvxFile::GetLength() {
   return size < 0 ? 0 : static_cast<std::uint32_t>(size);
 }
 
+bool CNvxFile::FitsLength() {
+  if (handle_ == platform::kNoFile) return true;
+  FlushWrites();
+  return platform::FileSize(handle_) <= std::int64_t{UINT32_MAX};
+}
+
 std::uint32_t CNvxFile::GetPosition() { return Seek(0, nvx::kFromPosition); }
 std::uint32_t CNvxFile::SeekToBegin() { return Seek(0, nvx::kFromBegin); }
 std::uint32_t CNvxFile::SeekToEnd() { return Seek(0, nvx::kFromEnd); }

@@ -1,37 +1,23 @@
 // The one pattern by which entries turn their buffer into a payload and back.
 #pragma once
 
+#include "core/block.h"
 #include "core/stream.h"
 
 #include <nvxprofile/file.h>
 #include <nvxprofile/profile_entry.h>
 
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <limits>
-#include <memory>
-#include <new>
+#include <utility>
 
 namespace nvx {
 
-struct FreeBlock {
-  void operator()(void* block) const { std::free(block); }
-};
-using Block = std::unique_ptr<std::uint8_t, FreeBlock>;
-
-inline Block AllocateBlock(std::size_t size) {
-  Block block(static_cast<std::uint8_t*>(std::malloc(size != 0 ? size : 1)));
-  if (!block) throw std::bad_alloc();
-  return block;
-}
-
 // A stream over an entry's buffer, which stays the entry's.
-class EntryStream : public CNvxMemFile {
+class EntryStream : public SharedStream {
  public:
-  explicit EntryStream(CProfileDataEntry& entry) : CNvxMemFile(entry.GetRefBuffer(), entry.GetSize()) {
-    SetDiagnosis(entry.GetDiagnosis());
-  }
+  explicit EntryStream(CProfileDataEntry& entry);
 };
 
 // How long a rebuilt buffer is: as long as its form, or as long as the block of a memory stream that the form was
@@ -45,7 +31,7 @@ class PayloadKeeper {
   // read the buffer in part, although it gives true.
   template <class Load>
   static bool Parse(CProfileDataEntry& entry, Load&& load) {
-    if (entry.GetSize() == 0) return false;
+    if (entry.buffer_.IsEmpty()) return false;
     EntryStream stream(entry);
     entry.state_ = PayloadState::kPart;
     if (!load(stream)) return false;
@@ -55,12 +41,13 @@ class PayloadKeeper {
 
   // True unless the buffer holds bytes that the payload does not say.
   static bool SaysAll(const CProfileDataEntry& entry) {
-    return entry.state_ == PayloadState::kWhole || entry.state_ == PayloadState::kEdited || entry.size_ == 0;
+    return entry.state_ == PayloadState::kWhole || entry.state_ == PayloadState::kEdited ||
+           entry.buffer_.IsEmpty();
   }
 
   // True for a payload that has to be parsed before it answers for the buffer.
   static bool IsStale(const CProfileDataEntry& entry) {
-    return entry.isOpen_ || (entry.state_ == PayloadState::kUnread && entry.size_ != 0);
+    return entry.isOpen_ || (entry.state_ == PayloadState::kUnread && !entry.buffer_.IsEmpty());
   }
 
   // Runs save(stream) into a new block made for a form of `size` bytes and gives the block to the entry. On false the
@@ -96,10 +83,31 @@ class PayloadKeeper {
     to.isOpen_ = from.isOpen_;
   }
 
-  // The form of the payload as DataToBuffer makes it, whatever the buffer holds; buffer and state stay. Null with
-  // `size` 0 if the form cannot carry the payload.
-  static Block FormOf(CProfileDataEntry& entry, std::uint32_t& size);
+  static SharedBytes& BufferOf(CProfileDataEntry& entry) { return entry.buffer_; }
+
+  // The entry's buffer from here on, unread.
+  static void Give(CProfileDataEntry& entry, SharedBytes bytes) {
+    entry.buffer_ = std::move(bytes);
+    entry.state_ = PayloadState::kUnread;
+  }
+
+  // The same with the next `size` bytes of a stream; nothing changes for none. False if the stream holds fewer.
+  static bool Take(CProfileDataEntry& entry, CNvxFile& file, std::uint32_t size) {
+    SharedBytes bytes;
+    if (!TakeBytes(file, size, bytes)) return false;
+    if (size != 0) Give(entry, std::move(bytes));
+    return true;
+  }
+
+  // The form of the payload as DataToBuffer makes it, whatever the buffer holds; buffer and state stay. Empty if the
+  // form cannot carry the payload.
+  static SharedBytes FormOf(CProfileDataEntry& entry);
 };
+
+inline EntryStream::EntryStream(CProfileDataEntry& entry)
+    : SharedStream(PayloadKeeper::BufferOf(entry), SharedStream::Taking::kViews) {
+  SetDiagnosis(entry.GetDiagnosis());
+}
 
 template <class Load>
 bool ParseBuffer(CProfileDataEntry& entry, Load&& load) {

@@ -3,14 +3,13 @@
 
 #include <nvxprofile/profile_entry.h>
 
-#include <cstdlib>
 #include <cstring>
 #include <utility>
 
 CProfileDataEntry::CProfileDataEntry(UsedType usedType, FormatType formatType, bool display)
     : formatType_(formatType), usedType_(usedType), display_(display) {}
 
-CProfileDataEntry::~CProfileDataEntry() { std::free(buffer_); }
+CProfileDataEntry::~CProfileDataEntry() = default;
 
 CDataObject* CProfileDataEntry::GetFormatData() { return nullptr; }
 bool CProfileDataEntry::DoImport(CProfileDataEntry*) { return false; }
@@ -27,7 +26,7 @@ bool CProfileDataEntry::Copy(CProfileDataEntry& target) {
   target.SetUsedType(usedType_);
   target.SetOptionInfo(optionInfo_);
   target.SetLabelString(label_);
-  if (size_ != 0) std::memcpy(target.GetBuffer(size_), buffer_, size_);
+  if (!buffer_.IsEmpty()) std::memcpy(target.GetBuffer(buffer_.Size()), buffer_.Data(), buffer_.Size());
   return true;
 }
 
@@ -39,7 +38,7 @@ bool CProfileDataEntry::RenewBuffer() {
       return !isOpen_;
     case nvx::PayloadState::kWhole:
       // What came without bytes stays without.
-      if (size_ != 0) DataToBuffer();
+      if (!buffer_.IsEmpty()) DataToBuffer();
       return true;
     case nvx::PayloadState::kUnread:
       // Makes the form of a new payload; unread bytes stay. A class without a form has nothing to lose.
@@ -52,68 +51,55 @@ bool CProfileDataEntry::RenewBuffer() {
 void CProfileDataEntry::OpenPayload() {
   isOpen_ = true;
   if (state_ == nvx::PayloadState::kPart) return;
-  const bool isUnread = state_ == nvx::PayloadState::kUnread && size_ != 0;
+  const bool isUnread = state_ == nvx::PayloadState::kUnread && !buffer_.IsEmpty();
   state_ = isUnread ? nvx::PayloadState::kPart : nvx::PayloadState::kEdited;
 }
 
-nvx::Block nvx::PayloadKeeper::FormOf(CProfileDataEntry& entry, std::uint32_t& size) {
+nvx::SharedBytes nvx::PayloadKeeper::FormOf(CProfileDataEntry& entry) {
   // Puts the buffer back, also where the heap is exhausted on the way.
   struct PutAside {
-    explicit PutAside(CProfileDataEntry& owner)
-        : entry(owner),
-          buffer(std::exchange(owner.buffer_, nullptr)),
-          size(std::exchange(owner.size_, 0)),
-          state(owner.state_) {}
+    explicit PutAside(CProfileDataEntry& owner) : entry(owner), buffer(std::move(owner.buffer_)), state(owner.state_) {}
     ~PutAside() {
-      std::free(entry.buffer_);
-      entry.buffer_ = buffer.release();
-      entry.size_ = size;
+      entry.buffer_ = std::move(buffer);
       entry.state_ = state;
     }
     CProfileDataEntry& entry;
-    Block buffer;
-    std::uint32_t size;
+    SharedBytes buffer;
     PayloadState state;
   };
   const PutAside aside(entry);
-  size = 0;
-  if (!entry.DataToBuffer()) return nullptr;
-  size = std::exchange(entry.size_, 0);
-  return Block(std::exchange(entry.buffer_, nullptr));
+  if (!entry.DataToBuffer()) return {};
+  return std::move(entry.buffer_);
 }
 
 void CProfileDataEntry::AttachBuffer(std::uint8_t* buffer, std::uint32_t size) {
-  if (buffer != buffer_) DeleteBuffer();
-  buffer_ = buffer;
-  size_ = size;
-  state_ = nvx::PayloadState::kUnread;
+  if (buffer != nullptr && buffer == buffer_.Data()) {
+    buffer_.Shorten(size);
+    state_ = nvx::PayloadState::kUnread;
+  } else {
+    nvx::PayloadKeeper::Give(*this, nvx::SharedBytes::Adopt(buffer, size));
+  }
 }
 
 std::uint8_t* CProfileDataEntry::GetBuffer(std::uint32_t size) {
   DeleteBuffer();
-  if (size != 0) {
-    buffer_ = nvx::AllocateBlock(size).release();
-    size_ = size;
-    state_ = nvx::PayloadState::kUnread;
-  }
-  return buffer_;
+  if (size != 0) nvx::PayloadKeeper::Give(*this, nvx::SharedBytes::Allocate(size));
+  return buffer_.Writable();
 }
 
 void CProfileDataEntry::DeleteBuffer() {
-  std::free(buffer_);
-  buffer_ = nullptr;
-  size_ = 0;
+  buffer_ = nvx::SharedBytes();
   // What somebody asked for is all that there is now.
   state_ = isOpen_ ? nvx::PayloadState::kEdited : nvx::PayloadState::kUnread;
 }
 
 void CProfileDataEntry::SetOptionInfo(std::uint32_t optionInfo) { optionInfo_ = optionInfo; }
 std::uint32_t CProfileDataEntry::GetOptionInfo() { return optionInfo_; }
-std::uint32_t CProfileDataEntry::GetSize() { return size_; }
+std::uint32_t CProfileDataEntry::GetSize() { return buffer_.Size(); }
 void CProfileDataEntry::SetComplete(bool complete) { complete_ = complete; }
 bool CProfileDataEntry::IsComplete() { return complete_; }
 bool CProfileDataEntry::IsDisplayEnable() { return display_; }
-std::uint8_t* CProfileDataEntry::GetRefBuffer() { return buffer_; }
+std::uint8_t* CProfileDataEntry::GetRefBuffer() { return buffer_.Writable(); }
 std::uint32_t CProfileDataEntry::GetFormatType() const { return formatType_; }
 void CProfileDataEntry::SetFormatType(std::uint32_t formatType) { formatType_ = formatType; }
 std::uint32_t CProfileDataEntry::GetUsedType() const { return usedType_; }

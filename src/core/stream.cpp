@@ -33,4 +33,20 @@ StreamBlock::StreamBlock(CNvxFile& file, std::uint32_t count) {
   if (whole_) data_ = copy_.get();
 }
 
+bool TakeBytes(CNvxFile& file, std::uint32_t count, SharedBytes& bytes) {
+  if (!Holds(file, count, 1)) return false;
+  if (count == 0) {
+    bytes = SharedBytes();
+    return true;
+  }
+  if (auto* const shared = dynamic_cast<SharedStream*>(&file)) {
+    const bool asView = shared->taking_ == SharedStream::Taking::kViews;
+    bytes = asView ? shared->bytes_.View(shared->Position, count) : shared->bytes_.Part(shared->Position, count);
+    shared->Position += count;
+    return true;
+  }
+  bytes = SharedBytes::Allocate(count);
+  return ReadExact(file, bytes.Writable(), count);
+}
+
 }  // namespace nvx

@@ -5,6 +5,7 @@
 
 #include <nvxprofile/diagnosis.h>
 #include <nvxprofile/file.h>
+#include <nvxprofile/shared_bytes.h>
 
 #include <cstdint>
 #include <memory>
@@ -67,5 +68,26 @@ class StreamBlock {
   const std::uint8_t* data_ = nullptr;
   bool whole_ = false;
 };
+
+// A stream for reading over bytes that whoever reads may keep without a copy.
+class SharedStream : public CNvxMemFile {
+ public:
+  // What TakeBytes gives: views of bytes that their owner goes on using, or parts of bytes that are used no more.
+  enum class Taking { kViews, kParts };
+
+  // Nothing is copied; `bytes` must outlive the stream.
+  SharedStream(SharedBytes& bytes, Taking taking)
+      : CNvxMemFile(const_cast<std::uint8_t*>(bytes.Data()), bytes.Size()), bytes_(bytes), taking_(taking) {}
+
+ private:
+  friend bool TakeBytes(CNvxFile& file, std::uint32_t count, SharedBytes& bytes);
+
+  SharedBytes& bytes_;
+  Taking taking_;
+};
+
+// Gives the next `count` bytes of a stream, without a copy where it is a SharedStream, and moves behind them. False if
+// the stream holds fewer.
+bool TakeBytes(CNvxFile& file, std::uint32_t count, SharedBytes& bytes);
 
 }  // namespace nvx

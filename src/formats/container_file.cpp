@@ -5,6 +5,7 @@
 
 #include <nvxprofile/profile_file.h>
 
+#include <algorithm>
 #include <cstring>
 #include <limits>
 #include <memory>
@@ -75,8 +76,9 @@ void Parse(CNvxFile& file, std::uint32_t offset, CProfileDataEntry& entry) {
 
 // An entry on two routes of a text-headed profile stands in both of its tables.
 bool SayTheSame(CProfileDataEntry& a, CProfileDataEntry& b) {
-  return a.GetSize() == b.GetSize() &&
-         (a.GetSize() == 0 || std::memcmp(a.GetRefBuffer(), b.GetRefBuffer(), a.GetSize()) == 0) &&
+  const auto bytes = a.Bytes();
+  const auto others = b.Bytes();
+  return std::equal(bytes.begin(), bytes.end(), others.begin(), others.end()) &&
          a.IsComplete() == b.IsComplete() && a.GetOptionInfo() == b.GetOptionInfo() &&
          std::strcmp(a.GetLabelString(), b.GetLabelString()) == 0;
 }
@@ -96,7 +98,7 @@ bool nvx::WriteEntryHeader(CNvxFile& file, CProfileDataEntry& entry, std::uint32
 }
 
 bool nvx::WriteEntryBody(CNvxFile& file, CProfileDataEntry& entry, std::uint32_t size) {
-  return WriteMagic(file, ContainerEntryHeader::kBodyMagic) && WriteExact(file, entry.GetRefBuffer(), size);
+  return WriteMagic(file, ContainerEntryHeader::kBodyMagic) && WriteExact(file, entry.Bytes().data(), size);
 }
 
 CProfileFileQCT::CProfileFileQCT() { SetMyFormat(1); }
@@ -152,8 +154,7 @@ bool CProfileFileQCT::LoadEntries(CNvxFile& file, CProfileData* data) {
   return LoadEntryHeader(file) &&
          WalkBodies(file, entryHeaders_, [&](std::unique_ptr<CProfileDataEntry> entry, std::uint32_t size) {
            const std::uint32_t offset = file.GetDiagnosis() != nullptr ? file.GetPosition() : 0;
-           if (size != 0 && !nvx::ReadExact(file, entry->GetBuffer(size), size))
-             return nvx::Refuse(file, "entry body: cut short");
+           if (!nvx::PayloadKeeper::Take(*entry, file, size)) return nvx::Refuse(file, "entry body: cut short");
            // An entry whose payload does not parse keeps its bytes.
            Parse(file, offset, *entry);
            CProfileDataEntry* const present = data->GetProfileDataEntryFromList(entry->GetUsedType());

@@ -100,13 +100,13 @@ bool CConvertV2ToV3Profile::ProfileLoad(const char16_t* path) {
   Initialize();
   CNvxFile file;
   const bool isOpen = file.Open(path, nvx::kGenericRead, nvx::kShareRead, nvx::kOpenExisting);
-  const std::unique_ptr<CProfileFile> format = isOpen ? nvx::DetectFormat(file) : nullptr;
-  if (!format || !format->LoadData(file, v2_.get(), false)) {
+  const nvx::LoadedFormat loaded = isOpen ? nvx::LoadProfile(file, *v2_) : nvx::LoadedFormat();
+  if (!loaded.isLoaded) {
     DeleteContents();
     return false;
   }
   nvx::CopyText(sourcePath_, nvx::TextOf(path));
-  sourceFormat_ = format->GetMyFormat();
+  sourceFormat_ = loaded.format->GetMyFormat();
   return true;
 }
 

@@ -24,4 +24,13 @@ bool HasIccExtension(std::u16string_view path);
 // is no file of one kind may be one of another.
 std::unique_ptr<CProfileFile> DetectFormat(CNvxFile& file);
 
+struct LoadedFormat {
+  std::unique_ptr<CProfileFile> format;  // null for a file of no known kind
+  bool isLoaded = false;
+};
+
+// Detects the format and loads the file behind an open stream in one pass over it. What is wrong with a file of a known
+// kind goes to the stream's diagnosis.
+LoadedFormat LoadProfile(CNvxFile& file, CProfileData& data);
+
 }  // namespace nvx

@@ -10,6 +10,7 @@
 #include <array>
 #include <optional>
 #include <string_view>
+#include <utility>
 
 namespace platform = nvx::platform;
 namespace header_key = nvx::header_key;
@@ -202,12 +203,16 @@ class HeaderAnalysis {
 }  // namespace
 
 CProfileFileQPFv1::CProfileFileQPFv1() : CProfileFileQPFv1(1) {}
-CProfileFileQPFv1::CProfileFileQPFv1(std::int32_t headerVersion) : headerVersion_(headerVersion) {
+CProfileFileQPFv1::CProfileFileQPFv1(std::int32_t headerVersion, CQPFConvertTable table)
+    : table_(std::move(table)), headerVersion_(headerVersion) {
   SetMyFormat(kFormatVersion1);
 }
 CProfileFileQPFv1::~CProfileFileQPFv1() = default;
 
 CProfileFileQPFv2::CProfileFileQPFv2() : CProfileFileQPFv1(2) { SetMyFormat(kFormatVersion2); }
+CProfileFileQPFv2::CProfileFileQPFv2(const CProfileFileQPFv1& other) : CProfileFileQPFv1(2, other.GetConversionTable()) {
+  SetMyFormat(kFormatVersion2);
+}
 CProfileFileQPFv2::~CProfileFileQPFv2() = default;
 
 bool CProfileFileQPFv1::LoadHeader(CNvxFile& file, CProfileData* data) {

@@ -6,6 +6,7 @@
 
 #include <nvxprofile/profile_file_text.h>
 
+#include <memory>
 #include <optional>
 #include <string_view>
 
@@ -43,6 +44,11 @@ CQPFConvertTable::CQPFConvertTable() {
   }
 }
 
+const nvx::platform::IniFile& CQPFConvertTable::Table() {
+  if (!table_) table_ = std::make_shared<const platform::IniFile>(path_.empty() ? platform::IniFile() : platform::IniFile(path_));
+  return *table_;
+}
+
 bool CQPFConvertTable::FailWithoutKey(const std::string& section, const char* key) {
   if (path_.empty()) return false;
   failure_ = "conversion table: no key " + std::string(key) + " in [" +
@@ -53,7 +59,7 @@ bool CQPFConvertTable::FailWithoutKey(const std::string& section, const char* ke
 bool CQPFConvertTable::GetModelCodes(const char* label, char16_t (&model)[5], char16_t (&subCode)[3],
                                      char16_t (&internal)[3]) {
   const std::string section = PrinterSection(label);
-  const auto values = platform::ReadIniTexts(path_, section, {"ModelCode", "ModelSubCode", "InternalCode"});
+  const auto values = Table().Texts(section, {"ModelCode", "ModelSubCode", "InternalCode"});
   if (!TakeText(values[0], model)) return FailWithoutKey(section, "ModelCode");
   if (!TakeText(values[1], subCode)) return FailWithoutKey(section, "ModelSubCode");
   return TakeText(values[2], internal) || FailWithoutKey(section, "InternalCode");
@@ -61,12 +67,12 @@ bool CQPFConvertTable::GetModelCodes(const char* label, char16_t (&model)[5], ch
 
 bool CQPFConvertTable::GetPrinterComment(const char* label, char16_t (&comment)[65]) {
   const std::string section = PrinterSection(label);
-  return TakeText(platform::ReadIniText(path_, section, "Comment"), comment) || FailWithoutKey(section, "Comment");
+  return TakeText(Table().Text(section, "Comment"), comment) || FailWithoutKey(section, "Comment");
 }
 
 bool CQPFConvertTable::GetInkNumber(const char* label, const char* key, std::int32_t& value) {
   const std::string section = "Inkset." + std::string(nvx::TextOf(label));
-  const std::int32_t number = platform::ReadIniInteger(path_, section, key, kMissing);
+  const std::int32_t number = platform::IniInteger(Table().Text(section, key), kMissing);
   if (number == kMissing) return FailWithoutKey(section, key);
   value = number;
   return true;
@@ -94,7 +100,7 @@ bool CQPFConvertTable::GetRenderingSetting(const char16_t* model, const char16_t
                               std::to_string(static_cast<std::int32_t>(feed));
   constexpr const char* kKeys[] = {"Rendering_Scan", "Rendering_Feed", "Expand"};
   std::uint32_t* const results[] = {&renderingScan, &renderingFeed, &expand};
-  const auto values = platform::ReadIniTexts(path_, section, {kKeys[0], kKeys[1], kKeys[2]});
+  const auto values = Table().Texts(section, {kKeys[0], kKeys[1], kKeys[2]});
   for (std::size_t i = 0; i < values.size(); ++i) {
     const std::int32_t number = platform::IniInteger(values[i], kMissing);
     if (number == kMissing) return FailWithoutKey(section, kKeys[i]);

@@ -20,7 +20,8 @@ bool CProfileFile::LoadData(CNvxFile& file, CProfileData* data, bool headerOnly)
 
 bool CProfileFile::LoadData(const char16_t* path, CProfileData* data, bool headerOnly) {
   CNvxFile file;
-  return file.Open(path, nvx::kGenericRead, nvx::kShareRead, nvx::kOpenExisting) && LoadData(file, data, headerOnly);
+  return file.Open(path, nvx::kGenericRead, nvx::kShareRead, nvx::kOpenExisting) && file.FitsLength() &&
+         LoadData(file, data, headerOnly);
 }
 
 bool CProfileFile::SaveData(CNvxFile& file, CProfileData* data, std::uint32_t route) {

@@ -33,7 +33,7 @@ bool CProfileFileICC::SaveBody(CNvxFile& file, CProfileData* data, std::uint32_t
   if (entry == nullptr) return false;
   entry->DataToBuffer();
   CICCProfile profile;
-  if (!profile.OpenBuffer(entry->GetRefBuffer(), entry->GetSize(), false)) return false;
+  if (!profile.OpenBuffer(entry->Bytes().data(), entry->GetSize(), false)) return false;
   nvx::RewriteDescription(profile, file);
   return profile.WriteTo(file);
 }

@@ -16,7 +16,6 @@
 #include <nvxprofile/special_color.h>
 
 #include <algorithm>
-#include <cstring>
 #include <memory>
 #include <string>
 #include <vector>
@@ -25,19 +24,22 @@ using nvx::RouteTag;
 
 namespace {
 
-// A private tag as a stream over its bytes in the working copy, for reading.
-class TagStream : public CNvxMemFile {
+// A private tag for reading. Entries may keep its bytes as theirs: the tag is removed behind the load.
+class PrivateTag {
  public:
-  TagStream(const CICCProfile& profile, const char* tag, nvx::Diagnosis* diagnosis)
-      : scope_(diagnosis, profile.GetTagOffset(tag), [tag] { return std::string(tag); }) {
-    Buffer = const_cast<std::uint8_t*>(profile.GetRefTag(tag, Length));
-    SetDiagnosis(diagnosis);
+  PrivateTag(const CICCProfile& profile, const char* name, nvx::Diagnosis* diagnosis)
+      : bytes_(profile.ShareTag(name)), scope_(diagnosis, profile.GetTagOffset(name), [name] { return std::string(name); }) {
+    stream_.SetDiagnosis(diagnosis);
   }
 
   // False for a tag that is missing or empty.
-  bool IsPresent() { return Buffer != nullptr || nvx::Refuse(*this, "private tag: missing"); }
+  bool IsPresent() { return !bytes_.IsEmpty() || nvx::Refuse(stream_, "private tag: missing"); }
+
+  CNvxFile& Stream() { return stream_; }
 
  private:
+  nvx::SharedBytes bytes_;
+  nvx::SharedStream stream_{bytes_, nvx::SharedStream::Taking::kParts};
   nvx::DiagnosisScope scope_;
 };
 
@@ -82,32 +84,32 @@ enum class Payload { kParse, kLeave };
 
 // Makes one entry of all the bytes behind the opening and puts it on the tag's route. The entry that stands there
 // afterwards; null for a tag without such bytes.
-CProfileDataEntry* LoadRouteTag(TagStream& stream, CProfileData& data, const RouteTag& tag,
+CProfileDataEntry* LoadRouteTag(PrivateTag& tag, CProfileData& data, std::uint32_t route,
                                 CProfileDataEntry::UsedType usedType, Payload payload) {
   constexpr std::uint32_t kOpeningSize = nvx::kRecordSize<nvx::PrivateTagOpening>;
-  if (!stream.IsPresent()) return nullptr;
+  if (!tag.IsPresent()) return nullptr;
+  CNvxFile& stream = tag.Stream();
   if (stream.GetLength() <= kOpeningSize) {
     nvx::Refuse(stream, "private tag: nothing behind its opening");
     return nullptr;
   }
   std::unique_ptr<CProfileDataEntry> entry(CProfileDataEntry::CreateDataEntry(usedType));
   if (!entry) return nullptr;
-  const std::uint32_t size = stream.GetLength() - kOpeningSize;
-  std::memcpy(entry->GetBuffer(size), stream.Buffer + kOpeningSize, size);
+  stream.Seek(kOpeningSize, nvx::kFromBegin);
+  nvx::PayloadKeeper::Take(*entry, stream, stream.GetLength() - kOpeningSize);
   entry->SetComplete(true);
   if (payload == Payload::kParse) Parse(*entry, stream.GetDiagnosis());
-  data.SetProfileDataEntry(entry.release(), tag.route);
-  return data.GetProfileDataEntry(tag.route, usedType);
+  data.SetProfileDataEntry(entry.release(), route);
+  return data.GetProfileDataEntry(route, usedType);
 }
 
 // The class of the entry in NVX5: one block, of type 5, is that of the masks with their patterns.
-CProfileDataEntry::UsedType MaskEntryType(TagStream& stream) {
+CProfileDataEntry::UsedType MaskEntryType(CNvxFile& stream) {
   nvx::PrivateTagOpening opening;
   nvx::WeftHeaderRecord header;
   nvx::WeftBlockHeader block;
   const bool withPatterns = nvx::ReadRecord(stream, opening) && nvx::ReadRecord(stream, header) &&
                             nvx::ReadRecord(stream, block) && header.header.DataCount == 1 && block.blockType == 5;
-  stream.SeekToBegin();
   return withPatterns ? CProfileDataEntry::kMaskDownloadIncludePattern : CProfileDataEntry::kMaskDownload;
 }
 
@@ -138,15 +140,20 @@ CProfileFileQPFv3::~CProfileFileQPFv3() = default;
 CProfileFileQPFv4::~CProfileFileQPFv4() = default;
 
 bool CProfileFileQPFv3::LoadData(CNvxFile& file, CProfileData* data, bool) {
-  if (data == nullptr) return false;
   CICCProfile profile;
-  if (!profile.OpenStream(file)) return false;
+  return data != nullptr && profile.OpenStream(file, nvx::kPrivateTags) && LoadProfile(profile, file, data);
+}
+
+bool CProfileFileQPFv3::LoadProfile(CICCProfile& profile, CNvxFile& file, CProfileData* data) {
+  if (data == nullptr) return false;
   _tagDeviceProfileInfo& info = *data->GetProfileInfo();
   nvx::SelectBinaryView(info);
   diagnosis_ = file.GetDiagnosis();
   const bool loaded = LoadTags(profile, data);
   diagnosis_ = nullptr;
-  if (!loaded || !TakeIccProfile(profile, *data)) return false;
+  const bool taken = loaded && TakeIccProfile(profile, *data);
+  profile.Close();
+  if (!taken) return false;
   file.GetFileName(info.FileName);
   return true;
 }
@@ -203,8 +210,8 @@ bool CProfileFileQPFv3::LoadEntries(CNvxFile& stream, CProfileData* data) {
 }
 
 bool CProfileFileQPFv3::LoadNVX1Tag(CICCProfile& profile, CProfileData* data) {
-  TagStream stream(profile, nvx::kEntryTag, diagnosis_);
-  if (!stream.IsPresent() || !LoadHeader(stream, data) || !LoadEntries(stream, data)) return false;
+  PrivateTag tag(profile, nvx::kEntryTag, diagnosis_);
+  if (!tag.IsPresent() || !LoadHeader(tag.Stream(), data) || !LoadEntries(tag.Stream(), data)) return false;
   if (const CProfileRoute* const route = data->GetProfileRoute(nvx::kRouteMain)) {
     for (CProfileDataEntry* const entry : route->Entries()) RebuildAs16Bit(*entry);
   }
@@ -212,10 +219,10 @@ bool CProfileFileQPFv3::LoadNVX1Tag(CICCProfile& profile, CProfileData* data) {
 }
 
 bool CProfileFileQPFv3::LoadVersion(CICCProfile& profile, CProfileData& scratch) {
-  TagStream stream(profile, nvx::kEntryTag, nullptr);
-  if (!stream.IsPresent() || !LoadHeader(stream, &scratch)) return false;
-  SetOffsetLoadPoint(stream.GetPosition());
-  return CheckEntries(stream);
+  PrivateTag tag(profile, nvx::kEntryTag, nullptr);
+  if (!tag.IsPresent() || !LoadHeader(tag.Stream(), &scratch)) return false;
+  SetOffsetLoadPoint(tag.Stream().GetPosition());
+  return CheckEntries(tag.Stream());
 }
 
 int CProfileFileQPFv3::GetProfileMajorVersion(CICCProfile& profile) {
@@ -229,8 +236,8 @@ int CProfileFileQPFv3::GetProfileMinerVersion(CICCProfile& profile) {
 }
 
 bool CProfileFileQPFv3::LoadNVX2Tag(CICCProfile& profile, CProfileData* data) {
-  TagStream stream(profile, nvx::kMediaTag, diagnosis_);
-  return stream.IsPresent() && LoadMediaData(stream, data);
+  PrivateTag tag(profile, nvx::kMediaTag, diagnosis_);
+  return tag.IsPresent() && LoadMediaData(tag.Stream(), data);
 }
 
 bool CProfileFileQPFv3::LoadMediaData(CNvxFile& stream, CProfileData* data) {
@@ -250,19 +257,19 @@ bool CProfileFileQPFv3::LoadMediaData(CNvxFile& stream, CProfileData* data) {
 }
 
 bool CProfileFileQPFv3::LoadNVX3Tag(CICCProfile& profile, CProfileData* data) {
-  TagStream stream(profile, nvx::kReplaceProfileTag.name, diagnosis_);
-  return LoadRouteTag(stream, *data, nvx::kReplaceProfileTag, CProfileDataEntry::kReplaceProfile, Payload::kLeave);
+  PrivateTag tag(profile, nvx::kReplaceProfileTag.name, diagnosis_);
+  return LoadRouteTag(tag, *data, nvx::kReplaceProfileTag.route, CProfileDataEntry::kReplaceProfile, Payload::kLeave);
 }
 
 bool CProfileFileQPFv3::LoadNVX4Tag(CICCProfile& profile, CProfileData* data) {
-  TagStream stream(profile, nvx::kCalibrationTag.name, diagnosis_);
-  return LoadRouteTag(stream, *data, nvx::kCalibrationTag, CProfileDataEntry::kCalibrationHistory, Payload::kParse);
+  PrivateTag tag(profile, nvx::kCalibrationTag.name, diagnosis_);
+  return LoadRouteTag(tag, *data, nvx::kCalibrationTag.route, CProfileDataEntry::kCalibrationHistory, Payload::kParse);
 }
 
 bool CProfileFileQPFv3::LoadNVX5Tag(CICCProfile& profile, CProfileData* data) {
-  TagStream stream(profile, nvx::kMaskDownloadTag.name, diagnosis_);
+  PrivateTag tag(profile, nvx::kMaskDownloadTag.name, diagnosis_);
   CProfileDataEntry* const entry =
-      LoadRouteTag(stream, *data, nvx::kMaskDownloadTag, MaskEntryType(stream), Payload::kParse);
+      LoadRouteTag(tag, *data, nvx::kMaskDownloadTag.route, MaskEntryType(tag.Stream()), Payload::kParse);
   if (const auto* const mask = dynamic_cast<const CMaskDownLoadEntry*>(entry)) {
     const std::uint32_t* const blockType = mask->GetWeftUsedType();
     if (blockType != nullptr && *blockType == nvx::WeftOutputRecord::kBlockType)
@@ -272,14 +279,14 @@ bool CProfileFileQPFv3::LoadNVX5Tag(CICCProfile& profile, CProfileData* data) {
 }
 
 bool CProfileFileQPFv3::LoadNVX6Tag(CICCProfile& profile, CProfileData* data) {
-  TagStream stream(profile, nvx::kLargeParameterTag.name, diagnosis_);
-  return LoadRouteTag(stream, *data, nvx::kLargeParameterTag, CProfileDataEntry::kLargeParameter, Payload::kParse);
+  PrivateTag tag(profile, nvx::kLargeParameterTag.name, diagnosis_);
+  return LoadRouteTag(tag, *data, nvx::kLargeParameterTag.route, CProfileDataEntry::kLargeParameter, Payload::kParse);
 }
 
 bool CProfileFileQPFv3::LoadNVX7Tag(CICCProfile& profile, CProfileData* data) {
-  TagStream stream(profile, nvx::kSpecialColorTag.name, diagnosis_);
+  PrivateTag tag(profile, nvx::kSpecialColorTag.name, diagnosis_);
   CProfileDataEntry* const entry =
-      LoadRouteTag(stream, *data, nvx::kSpecialColorTag, CProfileDataEntry::kSpecialColorInfo, Payload::kParse);
+      LoadRouteTag(tag, *data, nvx::kSpecialColorTag.route, CProfileDataEntry::kSpecialColorInfo, Payload::kParse);
   if (entry == nullptr) return false;
   const auto* const colors = dynamic_cast<const CSpecialColorInfoEntry*>(entry);
   if (colors != nullptr && colors->GetSpecialColorInfoData()->GetProfileColorType() == 1) {

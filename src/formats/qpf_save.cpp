@@ -53,7 +53,7 @@ bool SaveRouteData(CNvxFile& stream, CProfileData& data, const RouteTag& tag) {
   CProfileRoute* const route = data.GetProfileRoute(tag.route);
   return route != nullptr && nvx::WriteRecord(stream, nvx::PrivateTagOpening()) &&
          ForEachEntry(*route, [&](CProfileDataEntry& entry) {
-           return nvx::WriteExact(stream, entry.GetRefBuffer(), entry.GetSize());
+           return nvx::WriteExact(stream, entry.Bytes().data(), entry.GetSize());
          });
 }
 
@@ -94,7 +94,7 @@ bool CProfileFileQPFv3::SaveData(CNvxFile& file, CProfileData* data, std::uint32
   CProfileRoute* const route = data->GetProfileRoute(nvx::kRouteMain);
   if (icc == nullptr || route == nullptr || !route->IsExistEntry(icc)) return false;
   CICCProfile profile;
-  if (!profile.OpenBuffer(icc->GetRefBuffer(), icc->GetSize(), false)) return false;
+  if (!profile.OpenBuffer(icc->Bytes().data(), icc->GetSize(), false)) return false;
   nvx::ModelGuard guard(*data);
   nvx::UseBinaryView(*data);
   if (!SaveTags(profile, data, flags)) return false;

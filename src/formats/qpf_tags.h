@@ -24,4 +24,13 @@ inline constexpr RouteTag kMaskDownloadTag = {"NVX5", kRouteMaskDownload};
 inline constexpr RouteTag kLargeParameterTag = {"NVX6", kRouteLargeParameter};
 inline constexpr RouteTag kSpecialColorTag = {"NVX7", kRouteSpecialColor};
 
+// All of them.
+inline constexpr const char* kPrivateTags[] = {kEntryTag,
+                                               kMediaTag,
+                                               kReplaceProfileTag.name,
+                                               kCalibrationTag.name,
+                                               kMaskDownloadTag.name,
+                                               kLargeParameterTag.name,
+                                               kSpecialColorTag.name};
+
 }  // namespace nvx

@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
-#include <functional>
 #include <numeric>
 
 namespace nvx {
@@ -42,33 +41,97 @@ Md5Digest ProfileID(IccHeaderForm header, std::span<const std::uint8_t> image) {
 std::unique_ptr<IccImage> IccImage::Open(std::span<const std::uint8_t> bytes, Diagnosis* diagnosis) {
   IccDirectory directory;
   if (!ReadIccDirectory(bytes.data(), bytes.size(), directory, diagnosis)) return nullptr;
-  Block copy = AllocateBlock(directory.header.phSize);
-  std::memcpy(copy.get(), bytes.data(), directory.header.phSize);
-  return std::unique_ptr<IccImage>(new IccImage(std::move(copy), directory));
+  std::unique_ptr<IccImage> image(new IccImage(directory));
+  image->opened_ = AllocateBlock(image->openedSize_);
+  std::memcpy(image->opened_.get(), bytes.data(), image->openedSize_);
+  return image;
 }
 
-std::unique_ptr<IccImage> IccImage::Open(CNvxFile& file) {
+std::unique_ptr<IccImage> IccImage::Open(CNvxFile& file, std::span<const std::uint32_t> apart) {
   const std::uint32_t start = file.GetPosition();
   IccDirectory directory;
   if (!ReadIccDirectory(file, directory)) return nullptr;
-  Block bytes = AllocateBlock(directory.header.phSize);
-  file.Seek(start, kFromBegin);
-  if (!ReadExact(file, bytes.get(), directory.header.phSize)) {
-    Refuse(file, "ICC profile: unreadable");
-    return nullptr;
-  }
-  return std::unique_ptr<IccImage>(new IccImage(std::move(bytes), directory));
+  std::unique_ptr<IccImage> image(new IccImage(directory));
+  if (image->Read(file, start, apart)) return image;
+  Refuse(file, "ICC profile: unreadable");
+  return nullptr;
 }
 
-IccImage::IccImage(Block opened, const IccDirectory& directory)
-    : opened_(std::move(opened)), openedSize_(directory.header.phSize), header_(directory.header) {
+IccImage::IccImage(const IccDirectory& directory) : openedSize_(directory.header.phSize), header_(directory.header) {
   entries_.reserve(directory.tags.size());
   for (const IccTag& tag : directory.tags)
-    entries_.push_back({tag.signature, tag.size, opened_.get() + tag.offset, {}});
+    entries_.push_back({tag.signature, tag.size, tag.offset, tag.offset, Place::kOpened, {}});
   sorted_.resize(entries_.size());
   std::iota(sorted_.begin(), sorted_.end(), 0u);
   std::sort(sorted_.begin(), sorted_.end(),
             [&](std::uint32_t a, std::uint32_t b) { return entries_[a].signature < entries_[b].signature; });
+}
+
+bool IccImage::Read(CNvxFile& file, std::uint32_t start, std::span<const std::uint32_t> apart) {
+  const std::vector<std::size_t> aside = StandingApart(apart);
+  if (aside.empty()) {
+    opened_ = AllocateBlock(openedSize_);
+    file.Seek(start, kFromBegin);
+    return ReadExact(file, opened_.get(), static_cast<std::uint32_t>(openedSize_));
+  }
+
+  struct Run {
+    std::uint64_t from;
+    std::uint64_t size;
+    std::uint8_t* to;
+  };
+  std::vector<Run> runs;
+  for (const std::size_t index : aside) entries_[index].place = Place::kNowhere;
+  const Layout layout = Arrange();
+  openedSize_ = static_cast<std::size_t>(layout.size);
+  opened_ = AllocateBlock(openedSize_);
+  for (const Piece& piece : layout.pieces) runs.push_back({piece.from, piece.size, opened_.get() + piece.offset});
+  for (std::size_t i = 0; i < entries_.size(); ++i) {
+    if (entries_[i].IsPresent()) entries_[i].from = static_cast<std::uint32_t>(layout.tagOffsets[i]);
+  }
+  for (const std::size_t index : aside) {
+    Entry& entry = entries_[index];
+    entry.place = Place::kBlock;
+    entry.block = SharedBytes::Allocate(entry.size);
+    runs.push_back({entry.from, entry.size, entry.block.Writable()});
+  }
+  changed_ = true;
+  std::sort(runs.begin(), runs.end(), [](const Run& a, const Run& b) { return a.from < b.from; });
+  // The stream stands behind the tag table, and so does all that is left to read.
+  return std::all_of(runs.begin(), runs.end(), [&](const Run& run) {
+    if (run.size == 0) return true;
+    const std::uint32_t offset = start + static_cast<std::uint32_t>(run.from);
+    return file.Seek(offset - file.GetPosition(), kFromPosition) == offset &&
+           ReadExact(file, run.to, static_cast<std::uint32_t>(run.size));
+  });
+}
+
+// Which of these tags have bytes that no other tag names, as indices of entries_.
+std::vector<std::size_t> IccImage::StandingApart(std::span<const std::uint32_t> signatures) const {
+  std::vector<std::size_t> order;
+  for (std::size_t i = 0; i < entries_.size(); ++i) {
+    if (entries_[i].size != 0) order.push_back(i);
+  }
+  std::sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) { return entries_[a].from < entries_[b].from; });
+  std::vector<std::size_t> apart;
+  std::uint64_t end = 0;  // of all tags before
+  for (std::size_t i = 0; i < order.size(); ++i) {
+    const Entry& entry = entries_[order[i]];
+    const std::uint64_t ownEnd = std::uint64_t{entry.from} + entry.size;
+    const bool overlaps = entry.from < end || (i + 1 < order.size() && entries_[order[i + 1]].from < ownEnd);
+    end = std::max(end, ownEnd);
+    const bool isWanted = std::find(signatures.begin(), signatures.end(), entry.signature) != signatures.end();
+    if (isWanted && !overlaps) apart.push_back(order[i]);
+  }
+  return apart;
+}
+
+const std::uint8_t* IccImage::DataOf(const Entry& entry) const {
+  return entry.place == Place::kBlock ? entry.block.Data() : opened_.get() + entry.from;
+}
+
+const std::uint8_t* IccImage::DataOf(const Piece& piece) const {
+  return piece.block != nullptr ? piece.block : opened_.get() + piece.from;
 }
 
 const IccImage::Entry* IccImage::Find(std::uint32_t signature) const {
@@ -92,28 +155,31 @@ IccImage::Entry& IccImage::FindOrAdd(std::uint32_t signature) {
 std::optional<std::span<const std::uint8_t>> IccImage::Tag(std::uint32_t signature) const {
   const Entry* const entry = Find(signature);
   if (entry == nullptr || !entry->IsPresent()) return std::nullopt;
-  return std::span<const std::uint8_t>(entry->data, entry->size);
+  return std::span<const std::uint8_t>(DataOf(*entry), entry->size);
+}
+
+SharedBytes IccImage::ShareTag(std::uint32_t signature) const {
+  const Entry* const entry = Find(signature);
+  if (entry == nullptr || !entry->IsPresent()) return {};
+  if (entry->place == Place::kBlock) return entry->block.Part(0, entry->size);
+  return SharedBytes({DataOf(*entry), entry->size});
 }
 
 std::uint32_t IccImage::OpenedOffset(std::uint32_t signature) const {
   const Entry* const entry = Find(signature);
-  return entry != nullptr && entry->IsPresent() && !entry->block
-             ? static_cast<std::uint32_t>(entry->data - opened_.get())
-             : 0;
+  return entry != nullptr && entry->IsPresent() ? entry->openedOffset : 0;
 }
 
 void IccImage::SetTag(std::uint32_t signature, std::span<const std::uint8_t> bytes) {
   if (bytes.empty()) return RemoveTag(signature);
   if (HasBytes(signature, bytes)) return;
   // The copy comes first: the bytes may be those of this tag.
-  Block copy = AllocateBlock(bytes.size());
-  std::memcpy(copy.get(), bytes.data(), bytes.size());
-  Replace(signature, std::move(copy), static_cast<std::uint32_t>(bytes.size()));
+  Replace(signature, SharedBytes(bytes));
 }
 
-void IccImage::SetTag(std::uint32_t signature, Block block, std::uint32_t size) {
-  if (size == 0) return RemoveTag(signature);
-  if (!HasBytes(signature, {block.get(), size})) Replace(signature, std::move(block), size);
+void IccImage::SetTag(std::uint32_t signature, SharedBytes bytes) {
+  if (bytes.IsEmpty()) return RemoveTag(signature);
+  if (!HasBytes(signature, bytes.Bytes())) Replace(signature, std::move(bytes));
 }
 
 bool IccImage::HasBytes(std::uint32_t signature, std::span<const std::uint8_t> bytes) const {
@@ -121,20 +187,15 @@ bool IccImage::HasBytes(std::uint32_t signature, std::span<const std::uint8_t> b
   return present && std::equal(bytes.begin(), bytes.end(), present->begin(), present->end());
 }
 
-void IccImage::Replace(std::uint32_t signature, Block block, std::uint32_t size) {
+void IccImage::Replace(std::uint32_t signature, SharedBytes bytes) {
   Entry& entry = FindOrAdd(signature);
-  entry.size = size;
-  entry.data = block.get();
-  entry.block = std::move(block);
+  entry = {signature, bytes.Size(), 0, 0, Place::kBlock, std::move(bytes)};
   changed_ = true;
 }
 
 void IccImage::RemoveTag(std::uint32_t signature) {
   if (!Tag(signature)) return;
-  Entry& entry = FindOrAdd(signature);
-  entry.size = 0;
-  entry.data = nullptr;
-  entry.block.reset();
+  FindOrAdd(signature) = {signature, 0, 0, 0, Place::kNowhere, {}};
   changed_ = true;
 }
 
@@ -161,23 +222,21 @@ std::uint64_t IccImage::Size() const { return changed_ ? Arrange().size : opened
 
 // Places the runs of opened bytes that tags still name, in the order of their offsets.
 void IccImage::ArrangeOpened(Layout& layout) const {
-  std::vector<std::uint32_t> order;
+  std::vector<std::size_t> order;
   order.reserve(entries_.size());
   for (std::size_t i = 0; i < entries_.size(); ++i) {
-    if (entries_[i].IsPresent() && !entries_[i].block) order.push_back(static_cast<std::uint32_t>(i));
+    if (entries_[i].place == Place::kOpened) order.push_back(i);
   }
-  std::sort(order.begin(), order.end(), [&](std::uint32_t a, std::uint32_t b) {
-    // cppcheck-suppress arrayIndexThenCheck
-    return std::less<>()(entries_[a].data, entries_[b].data) || (entries_[a].data == entries_[b].data && a < b);
-  });
-  for (const std::uint32_t index : order) {
+  std::stable_sort(order.begin(), order.end(),
+                   [&](std::size_t a, std::size_t b) { return entries_[a].from < entries_[b].from; });
+  for (const std::size_t index : order) {
     const Entry& entry = entries_[index];
     Piece* piece = layout.pieces.empty() ? nullptr : &layout.pieces.back();
-    if (piece == nullptr || entry.data >= piece->data + piece->size) {
+    if (piece == nullptr || entry.from >= piece->from + piece->size) {
       if (piece != nullptr) layout.size = RoundUpTo4(piece->offset + piece->size);
-      piece = &layout.pieces.emplace_back(Piece{entry.data, 0, layout.size});
+      piece = &layout.pieces.emplace_back(Piece{nullptr, entry.from, 0, layout.size});
     }
-    const auto distance = static_cast<std::size_t>(entry.data - piece->data);
+    const std::uint64_t distance = entry.from - piece->from;
     piece->size = std::max(piece->size, distance + entry.size);
     layout.tagOffsets[index] = piece->offset + distance;
   }
@@ -191,9 +250,9 @@ IccImage::Layout IccImage::Arrange() const {
   layout.tagOffsets.resize(entries_.size());
   ArrangeOpened(layout);
   for (std::size_t i = 0; i < entries_.size(); ++i) {
-    if (!entries_[i].block) continue;
+    if (entries_[i].place != Place::kBlock) continue;
     layout.tagOffsets[i] = layout.size;
-    layout.pieces.push_back({entries_[i].data, entries_[i].size, layout.size});
+    layout.pieces.push_back({entries_[i].block.Data(), 0, entries_[i].size, layout.size});
     layout.size = RoundUpTo4(layout.size + entries_[i].size);
   }
   return layout;
@@ -214,11 +273,9 @@ bool IccImage::CopyTo(std::span<std::uint8_t> out) const {
 // True if the image can be composed over the opened bytes: pieces are moved in the order of their old places, and none
 // may land on one that is still to be moved.
 bool IccImage::FitsInPlace(const Layout& layout) const {
-  return layout.size <= openedSize_ && std::all_of(layout.pieces.begin(), layout.pieces.end(), [&](const Piece& piece) {
-           const std::less<> before;
-           const bool opened = !before(piece.data, opened_.get()) && before(piece.data, opened_.get() + openedSize_);
-           return !opened || piece.offset <= static_cast<std::uint64_t>(piece.data - opened_.get());
-         });
+  return layout.size <= openedSize_ &&
+         std::all_of(layout.pieces.begin(), layout.pieces.end(),
+                     [](const Piece& piece) { return piece.block != nullptr || piece.offset <= piece.from; });
 }
 
 Block IccImage::Release(std::uint32_t& size) && {
@@ -258,7 +315,8 @@ void IccImage::Compose(const Layout& layout, std::uint8_t* out) const {
   for (const Piece& piece : layout.pieces) {
     std::uint8_t* const start = out + piece.offset;
     std::fill(end, start, std::uint8_t{0});
-    std::memmove(start, piece.data, piece.size);
+    // What stands in its place already is not even touched.
+    if (start != DataOf(piece)) std::memmove(start, DataOf(piece), static_cast<std::size_t>(piece.size));
     end = start + piece.size;
   }
   std::fill(end, out + layout.size, std::uint8_t{0});

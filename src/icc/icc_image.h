@@ -1,8 +1,10 @@
 // The image of one ICC profile and the edits of its tags.
 #pragma once
 
-#include "core/payload.h"
+#include "core/block.h"
 #include "icc/icc_directory.h"
+
+#include <nvxprofile/shared_bytes.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -13,8 +15,8 @@
 
 namespace nvx {
 
-// Holds one copy of the opened bytes; each tag is a view of that copy or of a block of its own, and setting or removing
-// tags moves nothing else. The image is composed when it is taken out:
+// Holds one copy of the opened bytes; each tag lies in that copy or in a block of its own, and setting or removing tags
+// moves nothing else. The image is composed when it is taken out:
 //
 // - as the very bytes that were opened, if no tag was changed;
 // - else header, tag table, the data that was there, in the order of its old offsets, and new data in the order of the
@@ -30,8 +32,10 @@ class IccImage {
  public:
   // Null for what is no ICC profile. Bytes behind the size that the header gives are no part of the image.
   static std::unique_ptr<IccImage> Open(std::span<const std::uint8_t> bytes, Diagnosis* diagnosis = nullptr);
-  // The same for a profile that reaches from where the stream stands to its end, read without a copy in between.
-  static std::unique_ptr<IccImage> Open(CNvxFile& file);
+  // The same for a profile that reaches from where the stream stands to its end. Each byte is read once, in the order of
+  // the file. The tags in `apart` are about to be taken: each that shares no bytes with another gets a block of its own,
+  // and counts as set, with the bytes that it has; all else is put where the image without these tags has it.
+  static std::unique_ptr<IccImage> Open(CNvxFile& file, std::span<const std::uint32_t> apart = {});
 
   // The header as an image taken out now would have it, but with the Profile ID that was opened.
   IccHeader Header() const;
@@ -39,13 +43,17 @@ class IccImage {
   // The bytes of a tag, valid until that tag is set or removed; nothing if there is none.
   std::optional<std::span<const std::uint8_t>> Tag(std::uint32_t signature) const;
 
+  // The bytes of a tag for whoever keeps them: those of a block of its own, else a copy. Empty if there is none. The tag
+  // is to be removed before anybody writes to them.
+  SharedBytes ShareTag(std::uint32_t signature) const;
+
   // Where the bytes of a tag lay in what was opened; 0 for a tag that came later or is not there.
   std::uint32_t OpenedOffset(std::uint32_t signature) const;
 
   // Copies the bytes. Bytes equal to those that the tag has change nothing; none at all remove the tag.
   void SetTag(std::uint32_t signature, std::span<const std::uint8_t> bytes);
   // The same with a block that is taken over instead of copied.
-  void SetTag(std::uint32_t signature, Block block, std::uint32_t size);
+  void SetTag(std::uint32_t signature, SharedBytes bytes);
   void RemoveTag(std::uint32_t signature);
 
   // Signatures in the order of the table.
@@ -78,19 +86,24 @@ class IccImage {
  private:
   static constexpr std::uint64_t kLargestImage = 0xFFFFFFFF;
 
+  enum class Place { kOpened, kBlock, kNowhere };
+
   struct Entry {
     std::uint32_t signature = 0;
     std::uint32_t size = 0;
-    const std::uint8_t* data = nullptr;  // null for a tag that was removed
-    Block block;                         // null for a view of the opened bytes
+    std::uint32_t from = 0;          // offset in the opened bytes
+    std::uint32_t openedOffset = 0;  // in what was opened; 0 for what came later
+    Place place = Place::kNowhere;
+    SharedBytes block;
 
-    bool IsPresent() const { return data != nullptr; }
+    bool IsPresent() const { return place != Place::kNowhere; }
   };
 
   // A run of bytes and its place in the image.
   struct Piece {
-    const std::uint8_t* data = nullptr;
-    std::size_t size = 0;
+    const std::uint8_t* block = nullptr;  // null for opened bytes
+    std::uint64_t from = 0;               // their offset
+    std::uint64_t size = 0;
     std::uint64_t offset = 0;
   };
 
@@ -100,12 +113,16 @@ class IccImage {
     std::vector<std::uint64_t> tagOffsets;  // one for each entry
   };
 
-  IccImage(Block opened, const IccDirectory& directory);
+  explicit IccImage(const IccDirectory& directory);
 
+  bool Read(CNvxFile& file, std::uint32_t start, std::span<const std::uint32_t> apart);
+  std::vector<std::size_t> StandingApart(std::span<const std::uint32_t> signatures) const;
+  const std::uint8_t* DataOf(const Entry& entry) const;
+  const std::uint8_t* DataOf(const Piece& piece) const;
   const Entry* Find(std::uint32_t signature) const;
   Entry& FindOrAdd(std::uint32_t signature);
   bool HasBytes(std::uint32_t signature, std::span<const std::uint8_t> bytes) const;
-  void Replace(std::uint32_t signature, Block block, std::uint32_t size);
+  void Replace(std::uint32_t signature, SharedBytes bytes);
   std::size_t CountPresent() const;
   Layout Arrange() const;
   void ArrangeOpened(Layout& layout) const;

@@ -4,7 +4,9 @@
 
 #include <nvxprofile/icc_profile.h>
 
+#include <algorithm>
 #include <cstring>
+#include <utility>
 
 CICCProfile::CICCProfile() = default;
 CICCProfile::~CICCProfile() = default;
@@ -33,9 +35,11 @@ bool CICCProfile::OpenPath(const char16_t* path, bool headerOnly) {
   return true;
 }
 
-bool CICCProfile::OpenStream(CNvxFile& file) {
+bool CICCProfile::OpenStream(CNvxFile& file, std::span<const char* const> apart) {
   Close();
-  return Keep(nvx::IccImage::Open(file));
+  std::vector<std::uint32_t> signatures(apart.size());
+  std::transform(apart.begin(), apart.end(), signatures.begin(), MakeTagSignature);
+  return Keep(nvx::IccImage::Open(file, signatures));
 }
 
 bool CICCProfile::Keep(std::unique_ptr<nvx::IccImage> image) {
@@ -86,6 +90,10 @@ const std::uint8_t* CICCProfile::GetRefTag(const char* tag, std::uint32_t& size)
   return size != 0 ? bytes->data() : nullptr;
 }
 
+nvx::SharedBytes CICCProfile::ShareTag(const char* tag) const {
+  return handle_ ? handle_->ShareTag(MakeTagSignature(tag)) : nvx::SharedBytes();
+}
+
 std::uint32_t CICCProfile::GetTagOffset(const char* tag) const {
   return handle_ ? handle_->OpenedOffset(MakeTagSignature(tag)) : 0;
 }
@@ -97,9 +105,9 @@ bool CICCProfile::SetTag(const char* tag, const void* data, std::uint32_t size) 
 }
 
 bool CICCProfile::AttachTag(const char* tag, std::uint8_t* block, std::uint32_t size) {
-  nvx::Block owned(block);
+  nvx::SharedBytes bytes = nvx::SharedBytes::Adopt(block, size);
   if (!handle_ || (block == nullptr && size != 0)) return false;
-  handle_->SetTag(MakeTagSignature(tag), std::move(owned), size);
+  handle_->SetTag(MakeTagSignature(tag), std::move(bytes));
   return true;
 }
 

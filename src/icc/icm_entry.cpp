@@ -40,14 +40,14 @@ bool CICMEntry::BufferToData() {
 
 std::uint32_t CICMEntry::GetColors() {
   nvx::IccDirectory directory;
-  if (!nvx::ReadIccDirectory(GetRefBuffer(), GetSize(), directory)) return 0;
+  if (!nvx::ReadIccDirectory(Bytes().data(), GetSize(), directory)) return 0;
   return nvx::IccColorCount(directory.header.phDataColorSpace);
 }
 
 bool CICMEntry::Load(const char16_t* path, std::uint32_t& error, ICMOptionInfo) {
   CNvxFile file;
   nvx::IccDirectory directory;
-  if (!file.Open(path, nvx::kGenericRead, nvx::kNoShare, nvx::kOpenExisting) ||
+  if (!file.Open(path, nvx::kGenericRead, nvx::kNoShare, nvx::kOpenExisting) || !file.FitsLength() ||
       !nvx::ReadIccDirectory(file, directory)) {
     return Fail(error, kErrorNoIccProfile);
   }
@@ -64,6 +64,6 @@ bool CICMEntry::Load(const char16_t* path, std::uint32_t& error, ICMOptionInfo) 
 
 bool CICMEntry::Save(const char16_t* path, std::uint32_t& error) {
   const bool saved = nvx::SaveByReplacing(
-      path, [&](CNvxFile& file) { return GetSize() != 0 && file.Write(GetRefBuffer(), GetSize()) == GetSize(); });
+      path, [&](CNvxFile& file) { return GetSize() != 0 && file.Write(Bytes().data(), GetSize()) == GetSize(); });
   return saved || Fail(error, kErrorFile);
 }

@@ -63,19 +63,17 @@ class IniSearch {
   IniSearch(std::string_view section, std::initializer_list<std::string_view> keys)
       : section_(section), keys_(keys), values_(keys.size()), missing_(keys.size()), inside_(section.empty()) {}
 
-  // Looks at whole lines, the next ones of the file. False once there is nothing left to find.
-  bool TakeLines(std::string_view lines) {
+  std::vector<std::optional<std::string>> Run(std::string_view lines) {
     while (missing_ != 0) {
       // Most lines of a long file belong to other sections.
       if (!inside_) lines = FromSectionLine(lines);
-      if (lines.empty()) return true;
+      if (lines.empty()) break;
       const std::size_t end = lines.find('\n');
       TakeLine(lines.substr(0, end));
       lines.remove_prefix(end == lines.npos ? lines.size() : end + 1);
     }
-    return false;
+    return std::move(values_);
   }
-  std::vector<std::optional<std::string>>& Values() { return values_; }
 
  private:
   void TakeLine(std::string_view line) {
@@ -103,39 +101,28 @@ class IniSearch {
   std::uint32_t page_ = AnsiCodePage();
 };
 
-// Takes a file through one block, which grows only for a line that is longer.
-void SearchFile(const std::string& path, IniSearch& search) {
-  const ScopedFile file(OpenFile(Utf8ToWide(path), kGenericRead, kShareReadAndWrite, kOpenExisting));
-  if (!file.IsOpen()) return;
-  std::string block(std::size_t{1} << 16, '\0');
-  std::size_t held = 0;
-  bool first = true;
-  bool more = true;
-  while (more) {
-    if (held == block.size()) block.resize(2 * block.size());
-    const std::size_t got = ReadFile(file.Handle(), block.data() + held, block.size() - held);
-    std::string_view text(block.data(), held + got);
-    if (first && text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
-    first = false;
-    const std::size_t whole = got == 0 ? text.size() : text.rfind('\n') + 1;
-    more = search.TakeLines(text.substr(0, whole)) && got != 0;
-    text.remove_prefix(whole);
-    held = text.size();
-    std::copy(text.begin(), text.end(), block.begin());
-  }
-}
-
 }  // namespace
 
-std::vector<std::optional<std::string>> ReadIniTexts(const std::string& path, std::string_view section,
-                                                     std::initializer_list<std::string_view> keys) {
-  IniSearch search(section, keys);
-  SearchFile(path, search);
-  return std::move(search.Values());
+IniFile::IniFile(const std::string& path) {
+  const ScopedFile file(OpenFile(Utf8ToWide(path), kGenericRead, kShareReadAndWrite, kOpenExisting));
+  if (!file.IsOpen()) return;
+  constexpr std::size_t kStep = std::size_t{1} << 16;
+  for (std::size_t got = kStep; got == kStep;) {
+    const std::size_t held = text_.size();
+    text_.resize(held + kStep);
+    got = ReadFile(file.Handle(), text_.data() + held, kStep);
+    text_.resize(held + got);
+  }
+  if (text_.starts_with(kByteOrderMark)) text_.erase(0, kByteOrderMark.size());
 }
 
-std::optional<std::string> ReadIniText(const std::string& path, std::string_view section, std::string_view key) {
-  return ReadIniTexts(path, section, {key}).front();
+std::vector<std::optional<std::string>> IniFile::Texts(std::string_view section,
+                                                       std::initializer_list<std::string_view> keys) const {
+  return IniSearch(section, keys).Run(text_);
+}
+
+std::optional<std::string> IniFile::Text(std::string_view section, std::string_view key) const {
+  return Texts(section, {key}).front();
 }
 
 std::int32_t IniInteger(const std::optional<std::string>& value, std::int32_t missing) {
@@ -154,7 +141,7 @@ std::int32_t IniInteger(const std::optional<std::string>& value, std::int32_t mi
 std::string ProfileFolder() {
   if (auto folder = EnvironmentVariable("NVXPROFILE_PROFILE_DIR")) return *folder;
   for (const std::string& folder : SettingsFolders()) {
-    const auto value = ReadIniText(folder + "/nvxprofile/settings.ini", {}, "ProfileDir");
+    const auto value = IniFile(folder + "/nvxprofile/settings.ini").Text({}, "ProfileDir");
     if (value && !value->empty()) return *value;
   }
   return {};

@@ -10,24 +10,29 @@
 
 namespace nvx::platform {
 
-// Value of a key of an INI file, read anew at each call: section and key without regard to the case of ASCII letters,
-// blanks around the value and one pair of quotes dropped, the first match wins. Names and values are text of the ANSI
-// code page, so that the second byte of a character is never taken for a bracket or a letter. An empty section stands
-// for the whole file. Nothing when file, section or key is missing. The path is UTF-8.
-std::optional<std::string> ReadIniText(const std::string& path, std::string_view section, std::string_view key);
+// The text of an INI file, read once; empty when it cannot be read.
+class IniFile {
+ public:
+  IniFile() = default;
+  explicit IniFile(const std::string& path);  // UTF-8
 
-// The values of several keys of one section, in the order of `keys`, in one pass over the file.
-std::vector<std::optional<std::string>> ReadIniTexts(const std::string& path, std::string_view section,
-                                                     std::initializer_list<std::string_view> keys);
+  // Value of a key: section and key without regard to the case of ASCII letters, blanks around the value and one pair
+  // of quotes dropped, the first match wins. Names and values are text of the ANSI code page, so that the second byte
+  // of a character is never taken for a bracket or a letter. An empty section stands for the whole file. Nothing when
+  // file, section or key is missing.
+  std::optional<std::string> Text(std::string_view section, std::string_view key) const;
+
+  // The values of several keys of one section, in the order of `keys`.
+  std::vector<std::optional<std::string>> Texts(std::string_view section,
+                                                std::initializer_list<std::string_view> keys) const;
+
+ private:
+  std::string text_;
+};
 
 // A value as an integer: leading decimal digits with an optional sign, 0 for text without any. `missing` when there is
 // no value, an empty one, or one that does not fit into 32 bits.
 std::int32_t IniInteger(const std::optional<std::string>& value, std::int32_t missing);
-
-inline std::int32_t ReadIniInteger(const std::string& path, std::string_view section, std::string_view key,
-                                   std::int32_t missing) {
-  return IniInteger(ReadIniText(path, section, key), missing);
-}
 
 // Folder of the conversion table, UTF-8: NVXPROFILE_PROFILE_DIR, else the key ProfileDir in the first file
 // nvxprofile/settings.ini below the folders of settings that has it; empty if none says so.

@@ -11,8 +11,8 @@
 
 namespace {
 
-using nvx::platform::ReadIniInteger;
-using nvx::platform::ReadIniText;
+using nvx::platform::IniFile;
+using nvx::platform::IniInteger;
 using nvx::test::ScopedLanguage;
 using nvx::test::ScopedVariable;
 using nvx::test::TempFolder;
@@ -21,9 +21,9 @@ class Ini : public ::testing::Test {
  protected:
   void Write(const std::string& text) { std::ofstream(path_, std::ios::binary) << text; }
   std::string Text(std::string_view section, std::string_view key) {
-    return ReadIniText(path_, section, key).value_or("<none>");
+    return IniFile(path_).Text(section, key).value_or("<none>");
   }
-  std::int32_t Integer(std::string_view key) { return ReadIniInteger(path_, "numbers", key, -1); }
+  std::int32_t Integer(std::string_view key) { return IniInteger(IniFile(path_).Text("numbers", key), -1); }
 
   TempFolder folder_;
   std::string path_ = folder_.File("a.ini");
@@ -42,8 +42,8 @@ TEST_F(Ini, FindsKeysBySectionWithoutRegardToCase) {
   EXPECT_EQ(Text("three", "key"), "<none>");
   EXPECT_EQ(Text("on", "key"), "<none>");
   EXPECT_EQ(Text("", "late"), "7");
-  EXPECT_EQ(ReadIniText(folder_.File("none"), "one", "key"), std::nullopt);
-  EXPECT_EQ(ReadIniText(folder_.Path().string(), "one", "key"), std::nullopt);
+  EXPECT_EQ(IniFile(folder_.File("none")).Text("one", "key"), std::nullopt);
+  EXPECT_EQ(IniFile(folder_.Path().string()).Text("one", "key"), std::nullopt);
 }
 
 TEST_F(Ini, DropsOnePairOfQuotes) {
@@ -66,9 +66,9 @@ TEST_F(Ini, ReadsNumbersOfText) {
   EXPECT_EQ(Integer("d"), 0);
   EXPECT_EQ(Integer("h"), std::numeric_limits<std::int32_t>::min());
   EXPECT_EQ(Integer("j"), 0);
-  EXPECT_EQ(ReadIniInteger(path_, "numbers", "e", 5), 5);
+  EXPECT_EQ(IniInteger(IniFile(path_).Text("numbers", "e"), 5), 5);
   EXPECT_EQ(Integer("f"), -1);
-  for (const char* const beyond : {"g", "i", "none"}) EXPECT_EQ(ReadIniInteger(path_, "numbers", beyond, 9), 9);
+  for (const char* const beyond : {"g", "i", "none"}) EXPECT_EQ(IniInteger(IniFile(path_).Text("numbers", beyond), 9), 9);
 }
 
 // In code page 932 the second byte of a character can be a bracket or a letter.
@@ -83,7 +83,7 @@ TEST_F(Ini, ReadsNamesOfDoubleByteText) {
   EXPECT_EQ(Text("P.\x83", "k"), "za");
 }
 
-TEST_F(Ini, SeesEachChangeAndReadsLongFiles) {
+TEST_F(Ini, ReadsLongFiles) {
   std::string text = "[first]\nk=1\n" + std::string(200'000, 'x') + "=long\n";
   for (int i = 0; i < 20'000; ++i) text += "[section " + std::to_string(i) + "]\nk=" + std::to_string(i) + "\n";
   Write(text);
@@ -93,7 +93,7 @@ TEST_F(Ini, SeesEachChangeAndReadsLongFiles) {
   EXPECT_EQ(Text("first", "k"), "1") << "a bracket inside a line starts no section";
   Write("[first]\nk=2\n");
   EXPECT_EQ(Text("first", "k"), "2");
-  const auto values = nvx::platform::ReadIniTexts(path_, "first", {"none", "k"});
+  const auto values = IniFile(path_).Texts("first", {"none", "k"});
   EXPECT_FALSE(values[0]);
   EXPECT_EQ(values[1], "2");
 }

@@ -53,10 +53,9 @@ void DescribeContainer(const CContainerEntry& container, Knowledge& knowledge) {
 }
 
 Contents ContentsOf(CProfileDataEntry& entry) {
-  std::uint32_t size = 0;
-  const Block form = SaysAll(entry) ? PayloadKeeper::FormOf(entry, size) : nullptr;
+  const SharedBytes form = SaysAll(entry) ? PayloadKeeper::FormOf(entry) : SharedBytes();
   // A payload that its form cannot carry is looked at by its bytes; no operation here makes one.
-  return form ? Contents(form.get(), form.get() + size) : BytesOf(entry);
+  return form.IsEmpty() ? BytesOf(entry) : Contents(form.Data(), form.Data() + form.Size());
 }
 
 // The same in an entry of its own, as a load would make it.

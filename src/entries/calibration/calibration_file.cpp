@@ -117,7 +117,7 @@ class ChildLoader {
     if (size == 0) return true;
     if (!nvx::Holds(file_, size, 1)) return nvx::Refuse(file_, "calibration entry header: body size beyond the end");
     child.parsed = false;
-    if (!nvx::ReadExact(file_, child.entry->GetBuffer(size), size)) {
+    if (!nvx::PayloadKeeper::Take(*child.entry, file_, size)) {
       return nvx::Refuse(file_, "calibration entry body: cut short");
     }
     return true;
@@ -238,6 +238,6 @@ bool CProfileFileCalibration::SaveBody(CNvxFile& file, CContainerData* data) {
   const auto& children = data->Children();
   return std::all_of(children.begin(), children.end(), [&](CProfileDataEntry* child) {
     return nvx::WriteMagic(file, CalibrationEntryHeader::kBodyMagic) &&
-           nvx::WriteExact(file, child->GetRefBuffer(), child->GetSize());
+           nvx::WriteExact(file, child->Bytes().data(), child->GetSize());
   });
 }

@@ -16,7 +16,7 @@ using Codes = std::set<std::uint32_t>;
 
 void CopyBuffer(CProfileDataEntry& source, CProfileDataEntry& copy) {
   if (source.GetSize() == 0) return copy.DeleteBuffer();
-  std::memcpy(copy.GetBuffer(source.GetSize()), source.GetRefBuffer(), source.GetSize());
+  std::memcpy(copy.GetBuffer(source.GetSize()), source.Bytes().data(), source.GetSize());
 }
 
 // Gives the copy buffer and payload of the source, each of which may say more than the other. False for an edited
@@ -24,10 +24,9 @@ void CopyBuffer(CProfileDataEntry& source, CProfileDataEntry& copy) {
 bool CopyPayloadAndBuffer(CProfileDataEntry& source, CProfileDataEntry& copy) {
   const PayloadState state = source.GetPayloadState();
   if (state == PayloadState::kEdited || state == PayloadState::kUnread) {
-    std::uint32_t size = 0;
-    Block form = PayloadKeeper::FormOf(source, size);
-    if (!form && state == PayloadState::kEdited) return false;
-    copy.AttachBuffer(form.release(), size);
+    SharedBytes form = PayloadKeeper::FormOf(source);
+    if (form.IsEmpty() && state == PayloadState::kEdited) return false;
+    PayloadKeeper::Give(copy, std::move(form));
     copy.BufferToData();
     CopyBuffer(source, copy);
   } else {

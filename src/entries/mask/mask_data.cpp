@@ -38,8 +38,8 @@ std::uint32_t At(const std::vector<std::uint32_t>& values, int index) {
 }
 
 // The old bytes live until the new ones are made, so that a block may be set from itself.
-void SetBytes(std::vector<std::uint8_t>& target, const std::uint8_t* data, std::uint32_t size) {
-  target = data != nullptr ? std::vector<std::uint8_t>(data, data + size) : std::vector<std::uint8_t>();
+nvx::SharedBytes CopyOf(const std::uint8_t* data, std::uint32_t size) {
+  return data != nullptr ? nvx::SharedBytes({data, size}) : nvx::SharedBytes();
 }
 
 bool HasLowerID(const CMaskPatternDataEntry* entry, std::uint32_t id) { return entry->GetMaskPatternID() < id; }
@@ -51,7 +51,7 @@ CMaskParameterDataEntry::~CMaskParameterDataEntry() = default;
 CMaskParameterDataEntry* CMaskParameterDataEntry::CreateEntry() { return new (std::nothrow) CMaskParameterDataEntry; }
 
 void CMaskParameterDataEntry::DeleteContents() {
-  SetBytes(paramData_, nullptr, 0);
+  paramData_ = nvx::SharedBytes();
   layerColors_.clear();
   usePatternIDs_.clear();
 }
@@ -64,7 +64,7 @@ std::uint32_t CMaskParameterDataEntry::GetLeyerColor(int index) const { return A
 std::uint32_t CMaskParameterDataEntry::GetUsePatternID(int index) const { return At(usePatternIDs_, index); }
 
 void CMaskParameterDataEntry::SetParamDataBuffer(const std::uint8_t* data, std::uint32_t size) {
-  SetBytes(paramData_, data, size);
+  paramData_ = CopyOf(data, size);
 }
 
 CMaskParameterData::CMaskParameterData(const CMaskParameterData& other) : CDataObject(other) {
@@ -115,7 +115,7 @@ CMaskPatternDataEntry::~CMaskPatternDataEntry() = default;
 CMaskPatternDataEntry* CMaskPatternDataEntry::CreateEntry() { return new (std::nothrow) CMaskPatternDataEntry; }
 
 void CMaskPatternDataEntry::SetMaskPatternBuffer(const std::uint8_t* data, std::uint32_t size) {
-  SetBytes(pattern_, data, size);
+  pattern_ = CopyOf(data, size);
 }
 
 CMaskPatternData::CMaskPatternData(const CMaskPatternData& other) : CDataObject(other) {

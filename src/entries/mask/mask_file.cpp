@@ -65,12 +65,12 @@ BlockMagic ReadBlockMagic(CNvxFile& file, std::uint32_t magic) {
   return BlockMagic::kWrong;
 }
 
-// Reads `size` bytes and hands them to set(data, size).
+// Reads `size` bytes and hands them to set(bytes).
 template <class Set>
 bool ReadBlock(CNvxFile& file, std::uint32_t size, Set set) {
-  const nvx::StreamBlock block(file, size);
-  if (!block.IsWhole()) return nvx::Refuse(file, "mask data block: size beyond the end");
-  set(block.Data(), size);
+  nvx::SharedBytes bytes;
+  if (!nvx::TakeBytes(file, size, bytes)) return nvx::Refuse(file, "mask data block: size beyond the end");
+  set(std::move(bytes));
   return true;
 }
 
@@ -124,8 +124,7 @@ bool ReadParameterBlocks(CNvxFile& file, const Parameters& parameters, const Siz
     const BlockMagic magic = ReadBlockMagic(file, nvx::kMaskParameterBlockMagic);
     if (magic == BlockMagic::kCutShort) return false;
     if (magic == BlockMagic::kWrong) continue;
-    const auto set = [&](const std::uint8_t* data, std::uint32_t n) { entry->SetParamDataBuffer(data, n); };
-    if (!ReadBlock(file, *size++, set)) return false;
+    if (!ReadBlock(file, *size++, [&](nvx::SharedBytes bytes) { entry->SetParamData(std::move(bytes)); })) return false;
   }
   return true;
 }
@@ -146,8 +145,7 @@ bool ReadPatternBlocks(CNvxFile& file, const Patterns& patterns, const Sizes& si
     const BlockMagic magic = ReadBlockMagic(file, nvx::kMaskPatternBlockMagic);
     if (magic == BlockMagic::kCutShort) return false;
     if (magic == BlockMagic::kWrong) continue;
-    const auto set = [&](const std::uint8_t* data, std::uint32_t n) { entry->SetMaskPatternBuffer(data, n); };
-    if (!ReadBlock(file, own, set)) return false;
+    if (!ReadBlock(file, own, [&](nvx::SharedBytes bytes) { entry->SetMaskPattern(std::move(bytes)); })) return false;
   }
   return true;
 }
@@ -194,7 +192,7 @@ bool CMaskParameterFile::SaveFile(CNvxFile& file, CMaskParameterData* data) {
   return WriteHeader(file, MaskFileHeader::kParameterMagic, entries.Count()) &&
          std::all_of(entries.begin(), entries.end(),
                      [&](CMaskParameterDataEntry* entry) { return nvx::WriteRecord(file, RecordOf(*entry)); }) &&
-         std::all_of(entries.begin(), entries.end(), [&](CMaskParameterDataEntry* entry) {
+         std::all_of(entries.begin(), entries.end(), [&](const CMaskParameterDataEntry* entry) {
            return WriteBlock(file, nvx::kMaskParameterBlockMagic, entry->GetParamDataBuffer(),
                              entry->GetParamDataSize());
          });
@@ -241,7 +239,7 @@ bool CMaskPatternFile::SaveFile(CNvxFile& file, CMaskPatternData* data) {
   return WriteHeader(file, MaskFileHeader::kPatternMagic, entries.Count()) &&
          std::all_of(entries.begin(), entries.end(),
                      [&](CMaskPatternDataEntry* entry) { return nvx::WriteRecord(file, recordOf(*entry)); }) &&
-         std::all_of(entries.begin(), entries.end(), [&](CMaskPatternDataEntry* entry) {
+         std::all_of(entries.begin(), entries.end(), [&](const CMaskPatternDataEntry* entry) {
            return WriteBlock(file, nvx::kMaskPatternBlockMagic, entry->GetMaskPatternBuffer(),
                              entry->GetMaskPatternSize());
          });
