@@ -1,5 +1,6 @@
 // Histories of calibrations with three curve sets of 8 inks: loads and saves as ratios to a copy of their bytes, and
 // how queries grow with the number of calibrations.
+#include "../tests/support/sample_profile.h"
 #include "timing.h"
 
 #include <nvxprofile/calibration_history.h>
@@ -20,41 +21,16 @@ namespace {
 using nvx::bench::GiveFreePagesBack;
 using nvx::bench::ProcessorSeconds;
 
-template <class Entry>
-std::unique_ptr<Entry> EightInks() {
-  auto entry = std::make_unique<Entry>();
-  for (std::uint32_t ink = 0; ink < 8; ++ink) {
-    auto* const curve = new CCurveDataEntry16;
-    curve->SetInkID(ink);
-    curve->SetExtendInfo(entry->GetUsedType() == CProfileDataEntry::kCalibrationInklimit ? 12 : 0);
-    for (std::uint32_t i = 0; i < 256; ++i) curve->Add(i * 257);
-    entry->GetCurveData()->AddTail(curve);
-  }
-  return entry;
-}
-
-std::unique_ptr<CCalibrationHistoryEntry> MakeHistory(int calibrations) {
-  auto history = std::make_unique<CCalibrationHistoryEntry>();
-  for (int i = 0; i < calibrations; ++i) {
-    nvx::NewCalibration calibration;
-    calibration.name = u"calibration";
-    calibration.time = 1 + i;
-    calibration.inkLimit = EightInks<CCalibrationInklimitEntry>();
-    calibration.linearization = EightInks<CCalibrationLinearizationEntry>();
-    calibration.grayBalance = EightInks<CCalibrationGrayBalanceEntry>();
-    nvx::AddCalibration(*history, std::move(calibration));
-  }
-  history->DataToBuffer();
-  return history;
-}
+// Whether memory comes from the system or was in use before.
+enum class Heap { kFresh, kUsed };
 
 // Seconds for one copy of the bytes into a block of its own, where several live side by side as in a loaded history.
-double CopySeconds(const std::uint8_t* bytes, std::size_t size) {
+double CopySeconds(const std::uint8_t* bytes, std::size_t size, Heap heap) {
   constexpr std::size_t kCopies = 6;
   double best = 1e9;
   for (int i = 0; i < 50; ++i) {
     void* copies[kCopies];
-    GiveFreePagesBack();
+    if (heap == Heap::kFresh) GiveFreePagesBack();
     best = std::min(best, ProcessorSeconds([&] {
                       for (void*& copy : copies) {
                         copy = std::malloc(size);
@@ -69,10 +45,10 @@ double CopySeconds(const std::uint8_t* bytes, std::size_t size) {
 
 // Reports the fastest of all runs in units of `unit` seconds. What a run gives is destroyed outside of its time.
 template <class Run>
-void ReportRatio(benchmark::State& state, double unit, Run run) {
+void ReportRatio(benchmark::State& state, double unit, Heap heap, Run run) {
   double best = 1e9;
   for (auto _ : state) {
-    GiveFreePagesBack();
+    if (heap == Heap::kFresh) GiveFreePagesBack();
     decltype(run()) result{};
     const double seconds = ProcessorSeconds([&] { result = run(); });
     benchmark::DoNotOptimize(result);
@@ -83,22 +59,36 @@ void ReportRatio(benchmark::State& state, double unit, Run run) {
 }
 
 // Loading into a fresh history, the copy of its bytes into the entry's buffer included.
-void CalibrationLoad(benchmark::State& state) {
-  const auto history = MakeHistory(static_cast<int>(state.range(0)));
+void CalibrationLoad(benchmark::State& state, Heap heap) {
+  if (heap == Heap::kUsed) nvx::bench::KeepFreePages();
+  const auto history = nvx::test::SampleHistory(static_cast<int>(state.range(0)));
   const std::size_t size = history->GetSize();
-  ReportRatio(state, CopySeconds(history->GetRefBuffer(), size), [&] {
+  const std::uint8_t* const bytes = history->Bytes().data();
+  ReportRatio(state, CopySeconds(bytes, size, heap), heap, [&] {
     auto loaded = std::make_unique<CCalibrationHistoryEntry>();
-    std::memcpy(loaded->GetBuffer(static_cast<std::uint32_t>(size)), history->GetRefBuffer(), size);
+    std::memcpy(loaded->GetBuffer(static_cast<std::uint32_t>(size)), bytes, size);
     if (!loaded->BufferToData()) std::abort();
     return loaded;
   });
   state.SetBytesProcessed(static_cast<std::int64_t>(size) * state.iterations());
 }
-BENCHMARK(CalibrationLoad)->Arg(50)->Arg(200)->Arg(800)->UseManualTime()->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(CalibrationLoad, FreshMemory, Heap::kFresh)
+    ->Arg(50)
+    ->Arg(200)
+    ->Arg(800)
+    ->UseManualTime()
+    ->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(CalibrationLoad, UsedMemory, Heap::kUsed)
+    ->Arg(50)
+    ->Arg(200)
+    ->Arg(800)
+    ->UseManualTime()
+    ->Unit(benchmark::kMicrosecond);
 
 void CalibrationSave(benchmark::State& state) {
-  const auto history = MakeHistory(static_cast<int>(state.range(0)));
-  ReportRatio(state, CopySeconds(history->GetRefBuffer(), history->GetSize()), [&] { return history->DataToBuffer(); });
+  const auto history = nvx::test::SampleHistory(static_cast<int>(state.range(0)));
+  const double copy = CopySeconds(history->Bytes().data(), history->GetSize(), Heap::kFresh);
+  ReportRatio(state, copy, Heap::kFresh, [&] { return history->DataToBuffer(); });
 }
 BENCHMARK(CalibrationSave)->Arg(200)->UseManualTime()->Unit(benchmark::kMicrosecond);
 
@@ -108,7 +98,7 @@ class LoadedProfile {
     const std::filesystem::path path =
         std::filesystem::temp_directory_path() / ("nvxprofile-bench-" + std::to_string(std::rand()) + ".qct");
     CProfileData data;
-    data.SetProfileDataEntry(MakeHistory(calibrations).release(), nvx::kRouteIccRoot);
+    data.SetProfileDataEntry(nvx::test::SampleHistory(calibrations).release(), nvx::kRouteIccRoot);
     if (!CProfileFileQCT().SaveData(path.u16string().c_str(), &data, nvx::kRouteIccRoot)) std::abort();
     if (!access_.Init(path.u16string().c_str(), &error_)) std::abort();
     std::filesystem::remove(path);

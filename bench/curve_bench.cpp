@@ -15,6 +15,7 @@
 #include <limits>
 #include <memory>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -45,12 +46,12 @@ std::unique_ptr<CLinearizationEntry> MakeEntry(std::uint32_t count, std::uint32_
 // A profile with one linearization entry, loaded from a file as a print job does it.
 class LoadedProfile {
  public:
-  LoadedProfile() {
+  explicit LoadedProfile(std::uint32_t samples = kSamples) {
     const std::filesystem::path path =
         std::filesystem::temp_directory_path() /
         ("nvxprofile-bench-" + std::to_string(std::chrono::steady_clock::now().time_since_epoch().count()));
     CProfileData data;
-    data.SetProfileDataEntry(MakeEntry(kInks, kSamples).release(), nvx::kRouteMain);
+    data.SetProfileDataEntry(MakeEntry(kInks, samples).release(), nvx::kRouteMain);
     CProfileFileQCT().SaveData(path.u16string().c_str(), &data, nvx::kRouteMain);
     CError error;
     loaded_ = access_.Init(path.u16string().c_str(), &error);
@@ -68,12 +69,12 @@ class LoadedProfile {
 
 // Both sides run in turn, and the best run of each counts, so that a busy machine disturbs neither.
 void LinearizationQueryAgainstCopy(benchmark::State& state) {
-  LoadedProfile profile;
+  LoadedProfile profile(static_cast<std::uint32_t>(state.range(0)));
   if (!profile.IsLoaded()) {
     state.SkipWithError("the profile does not load");
     return;
   }
-  const std::uint8_t* const buffer = profile.Entry().GetRefBuffer();
+  const std::uint8_t* const buffer = profile.Entry().Bytes().data();
   const std::uint32_t length = profile.Entry().GetSize();
   std::vector<std::uint8_t> copy(length);
   constexpr int kRepeat = 100;
@@ -100,7 +101,36 @@ void LinearizationQueryAgainstCopy(benchmark::State& state) {
   state.counters["copy_ns"] = plain / kRepeat * 1e9;
   state.counters["ratio"] = query / plain;
 }
-BENCHMARK(LinearizationQueryAgainstCopy);
+BENCHMARK(LinearizationQueryAgainstCopy)->Arg(256)->Arg(1024)->Arg(4096)->Arg(65536);
+
+// Many answers from one profile, asked by one thread and by two at once. The ratio says how many times as many answers
+// the two give in the same time: 2 with a core for each.
+void QueriesOfTwoThreads(benchmark::State& state) {
+  LoadedProfile profile;
+  if (!profile.IsLoaded()) return state.SkipWithError("the profile does not load");
+  constexpr int kQueries = 2'000'000;
+  const auto ask = [&] {
+    CError error;
+    int size = 0;
+    int type = 0;
+    for (int i = 0; i < kQueries; ++i) {
+      benchmark::DoNotOptimize(
+          profile.Access().GetLinearization(static_cast<std::uint32_t>(i) % kInks, size, type, &error));
+    }
+  };
+  double one = std::numeric_limits<double>::max();
+  double two = one;
+  for (auto _ : state) {
+    one = std::min(one, Seconds(ask));
+    two = std::min(two, Seconds([&] {
+                     std::thread other(ask);
+                     ask();
+                     other.join();
+                   }));
+  }
+  state.counters["ratio"] = 2 * one / two;
+}
+BENCHMARK(QueriesOfTwoThreads)->Iterations(10)->Unit(benchmark::kMillisecond);
 
 // The first parse of an entry, with all its allocations; complexity is judged over the bytes of the form.
 void FirstParse(benchmark::State& state) {

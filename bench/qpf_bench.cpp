@@ -1,6 +1,6 @@
-// Loading and saving a whole profile of the current generation, against nothing but moving its bytes: a load against
-// reading the file into fresh memory, a save against putting the same bytes in the place of the file. The memory that
-// both take is watched by a test.
+// Loading and saving a whole profile of the current generation, of the usual size and a large one, against nothing but
+// moving its bytes: a load against reading the file into memory that is fresh, or was in use before, a save against
+// putting the same bytes in the place of the file. The memory that both take is watched by a test.
 #include "../tests/support/sample_profile.h"
 #include "core/replacing_file.h"
 #include "timing.h"
@@ -25,17 +25,18 @@ namespace {
 using nvx::bench::GiveFreePagesBack;
 using nvx::bench::Median;
 using nvx::bench::ProcessorSeconds;
+using nvx::test::SampleSize;
 
 class ProfileOnDisk {
  public:
-  ProfileOnDisk() {
-    nvx::test::FillSampleProfile(data_);
+  explicit ProfileOnDisk(SampleSize size = SampleSize::kUsual) {
+    nvx::test::FillSampleProfile(data_, size);
     if (!Save(widePath_)) std::abort();
   }
   ~ProfileOnDisk() { std::filesystem::remove(path_); }
 
   bool Save(const std::u16string& path) {
-    return CProfileFileQPFv4().SaveData(path.c_str(), &data_, nvx::kSaveReplaceProfile);
+    return CProfileFileQPFv4().SaveData(path.c_str(), &data_, nvx::kSaveReplaceProfile | nvx::kSaveCalibration);
   }
   const std::string& Path() const { return path_; }
   const std::u16string& WidePath() const { return widePath_; }
@@ -104,13 +105,28 @@ int PrepareFreshHeap() {
   return 0;
 }
 
-void QpfInit(benchmark::State& state) {
-  const ProfileOnDisk profile;
+// As in a process that loads its first profile.
+void QpfInit(benchmark::State& state, SampleSize size) {
+  const ProfileOnDisk profile(size);
   Compare(
       state, profile, [&] { Read(profile, FreshBlock(profile.Size())); }, PrepareFreshHeap,
       [&](int) { Loaded(profile); });
 }
-BENCHMARK(QpfInit)->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(QpfInit, Usual, SampleSize::kUsual)->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(QpfInit, Large, SampleSize::kLarge)->UseManualTime()->Unit(benchmark::kMillisecond);
+
+// As in a server that has loaded profiles before: neither has to get pages from the system.
+void QpfInitAgain(benchmark::State& state, SampleSize size) {
+  nvx::bench::KeepFreePages();
+  const ProfileOnDisk profile(size);
+  const FreshBlock bytes(profile.Size());
+  Read(profile, bytes);
+  Loaded(profile);
+  Compare(
+      state, profile, [&] { Read(profile, bytes); }, [] { return 0; }, [&](int) { Loaded(profile); });
+}
+BENCHMARK_CAPTURE(QpfInitAgain, Usual, SampleSize::kUsual)->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(QpfInitAgain, Large, SampleSize::kLarge)->UseManualTime()->Unit(benchmark::kMillisecond);
 
 // The steps of that load, each against reading the whole file, so that they add up to nearly the ratio of the load.
 // What they leave out is the copy of each tag into the buffer of its entry, and the ICC frame.

@@ -47,7 +47,18 @@ inline double Median(std::vector<double> values) {
 }
 
 // Leaves a heap without free pages, as in a process that loads its first profile: to get pages is the better part of
-// that.
-inline void GiveFreePagesBack() { ::malloc_trim(0); }
+// that. Large blocks come straight from the system, as they do by default.
+inline void GiveFreePagesBack() {
+  constexpr int kDefault = 128 * 1024;
+  ::mallopt(M_TRIM_THRESHOLD, kDefault);
+  ::mallopt(M_MMAP_THRESHOLD, kDefault);
+  ::malloc_trim(0);
+}
+
+// Lets the heap keep all pages that were in use before, as in a server that has loaded profiles before.
+inline void KeepFreePages() {
+  ::mallopt(M_TRIM_THRESHOLD, std::numeric_limits<int>::max());
+  ::mallopt(M_MMAP_THRESHOLD, std::numeric_limits<int>::max());
+}
 
 }  // namespace nvx::bench

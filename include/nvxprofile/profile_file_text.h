@@ -18,8 +18,9 @@ class IniFile;
 }
 
 // The INI file "QPFConvert.qpd", which turns labels of a text header into model, ink and resolution numbers. Its folder
-// comes from the system's settings when the object is made; the file is read once, at the first lookup, and copies of the
-// object share what was read. Labels are text of the ANSI code page. A lookup that gives false says in GetFailure why.
+// comes from the system's settings when the object is made; the file is read once, at the first lookup, and copies of
+// the object share what was read. Labels are text of the ANSI code page. A lookup that gives false says in GetFailure
+// why.
 class NVX_EXPORT CQPFConvertTable {
  public:
   // Without a folder and without the file the table stays empty, and no lookup finds anything.

@@ -41,8 +41,7 @@ class PayloadKeeper {
 
   // True unless the buffer holds bytes that the payload does not say.
   static bool SaysAll(const CProfileDataEntry& entry) {
-    return entry.state_ == PayloadState::kWhole || entry.state_ == PayloadState::kEdited ||
-           entry.buffer_.IsEmpty();
+    return entry.state_ == PayloadState::kWhole || entry.state_ == PayloadState::kEdited || entry.buffer_.IsEmpty();
   }
 
   // True for a payload that has to be parsed before it answers for the buffer.

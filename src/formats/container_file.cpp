@@ -78,9 +78,8 @@ void Parse(CNvxFile& file, std::uint32_t offset, CProfileDataEntry& entry) {
 bool SayTheSame(CProfileDataEntry& a, CProfileDataEntry& b) {
   const auto bytes = a.Bytes();
   const auto others = b.Bytes();
-  return std::equal(bytes.begin(), bytes.end(), others.begin(), others.end()) &&
-         a.IsComplete() == b.IsComplete() && a.GetOptionInfo() == b.GetOptionInfo() &&
-         std::strcmp(a.GetLabelString(), b.GetLabelString()) == 0;
+  return std::equal(bytes.begin(), bytes.end(), others.begin(), others.end()) && a.IsComplete() == b.IsComplete() &&
+         a.GetOptionInfo() == b.GetOptionInfo() && std::strcmp(a.GetLabelString(), b.GetLabelString()) == 0;
 }
 
 }  // namespace

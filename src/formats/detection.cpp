@@ -75,7 +75,8 @@ Beginning ReadIccBeginning(CNvxFile& file) {
 Beginning ReadBeginning(CNvxFile& file) {
   if (nvx::HasIccExtension(file.GetPath())) return ReadIccBeginning(file);
   file.SeekToBegin();
-  if (nvx::ReadMagic(file, nvx::ContainerHeader::kMagic)) return {std::make_unique<CProfileFileQCT>(), false, std::nullopt};
+  if (nvx::ReadMagic(file, nvx::ContainerHeader::kMagic))
+    return {std::make_unique<CProfileFileQCT>(), false, std::nullopt};
   if (StartsWithTextHeader(file)) {
     if (std::unique_ptr<CProfileFile> format = DetectTextFormat(file)) return {std::move(format), false, std::nullopt};
   }

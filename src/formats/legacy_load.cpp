@@ -210,7 +210,8 @@ CProfileFileQPFv1::CProfileFileQPFv1(std::int32_t headerVersion, CQPFConvertTabl
 CProfileFileQPFv1::~CProfileFileQPFv1() = default;
 
 CProfileFileQPFv2::CProfileFileQPFv2() : CProfileFileQPFv1(2) { SetMyFormat(kFormatVersion2); }
-CProfileFileQPFv2::CProfileFileQPFv2(const CProfileFileQPFv1& other) : CProfileFileQPFv1(2, other.GetConversionTable()) {
+CProfileFileQPFv2::CProfileFileQPFv2(const CProfileFileQPFv1& other)
+    : CProfileFileQPFv1(2, other.GetConversionTable()) {
   SetMyFormat(kFormatVersion2);
 }
 CProfileFileQPFv2::~CProfileFileQPFv2() = default;

@@ -45,7 +45,8 @@ CQPFConvertTable::CQPFConvertTable() {
 }
 
 const nvx::platform::IniFile& CQPFConvertTable::Table() {
-  if (!table_) table_ = std::make_shared<const platform::IniFile>(path_.empty() ? platform::IniFile() : platform::IniFile(path_));
+  if (!table_)
+    table_ = std::make_shared<const platform::IniFile>(path_.empty() ? platform::IniFile() : platform::IniFile(path_));
   return *table_;
 }
 

@@ -28,7 +28,8 @@ namespace {
 class PrivateTag {
  public:
   PrivateTag(const CICCProfile& profile, const char* name, nvx::Diagnosis* diagnosis)
-      : bytes_(profile.ShareTag(name)), scope_(diagnosis, profile.GetTagOffset(name), [name] { return std::string(name); }) {
+      : bytes_(profile.ShareTag(name)),
+        scope_(diagnosis, profile.GetTagOffset(name), [name] { return std::string(name); }) {
     stream_.SetDiagnosis(diagnosis);
   }
 

@@ -112,7 +112,8 @@ std::vector<std::size_t> IccImage::StandingApart(std::span<const std::uint32_t> 
   for (std::size_t i = 0; i < entries_.size(); ++i) {
     if (entries_[i].size != 0) order.push_back(i);
   }
-  std::sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) { return entries_[a].from < entries_[b].from; });
+  std::sort(order.begin(), order.end(),
+            [&](std::size_t a, std::size_t b) { return entries_[a].from < entries_[b].from; });
   std::vector<std::size_t> apart;
   std::uint64_t end = 0;  // of all tags before
   for (std::size_t i = 0; i < order.size(); ++i) {
@@ -273,9 +274,9 @@ bool IccImage::CopyTo(std::span<std::uint8_t> out) const {
 // True if the image can be composed over the opened bytes: pieces are moved in the order of their old places, and none
 // may land on one that is still to be moved.
 bool IccImage::FitsInPlace(const Layout& layout) const {
-  return layout.size <= openedSize_ &&
-         std::all_of(layout.pieces.begin(), layout.pieces.end(),
-                     [](const Piece& piece) { return piece.block != nullptr || piece.offset <= piece.from; });
+  return layout.size <= openedSize_ && std::all_of(layout.pieces.begin(), layout.pieces.end(), [](const Piece& piece) {
+           return piece.block != nullptr || piece.offset <= piece.from;
+         });
 }
 
 Block IccImage::Release(std::uint32_t& size) && {

@@ -32,9 +32,9 @@ class IccImage {
  public:
   // Null for what is no ICC profile. Bytes behind the size that the header gives are no part of the image.
   static std::unique_ptr<IccImage> Open(std::span<const std::uint8_t> bytes, Diagnosis* diagnosis = nullptr);
-  // The same for a profile that reaches from where the stream stands to its end. Each byte is read once, in the order of
-  // the file. The tags in `apart` are about to be taken: each that shares no bytes with another gets a block of its own,
-  // and counts as set, with the bytes that it has; all else is put where the image without these tags has it.
+  // The same for a profile that reaches from where the stream stands to its end. Each byte is read once, in the order
+  // of the file. The tags in `apart` are about to be taken: each that shares no bytes with another gets a block of its
+  // own, and counts as set, with the bytes that it has; all else is put where the image without these tags has it.
   static std::unique_ptr<IccImage> Open(CNvxFile& file, std::span<const std::uint32_t> apart = {});
 
   // The header as an image taken out now would have it, but with the Profile ID that was opened.
@@ -43,8 +43,8 @@ class IccImage {
   // The bytes of a tag, valid until that tag is set or removed; nothing if there is none.
   std::optional<std::span<const std::uint8_t>> Tag(std::uint32_t signature) const;
 
-  // The bytes of a tag for whoever keeps them: those of a block of its own, else a copy. Empty if there is none. The tag
-  // is to be removed before anybody writes to them.
+  // The bytes of a tag for whoever keeps them: those of a block of its own, else a copy. Empty if there is none. The
+  // tag is to be removed before anybody writes to them.
   SharedBytes ShareTag(std::uint32_t signature) const;
 
   // Where the bytes of a tag lay in what was opened; 0 for a tag that came later or is not there.

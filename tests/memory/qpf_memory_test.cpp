@@ -14,13 +14,16 @@ namespace {
 
 namespace heap = nvx::test::heap;
 
-TEST(QpfMemory, LoadAndSaveOfAWholeProfile) {
+class QpfMemory : public testing::TestWithParam<nvx::test::SampleSize> {};
+
+TEST_P(QpfMemory, LoadQueriesAndSaveOfAWholeProfile) {
+  constexpr std::uint32_t kFlags = nvx::kSaveReplaceProfile | nvx::kSaveCalibration;
   const nvx::test::TempFolder folder;
   const std::u16string path = folder.WideFile("a.icc");
   {
     CProfileData data;
-    nvx::test::FillSampleProfile(data);
-    ASSERT_TRUE(CProfileFileQPFv4().SaveData(path.c_str(), &data, nvx::kSaveReplaceProfile));
+    nvx::test::FillSampleProfile(data, GetParam());
+    ASSERT_TRUE(CProfileFileQPFv4().SaveData(path.c_str(), &data, kFlags));
   }
   const std::size_t size = std::filesystem::file_size(folder.File("a.icc"));
   const auto peakOf = [](auto run) {
@@ -31,14 +34,24 @@ TEST(QpfMemory, LoadAndSaveOfAWholeProfile) {
   };
   CProfileAccess access;
   CError error;
-  // The working copy, the buffers and the payloads.
-  EXPECT_LE(peakOf([&] { ASSERT_TRUE(access.Init(path.c_str(), &error)); }), 3 * size + size / 10);
+  // The bytes of the file, and the payloads of curves and table.
+  EXPECT_LE(peakOf([&] { ASSERT_TRUE(access.Init(path.c_str(), &error)); }), size * 8 / 5 + 256 * 1024);
+  // Nothing.
+  EXPECT_EQ(peakOf([&] {
+              int bytes = 0;
+              int type = 0;
+              EXPECT_NE(access.GetLinearization(3, bytes, type, &error), nullptr);
+              EXPECT_NE(access.GetGrayBalance(3, bytes, type, &error), nullptr);
+              EXPECT_NE(access.GetIccProfile(bytes, &error), nullptr);
+              EXPECT_NE(access.GetReplaceProfile(bytes, &error), nullptr);
+            }),
+            0u);
   // The tags and the image.
-  EXPECT_LE(
-      peakOf([&] {
-        ASSERT_TRUE(CProfileFileQPFv4().SaveData(path.c_str(), access.GetProfileData(), nvx::kSaveReplaceProfile));
-      }),
-      2 * size + size / 10);
+  EXPECT_LE(peakOf([&] { ASSERT_TRUE(CProfileFileQPFv4().SaveData(path.c_str(), access.GetProfileData(), kFlags)); }),
+            2 * size + size / 10);
 }
+
+INSTANTIATE_TEST_SUITE_P(Sizes, QpfMemory,
+                         testing::Values(nvx::test::SampleSize::kUsual, nvx::test::SampleSize::kLarge));
 
 }  // namespace

@@ -68,7 +68,8 @@ TEST_F(Ini, ReadsNumbersOfText) {
   EXPECT_EQ(Integer("j"), 0);
   EXPECT_EQ(IniInteger(IniFile(path_).Text("numbers", "e"), 5), 5);
   EXPECT_EQ(Integer("f"), -1);
-  for (const char* const beyond : {"g", "i", "none"}) EXPECT_EQ(IniInteger(IniFile(path_).Text("numbers", beyond), 9), 9);
+  for (const char* const beyond : {"g", "i", "none"})
+    EXPECT_EQ(IniInteger(IniFile(path_).Text("numbers", beyond), 9), 9);
 }
 
 // In code page 932 the second byte of a character can be a bracket or a letter.
