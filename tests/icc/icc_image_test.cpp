@@ -222,6 +222,52 @@ TEST(IccImage, HoldsAnyNumberOfTags) {
 }
 
 // Edits at random against a plain map, and the three ways to take an image out against each other.
+// Tags of any layout: tags that touch, leave gaps, share bytes, overlap in part or are empty.
+Bytes RandomProfile(std::mt19937& random, std::uint32_t tagCount) {
+  constexpr std::uint32_t kData = 200;
+  const std::uint32_t start = nvx::kIccTableStart + tagCount * nvx::kIccTagEntrySize;
+  const auto below = [&](std::uint32_t limit) { return static_cast<std::uint32_t>(random() % limit); };
+  std::vector<IccPart> parts;
+  for (std::uint32_t i = 0; i < tagCount; ++i) {
+    const std::uint32_t offset = below(kData);
+    const std::uint32_t size = below(3) == 0 ? 0 : below(std::min(60u, kData - offset));
+    static constexpr const char* kNames[] = {"aaaa", "bbbb", "cccc", "dddd", "eeee", "ffff"};
+    parts.push_back({kNames[i], start + offset, size});
+  }
+  BigBuilder data;
+  for (std::uint32_t i = 0; i < kData; ++i) data.Text(std::string(1, static_cast<char>('A' + i % 50)));
+  return Patched(IccBytes(parts, data), 84, below(2));
+}
+
+TEST(IccImage, TagsThatAreOpenedApartLeaveTheSameImage) {
+  std::mt19937 random(11);
+  const std::uint32_t wanted[] = {Signature("bbbb"), Signature("dddd"), Signature("gggg")};
+  for (int round = 0; round < 2000; ++round) {
+    Bytes bytes = RandomProfile(random, 1 + static_cast<std::uint32_t>(random() % 6));
+    const auto whole = IccImage::Open(bytes);
+    CNvxMemFile stream(bytes.data(), static_cast<std::uint32_t>(bytes.size()));
+    const auto apart = IccImage::Open(stream, wanted);
+    ASSERT_EQ(whole == nullptr, apart == nullptr);
+    if (!whole) continue;
+    for (const std::uint32_t signature : {Signature("aaaa"), Signature("bbbb"), Signature("dddd"), Signature("ffff")}) {
+      EXPECT_EQ(TagText(*apart, signature), TagText(*whole, signature));
+      EXPECT_EQ(apart->OpenedOffset(signature), whole->OpenedOffset(signature));
+    }
+    for (const std::uint32_t signature : wanted) {
+      const auto taken = apart->ShareTag(signature);
+      EXPECT_EQ(std::string(taken.Bytes().begin(), taken.Bytes().end()),
+                whole->Tag(signature) ? TagText(*whole, signature) : "");
+      apart->RemoveTag(signature);
+      whole->RemoveTag(signature);
+    }
+    const Bytes image = ImageOf(*whole);
+    EXPECT_EQ(ImageOf(*apart), image);
+    std::uint32_t size = 0;
+    const nvx::Block released = std::move(*apart).Release(size);
+    EXPECT_EQ(Bytes(released.get(), released.get() + size), image);
+  }
+}
+
 TEST(IccImage, AgreesWithAMapOfTagsUnderRandomEdits) {
   std::mt19937 random(20240229);
   for (int round = 0; round < 300; ++round) {

@@ -9,10 +9,21 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <fstream>
+#include <string>
 
 namespace {
 
 namespace heap = nvx::test::heap;
+
+// Bytes that this process has read so far, from whatever file.
+std::size_t BytesRead() {
+  std::ifstream io("/proc/self/io");
+  std::string name;
+  std::size_t value = 0;
+  io >> name >> value;
+  return name == "rchar:" ? value : 0;
+}
 
 class QpfMemory : public testing::TestWithParam<nvx::test::SampleSize> {};
 
@@ -34,6 +45,10 @@ TEST_P(QpfMemory, LoadQueriesAndSaveOfAWholeProfile) {
   };
   CProfileAccess access;
   CError error;
+  const std::size_t readBefore = BytesRead();
+  ASSERT_TRUE(access.Init(path.c_str(), &error));
+  // What /proc itself says takes some bytes as well.
+  EXPECT_LE(BytesRead() - readBefore, size + 1024) << "a load reads each byte once";
   // The bytes of the file, and the payloads of curves and table.
   EXPECT_LE(peakOf([&] { ASSERT_TRUE(access.Init(path.c_str(), &error)); }), size * 8 / 5 + 256 * 1024);
   // Nothing.
