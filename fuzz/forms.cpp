@@ -1,5 +1,17 @@
 #include "forms.h"
 
+#include "entries/calibration/calibration_records.h"
+#include "entries/curve/curve_form.h"
+#include "entries/large_parameter/large_parameter_records.h"
+#include "entries/mask/mask_download_records.h"
+#include "entries/mask/mask_records.h"
+#include "entries/media/media_property_records.h"
+#include "entries/special_color/special_color_records.h"
+#include "entries/word_table.h"
+#include "formats/container_records.h"
+#include "formats/qpf_records.h"
+#include "icc/icc_directory.h"
+
 #include <nvxprofile/icc_header.h>
 #include <nvxprofile/profile_entry.h>
 
@@ -13,6 +25,12 @@ namespace nvx::fuzz {
 namespace {
 
 constexpr std::size_t kMagic = 4;
+
+// Where a field of a record lies; a name that the record does not have does not compile.
+template <class Record>
+consteval std::size_t At(std::string_view field) {
+  return kRecordFields<Record>.OffsetOf(field);
+}
 
 std::uint32_t Load(View bytes, std::size_t at) {
   std::uint32_t value = 0;
@@ -168,15 +186,16 @@ class FixedTableForm final : public TableForm {
 // The type alone says how long a block is, but for type 5, behind whose magic the nested forms may stand.
 class MaskDownloadStream final : public TableForm {
  public:
-  MaskDownloadStream() : TableForm(20, 8, 24) {}
+  MaskDownloadStream()
+      : TableForm(kRecordSize<WeftHeaderRecord>, At<WeftHeaderRecord>("data count"), kRecordSize<WeftBlockHeader>) {}
 
   Nested InBody(const Parts& parts, std::size_t) const override {
     return parts.parts.size() == 1 ? Nested{&MaskParameterForm(), kMagic} : Nested{};
   }
 
  private:
-  static constexpr std::size_t kTypeAt = 8;
-  static constexpr std::size_t kLengthAt = 12;
+  static constexpr std::size_t kTypeAt = At<WeftBlockHeader>("block type");
+  static constexpr std::size_t kLengthAt = At<WeftBlockHeader>("length");
   static constexpr std::size_t kSizes[] = {4, 64, 4, 4, 12, 2, 164};
 
   static bool HoldsForms(View record, View left) {
@@ -197,23 +216,30 @@ class MaskDownloadStream final : public TableForm {
 
 class LargeParameterTable final : public TableForm {
  public:
-  LargeParameterTable() : TableForm(16, 8, 20) {}
+  LargeParameterTable()
+      : TableForm(kRecordSize<LargeParameterHeader>, At<LargeParameterHeader>("record count"),
+                  kRecordSize<WordTableRecord>) {}
 
  private:
   static constexpr std::size_t kFixedSize = 4 + 4 * 264;
+  static constexpr std::size_t kSizeAt = At<WordTableRecord>("data size");
 
-  static bool IsFixed(View record) { return Load(record, 8) == 1; }
-  std::size_t BodySize(View record, View) const override { return IsFixed(record) ? kFixedSize : Load(record, 12); }
+  static bool IsFixed(View record) { return Load(record, At<WordTableRecord>("used type")) == 1; }
+  std::size_t BodySize(View record, View) const override {
+    return IsFixed(record) ? kFixedSize : Load(record, kSizeAt);
+  }
   void Fit(Part& part) const override {
     if (IsFixed(part.record)) part.body.resize(kFixedSize);
-    Store(part.record, 12, part.body.size());
+    Store(part.record, kSizeAt, part.body.size());
   }
 };
 
 // The first array says how many bytes of curve sets stand behind the arrays.
 class SpecialColorTable final : public TableForm {
  public:
-  SpecialColorTable() : TableForm(32, 20, 20) {}
+  SpecialColorTable()
+      : TableForm(kRecordSize<SpecialColorHeader>, At<SpecialColorHeader>("record count"),
+                  kRecordSize<WordTableRecord>) {}
 
   Nested InBody(const Parts& parts, std::size_t index) const override {
     const Part& part = parts.parts[index];
@@ -221,7 +247,7 @@ class SpecialColorTable final : public TableForm {
   }
 
  private:
-  static constexpr std::size_t kSizeAt = 12;
+  static constexpr std::size_t kSizeAt = At<WordTableRecord>("data size");
   static constexpr std::size_t kCurveCountAt = kMagic + 4 * 2;
   static constexpr std::size_t kCurveBytesAt = kMagic + 4 * 3;
 
@@ -248,7 +274,7 @@ class TagTableForm : public Form {
     Parts parts;
     parts.header.assign(bytes.begin(), bytes.begin() + kHeader);
     for (std::size_t i = 0; i < directory.tags.size(); ++i) {
-      const View signature = bytes.subspan(kHeader + 4 + 12 * i, 4);
+      const View signature = bytes.subspan(kTable + kIccTagEntrySize * i, 4);
       const View tag = bytes.subspan(directory.tags[i].offset, directory.tags[i].size);
       parts.parts.push_back({Bytes(signature.begin(), signature.end()), Bytes(tag.begin(), tag.end())});
     }
@@ -257,16 +283,16 @@ class TagTableForm : public Form {
 
   Bytes Join(Parts parts) const override {
     Bytes bytes = std::move(parts.header);
-    bytes.resize(kHeader + 4 + 12 * parts.parts.size());
+    bytes.resize(kTable + kIccTagEntrySize * parts.parts.size());
     StoreBig(bytes, kHeader, parts.parts.size());
-    std::size_t record = kHeader + 4;
+    std::size_t record = kTable;
     for (const Part& part : parts.parts) {
       std::copy(part.record.begin(), part.record.end(), bytes.begin() + static_cast<std::ptrdiff_t>(record));
-      StoreBig(bytes, record + 4, bytes.size());
-      StoreBig(bytes, record + 8, part.body.size());
+      StoreBig(bytes, record + At<IccTagForm>("offset"), bytes.size());
+      StoreBig(bytes, record + At<IccTagForm>("size"), part.body.size());
       Append(bytes, part.body);
       bytes.resize((bytes.size() + 3) / 4 * 4);
-      record += 12;
+      record += kIccTagEntrySize;
     }
     StoreBig(bytes, 0, bytes.size());
     return bytes;
@@ -275,24 +301,33 @@ class TagTableForm : public Form {
   Nested InBody(const Parts&, std::size_t) const override { return {}; }
 
  private:
-  static constexpr std::size_t kHeader = 128;
+  static constexpr std::size_t kHeader = kIccHeaderSize;
+  static constexpr std::size_t kTable = kIccTableStart;
 };
 
-// Each private tag has an opening of 12 bytes.
+constexpr SizedTableForm::Layout kContainerLayout = {kRecordSize<ContainerHeader>, At<ContainerHeader>("entry count"),
+                                                     kRecordSize<ContainerEntryHeader>,
+                                                     At<ContainerEntryHeader>("body size"), true};
+
+// The entry table of NVX1 stands behind a header block, which counts the entries.
+constexpr SizedTableForm::Layout kEntryTagLayout = {kHeaderBlockSize, kHeaderBlockFields.OffsetOf("entry count"),
+                                                    kContainerLayout.recordSize, kContainerLayout.sizeAt, true};
+
+// Each private tag has an opening.
 class QpfTags final : public TagTableForm {
  public:
   Nested InBody(const Parts& parts, std::size_t index) const override {
-    constexpr std::size_t kOpening = 12;
+    constexpr std::size_t kOpening = kRecordSize<PrivateTagOpening>;
     const Bytes& signature = parts.parts[index].record;
     if (!std::equal(signature.begin(), signature.begin() + 3, "NVX")) return {};
     switch (signature[3]) {
       case '1': {
-        // Entries behind a header block, which counts them.
-        static const EntryTableForm kEntries({400, 104, 292, 16, true}, 8);
+        static const EntryTableForm kEntries(kEntryTagLayout, At<ContainerEntryHeader>("used type"));
         return {&kEntries, 0};
       }
       case '2': {
-        static const FixedTableForm kNames(16, 12, 130, 0);
+        static const FixedTableForm kNames(kRecordSize<MediaTableHeader>, At<MediaTableHeader>("count"),
+                                           kRecordSize<MediaNameRecord>, 0);
         return {&kNames, 0};
       }
       case '3':
@@ -332,24 +367,26 @@ class TextHeadedProfile final : public Form {
   }
 };
 
-constexpr SizedTableForm::Layout kContainerLayout = {32, 24, 292, 16, true};
-
 }  // namespace
 
 const Form& CalibrationForm() {
-  static const EntryTableForm kForm({20, 12, 88, 8, true}, 12);
+  static const EntryTableForm kForm(
+      {kRecordSize<CalibrationHeader>, At<CalibrationHeader>("entry count"), kRecordSize<CalibrationEntryHeader>,
+       At<CalibrationEntryHeader>("body size"), true},
+      At<CalibrationEntryHeader>("used type"));
   return kForm;
 }
 
 const Form& ContainerForm() {
   // A second container may stand behind the first.
-  static const EntryTableForm kSecond(kContainerLayout, 8);
-  static const EntryTableForm kForm(kContainerLayout, 8, &kSecond);
+  static const EntryTableForm kSecond(kContainerLayout, At<ContainerEntryHeader>("used type"));
+  static const EntryTableForm kForm(kContainerLayout, At<ContainerEntryHeader>("used type"), &kSecond);
   return kForm;
 }
 
 const Form& CurveSetForm() {
-  static const SizedTableForm kForm({32, 16, 132, 36, false});
+  static const SizedTableForm kForm({kRecordSize<tagCurveFileHeader>, At<tagCurveFileHeader>("entry count"),
+                                     kRecordSize<CurveRecord>, At<CurveRecord>("data size"), false});
   return kForm;
 }
 
@@ -370,17 +407,23 @@ const Form& MaskDownloadForm() {
 
 const Form& MaskParameterForm() {
   // The pattern table stands behind the list where both are nested.
-  static const SizedTableForm kForm({40, 16, 136, 68, false}, &MaskPatternForm());
+  static const SizedTableForm kForm(
+      {kRecordSize<MaskFileHeader>, At<MaskFileHeader>("record count"), kRecordSize<MaskParameterRecord>,
+       At<MaskParameterRecord>("parameter data size"), false},
+      &MaskPatternForm());
   return kForm;
 }
 
 const Form& MaskPatternForm() {
-  static const SizedTableForm kForm({40, 16, 40, 16, false});
+  static const SizedTableForm kForm({kRecordSize<MaskFileHeader>, At<MaskFileHeader>("record count"),
+                                     kRecordSize<MaskPatternRecord>, At<MaskPatternRecord>("mask pattern size"),
+                                     false});
   return kForm;
 }
 
 const Form& MediaPropertyForm() {
-  static const FixedTableForm kForm(16, 12, 20, 68);
+  static const FixedTableForm kForm(kRecordSize<MediaPropertyHeader>, At<MediaPropertyHeader>("entry count"),
+                                    kRecordSize<MediaPropertyEntryHeader>, kRecordSize<MediaPropertyBlock>);
   return kForm;
 }
 

@@ -1,13 +1,13 @@
-// Records of fixed size. A record describes its fields once, in the order of the file, and this header derives its
-// size, its reading and its writing from that:
+// Records of fixed size. A record describes its fields once, in the order of the file and by the names that its page in
+// docs/formats uses, and this header derives its size, its reading and its writing from that, and where its fields lie:
 //
 //   struct Example {
 //     std::uint32_t count = 0;
 //     char name[64] = {};
 //     template <class Self, class Codec>
 //     static constexpr void Describe(Self& record, Codec& codec) {
-//       codec.Number(record.count);
-//       codec.Text(record.name, 40);
+//       codec.Number("count", record.count);
+//       codec.Text("name", record.name, 40);
 //       codec.Reserved(12);
 //     }
 //   };
@@ -24,69 +24,108 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <span>
+#include <stdexcept>
+#include <string_view>
 #include <type_traits>
 #include <vector>
 
 namespace nvx {
 
-class RecordSizer {
+struct RecordField {
+  std::string_view name;
+  std::size_t offset = 0;
+  std::size_t size = 0;  // bytes
+};
+
+// The fields of a record. Fields of one name that stand one behind the other are slots of one field.
+class RecordFields {
  public:
   template <class T>
-  constexpr void Number(const T&) {
-    size_ += sizeof(T);
+  constexpr void Number(std::string_view name, const T&) {
+    Add(name, sizeof(T));
   }
   template <class Char>
-  constexpr void Text(const Char*, std::size_t width) {
-    size_ += width * sizeof(Char);
+  constexpr void Text(std::string_view name, const Char*, std::size_t width) {
+    Add(name, width * sizeof(Char));
   }
   template <class Char>
-  constexpr void Units(const Char*, std::size_t count) {
-    size_ += count * sizeof(Char);
+  constexpr void Units(std::string_view name, const Char*, std::size_t count) {
+    Add(name, count * sizeof(Char));
   }
-  constexpr void Bytes(const std::uint8_t*, std::size_t size) { size_ += size; }
-  constexpr void Reserved(std::size_t size) { size_ += size; }
+  constexpr void Bytes(std::string_view name, const std::uint8_t*, std::size_t size) { Add(name, size); }
+  constexpr void Reserved(std::size_t size) { Add("reserved", size); }
+
   constexpr std::size_t Size() const { return size_; }
+  constexpr std::span<const RecordField> All() const { return {fields_.data(), count_}; }
+
+  // Where the first field of that name starts; a name that no field has does not compile in a constant.
+  constexpr std::size_t OffsetOf(std::string_view name) const {
+    for (const RecordField& field : All()) {
+      if (field.name == name) return field.offset;
+    }
+    throw std::out_of_range("no field of that name");
+  }
 
  private:
+  constexpr void Add(std::string_view name, std::size_t size) {
+    if (count_ != 0 && fields_[count_ - 1].name == name) {
+      fields_[count_ - 1].size += size;
+    } else {
+      fields_[count_++] = {name, size_, size};
+    }
+    size_ += size;
+  }
+
+  static constexpr std::size_t kMostFields = 40;
+
+  std::array<RecordField, kMostFields> fields_{};
+  std::size_t count_ = 0;
   std::size_t size_ = 0;
 };
 
+template <class Record>
+inline constexpr RecordFields kRecordFields = [] {
+  RecordFields fields;
+  const Record record{};
+  Record::Describe(record, fields);
+  return fields;
+}();
+
 // Bytes of a record in its file.
 template <class Record>
-inline constexpr std::uint32_t kRecordSize = [] {
-  RecordSizer sizer;
-  const Record record{};
-  Record::Describe(record, sizer);
-  return static_cast<std::uint32_t>(sizer.Size());
-}();
+inline constexpr std::uint32_t kRecordSize = static_cast<std::uint32_t>(kRecordFields<Record>.Size());
+
+// Codecs that move bytes have no use for names.
+using FieldName = const char*;
 
 class RecordEncoder {
  public:
   explicit RecordEncoder(std::uint8_t* out) : out_(out) {}
 
   template <class T>
-  void Number(T value) {
+  void Number(FieldName, T value) {
     using U = std::make_unsigned_t<T>;
     StoreLittle<U>(out_, static_cast<U>(value));
     out_ += sizeof(T);
   }
   // A field of `width` characters: cut, and zero behind the text. A text that fills the field has no terminator.
-  void Text(const char* text, std::size_t width) {
+  void Text(FieldName, const char* text, std::size_t width) {
     const std::size_t length = ::strnlen(text, width);
     std::memcpy(out_, text, length);
     std::memset(out_ + length, 0, width - length);
     out_ += width;
   }
-  void Text(const char16_t* text, std::size_t width) {
+  void Text(FieldName, const char16_t* text, std::size_t width) {
     std::size_t length = 0;
     while (length < width && text[length] != 0) ++length;
-    for (std::size_t i = 0; i < width; ++i) Number<std::uint16_t>(i < length ? text[i] : std::uint16_t{0});
+    for (std::size_t i = 0; i < width; ++i) Put(i < length ? text[i] : std::uint16_t{0});
   }
   // A field of `count` characters as they stand, whatever lies behind a terminator among them.
-  void Units(const char16_t* text, std::size_t count) {
-    for (std::size_t i = 0; i < count; ++i) Number<std::uint16_t>(text[i]);
+  void Units(FieldName, const char16_t* text, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i) Put(text[i]);
   }
-  void Bytes(const std::uint8_t* bytes, std::size_t size) {
+  void Bytes(FieldName, const std::uint8_t* bytes, std::size_t size) {
     std::memcpy(out_, bytes, size);
     out_ += size;
   }
@@ -96,6 +135,11 @@ class RecordEncoder {
   }
 
  protected:
+  void Put(std::uint16_t unit) {
+    StoreLittle(out_, unit);
+    out_ += sizeof unit;
+  }
+
   std::uint8_t* out_;
 };
 
@@ -104,20 +148,20 @@ class RecordDecoder {
   explicit RecordDecoder(const std::uint8_t* in) : in_(in) {}
 
   template <class T>
-  void Number(T& value) {
+  void Number(FieldName, T& value) {
     value = static_cast<T>(LoadLittle<std::make_unsigned_t<T>>(in_));
     in_ += sizeof(T);
   }
   // Cut to the target's room and terminated, whatever the field holds. Fields without room for a terminator in the
   // target lose their last character.
   template <std::size_t N>
-  void Text(char (&text)[N], std::size_t width) {
+  void Text(FieldName, char (&text)[N], std::size_t width) {
     const std::size_t length = ::strnlen(reinterpret_cast<const char*>(in_), width);
     CopyText(text, N, std::string_view(reinterpret_cast<const char*>(in_), length));
     in_ += width;
   }
   template <std::size_t N>
-  void Text(char16_t (&text)[N], std::size_t width) {
+  void Text(FieldName, char16_t (&text)[N], std::size_t width) {
     std::size_t length = 0;
     for (; length < width && length < N - 1; ++length) {
       text[length] = static_cast<char16_t>(LoadLittle<std::uint16_t>(in_ + 2 * length));
@@ -128,13 +172,13 @@ class RecordDecoder {
   }
   // The counterpart of RecordEncoder::Units; the target's last character is made its terminator.
   template <std::size_t N>
-  void Units(char16_t (&text)[N], std::size_t count) {
+  void Units(FieldName, char16_t (&text)[N], std::size_t count) {
     for (std::size_t i = 0; i < N; ++i)
       text[i] = i < count ? static_cast<char16_t>(LoadLittle<std::uint16_t>(in_ + 2 * i)) : u'\0';
     text[N - 1] = 0;
     in_ += 2 * count;
   }
-  void Bytes(std::uint8_t* bytes, std::size_t size) {
+  void Bytes(FieldName, std::uint8_t* bytes, std::size_t size) {
     std::memcpy(bytes, in_, size);
     in_ += size;
   }
@@ -148,10 +192,10 @@ class RecordDecoder {
 class BigRecordEncoder : public RecordEncoder {
  public:
   using RecordEncoder::RecordEncoder;
-  void Text(const void*, std::size_t) = delete;
+  void Text(FieldName, const void*, std::size_t) = delete;
 
   template <class T>
-  void Number(T value) {
+  void Number(FieldName, T value) {
     using U = std::make_unsigned_t<T>;
     StoreBig<U>(out_, static_cast<U>(value));
     out_ += sizeof(T);
@@ -161,10 +205,10 @@ class BigRecordEncoder : public RecordEncoder {
 class BigRecordDecoder : public RecordDecoder {
  public:
   using RecordDecoder::RecordDecoder;
-  void Text(void*, std::size_t) = delete;
+  void Text(FieldName, void*, std::size_t) = delete;
 
   template <class T>
-  void Number(T& value) {
+  void Number(FieldName, T& value) {
     value = static_cast<T>(LoadBig<std::make_unsigned_t<T>>(in_));
     in_ += sizeof(T);
   }

@@ -25,11 +25,11 @@ struct WordTableRecord {
 
   template <class Self, class Codec>
   static constexpr void Describe(Self& record, Codec& codec) {
-    codec.Number(record.magic);
-    codec.Number(record.recordSize);
-    codec.Number(record.usedType);
-    codec.Number(record.dataSize);
-    codec.Number(record.count);
+    codec.Number("magic", record.magic);
+    codec.Number("record size", record.recordSize);
+    codec.Number("used type", record.usedType);
+    codec.Number("data size", record.dataSize);
+    codec.Number("count", record.count);
   }
 };
 

@@ -19,13 +19,13 @@ struct ContainerHeader {
 
   template <class Self, class Codec>
   static constexpr void Describe(Self& record, Codec& codec) {
-    codec.Number(record.magic);
-    codec.Number(record.headerSize);
-    codec.Number(record.version);
-    codec.Number(record.targetType);
-    codec.Number(record.route);
-    codec.Number(record.deviceType);
-    codec.Number(record.entryCount);
+    codec.Number("magic", record.magic);
+    codec.Number("header size", record.headerSize);
+    codec.Number("version", record.version);
+    codec.Number("target type", record.targetType);
+    codec.Number("route", record.route);
+    codec.Number("device type", record.deviceType);
+    codec.Number("entry count", record.entryCount);
     codec.Reserved(4);
   }
 };
@@ -46,14 +46,14 @@ struct ContainerEntryHeader {
 
   template <class Self, class Codec>
   static constexpr void Describe(Self& record, Codec& codec) {
-    codec.Number(record.magic);
-    codec.Number(record.recordSize);
-    codec.Number(record.usedType);
-    codec.Number(record.formatType);
-    codec.Number(record.bodySize);
-    codec.Number(record.complete);
-    codec.Number(record.optionInfo);
-    codec.Text(record.label, 256);
+    codec.Number("magic", record.magic);
+    codec.Number("record size", record.recordSize);
+    codec.Number("used type", record.usedType);
+    codec.Number("format type", record.formatType);
+    codec.Number("body size", record.bodySize);
+    codec.Number("complete", record.complete);
+    codec.Number("option info", record.optionInfo);
+    codec.Text("label", record.label, 256);
     codec.Reserved(8);
   }
 };

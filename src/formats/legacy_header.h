@@ -61,8 +61,8 @@ struct SectionRecord {
 
   template <class Self, class Codec>
   static constexpr void Describe(Self& record, Codec& codec) {
-    codec.Number(record.size);
-    codec.Number(record.nameLength);
+    codec.Number("section size", record.size);
+    codec.Number("name length", record.nameLength);
   }
 };
 

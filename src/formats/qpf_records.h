@@ -18,9 +18,9 @@ struct PrivateTagOpening {
 
   template <class Self, class Codec>
   static constexpr void Describe(Self& record, Codec& codec) {
-    codec.Number(record.type);
-    codec.Number(record.reserved);
-    codec.Number(record.binary);
+    codec.Number("type", record.type);
+    codec.Number("reserved", record.reserved);
+    codec.Number("binary", record.binary);
   }
 };
 
@@ -40,42 +40,44 @@ template <class Info, class Words, class Codec>
 constexpr void DescribeHeaderBlock(Info& info, Words& words, Codec& codec) {
   auto& view = info.Binary;
   PrivateTagOpening::Describe(words.opening, codec);
-  codec.Number(view.ModelNumber);
-  codec.Number(view.ModelSubNumber);
-  codec.Number(view.InternalNumber);
-  codec.Number(info.ColorsetCode);
-  codec.Number(info.InkTypeCode);
-  codec.Number(info.InkMakerCode);
-  codec.Number(info.InkVersion);
-  codec.Number(info.ScanResolution);
-  codec.Number(info.FeedResolution);
-  codec.Number(info.RenderingScan);
-  codec.Number(info.RenderingFeed);
-  codec.Number(info.DotType);
-  for (const int key : {2, 3, 4, 1, 5}) codec.Number(info.DatabaseKey[key - 1]);
-  codec.Number(info.HalftoneCode);
-  codec.Number(info.CreateTimeValue);
-  codec.Number(info.UpdateTimeValue);
-  codec.Number(words.version);
-  codec.Number(words.entryCount);
-  codec.Number(view.MediaNumber);
-  codec.Units(view.DefaultMediaName, 64);
-  codec.Units(view.CreateModule, 32);
-  codec.Units(view.MakerText, 32);
-  codec.Units(view.StoredRevisionCode, 4);
-  codec.Number(info.SeparateWayCode);
-  codec.Number(info.OutputThirdValue);
+  codec.Number("ModelNumber", view.ModelNumber);
+  codec.Number("ModelSubNumber", view.ModelSubNumber);
+  codec.Number("InternalNumber", view.InternalNumber);
+  codec.Number("ColorsetCode", info.ColorsetCode);
+  codec.Number("InkTypeCode", info.InkTypeCode);
+  codec.Number("InkMakerCode", info.InkMakerCode);
+  codec.Number("InkVersion", info.InkVersion);
+  codec.Number("ScanResolution", info.ScanResolution);
+  codec.Number("FeedResolution", info.FeedResolution);
+  codec.Number("RenderingScan", info.RenderingScan);
+  codec.Number("RenderingFeed", info.RenderingFeed);
+  codec.Number("DotType", info.DotType);
+  for (const int key : {2, 3, 4, 1, 5}) codec.Number("DatabaseKey", info.DatabaseKey[key - 1]);
+  codec.Number("HalftoneCode", info.HalftoneCode);
+  codec.Number("CreateTimeValue", info.CreateTimeValue);
+  codec.Number("UpdateTimeValue", info.UpdateTimeValue);
+  codec.Number("version word", words.version);
+  codec.Number("entry count", words.entryCount);
+  codec.Number("MediaNumber", view.MediaNumber);
+  codec.Units("DefaultMediaName", view.DefaultMediaName, 64);
+  codec.Units("CreateModule", view.CreateModule, 32);
+  codec.Units("MakerText", view.MakerText, 32);
+  codec.Units("revision code", view.StoredRevisionCode, 4);
+  codec.Number("SeparateWayCode", info.SeparateWayCode);
+  codec.Number("OutputThirdValue", info.OutputThirdValue);
   codec.Reserved(18);
 }
 
-inline constexpr std::uint32_t kHeaderBlockSize = [] {
+inline constexpr RecordFields kHeaderBlockFields = [] {
   _tagDeviceProfileInfo info{};
   info.Binary = _tagDeviceProfileInfo::BinaryView{};
   const HeaderBlockWords words{};
-  RecordSizer sizer;
-  DescribeHeaderBlock(info, words, sizer);
-  return static_cast<std::uint32_t>(sizer.Size());
+  RecordFields fields;
+  DescribeHeaderBlock(info, words, fields);
+  return fields;
 }();
+
+inline constexpr auto kHeaderBlockSize = static_cast<std::uint32_t>(kHeaderBlockFields.Size());
 
 // False, with both records as they were, if the stream ends early.
 inline bool ReadHeaderBlock(CNvxFile& file, _tagDeviceProfileInfo& info, HeaderBlockWords& words) {
@@ -101,7 +103,7 @@ struct MediaTableHeader {
   template <class Self, class Codec>
   static constexpr void Describe(Self& record, Codec& codec) {
     PrivateTagOpening::Describe(record.opening, codec);
-    codec.Number(record.count);
+    codec.Number("count", record.count);
   }
 };
 
@@ -110,8 +112,8 @@ struct MediaNameRecord {
 
   template <class Self, class Codec>
   static constexpr void Describe(Self& record, Codec& codec) {
-    codec.Number(record.media.Language);
-    codec.Units(record.media.Name, 64);
+    codec.Number("language", record.media.Language);
+    codec.Units("name", record.media.Name, 64);
   }
 };
 

@@ -22,33 +22,33 @@ struct IccHeaderForm : IccHeader {
 
   template <class Self, class Codec>
   static constexpr void Describe(Self& header, Codec& codec) {
-    codec.Number(header.phSize);
-    codec.Number(header.phCMMType);
-    codec.Number(header.phVersion);
-    codec.Number(header.phClass);
-    codec.Number(header.phDataColorSpace);
-    codec.Number(header.phConnectionSpace);
-    for (auto& part : header.phDateTime) codec.Number(part);
-    codec.Number(header.phSignature);
-    codec.Number(header.phPlatform);
-    codec.Number(header.phProfileFlags);
-    codec.Number(header.phManufacturer);
-    codec.Number(header.phModel);
-    codec.Number(header.phAttributes);
-    codec.Number(header.phRenderingIntent);
-    for (auto& part : header.phIlluminant) codec.Number(part);
-    codec.Number(header.phCreator);
-    codec.Bytes(header.phProfileID, sizeof header.phProfileID);
-    codec.Bytes(header.phReserved, sizeof header.phReserved);
+    codec.Number("phSize", header.phSize);
+    codec.Number("phCMMType", header.phCMMType);
+    codec.Number("phVersion", header.phVersion);
+    codec.Number("phClass", header.phClass);
+    codec.Number("phDataColorSpace", header.phDataColorSpace);
+    codec.Number("phConnectionSpace", header.phConnectionSpace);
+    for (auto& part : header.phDateTime) codec.Number("phDateTime", part);
+    codec.Number("phSignature", header.phSignature);
+    codec.Number("phPlatform", header.phPlatform);
+    codec.Number("phProfileFlags", header.phProfileFlags);
+    codec.Number("phManufacturer", header.phManufacturer);
+    codec.Number("phModel", header.phModel);
+    codec.Number("phAttributes", header.phAttributes);
+    codec.Number("phRenderingIntent", header.phRenderingIntent);
+    for (auto& part : header.phIlluminant) codec.Number("phIlluminant", part);
+    codec.Number("phCreator", header.phCreator);
+    codec.Bytes("phProfileID", header.phProfileID, sizeof header.phProfileID);
+    codec.Bytes("phReserved", header.phReserved, sizeof header.phReserved);
   }
 };
 
 struct IccTagForm : IccTag {
   template <class Self, class Codec>
   static constexpr void Describe(Self& tag, Codec& codec) {
-    codec.Number(tag.signature);
-    codec.Number(tag.offset);
-    codec.Number(tag.size);
+    codec.Number("signature", tag.signature);
+    codec.Number("offset", tag.offset);
+    codec.Number("size", tag.size);
   }
 };
 

@@ -17,11 +17,11 @@ struct CalibrationHeader {
 
   template <class Self, class Codec>
   static constexpr void Describe(Self& record, Codec& codec) {
-    codec.Number(record.magic);
-    codec.Number(record.headerSize);
-    codec.Number(record.version);
-    codec.Number(record.entryCount);
-    codec.Number(record.optionValue);
+    codec.Number("magic", record.magic);
+    codec.Number("header size", record.headerSize);
+    codec.Number("version", record.version);
+    codec.Number("entry count", record.entryCount);
+    codec.Number("option value", record.optionValue);
   }
 };
 
@@ -43,16 +43,16 @@ struct CalibrationEntryHeader {
 
   template <class Self, class Codec>
   static constexpr void Describe(Self& record, Codec& codec) {
-    codec.Number(record.magic);
-    codec.Number(record.recordSize);
-    codec.Number(record.bodySize);
-    codec.Number(record.usedType);
-    codec.Number(record.formatType);
-    codec.Number(record.complete);
-    codec.Number(record.optionInfo);
-    codec.Number(record.value);
-    codec.Number(record.time);
-    codec.Text(record.name, 20);
+    codec.Number("magic", record.magic);
+    codec.Number("record size", record.recordSize);
+    codec.Number("body size", record.bodySize);
+    codec.Number("used type", record.usedType);
+    codec.Number("format type", record.formatType);
+    codec.Number("complete", record.complete);
+    codec.Number("option info", record.optionInfo);
+    codec.Number("value", record.value);
+    codec.Number("time", record.time);
+    codec.Text("name", record.name, 20);
     codec.Reserved(8);
   }
 };

@@ -12,7 +12,7 @@ class NumberDecoder : public RecordDecoder {
  public:
   using RecordDecoder::RecordDecoder;
   template <class Char>
-  void Text(Char*, std::size_t width) {
+  void Text(FieldName, Char*, std::size_t width) {
     Reserved(width * sizeof(Char));
   }
 };

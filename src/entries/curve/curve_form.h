@@ -12,27 +12,27 @@
 
 template <class Self, class Codec>
 constexpr void tagCurveFileHeader::Describe(Self& record, Codec& codec) {
-  codec.Number(record.Signature);
-  codec.Number(record.HeaderSize);
-  codec.Number(record.Version);
-  codec.Number(record.UsedType);
-  codec.Number(record.EntryCount);
+  codec.Number("signature", record.Signature);
+  codec.Number("header size", record.HeaderSize);
+  codec.Number("version", record.Version);
+  codec.Number("used type", record.UsedType);
+  codec.Number("entry count", record.EntryCount);
   codec.Reserved(12);
 }
 
 template <class Self, class Codec>
 constexpr void CCurveFile::tagCurveEntryHeader::Describe(Self& record, Codec& codec) {
-  codec.Number(record.Signature);
-  codec.Number(record.HeaderSize);
-  codec.Number(record.InkID);
-  codec.Number(record.SlotNo);
-  codec.Number(record.DisplayRGB);
-  codec.Number(record.ExtendInfo);
-  codec.Number(record.Max);
-  codec.Number(record.Min);
-  codec.Number(record.DataType);
-  codec.Number(record.DataSize);
-  codec.Text(record.InkName, sizeof record.InkName);
+  codec.Number("signature", record.Signature);
+  codec.Number("header size", record.HeaderSize);
+  codec.Number("InkID", record.InkID);
+  codec.Number("SlotNo", record.SlotNo);
+  codec.Number("DisplayRGB", record.DisplayRGB);
+  codec.Number("ExtendInfo", record.ExtendInfo);
+  codec.Number("Max", record.Max);
+  codec.Number("Min", record.Min);
+  codec.Number("DataType", record.DataType);
+  codec.Number("data size", record.DataSize);
+  codec.Text("ink name", record.InkName, sizeof record.InkName);
 }
 
 namespace nvx {

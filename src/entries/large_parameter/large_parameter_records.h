@@ -20,9 +20,9 @@ struct LargeParameterHeader {
 
   template <class Self, class Codec>
   static constexpr void Describe(Self& record, Codec& codec) {
-    codec.Number(record.magic);
-    codec.Number(record.headerSize);
-    codec.Number(record.recordCount);
+    codec.Number("magic", record.magic);
+    codec.Number("header size", record.headerSize);
+    codec.Number("record count", record.recordCount);
     codec.Reserved(4);
   }
 };

@@ -23,12 +23,12 @@ struct LutHeader {
 
   template <class Self, class Codec>
   static constexpr void Describe(Self& record, Codec& codec) {
-    codec.Number(record.magic);
-    codec.Number(record.headerSize);
-    codec.Number(record.version);
-    codec.Number(record.inputChannels);
-    codec.Number(record.outputChannels);
-    codec.Number(record.gridCount);
+    codec.Number("magic", record.magic);
+    codec.Number("header size", record.headerSize);
+    codec.Number("version", record.version);
+    codec.Number("input channel count", record.inputChannels);
+    codec.Number("output channel count", record.outputChannels);
+    codec.Number("grid count", record.gridCount);
     codec.Reserved(256);
   }
 };
@@ -45,11 +45,11 @@ struct LutChannelHeader {
 
   template <class Self, class Codec>
   static constexpr void Describe(Self& record, Codec& codec) {
-    codec.Number(record.magic);
-    codec.Number(record.headerSize);
-    codec.Number(record.channelCode);
-    codec.Number(record.channelAttribute);
-    codec.Text(record.channelName, kNameWidth);
+    codec.Number("magic", record.magic);
+    codec.Number("header size", record.headerSize);
+    codec.Number("channel code", record.channelCode);
+    codec.Number("channel attribute", record.channelAttribute);
+    codec.Text("channel name", record.channelName, kNameWidth);
   }
 };
 

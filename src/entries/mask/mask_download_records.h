@@ -13,11 +13,11 @@ struct WeftHeaderRecord {
 
   template <class Self, class Codec>
   static constexpr void Describe(Self& record, Codec& codec) {
-    codec.Number(record.header.VersionMajor);
-    codec.Number(record.header.VersionMinor);
-    codec.Number(record.header.DataCount);
-    codec.Number(record.header.Reserved[0]);
-    codec.Number(record.header.Reserved[1]);
+    codec.Number("version major", record.header.VersionMajor);
+    codec.Number("version minor", record.header.VersionMinor);
+    codec.Number("data count", record.header.DataCount);
+    codec.Number("reserved", record.header.Reserved[0]);
+    codec.Number("reserved", record.header.Reserved[1]);
   }
 };
 
@@ -35,12 +35,12 @@ struct WeftBlockHeader {
 
   template <class Self, class Codec>
   static constexpr void Describe(Self& record, Codec& codec) {
-    codec.Number(record.magic);
-    codec.Number(record.headerSize);
-    codec.Number(record.blockType);
-    codec.Number(record.length);
-    codec.Number(record.valueCount);
-    codec.Number(record.byteCount);
+    codec.Number("magic", record.magic);
+    codec.Number("block header size", record.headerSize);
+    codec.Number("block type", record.blockType);
+    codec.Number("length", record.length);
+    codec.Number("value count", record.valueCount);
+    codec.Number("byte count", record.byteCount);
   }
 };
 
@@ -55,10 +55,10 @@ struct WeftOutputRecord {
 
   template <class Self, class Codec>
   static constexpr void Describe(Self& record, Codec& codec) {
-    codec.Number(record.fourthValue);
-    codec.Number(record.codeA);
-    codec.Number(record.codeB);
-    codec.Text(record.text, 160);
+    codec.Number("fourth value", record.fourthValue);
+    codec.Number("code A", record.codeA);
+    codec.Number("code B", record.codeB);
+    codec.Text("text", record.text, 160);
   }
 };
 

@@ -27,11 +27,11 @@ struct MaskFileHeader {
 
   template <class Self, class Codec>
   static constexpr void Describe(Self& record, Codec& codec) {
-    codec.Number(record.magic);
-    codec.Number(record.headerSize);
-    codec.Number(record.version);
+    codec.Number("magic", record.magic);
+    codec.Number("header size", record.headerSize);
+    codec.Number("version", record.version);
     codec.Reserved(4);
-    codec.Number(record.recordCount);
+    codec.Number("record count", record.recordCount);
     codec.Reserved(20);
   }
 };
@@ -50,17 +50,17 @@ struct MaskParameterRecord {
 
   template <class Self, class Codec>
   static constexpr void Describe(Self& record, Codec& codec) {
-    codec.Number(record.magic);
-    codec.Number(record.recordSize);
+    codec.Number("magic", record.magic);
+    codec.Number("record size", record.recordSize);
     codec.Reserved(4);
-    codec.Number(record.pass);
-    codec.Number(record.specialColorsetCode);
-    codec.Number(record.printMethod);
-    codec.Number(record.layerColorCount);
-    for (auto& color : record.layerColors) codec.Number(color);
-    codec.Number(record.dataSize);
-    codec.Number(record.usePatternIDCount);
-    for (auto& id : record.usePatternIDs) codec.Number(id);
+    codec.Number("pass", record.pass);
+    codec.Number("special colourset code", record.specialColorsetCode);
+    codec.Number("print method", record.printMethod);
+    codec.Number("layer colour count", record.layerColorCount);
+    for (auto& color : record.layerColors) codec.Number("layer colours", color);
+    codec.Number("parameter data size", record.dataSize);
+    codec.Number("use pattern ID count", record.usePatternIDCount);
+    for (auto& id : record.usePatternIDs) codec.Number("use pattern IDs", id);
   }
 };
 
@@ -72,11 +72,11 @@ struct MaskPatternRecord {
 
   template <class Self, class Codec>
   static constexpr void Describe(Self& record, Codec& codec) {
-    codec.Number(record.magic);
-    codec.Number(record.recordSize);
+    codec.Number("magic", record.magic);
+    codec.Number("record size", record.recordSize);
     codec.Reserved(4);
-    codec.Number(record.id);
-    codec.Number(record.patternSize);
+    codec.Number("mask pattern ID", record.id);
+    codec.Number("mask pattern size", record.patternSize);
     codec.Reserved(20);
   }
 };

@@ -11,8 +11,8 @@ struct PackedMaskHeader {
 
   template <class Self, class Codec>
   static constexpr void Describe(Self& record, Codec& codec) {
-    codec.Number(record.parameterSize);
-    codec.Number(record.patternCount);
+    codec.Number("parameter block size", record.parameterSize);
+    codec.Number("pattern count", record.patternCount);
   }
 };
 
@@ -22,8 +22,8 @@ struct PackedPatternHeader {
 
   template <class Self, class Codec>
   static constexpr void Describe(Self& record, Codec& codec) {
-    codec.Number(record.id);
-    codec.Number(record.size);
+    codec.Number("ID", record.id);
+    codec.Number("size", record.size);
   }
 };
 

@@ -18,10 +18,10 @@ struct MediaPropertyHeader {
 
   template <class Self, class Codec>
   static constexpr void Describe(Self& record, Codec& codec) {
-    codec.Number(record.magic);
-    codec.Number(record.headerSize);
-    codec.Number(record.version);
-    codec.Number(record.entryCount);
+    codec.Number("magic", record.magic);
+    codec.Number("header size", record.headerSize);
+    codec.Number("version", record.version);
+    codec.Number("entry count", record.entryCount);
   }
 };
 
@@ -36,11 +36,11 @@ struct MediaPropertyEntryHeader {
 
   template <class Self, class Codec>
   static constexpr void Describe(Self& record, Codec& codec) {
-    codec.Number(record.magic);
-    codec.Number(record.headerSize);
-    codec.Number(record.usedType);
-    codec.Number(record.blockSize);
-    codec.Number(record.parameterMax);
+    codec.Number("magic", record.magic);
+    codec.Number("header size", record.headerSize);
+    codec.Number("used type", record.usedType);
+    codec.Number("block size", record.blockSize);
+    codec.Number("parameter max", record.parameterMax);
   }
 };
 
@@ -52,8 +52,8 @@ struct MediaPropertyBlock {
 
   template <class Self, class Codec>
   static constexpr void Describe(Self& record, Codec& codec) {
-    codec.Number(record.magic);
-    for (auto& parameter : record.parameters) codec.Number(parameter);
+    codec.Number("magic", record.magic);
+    for (auto& parameter : record.parameters) codec.Number("parameters", parameter);
   }
 };
 

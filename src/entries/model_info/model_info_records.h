@@ -27,15 +27,15 @@ struct ModelRecord {
 
   template <class Self, class Codec>
   static constexpr void Describe(Self& record, Codec& codec) {
-    codec.Number(record.magic);
-    codec.Number(record.recordSize);
-    codec.Number(record.version);
-    codec.Number(record.cmykMode);
-    codec.Text(record.modelName, kRecordTextWidth);
-    codec.Text(record.inksetName, kRecordTextWidth);
-    codec.Text(record.mediaName, kRecordTextWidth);
-    codec.Text(record.parametersetName, kRecordTextWidth);
-    codec.Number(record.vdType);
+    codec.Number("magic", record.magic);
+    codec.Number("record size", record.recordSize);
+    codec.Number("version", record.version);
+    codec.Number("CMYK mode", record.cmykMode);
+    codec.Text("model name", record.modelName, kRecordTextWidth);
+    codec.Text("inkset name", record.inksetName, kRecordTextWidth);
+    codec.Text("media name", record.mediaName, kRecordTextWidth);
+    codec.Text("parameter set name", record.parametersetName, kRecordTextWidth);
+    codec.Number("VD type", record.vdType);
   }
 };
 
@@ -53,14 +53,14 @@ struct InfoRecord {
 
   template <class Self, class Codec>
   static constexpr void Describe(Self& record, Codec& codec) {
-    codec.Number(record.magic);
-    codec.Number(record.recordSize);
-    codec.Number(record.version);
+    codec.Number("magic", record.magic);
+    codec.Number("record size", record.recordSize);
+    codec.Number("version", record.version);
     codec.Reserved(4);
-    codec.Text(record.versionStr, kRecordTextWidth);
-    codec.Text(record.comment, kRecordTextWidth);
-    codec.Text(record.userName, kRecordTextWidth);
-    codec.Bytes(record.reserve, CInfoData::kReserveSize);
+    codec.Text("version string", record.versionStr, kRecordTextWidth);
+    codec.Text("comment", record.comment, kRecordTextWidth);
+    codec.Text("user name", record.userName, kRecordTextWidth);
+    codec.Bytes("reserve buffer", record.reserve, CInfoData::kReserveSize);
   }
 };
 

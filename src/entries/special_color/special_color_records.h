@@ -21,12 +21,12 @@ struct SpecialColorHeader {
 
   template <class Self, class Codec>
   static constexpr void Describe(Self& record, Codec& codec) {
-    codec.Number(record.magic);
-    codec.Number(record.headerSize);
-    codec.Number(record.version);
+    codec.Number("magic", record.magic);
+    codec.Number("header size", record.headerSize);
+    codec.Number("version", record.version);
     codec.Reserved(4);
-    codec.Number(record.profileColorType);
-    codec.Number(record.recordCount);
+    codec.Number("profile colour type", record.profileColorType);
+    codec.Number("record count", record.recordCount);
     codec.Reserved(8);
   }
 };
