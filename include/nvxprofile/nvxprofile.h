@@ -11,6 +11,7 @@
 #include <nvxprofile/curve_entry.h>
 #include <nvxprofile/data_object.h>
 #include <nvxprofile/diagnosis.h>
+#include <nvxprofile/entry_types.h>
 #include <nvxprofile/error.h>
 #include <nvxprofile/export.h>
 #include <nvxprofile/file.h>
@@ -34,6 +35,7 @@
 #include <nvxprofile/profile_file_text.h>
 #include <nvxprofile/profile_info.h>
 #include <nvxprofile/profile_summary.h>
+#include <nvxprofile/shared_bytes.h>
 #include <nvxprofile/special_color.h>
 #include <nvxprofile/system_time.h>
 #include <nvxprofile/text_conversion.h>

@@ -3,6 +3,7 @@
 #include "core/text.h"
 #include "formats/container_entries.h"
 
+#include <nvxprofile/entry_types.h>
 #include <nvxprofile/profile_file.h>
 
 #include <algorithm>
@@ -100,7 +101,7 @@ bool nvx::WriteEntryBody(CNvxFile& file, CProfileDataEntry& entry, std::uint32_t
   return WriteMagic(file, ContainerEntryHeader::kBodyMagic) && WriteExact(file, entry.Bytes().data(), size);
 }
 
-CProfileFileQCT::CProfileFileQCT() { SetMyFormat(1); }
+CProfileFileQCT::CProfileFileQCT() { SetMyFormat(nvx::kContainer); }
 CProfileFileQCT::~CProfileFileQCT() = default;
 
 void CProfileFileQCT::DeleteContents() { entryHeaders_.clear(); }

@@ -1,6 +1,7 @@
 // Which format a file has.
 #pragma once
 
+#include <nvxprofile/entry_types.h>
 #include <nvxprofile/file.h>
 #include <nvxprofile/profile_file.h>
 
@@ -8,13 +9,6 @@
 #include <string_view>
 
 namespace nvx {
-
-// What CProfileFile::GetMyFormat gives.
-inline constexpr int kContainer = 1;
-inline constexpr int kText1 = 2;
-inline constexpr int kText2 = 3;
-inline constexpr int kPrinterProfile = 4;
-inline constexpr int kPlainIcc = 6;
 
 // True for a path that is taken for an ICC profile whatever stands in the file.
 bool HasIccExtension(std::u16string_view path);

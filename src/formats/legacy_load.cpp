@@ -5,6 +5,7 @@
 #include "formats/record_views.h"
 #include "platform/locale.h"
 
+#include <nvxprofile/entry_types.h>
 #include <nvxprofile/profile_file_text.h>
 
 #include <array>
@@ -17,8 +18,6 @@ namespace header_key = nvx::header_key;
 
 namespace {
 
-constexpr int kFormatVersion1 = 2;
-constexpr int kFormatVersion2 = 3;
 constexpr std::size_t kMediaNameRoom = 256;
 constexpr std::int32_t kNoDatabaseKey = -1;
 
@@ -205,14 +204,14 @@ class HeaderAnalysis {
 CProfileFileQPFv1::CProfileFileQPFv1() : CProfileFileQPFv1(1) {}
 CProfileFileQPFv1::CProfileFileQPFv1(std::int32_t headerVersion, CQPFConvertTable table)
     : table_(std::move(table)), headerVersion_(headerVersion) {
-  SetMyFormat(kFormatVersion1);
+  SetMyFormat(nvx::kText1);
 }
 CProfileFileQPFv1::~CProfileFileQPFv1() = default;
 
-CProfileFileQPFv2::CProfileFileQPFv2() : CProfileFileQPFv1(2) { SetMyFormat(kFormatVersion2); }
+CProfileFileQPFv2::CProfileFileQPFv2() : CProfileFileQPFv1(2) { SetMyFormat(nvx::kText2); }
 CProfileFileQPFv2::CProfileFileQPFv2(const CProfileFileQPFv1& other)
     : CProfileFileQPFv1(2, other.GetConversionTable()) {
-  SetMyFormat(kFormatVersion2);
+  SetMyFormat(nvx::kText2);
 }
 CProfileFileQPFv2::~CProfileFileQPFv2() = default;
 

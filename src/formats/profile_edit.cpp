@@ -33,21 +33,8 @@ constexpr std::size_t kMediaSize = kRecordSize<MediaNameRecord>;
 
 // The tag that holds the entry of a type outside of the entry table; null for a type that has none.
 const char* TagOfType(std::uint32_t usedType) {
-  switch (usedType) {
-    case CProfileDataEntry::kReplaceProfile:
-      return kReplaceProfileTag.name;
-    case CProfileDataEntry::kCalibrationHistory:
-      return kCalibrationTag.name;
-    case CProfileDataEntry::kMaskDownload:
-    case CProfileDataEntry::kMaskDownloadIncludePattern:
-      return kMaskDownloadTag.name;
-    case CProfileDataEntry::kLargeParameter:
-      return kLargeParameterTag.name;
-    case CProfileDataEntry::kSpecialColorInfo:
-      return kSpecialColorTag.name;
-    default:
-      return nullptr;
-  }
+  const EntryType* const type = FindEntryType(usedType);
+  return type != nullptr && type->route != kRouteMain ? type->tag : nullptr;
 }
 
 bool IsZero(View bytes) {

@@ -1,12 +1,13 @@
 #include "core/stream.h"
 #include "icc/description.h"
 
+#include <nvxprofile/entry_types.h>
 #include <nvxprofile/icc_profile.h>
 #include <nvxprofile/profile_file_icc.h>
 
 #include <memory>
 
-CProfileFileICC::CProfileFileICC() { SetMyFormat(6); }
+CProfileFileICC::CProfileFileICC() { SetMyFormat(nvx::kPlainIcc); }
 CProfileFileICC::~CProfileFileICC() = default;
 
 bool CProfileFileICC::LoadHeader(CNvxFile&, CProfileData*) { return true; }

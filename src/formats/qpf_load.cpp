@@ -9,6 +9,7 @@
 #include "platform/locale.h"
 
 #include <nvxprofile/curve_entry.h>
+#include <nvxprofile/entry_types.h>
 #include <nvxprofile/icc_profile.h>
 #include <nvxprofile/icm_entry.h>
 #include <nvxprofile/mask_download.h>
@@ -133,7 +134,7 @@ bool TakeIccProfile(CICCProfile& profile, CProfileData& data) {
 }  // namespace
 
 CProfileFileQPFv3::CProfileFileQPFv3() {
-  SetMyFormat(4);
+  SetMyFormat(nvx::kPrinterProfile);
   SetLoadHeaderSize(0);
 }
 
