@@ -105,8 +105,8 @@ class NVX_EXPORT CProfileDataEntry {
   // Parses the buffer into the payload. The buffer stays as it is.
   virtual bool BufferToData();
 
-  // Serializes the payload into a new buffer. On false the buffer stays as it was: for a payload that its form cannot
-  // carry, and for a buffer that is unread or was read in part.
+  // Serializes the payload into a new buffer; one that says the same already stays. On false the buffer stays as it
+  // was: for a payload that its form cannot carry, and for a buffer that is unread or was read in part.
   virtual bool DataToBuffer();
 
   // Copies flags, types, option info and label, brings this entry's buffer up to date (RenewBuffer) and copies it if it

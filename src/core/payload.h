@@ -7,9 +7,11 @@
 #include <nvxprofile/file.h>
 #include <nvxprofile/profile_entry.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <limits>
+#include <span>
 #include <utility>
 
 namespace nvx {
@@ -18,6 +20,19 @@ namespace nvx {
 class EntryStream : public SharedStream {
  public:
   explicit EntryStream(CProfileDataEntry& entry);
+};
+
+// A stream that compares what is written with what stands there, and takes nothing else.
+class ComparingStream : public CNvxMemFile {
+ public:
+  explicit ComparingStream(std::span<const std::uint8_t> bytes)
+      : CNvxMemFile(const_cast<std::uint8_t*>(bytes.data()), static_cast<std::uint32_t>(bytes.size())) {}
+
+  std::uint32_t Write(const void* bytes, std::uint32_t count) override {
+    const bool same = count <= Length - Position && std::memcmp(Buffer + Position, bytes, count) == 0;
+    if (same) Position += count;
+    return same ? count : 0;
+  }
 };
 
 // How long a rebuilt buffer is: as long as its form, or as long as the block of a memory stream that the form was
@@ -50,19 +65,31 @@ class PayloadKeeper {
   }
 
   // Runs save(stream) into a new block made for a form of `size` bytes and gives the block to the entry. On false the
-  // entry's buffer stays as it was.
+  // entry's buffer stays as it was, and so it does if it says the same already: most renewals change nothing, and
+  // memory costs more than looking.
   template <class Save>
   static bool Replace(CProfileDataEntry& entry, std::uint64_t size, BufferLength length, Save&& save) {
     constexpr std::uint64_t kStep = 1024;
     const std::uint64_t rounded = size == 0 ? kStep : (size + kStep - 1) / kStep * kStep;
     const std::uint64_t capacity = length == BufferLength::kExact ? size : rounded;
     if (capacity > std::numeric_limits<std::uint32_t>::max()) return false;
+    if (Says(entry.Bytes(), size, capacity, save)) return true;
     Block block = AllocateBlock(static_cast<std::size_t>(capacity));
     std::memset(block.get() + size, 0, static_cast<std::size_t>(capacity - size));
     CNvxMemFile stream(block.get(), static_cast<std::uint32_t>(capacity));
     if (!save(stream) || stream.GetPosition() != size) return false;
     entry.AttachBuffer(block.release(), static_cast<std::uint32_t>(capacity));
     return true;
+  }
+
+  // True if the buffer is what Replace would make.
+  template <class Save>
+  static bool Says(std::span<const std::uint8_t> buffer, std::uint64_t size, std::uint64_t capacity, Save& save) {
+    if (buffer.empty() || buffer.size() != capacity) return false;
+    ComparingStream stream(buffer);
+    if (!save(stream) || stream.Position != size) return false;
+    const auto rest = buffer.subspan(static_cast<std::size_t>(size));
+    return std::all_of(rest.begin(), rest.end(), [](std::uint8_t byte) { return byte == 0; });
   }
 
   // Buffer and payload say the same from here on.
