@@ -29,7 +29,6 @@
 namespace nvx::tool {
 namespace {
 
-using EntryPointer = std::unique_ptr<CProfileDataEntry>;
 using Bytes = std::vector<std::uint8_t>;
 
 struct FormatKey {
@@ -41,19 +40,9 @@ struct FormatKey {
 constexpr std::array<FormatKey, 5> kFormats{
     {{1, "container"}, {2, "text-1"}, {3, "text-2"}, {4, "printer-profile"}, {6, "icc"}}};
 
-EntryPointer MakeEntry(std::uint32_t usedType) {
-  return EntryPointer(CProfileDataEntry::CreateDataEntry(static_cast<CProfileDataEntry::UsedType>(usedType)));
-}
-
 Bytes BytesOf(CProfileDataEntry& entry) {
   const std::uint8_t* const bytes = entry.GetRefBuffer();
   return bytes != nullptr ? Bytes(bytes, bytes + entry.GetSize()) : Bytes();
-}
-
-void SetBytes(CProfileDataEntry& entry, const Bytes& bytes) {
-  std::uint8_t* const buffer = entry.GetBuffer(static_cast<std::uint32_t>(bytes.size()));
-  if (buffer != nullptr) std::memcpy(buffer, bytes.data(), bytes.size());
-  entry.BufferToData();
 }
 
 bool IsIcc(CProfileDataEntry& entry) { return entry.GetFormatType() == CProfileDataEntry::kFormatIcc; }
@@ -119,7 +108,7 @@ EntryPointer EntryFromJson(const Node& node, const std::string& folder) {
 
 // Where an entry stands when the document does not say: the routes that loads of the format give it.
 std::uint32_t DefaultRoute(int format, std::uint32_t usedType) {
-  if (format != 4) return kRouteIccRoot;
+  if (format != kPrinterProfile) return kRouteIccRoot;
   switch (usedType) {
     case CProfileDataEntry::kReplaceProfile:
       return kRouteReplaceProfile;
@@ -247,14 +236,14 @@ bool SaveAs(int format, const Node& document, CProfileData& data, const std::u16
   }
 }
 
-const char* PlaceOfIcc(int format) { return format == 4 ? "route 4" : "route 1"; }
+const char* PlaceOfIcc(int format) { return format == kPrinterProfile ? "route 4" : "route 1"; }
 
 // What keeps the model from being saved.
 [[noreturn]] void ExplainFailure(const Node& document, int format, CProfileData& data) {
   const _tagDeviceProfileInfo& info = *data.GetProfileInfo();
   const Node entries = document.At("entries");
-  if (format == 4 || format == 6) {
-    const std::uint32_t route = format == 4 ? kRouteMain : kRouteIccRoot;
+  if (format == kPrinterProfile || format == 6) {
+    const std::uint32_t route = format == kPrinterProfile ? kRouteMain : kRouteIccRoot;
     CProfileDataEntry* const icc = data.GetProfileDataEntry(route, CProfileDataEntry::kIcm);
     if (icc == nullptr) entries.Fail(std::string("there must be an entry \"icc\" on ") + PlaceOfIcc(format));
     Diagnosis diagnosis;
@@ -264,7 +253,7 @@ const char* PlaceOfIcc(int format) { return format == 4 ? "route 4" : "route 1";
     }
   }
   const auto needs = [&](bool flag, std::uint32_t route, const char* key) {
-    if (format != 4 || !flag || data.IsSpecifiedRoute(route)) return;
+    if (format != kPrinterProfile || !flag || data.IsSpecifiedRoute(route)) return;
     throw DocumentError(std::string("/record/") + key, "there is no entry on route " + std::to_string(route));
   };
   needs(info.HasMaskDownload, kRouteMaskDownload, "HasMaskDownload");
@@ -320,7 +309,7 @@ void CheckRecord(const Node& record, int format, const Json& loaded) {
     }
     const bool isNow = field == "CreateTimeValue" && item.value() == 0;
     if (isNow || (field == "MediaName" && IsNameOfRecord(item.value(), record.Value()))) continue;
-    const std::string source = format == 4 ? SourceOf(field) : std::string();
+    const std::string source = format == kPrinterProfile ? SourceOf(field) : std::string();
     record.At(field.c_str())
         .Fail(source.empty() ? "files of this format do not keep it, or work it out of other values"
                              : "the file keeps " + source + " of \"Binary\" in its place");
@@ -444,7 +433,7 @@ std::vector<std::uint8_t> BuildProfile(const Json& json, const std::string& fold
   CProfileData data;
   _tagDeviceProfileInfo& info = *data.GetProfileInfo();
   if (format == 2 || format == 3) info.LayoutNumber = 1;
-  if (format == 4) info.LayoutNumber = 3;
+  if (format == kPrinterProfile) info.LayoutNumber = 3;
   if (document.Has("record")) RecordFromJson(document.At("record"), data);
   SetModelNumbers(document, format, data);
   PlaceEntries(document, std::move(entries), format, data);

@@ -3,6 +3,7 @@
 #include "declared_options.h"
 
 #include <fmt/format.h>
+#include <CLI/CLI.hpp>
 
 #include <string_view>
 #include <vector>

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstring>
 
 namespace nvx::tool {
 namespace {
@@ -160,6 +161,16 @@ std::string ToBase64(const std::uint8_t* bytes, std::size_t size) {
     for (std::size_t j = 0; j < 4; ++j) text += j <= count ? kBase64[bits >> (18 - 6 * j) & 0x3F] : '=';
   }
   return text;
+}
+
+EntryPointer MakeEntry(std::uint32_t usedType) {
+  return EntryPointer(CProfileDataEntry::CreateDataEntry(static_cast<CProfileDataEntry::UsedType>(usedType)));
+}
+
+void SetBytes(CProfileDataEntry& entry, std::span<const std::uint8_t> bytes) {
+  std::uint8_t* const buffer = entry.GetBuffer(static_cast<std::uint32_t>(bytes.size()));
+  if (buffer != nullptr) std::memcpy(buffer, bytes.data(), bytes.size());
+  entry.BufferToData();
 }
 
 std::uint32_t UsedTypeFromJson(const Node& node) {

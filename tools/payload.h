@@ -7,6 +7,8 @@
 #include <nlohmann/json.hpp>
 
 #include <cstdint>
+#include <memory>
+#include <span>
 #include <stdexcept>
 #include <string>
 #include <unordered_set>
@@ -70,6 +72,14 @@ Json PayloadToJson(CProfileDataEntry& entry);
 
 // Fills the payload of an entry of the right type and rebuilds the entry's buffer. Throws DocumentError.
 void PayloadFromJson(const Node& node, CProfileDataEntry& entry);
+
+using EntryPointer = std::unique_ptr<CProfileDataEntry>;
+
+// An entry of that type without bytes; null for a type without a class.
+EntryPointer MakeEntry(std::uint32_t usedType);
+
+// Makes the bytes the entry's buffer and parses them.
+void SetBytes(CProfileDataEntry& entry, std::span<const std::uint8_t> bytes);
 
 // The entry type that an object names by "usedType" or by "type"; both must mean the same. Passes over its "class".
 std::uint32_t UsedTypeFromJson(const Node& node);

@@ -12,7 +12,6 @@
 namespace nvx::tool {
 namespace {
 
-constexpr int kPrinterProfile = 4;
 constexpr std::uint32_t kVersion5 = 5;
 
 [[noreturn]] void Fail(const std::string& path, const std::string& why) { throw std::runtime_error(path + ": " + why); }

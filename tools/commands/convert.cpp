@@ -34,7 +34,7 @@ namespace fs = std::filesystem;
 // Characters that the profile has room for.
 constexpr std::size_t kLongestVersion = 9;
 
-struct Options {
+struct ConvertOptions {
   std::vector<std::string> files;
   std::string output;
   std::string moduleVersion;
@@ -50,7 +50,7 @@ struct Job {
 std::u16string Wide(const fs::path& path) { return Utf8ToWide(path.string()); }
 
 // The database record of a conversion: the caller's values, or none and the halftone method of the old profile.
-_tagDBDeviceProfileInfo DatabaseRecord(const Options& options, const _tagDeviceProfileInfo& source) {
+_tagDBDeviceProfileInfo DatabaseRecord(const ConvertOptions& options, const _tagDeviceProfileInfo& source) {
   _tagDBDeviceProfileInfo record{{-1, -1, -1, -1, -1}, source.HalftoneCode};
   if (options.databaseKeys.empty()) return record;
   std::copy_n(options.databaseKeys.begin(), std::size(record.DatabaseKey), record.DatabaseKey);
@@ -71,7 +71,7 @@ bool IsComplete(const fs::path& path, CConvertV2ToV3Profile& converter) {
 }
 
 // Why the conversion failed; empty if it did not.
-std::string Convert(const Job& job, const Options& options) {
+std::string Convert(const Job& job, const ConvertOptions& options) {
   const InputFile input(job.source.string());
   if (!input.Failure().empty()) return input.Failure();
   const std::u16string& source = input.Path();
@@ -106,7 +106,7 @@ std::string Convert(const Job& job, const Options& options) {
 // Runs the jobs on several threads and tells of each one, on the calling thread, when it is done.
 class Workers {
  public:
-  Workers(const std::vector<Job>& jobs, const Options& options) : jobs_(jobs) {
+  Workers(const std::vector<Job>& jobs, const ConvertOptions& options) : jobs_(jobs) {
     const std::size_t count = std::min<std::size_t>(options.jobs, jobs.size());
     for (std::size_t i = 0; i < count; ++i) threads_.emplace_back([this, &options] { Work(options); });
   }
@@ -130,7 +130,7 @@ class Workers {
   }
 
  private:
-  void Work(const Options& options) {
+  void Work(const ConvertOptions& options) {
     for (std::size_t i = next_++; i < jobs_.size(); i = next_++) {
       Outcome outcome{i, {}};
       try {
@@ -153,14 +153,14 @@ class Workers {
 };
 
 // One name for a file, however it is written.
-std::string NameOf(const fs::path& path) {
+std::string CanonicalName(const fs::path& path) {
   std::error_code error;
   const fs::path name = fs::weakly_canonical(path, error);
   return error ? path.string() : name.string();
 }
 
 // What goes where; nothing, with the reason told, if two files would meet.
-std::optional<std::vector<Job>> Plan(const Options& options) {
+std::optional<std::vector<Job>> Plan(const ConvertOptions& options) {
   const fs::path output(options.output);
   std::error_code error;
   const bool isFolder = fs::is_directory(output, error);
@@ -178,10 +178,10 @@ std::optional<std::vector<Job>> Plan(const Options& options) {
   std::vector<Job> jobs;
   // What each name is taken for, so that no file is lost to another one.
   std::map<std::string, std::string> taken;
-  for (const std::string& file : options.files) taken.emplace(NameOf(file), "a source");
+  for (const std::string& file : options.files) taken.emplace(CanonicalName(file), "a source");
   for (const std::string& file : options.files) {
     const fs::path target = toFolder ? output / fs::path(file).filename().replace_extension(".icc") : output;
-    const auto [place, isFree] = taken.emplace(NameOf(target), "the target of " + file);
+    const auto [place, isFree] = taken.emplace(CanonicalName(target), "the target of " + file);
     if (!isFree) {
       PrintError(fmt::format("{}: would go to {}, which is {}", file, target.string(), place->second));
       return std::nullopt;
@@ -191,7 +191,7 @@ std::optional<std::vector<Job>> Plan(const Options& options) {
   return jobs;
 }
 
-int Run(const Options& options) {
+int Run(const ConvertOptions& options) {
   const std::optional<std::vector<Job>> jobs = Plan(options);
   if (!jobs) return kUsage;
   std::size_t failures = 0;
@@ -216,34 +216,31 @@ int Run(const Options& options) {
 
 }  // namespace
 
-void AddConvertCommand(CLI::App& app, int& status) {
-  CLI::App* const command = app.add_subcommand("convert", "Convert text-headed profiles to the current generation");
-  const auto options = std::make_shared<Options>();
-  command->add_option("OLD", options->files, "Text-headed profiles, of version 1 or 2")->required();
+void AddConvertCommand(CommandLine& line) {
+  Command command = line.AddCommand("convert", "Convert text-headed profiles to the current generation");
+  const auto options = std::make_shared<ConvertOptions>();
+  command.Add("OLD", &options->files, "Text-headed profiles, of version 1 or 2").Required();
   command
-      ->add_option("-o,--output", options->output,
-                   "The new profile; for several, the folder of the new ones, each named after its old one with .icc")
-      ->required()
-      ->type_name("FILE|DIR");
-  command->add_option("--module-version", options->moduleVersion, "Version of the making program, at most 9 characters")
-      ->required()
-      ->check([](const std::string& version) {
+      .Add("-o,--output", &options->output,
+           "The new profile; for several, the folder of the new ones, each named after its old one with .icc")
+      .Required()
+      .Type("FILE|DIR");
+  command.Add("--module-version", &options->moduleVersion, "Version of the making program, at most 9 characters")
+      .Required()
+      .Check([](const std::string& version) {
         return Utf8ToWide(version).size() <= kLongestVersion ? std::string() : "at most 9 characters are kept";
       })
-      ->type_name("V");
+      .Type("V");
   command
-      ->add_option(
-          "--database-keys", options->databaseKeys,
-          "Five database keys and the halftone method, joined by commas; without it -1 each, and the method of "
-          "the old profile")
-      ->delimiter(',')
-      ->expected(6)
-      ->type_name("A,B,C,D,E,F");
-  command->add_option("-j,--jobs", options->jobs, "Files to convert at the same time")
-      ->check(CLI::Range(1, 256))
-      ->type_name("N");
-  command->footer("Example: nvxprofile convert old/*.qpf -o new --module-version 2.1");
-  command->callback([options, &status] { status = Run(*options); });
+      .Add("--database-keys", &options->databaseKeys,
+           "Five database keys and the halftone method, joined by commas; without it -1 each, and the method of "
+           "the old profile")
+      .Separated()
+      .Count(6)
+      .Type("A,B,C,D,E,F");
+  command.Add("-j,--jobs", &options->jobs, "Files to convert at the same time").Between(1, 256).Type("N");
+  command.Example("nvxprofile convert old/*.qpf -o new --module-version 2.1");
+  command.Action([options] { return Run(*options); });
 }
 
 }  // namespace nvx::tool

@@ -9,28 +9,21 @@
 
 namespace nvx::tool {
 
-void AddDumpCommand(CLI::App& app, int& status) {
-  struct Options {
+void AddDumpCommand(CommandLine& line) {
+  struct DumpOptions {
     std::string file;
     std::string folder;
   };
-  CLI::App* const command = app.add_subcommand("dump", "Write a whole profile as one JSON document");
-  const auto options = std::make_shared<Options>();
-  command->add_option("FILE", options->file, "A profile of any format")->required();
-  command->add_option("--files", options->folder, "Write ICC profiles as files into this folder")
-      ->type_name("DIR")
-      ->check(CLI::ExistingDirectory);
-  command->footer("Example: nvxprofile dump glossy.icc --files parts > glossy.json");
-  command->callback([options, &status] {
+  Command command = line.AddCommand("dump", "Write a whole profile as one JSON document");
+  const auto options = std::make_shared<DumpOptions>();
+  command.Add("FILE", &options->file, "A profile of any format").Required();
+  command.Add("--files", &options->folder, "Write ICC profiles as files into this folder").Type("DIR").ExistingFolder();
+  command.Example("nvxprofile dump glossy.icc --files parts > glossy.json");
+  command.Action([options] {
     CProfileAccess access;
-    status = kFailure;
-    if (!LoadProfile(options->file, access)) return;
-    try {
-      PrintJson(ProfileToDocument(access, options->folder));
-      status = kSuccess;
-    } catch (const std::exception& error) {
-      PrintError(error.what());
-    }
+    if (!LoadProfile(options->file, access)) return kFailure;
+    PrintJson(ProfileToDocument(access, options->folder));
+    return kSuccess;
   });
 }
 

@@ -22,7 +22,7 @@
 namespace nvx::tool {
 namespace {
 
-struct Options {
+struct InfoOptions {
   std::vector<std::string> files;
   bool json = false;
   bool jsonLines = false;
@@ -49,7 +49,7 @@ std::vector<IccTag> PrivateTags(const InputFile& input, CProfileAccess& access) 
   constexpr std::uint32_t kPrefix = 0x4E5658;  // "NVX"
   std::vector<IccTag> tags;
   ProfileSummary summary;
-  if (access.GetProfileLoadFormat() != 4 || !SummarizeProfile(input.Path().c_str(), summary)) return tags;
+  if (access.GetProfileLoadFormat() != kPrinterProfile || !SummarizeProfile(input.Path().c_str(), summary)) return tags;
   std::copy_if(summary.directory.tags.begin(), summary.directory.tags.end(), std::back_inserter(tags),
                [](const IccTag& tag) { return tag.signature >> 8 == kPrefix; });
   return tags;
@@ -171,7 +171,7 @@ void Print(const std::string& path, CProfileAccess& access, const std::vector<Ic
   }
 }
 
-int Run(const Options& options) {
+int Run(const InfoOptions& options) {
   int status = kSuccess;
   std::vector<Json> documents;
   for (const std::string& file : options.files) {
@@ -196,16 +196,15 @@ int Run(const Options& options) {
 
 }  // namespace
 
-void AddInfoCommand(CLI::App& app, int& status) {
-  CLI::App* const command = app.add_subcommand("info", "Tell what profiles are and what they hold");
-  const auto options = std::make_shared<Options>();
-  command->add_option("FILE", options->files, "Profiles of any format")->required();
-  CLI::Option* const json =
-      command->add_flag("--json", options->json, "Write a JSON document; of several files, an array of them");
-  command->add_flag("--json-lines", options->jsonLines, "Write one JSON object a line, each of one file")
-      ->excludes(json);
-  command->footer("Example: nvxprofile info glossy.icc");
-  command->callback([options, &status] { status = Run(*options); });
+void AddInfoCommand(CommandLine& line) {
+  Command command = line.AddCommand("info", "Tell what profiles are and what they hold");
+  const auto options = std::make_shared<InfoOptions>();
+  command.Add("FILE", &options->files, "Profiles of any format").Required();
+  const Option json =
+      command.AddFlag("--json", options->json, "Write a JSON document; of several files, an array of them");
+  command.AddFlag("--json-lines", options->jsonLines, "Write one JSON object a line, each of one file").Excludes(json);
+  command.Example("nvxprofile info glossy.icc");
+  command.Action([options] { return Run(*options); });
 }
 
 }  // namespace nvx::tool

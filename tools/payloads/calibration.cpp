@@ -1,4 +1,5 @@
 // Calibration histories as JSON: containers with their children nested, targets and info records.
+#include "calibration_view.h"
 #include "loading.h"
 #include "payload.h"
 
@@ -11,17 +12,7 @@
 namespace nvx::tool {
 namespace {
 
-using EntryPointer = std::unique_ptr<CProfileDataEntry>;
-
-// What the form keeps of a name.
-constexpr std::size_t kLongestName = 20;
 constexpr std::uint32_t kTimeSize = 8;
-
-void SetBytes(CProfileDataEntry& entry, const std::vector<std::uint8_t>& bytes) {
-  std::uint8_t* const buffer = entry.GetBuffer(static_cast<std::uint32_t>(bytes.size()));
-  if (buffer != nullptr) std::memcpy(buffer, bytes.data(), bytes.size());
-  entry.BufferToData();
-}
 
 std::int64_t Int64(const Node& node) {
   return node.Integer(std::numeric_limits<std::int64_t>::min(), std::numeric_limits<std::int64_t>::max());
@@ -37,7 +28,7 @@ tag_ContainerData DescriptionFromJson(const Node& node) {
   if (node.Has("value")) description.Value = node.At("value").I32();
   if (node.Has("time")) description.Time = Int64(node.At("time"));
   if (node.Has("name")) {
-    const std::u16string name = WideFromJson(node.At("name"), kLongestName);
+    const std::u16string name = WideFromJson(node.At("name"), kLongestCalibrationName);
     name.copy(description.Name, name.size());
   }
   return description;
@@ -63,7 +54,7 @@ Json ChildToJson(CProfileDataEntry& child) {
 
 EntryPointer ChildFromJson(const Node& node) {
   const std::uint32_t usedType = UsedTypeFromJson(node);
-  EntryPointer child(CProfileDataEntry::CreateDataEntry(static_cast<CProfileDataEntry::UsedType>(usedType)));
+  EntryPointer child = MakeEntry(usedType);
   if (!child) node.Fail("no entry class has the used type " + std::to_string(usedType));
   if (node.Has("bytes")) {
     SetBytes(*child, node.At("bytes").Base64());

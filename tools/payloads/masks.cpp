@@ -91,7 +91,7 @@ std::unique_ptr<CMaskPatternDataEntry> PatternFromJson(const Node& node) {
   return pattern;
 }
 
-void Rebuild(const Node& node, CProfileDataEntry& entry) {
+void RebuildMasks(const Node& node, CProfileDataEntry& entry) {
   if (!entry.DataToBuffer()) node.Fail("the masks do not fit their form");
 }
 
@@ -115,7 +115,7 @@ void MaskDownloadFromJson(const Node& node, CProfileDataEntry& entry) {
     BlockFromJson(items[i], masks->GetWeftBlocks()[i]);
   }
   HeaderFromJson(node.At("weftHeader"), *masks->GetWeftHeader());
-  Rebuild(node, entry);
+  RebuildMasks(node, entry);
 }
 
 Json MaskPatternsToJson(CProfileDataEntry& entry) {
@@ -148,7 +148,7 @@ void MaskPatternsFromJson(const Node& node, CProfileDataEntry& entry) {
   for (const Node& item : node.At("maskPatterns").Items()) {
     if (!masks->GetMaskPatternData()->Add(PatternFromJson(item).release())) item.Fail("the ID stands twice");
   }
-  Rebuild(node, entry);
+  RebuildMasks(node, entry);
 }
 
 }  // namespace nvx::tool

@@ -20,7 +20,7 @@
 namespace nvx::tool {
 namespace {
 
-struct Options {
+struct ReportOptions {
   std::vector<std::string> files;
   std::string output;
   bool compare = false;
@@ -47,7 +47,7 @@ bool AddProfile(const std::string& file, Page& page) {
   return true;
 }
 
-int Run(const Options& options) {
+int Run(const ReportOptions& options) {
   if (!CanMakePages()) {
     PrintError(
         "this tool was built without the charting library of its reports, d3 (Debian: node-d3); configure the build "
@@ -77,14 +77,14 @@ int Run(const Options& options) {
 
 }  // namespace
 
-void AddReportCommand(CLI::App& app, int& status) {
-  CLI::App* const command = app.add_subcommand(
-      "report", "Show what profiles hold as a page for a browser, in one file that needs no network");
-  const auto options = std::make_shared<Options>();
-  command->add_option("FILE", options->files, "Profiles of any format")->required();
-  command->add_option("-o,--output", options->output, "The page to write")->required()->type_name("HTML");
-  command->add_flag("--compare", options->compare, "Open with two profiles side by side and what they differ in");
-  command->callback([options, &status] { status = Run(*options); });
+void AddReportCommand(CommandLine& line) {
+  Command command =
+      line.AddCommand("report", "Show what profiles hold as a page for a browser, in one file that needs no network");
+  const auto options = std::make_shared<ReportOptions>();
+  command.Add("FILE", &options->files, "Profiles of any format").Required();
+  command.Add("-o,--output", &options->output, "The page to write").Required().Type("HTML");
+  command.AddFlag("--compare", options->compare, "Open with two profiles side by side and what they differ in");
+  command.Action([options] { return Run(*options); });
 }
 
 }  // namespace nvx::tool
