@@ -147,7 +147,8 @@ std::vector<CProfileRoute*> RoutesOf(CProfileData& data) {
 
 std::string MessageOf(const CError& error) { return WideToUtf8(error.GetErrorCommentW()); }
 
-void PrintJson(const Json& json) { PrintLine(json.dump(2, ' ', false, Json::error_handler_t::replace)); }
+std::string TextOf(const Json& json) { return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n"; }
+void PrintJson(const Json& json) { WriteStandardOutput(TextOf(json)); }
 void PrintJsonLine(const Json& json) { PrintLine(json.dump(-1, ' ', false, Json::error_handler_t::replace)); }
 
 void PrintJsonOfFiles(std::vector<Json> documents, std::size_t fileCount) {

@@ -46,7 +46,8 @@ std::vector<CProfileRoute*> RoutesOf(CProfileData& data);
 // The comment of an error record in UTF-8.
 std::string MessageOf(const CError& error);
 
-// Writes the document to standard output.
+// The document as it is written, and the same to standard output.
+std::string TextOf(const Json& json);
 void PrintJson(const Json& json);
 // The same on one line.
 void PrintJsonLine(const Json& json);

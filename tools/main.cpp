@@ -1,5 +1,6 @@
 #include "command.h"
 #include "files.h"
+#include "interruption.h"
 #include "manual.h"
 #include "terminal.h"
 
@@ -24,6 +25,7 @@ int Finish(int status) {
 
 int main(int argc, char** argv) {
   using namespace nvx::tool;
+  CleanUpWhenInterrupted();
   CommandLine line("Reads, converts and writes device profiles of inkjet printers.", "nvxprofile");
   line.SetVersion("nvxprofile " NVXPROFILE_VERSION);
   using AddCommand = void(CommandLine&);

@@ -1,6 +1,7 @@
 // nvxprofile convert: text-headed profiles into those of the current generation, many at once.
 #include "command.h"
 #include "files.h"
+#include "interruption.h"
 #include "loading.h"
 #include "progress.h"
 #include "terminal.h"
@@ -21,6 +22,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <span>
 #include <string>
 #include <system_error>
 #include <thread>
@@ -45,6 +47,7 @@ struct ConvertOptions {
 struct Job {
   fs::path source;
   fs::path target;
+  bool isNamed = false;  // the target by the user, and not after its source
 };
 
 std::u16string Wide(const fs::path& path) { return Utf8ToWide(path.string()); }
@@ -70,8 +73,8 @@ bool IsComplete(const fs::path& path, CConvertV2ToV3Profile& converter) {
   return true;
 }
 
-// Why the conversion failed; empty if it did not.
-std::string Convert(const Job& job, const ConvertOptions& options) {
+// Why the conversion failed; empty if it did not. The result is made and looked at before it takes the target's place.
+std::string Convert(const Job& job, const ConvertOptions& options, std::string& made) {
   const InputFile input(job.source.string());
   if (!input.Failure().empty()) return input.Failure();
   const std::u16string& source = input.Path();
@@ -90,16 +93,22 @@ std::string Convert(const Job& job, const ConvertOptions& options) {
     return "has an entry that can be read only in part, and what it holds besides would be lost; validate tells where";
   }
 
-  // The result is made and looked at before it takes the target's place. Its name goes into the profile as its
-  // description, so it is the target's from the start.
-  const WorkFolder folder(fs::temp_directory_path().string());
+  // Its name goes into the profile as its description, so it is the target's from the start.
+  const WorkFolder folder;
   const bool isStandard = job.target == kStandardStream;
-  const fs::path made = folder.File(isStandard ? "profile" : job.target.filename().string());
-  if (!converter.SaveV3Profile(Wide(made).c_str()))
+  const fs::path file = folder.File(isStandard ? "profile" : job.target.filename().string());
+  if (!converter.SaveV3Profile(Wide(file).c_str()))
     return "cannot be saved: the ICC profile entry is no usable profile, or the disk is full";
-  if (!IsComplete(made, converter)) return "the result does not load: " + WhyNotLoaded(Wide(made));
-  const std::string bytes = ReadInput(made.string());
-  WriteOutput(job.target.string(), {reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()});
+  if (!IsComplete(file, converter)) return "the result does not load: " + WhyNotLoaded(Wide(file));
+  made = ReadInput(file.string());
+  return {};
+}
+
+std::string ConvertAndWrite(const Job& job, const ConvertOptions& options) {
+  std::string made;
+  if (std::string failure = Convert(job, options, made); !failure.empty()) return failure;
+  const std::span bytes(reinterpret_cast<const std::uint8_t*>(made.data()), made.size());
+  job.isNamed ? WriteOutput(job.target.string(), bytes) : WriteFile(job.target.string(), bytes);
   return {};
 }
 
@@ -134,7 +143,7 @@ class Workers {
     for (std::size_t i = next_++; i < jobs_.size(); i = next_++) {
       Outcome outcome{i, {}};
       try {
-        outcome.failure = Convert(jobs_[i], options);
+        outcome.failure = ConvertAndWrite(jobs_[i], options);
       } catch (const std::exception& error) {
         outcome.failure = error.what();
       }
@@ -169,7 +178,7 @@ std::optional<std::vector<Job>> Plan(const ConvertOptions& options) {
     PrintError("only one profile can go to standard output");
     return std::nullopt;
   }
-  if (toStandard) return std::vector<Job>{{options.files.front(), output}};
+  if (toStandard) return std::vector<Job>{{options.files.front(), output, true}};
   const bool toFolder = isFolder || options.files.size() > 1 || !output.has_filename();
   if (toFolder && !isFolder && !fs::create_directories(output, error)) {
     PrintError(fmt::format("{}: {}", options.output, error ? error.message() : "cannot be created"));
@@ -186,7 +195,7 @@ std::optional<std::vector<Job>> Plan(const ConvertOptions& options) {
       PrintError(fmt::format("{}: would go to {}, which is {}", file, target.string(), place->second));
       return std::nullopt;
     }
-    jobs.push_back({file, target});
+    jobs.push_back({file, target, !toFolder});
   }
   return jobs;
 }

@@ -126,15 +126,11 @@ void PrintTable(CProfileAccess& access, CCalibrationHistoryEntry& history) {
   }
 }
 
-bool PrintCurvesOf(CCalibrationHistoryEntry& history, std::uint32_t code, PlotStyle plot) {
-  auto* const calibration =
-      dynamic_cast<CContainerEntry*>(history.GetProfileDataEntry(CProfileDataEntry::kCalibrationContainer, code));
-  if (calibration == nullptr) return false;
-  for (CProfileCurveEntry* const entry : CurveEntriesOf(*calibration)) {
+void PrintCurvesOf(CContainerEntry& calibration, PlotStyle plot) {
+  for (CProfileCurveEntry* const entry : CurveEntriesOf(calibration)) {
     PrintLine();
     PrintCurves(entry->GetUsedType(), CurvesOf(*entry->GetCurveData()), plot);
   }
-  return true;
 }
 
 // The curves of one calibration as a calibration file.
@@ -160,8 +156,6 @@ int Run(const HistoryOptions& options) {
     return kFailure;
   }
   if (!options.cal.empty()) return WriteCalFile(options, *history);
-  const bool known = !options.curves ||
-                     history->GetProfileDataEntry(CProfileDataEntry::kCalibrationContainer, *options.curves) != nullptr;
   if (options.json) {
     PrintJson(ToJson(options, access, *history));
   } else {
@@ -171,11 +165,16 @@ int Run(const HistoryOptions& options) {
     } else {
       PrintTable(access, *history);
     }
-    if (options.curves) PrintCurvesOf(*history, *options.curves, options.plot);
   }
-  if (known) return kSuccess;
-  PrintError(fmt::format("{}: no calibration has the code {}", options.file, *options.curves));
-  return kFailure;
+  if (!options.curves) return kSuccess;
+  try {
+    CContainerEntry& calibration = CalibrationOf(*history, *options.curves);
+    if (!options.json) PrintCurvesOf(calibration, options.plot);
+    return kSuccess;
+  } catch (const std::runtime_error& error) {
+    PrintErrorOf(options.file, error.what());
+    return kFailure;
+  }
 }
 
 }  // namespace

@@ -1,18 +1,15 @@
 // nvxprofile report: what profiles hold, as a page for a browser.
 #include "command.h"
+#include "files.h"
 #include "loading.h"
 #include "progress.h"
 #include "report/page.h"
 #include "report/profile_parts.h"
+#include "saving.h"
 #include "terminal.h"
-
-#include <nvxprofile/icm_entry.h>
-#include <nvxprofile/text_conversion.h>
 
 #include <fmt/format.h>
 
-#include <cstring>
-#include <limits>
 #include <memory>
 #include <string>
 #include <vector>
@@ -26,21 +23,11 @@ struct ReportOptions {
   bool compare = false;
 };
 
-// Writes beside the target and replaces it at the end, as the library saves everything.
-bool Write(const std::string& path, const std::string& text) {
-  if (text.size() > std::numeric_limits<std::uint32_t>::max()) return false;
-  CICMEntry carrier;
-  std::memcpy(carrier.GetBuffer(static_cast<std::uint32_t>(text.size())), text.data(), text.size());
-  std::uint32_t error = 0;
-  return carrier.Save(Utf8ToWide(path).c_str(), error);
-}
-
 bool AddProfile(const std::string& file, Page& page) {
+  const InputFile input(file);
   CProfileAccess access;
-  CError error;
-  if (!access.Init(Utf8ToWide(file).c_str(), &error)) {
-    PrintError(MessageOf(error));
-    page.AddFailure(file, MessageOf(error));
+  if (!LoadProfile(file, input, access)) {
+    page.AddFailure(file, input.Failure().empty() ? WhyNotLoaded(input.Path()) : input.Failure());
     return false;
   }
   page.Add(IndexLine(file, access), PartsOf(access));
@@ -68,10 +55,7 @@ int Run(const ReportOptions& options) {
     }
   }
   if (loaded == 0) return kFailure;
-  if (!Write(options.output, page.Finish())) {
-    PrintError(fmt::format("{}: cannot be written", options.output));
-    return kFailure;
-  }
+  WriteText(options.output, page.Finish());
   return loaded == options.files.size() ? kSuccess : kFailure;
 }
 
