@@ -151,12 +151,14 @@ std::string TextOf(const Json& json) { return json.dump(2, ' ', false, Json::err
 void PrintJson(const Json& json) { WriteStandardOutput(TextOf(json)); }
 void PrintJsonLine(const Json& json) { PrintLine(json.dump(-1, ' ', false, Json::error_handler_t::replace)); }
 
-void PrintJsonOfFiles(std::vector<Json> documents, std::size_t fileCount) {
-  if (fileCount > 1) {
-    PrintJson(Json(std::move(documents)));
-  } else if (!documents.empty()) {
-    PrintJson(documents.front());
-  }
+void JsonOfFiles::Print(const Json& document) {
+  if (isArray_) WriteStandardOutput(isFirst_ ? "[\n" : ",\n");
+  isFirst_ = false;
+  PrintJson(document);
+}
+
+void JsonOfFiles::End() {
+  if (isArray_) WriteStandardOutput(isFirst_ ? "[]\n" : "]\n");
 }
 
 }  // namespace nvx::tool

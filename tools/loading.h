@@ -52,7 +52,17 @@ void PrintJson(const Json& json);
 // The same on one line.
 void PrintJsonLine(const Json& json);
 // The documents of several files, as one that a parser reads: the one of a single file by itself, those of several
-// files as an array.
-void PrintJsonOfFiles(std::vector<Json> documents, std::size_t fileCount);
+// files as an array. Each is written when it comes, so that no more than one is kept.
+class JsonOfFiles {
+ public:
+  explicit JsonOfFiles(std::size_t fileCount) : isArray_(fileCount > 1) {}
+  void Print(const Json& document);
+  // Behind the last one.
+  void End();
+
+ private:
+  bool isArray_;
+  bool isFirst_ = true;
+};
 
 }  // namespace nvx::tool

@@ -70,6 +70,9 @@ class Node {
 // The payload of an entry; null for entries without one and for those whose payload did not parse.
 Json PayloadToJson(CProfileDataEntry& entry);
 
+// The same with the sizes of colour tables and masks, {"bytes": N}, in place of their bytes.
+Json PayloadToSummary(CProfileDataEntry& entry);
+
 // Fills the payload of an entry of the right type and rebuilds the entry's buffer. Throws DocumentError.
 void PayloadFromJson(const Node& node, CProfileDataEntry& entry);
 
@@ -92,6 +95,10 @@ Json WideToJson(const std::u16string& text);
 std::u16string WideFromJson(const Node& node, std::size_t longest);
 std::string ToBase64(const std::uint8_t* bytes, std::size_t size);
 
+// Bytes in a document, whole or as no more than their number.
+enum class Blobs { kWhole, kSizes };
+Json BytesToJson(const std::uint8_t* bytes, std::size_t size, Blobs blobs);
+
 // The families, one file each below payloads/.
 Json CurvesToJson(CProfileDataEntry& entry);
 void CurvesFromJson(const Node& node, CProfileDataEntry& entry);
@@ -101,11 +108,11 @@ Json InfoToJson(CProfileDataEntry& entry);
 void InfoFromJson(const Node& node, CProfileDataEntry& entry);
 Json MediaToJson(CProfileDataEntry& entry);
 void MediaFromJson(const Node& node, CProfileDataEntry& entry);
-Json LutToJson(CProfileDataEntry& entry);
+Json LutToJson(CProfileDataEntry& entry, Blobs blobs);
 void LutFromJson(const Node& node, CProfileDataEntry& entry);
-Json MaskDownloadToJson(CProfileDataEntry& entry);
+Json MaskDownloadToJson(CProfileDataEntry& entry, Blobs blobs);
 void MaskDownloadFromJson(const Node& node, CProfileDataEntry& entry);
-Json MaskPatternsToJson(CProfileDataEntry& entry);
+Json MaskPatternsToJson(CProfileDataEntry& entry, Blobs blobs);
 void MaskPatternsFromJson(const Node& node, CProfileDataEntry& entry);
 Json LargeParameterToJson(CProfileDataEntry& entry);
 void LargeParameterFromJson(const Node& node, CProfileDataEntry& entry);

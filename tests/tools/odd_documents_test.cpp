@@ -3,8 +3,10 @@
 #include "tools/profile_maker.h"
 
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 #include <filesystem>
+#include <map>
 #include <string>
 
 namespace {
@@ -121,6 +123,20 @@ TEST_F(OddDocuments, FilesAreNamedAsSeenFromTheDocument) {
   EXPECT_EQ(result.status, 0) << result.err;
   EXPECT_NE(result.out.find("\"../parts/icc.icc\""), std::string::npos) << result.out;
   EXPECT_EQ(ReadBytes(File("made/p.icc")), ReadBytes(File("p.icc")));
+}
+
+// What a file holds fits on a screen; the bytes are in a dump.
+TEST_F(OddDocuments, InfoTellsSizesInPlaceOfTablesAndMasks) {
+  ASSERT_EQ(RunTool({"build", NVXPROFILE_SOURCE_FOLDER "/examples/uv_film.json", "-o", File("p.icc")}).status, 0);
+  const nlohmann::json info = nlohmann::json::parse(RunTool({"info", "--json", File("p.icc"), File("none")}).out);
+  ASSERT_EQ(info.size(), 1u) << "an array, whatever loads";
+  std::map<int, nlohmann::json> payloads;
+  for (const nlohmann::json& route : info[0]["routes"]) {
+    for (const nlohmann::json& entry : route["entries"]) payloads[entry["usedType"]] = entry["payload"];
+  }
+  EXPECT_EQ(payloads[8]["samples"]["bytes"], 39366);
+  EXPECT_GT(payloads[29]["maskPatterns"][0]["maskPattern"]["bytes"], 0);
+  EXPECT_EQ(RunTool({"info", "--json", File("none"), File("none")}).out, "[]\n");
 }
 
 }  // namespace

@@ -39,7 +39,7 @@ Json EntryToJson(CProfileDataEntry& entry) {
                {"label", NarrowToJson(entry.GetLabelString())},
                {"size", entry.GetSize()}};
   const bool isIcc = entry.GetFormatType() == CProfileDataEntry::kFormatIcc;
-  Json payload = isIcc ? IccToJson(entry.GetRefBuffer(), entry.GetSize()) : PayloadToJson(entry);
+  Json payload = isIcc ? IccToJson(entry.GetRefBuffer(), entry.GetSize()) : PayloadToSummary(entry);
   if (!payload.is_null()) json["payload"] = std::move(payload);
   return json;
 }
@@ -173,7 +173,7 @@ void Print(const std::string& path, CProfileAccess& access, const std::vector<Ic
 
 int Run(const InfoOptions& options) {
   int status = kSuccess;
-  std::vector<Json> documents;
+  JsonOfFiles documents(options.files.size());
   for (const std::string& file : options.files) {
     const InputFile input(file);
     CProfileAccess access;
@@ -185,12 +185,12 @@ int Run(const InfoOptions& options) {
     if (options.jsonLines) {
       PrintJsonLine(ToJson(file, access, privateTags));
     } else if (options.json) {
-      documents.push_back(ToJson(file, access, privateTags));
+      documents.Print(ToJson(file, access, privateTags));
     } else {
       Print(file, access, privateTags);
     }
   }
-  if (options.json) PrintJsonOfFiles(std::move(documents), options.files.size());
+  if (options.json) documents.End();
   return status;
 }
 
@@ -200,8 +200,9 @@ void AddInfoCommand(CommandLine& line) {
   Command command = line.AddCommand("info", "Tell what profiles are and what they hold");
   const auto options = std::make_shared<InfoOptions>();
   command.Add("FILE", &options->files, "Profiles of any format").Required();
-  const Option json =
-      command.AddFlag("--json", options->json, "Write a JSON document; of several files, an array of them");
+  const Option json = command.AddFlag("--json", options->json,
+                                      "Write a JSON document; of several files, an array of them. Of colour tables and "
+                                      "masks it has the sizes, and a dump the bytes");
   command.AddFlag("--json-lines", options->jsonLines, "Write one JSON object a line, each of one file").Excludes(json);
   command.Example("nvxprofile info glossy.icc");
   command.Action([options] { return Run(*options); });

@@ -92,7 +92,7 @@ Report Examine(const std::string& file, const std::u16string& path, bool semanti
 
 int Run(const ValidateOptions& options) {
   int status = kSuccess;
-  std::vector<Json> documents;
+  JsonOfFiles documents(options.files.size());
   for (const std::string& file : options.files) {
     const InputFile input(file);
     if (!input.Failure().empty()) {
@@ -105,12 +105,12 @@ int Run(const ValidateOptions& options) {
     if (options.jsonLines) {
       PrintJsonLine(ToJson(report));
     } else if (options.json) {
-      documents.push_back(ToJson(report));
+      documents.Print(ToJson(report));
     } else {
       Print(report);
     }
   }
-  if (options.json) PrintJsonOfFiles(std::move(documents), options.files.size());
+  if (options.json) documents.End();
   return status;
 }
 
