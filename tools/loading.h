@@ -5,6 +5,7 @@
 #include "payload.h"
 
 #include <nvxprofile/diagnosis.h>
+#include <nvxprofile/entry_types.h>
 #include <nvxprofile/profile_access.h>
 
 #include <string>
@@ -29,8 +30,6 @@ std::string FirstError(const Diagnosis& diagnosis, const std::u16string& path);
 // Writes "nvxprofile: FILE: MESSAGE" to standard error.
 void PrintErrorOf(const std::string& file, const std::string& message);
 
-// The format of profiles of the current generation, as a load gives it.
-inline constexpr int kPrinterProfile = 4;
 std::string_view FormatName(int format);
 // Class name of an entry type, "CLinearizationEntry" for 6; empty for a type without a class.
 std::string_view ClassName(std::uint32_t usedType);
