@@ -15,9 +15,6 @@
 namespace nvx::tool {
 namespace {
 
-// The key under which print jobs ask for the ink limit of a calibration.
-constexpr std::uint32_t kInkLimitKey = 12;
-
 std::string ColorantOf(const CCurveDataEntry& curve, const InkTable& inks) {
   return inks.ColorantOf(curve.GetInkID(), NameOf(curve));
 }

@@ -1,6 +1,7 @@
 #include "calibration_edit.h"
 
 #include "calibration_view.h"
+#include "loading.h"
 
 #include <nvxprofile/text_conversion.h>
 
@@ -9,12 +10,7 @@
 #include <stdexcept>
 
 namespace nvx::tool {
-namespace {
-
-constexpr int kPrinterProfile = 4;
-constexpr std::size_t kLongestName = 20;
-
-}  // namespace
+namespace {}  // namespace
 
 CCalibrationHistoryEntry& EditableHistory(ChangedProfile& profile) {
   if (profile.Access().GetProfileLoadFormat() != kPrinterProfile) {
@@ -48,9 +44,9 @@ std::uint32_t Append(CCalibrationHistoryEntry& history, NewCalibration calibrati
 std::u16string CalibrationName(const std::string& name) {
   std::u16string wide = Utf8ToWide(name);
   if (wide.empty()) throw std::runtime_error("a calibration needs a name");
-  if (wide.size() > kLongestName) {
-    throw std::runtime_error(
-        fmt::format("the name \"{}\" has {} characters, and a profile keeps {}", name, wide.size(), kLongestName));
+  if (wide.size() > kLongestCalibrationName) {
+    throw std::runtime_error(fmt::format("the name \"{}\" has {} characters, and a profile keeps {}", name, wide.size(),
+                                         kLongestCalibrationName));
   }
   return wide;
 }

@@ -4,11 +4,15 @@
 #include <nvxprofile/calibration.h>
 #include <nvxprofile/profile_data.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
 
 namespace nvx::tool {
+
+// Characters that a profile keeps of the name of a calibration.
+inline constexpr std::size_t kLongestCalibrationName = 20;
 
 // The calibration history of a profile; null if there is none.
 CCalibrationHistoryEntry* HistoryOf(CProfileData& data);

@@ -67,9 +67,9 @@ class Lines {
   std::size_t number_ = 0;
 };
 
-class Reader {
+class CgatsReader {
  public:
-  explicit Reader(std::string_view text) : lines_(text) {}
+  explicit CgatsReader(std::string_view text) : lines_(text) {}
 
   std::vector<CgatsTable> Tables() {
     std::vector<CgatsTable> tables;
@@ -165,7 +165,7 @@ const std::string* CgatsTable::Find(std::string_view keyword) const {
   return found != keywords.end() ? &found->second : nullptr;
 }
 
-std::vector<CgatsTable> ReadCgats(std::string_view text) { return Reader(text).Tables(); }
+std::vector<CgatsTable> ReadCgats(std::string_view text) { return CgatsReader(text).Tables(); }
 
 std::string WriteCgats(const std::vector<CgatsTable>& tables) {
   std::string text;

@@ -1,9 +1,7 @@
 // The commands of the tool. Each file below commands/ defines one Add function, and main.cpp calls them all.
 #pragma once
 
-#include <CLI/CLI.hpp>
-
-#include <string>
+#include "command_line.h"
 
 namespace nvx::tool {
 
@@ -14,32 +12,32 @@ inline constexpr int kUsage = 2;      // the command line is wrong
 inline constexpr int kDifferent = 3;  // a comparison found differences
 inline constexpr int kUnsound = 4;    // a check found a file that is wrong
 
-// An Add function adds a subcommand to `app`; its callback stores the exit status in `status`.
-void AddListCommand(CLI::App& app, int& status);
-void AddInfoCommand(CLI::App& app, int& status);
-void AddGetCommand(CLI::App& app, int& status);
-void AddSetCommand(CLI::App& app, int& status);
-void AddCopyCommand(CLI::App& app, int& status);
-void AddCurvesCommand(CLI::App& app, int& status);
-void AddMediaCommand(CLI::App& app, int& status);
-void AddLutCommand(CLI::App& app, int& status);
-void AddExtractCommand(CLI::App& app, int& status);
-void AddMasksCommand(CLI::App& app, int& status);
-void AddLampCommand(CLI::App& app, int& status);
-void AddSpecialCommand(CLI::App& app, int& status);
-void AddHistoryCommand(CLI::App& app, int& status);
-void AddImportHistoryCommand(CLI::App& app, int& status);
-void AddRemoveCalibrationCommand(CLI::App& app, int& status);
-void AddRenameCalibrationCommand(CLI::App& app, int& status);
-void AddCalibrateCommand(CLI::App& app, int& status);
-void AddApplyCalCommand(CLI::App& app, int& status);
-void AddConvertCommand(CLI::App& app, int& status);
-void AddAdjustCommand(CLI::App& app, int& status);
-void AddDumpCommand(CLI::App& app, int& status);
-void AddBuildCommand(CLI::App& app, int& status);
-void AddDiffCommand(CLI::App& app, int& status);
-void AddValidateCommand(CLI::App& app, int& status);
-void AddReportCommand(CLI::App& app, int& status);
-void AddCompletionCommand(CLI::App& app, int& status);
+// An Add function declares one command.
+void AddListCommand(CommandLine& line);
+void AddInfoCommand(CommandLine& line);
+void AddGetCommand(CommandLine& line);
+void AddSetCommand(CommandLine& line);
+void AddCopyCommand(CommandLine& line);
+void AddCurvesCommand(CommandLine& line);
+void AddMediaCommand(CommandLine& line);
+void AddLutCommand(CommandLine& line);
+void AddExtractCommand(CommandLine& line);
+void AddMasksCommand(CommandLine& line);
+void AddLampCommand(CommandLine& line);
+void AddSpecialCommand(CommandLine& line);
+void AddHistoryCommand(CommandLine& line);
+void AddImportHistoryCommand(CommandLine& line);
+void AddRemoveCalibrationCommand(CommandLine& line);
+void AddRenameCalibrationCommand(CommandLine& line);
+void AddCalibrateCommand(CommandLine& line);
+void AddApplyCalCommand(CommandLine& line);
+void AddConvertCommand(CommandLine& line);
+void AddAdjustCommand(CommandLine& line);
+void AddDumpCommand(CommandLine& line);
+void AddBuildCommand(CommandLine& line);
+void AddDiffCommand(CommandLine& line);
+void AddValidateCommand(CommandLine& line);
+void AddReportCommand(CommandLine& line);
+void AddCompletionCommand(CommandLine& line);
 
 }  // namespace nvx::tool

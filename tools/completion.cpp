@@ -4,8 +4,10 @@
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
+#include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <cctype>
 #include <string_view>
 #include <vector>
 
@@ -25,16 +27,11 @@ bool IsWord(std::string_view text, std::string_view word) { return text.find(wor
 Values ValuesOf(const CLI::Option& option) {
   if (option.get_expected_max() == 0) return {Kind::kNone, {}};
   std::string type = option.get_type_name();
-  if (!option.nonpositional()) type = option.get_name(true, false) + " " + type;
-  // A choice is declared with CLI::IsMember, which tells it as {a,b,c}.
-  const std::size_t open = type.find('{');
-  const std::size_t close = type.find('}', open == type.npos ? 0 : open);
-  if (open != type.npos && close != type.npos) {
-    std::vector<std::string> words = CLI::detail::split(type.substr(open + 1, close - open - 1), ',');
-    // Words that stand for numbers are told with them.
-    for (std::string& word : words) word.erase(std::min(word.find("->"), word.size()));
-    return {Kind::kChoice, std::move(words)};
+  // The words of a choice, a|b|c; what a user puts in place of a name in capitals is none.
+  if (IsWord(type, "|") && std::islower(static_cast<unsigned char>(type.front())) != 0) {
+    return {Kind::kChoice, CLI::detail::split(type, '|')};
   }
+  if (!option.nonpositional()) type = option.get_name(true, false) + " " + type;
   if (type == "DIR") return {Kind::kFolder, {}};
   for (const char* const word : {"FILE", "OUT", "PATH", "DOCUMENT", "OLD", "DIR", "FROM", "INTO"}) {
     if (IsWord(type, word)) return {Kind::kFile, {}};

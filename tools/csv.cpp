@@ -7,9 +7,9 @@
 namespace nvx::tool {
 namespace {
 
-class Reader {
+class CsvReader {
  public:
-  explicit Reader(std::string_view text) : rest_(text) {
+  explicit CsvReader(std::string_view text) : rest_(text) {
     constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
     if (rest_.starts_with(kByteOrderMark)) rest_.remove_prefix(kByteOrderMark.size());
   }
@@ -61,6 +61,6 @@ class Reader {
 
 }  // namespace
 
-std::vector<CsvRow> ReadCsv(std::string_view text) { return Reader(text).Rows(); }
+std::vector<CsvRow> ReadCsv(std::string_view text) { return CsvReader(text).Rows(); }
 
 }  // namespace nvx::tool

@@ -70,19 +70,16 @@ std::vector<std::uint32_t> SamplesOf(CCurveDataEntry& curve) {
 
 std::string NameOf(const CCurveDataEntry& curve) { return WideToUtf8(AnsiToWide(curve.GetInkName())); }
 
-void AddPlotOptions(CLI::App& command, PlotStyle& style) {
+void AddPlotOptions(Command& command, PlotStyle& style) {
   style = UsualPlotStyle();
-  CLI::Option* const plot =
-      command.add_option("--plot", style, "Plot the curves: braille, ascii or none; by default what a terminal shows")
-          ->transform(CLI::CheckedTransformer(std::map<std::string, PlotStyle>{{"braille", PlotStyle::kBraille},
-                                                                               {"ascii", PlotStyle::kAscii},
-                                                                               {"none", PlotStyle::kNone}})
-                          .description(""))
-          ->type_name("STYLE");
+  const std::map<std::string, PlotStyle> styles{
+      {"braille", PlotStyle::kBraille}, {"ascii", PlotStyle::kAscii}, {"none", PlotStyle::kNone}};
+  const Option plot =
+      command.AddWords("--plot", style, styles, "Plot the curves in this style; by default as a terminal shows them");
   command
-      .add_flag_callback(
+      .AddFlag(
           "--no-plot", [&style] { style = PlotStyle::kNone; }, "Do not plot the curves")
-      ->excludes(plot);
+      .Excludes(plot);
 }
 
 void PrintCurves(std::uint32_t usedType, const std::vector<CCurveDataEntry*>& curves, PlotStyle style) {

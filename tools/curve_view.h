@@ -1,17 +1,19 @@
 // Curves for people: a table with a line for each, and a plot of each.
 #pragma once
 
+#include "command_line.h"
 #include "terminal.h"
 
 #include <nvxprofile/curve.h>
-
-#include <CLI/CLI.hpp>
 
 #include <cstdint>
 #include <string>
 #include <vector>
 
 namespace nvx::tool {
+
+// The ExtendInfo of the curve that limits an ink among those of a multi ink limit.
+inline constexpr std::uint32_t kInkLimitKey = 12;
 
 // The curves of a set, in order.
 std::vector<CCurveDataEntry*> CurvesOf(CCurveData& set);
@@ -20,7 +22,7 @@ std::vector<std::uint32_t> SamplesOf(CCurveDataEntry& curve);
 std::string NameOf(const CCurveDataEntry& curve);
 
 // The options --plot and --no-plot of a command; `style` starts as what the terminal shows.
-void AddPlotOptions(CLI::App& command, PlotStyle& style);
+void AddPlotOptions(Command& command, PlotStyle& style);
 
 // Writes the curves of an entry of that type to standard output.
 void PrintCurves(std::uint32_t usedType, const std::vector<CCurveDataEntry*>& curves, PlotStyle style);

@@ -1,6 +1,8 @@
 #include "document.h"
 
+#include "clock.h"
 #include "files.h"
+#include "interruption.h"
 #include "loading.h"
 #include "record_json.h"
 
@@ -19,8 +21,6 @@
 #include <cstring>
 #include <ctime>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <map>
 #include <memory>
 #include <set>
@@ -29,8 +29,8 @@
 namespace nvx::tool {
 namespace {
 
-using EntryPointer = std::unique_ptr<CProfileDataEntry>;
 using Bytes = std::vector<std::uint8_t>;
+namespace fs = std::filesystem;
 
 struct FormatKey {
   int format;
@@ -41,39 +41,33 @@ struct FormatKey {
 constexpr std::array<FormatKey, 5> kFormats{
     {{1, "container"}, {2, "text-1"}, {3, "text-2"}, {4, "printer-profile"}, {6, "icc"}}};
 
-EntryPointer MakeEntry(std::uint32_t usedType) {
-  return EntryPointer(CProfileDataEntry::CreateDataEntry(static_cast<CProfileDataEntry::UsedType>(usedType)));
-}
-
 Bytes BytesOf(CProfileDataEntry& entry) {
   const std::uint8_t* const bytes = entry.GetRefBuffer();
   return bytes != nullptr ? Bytes(bytes, bytes + entry.GetSize()) : Bytes();
 }
 
-void SetBytes(CProfileDataEntry& entry, const Bytes& bytes) {
-  std::uint8_t* const buffer = entry.GetBuffer(static_cast<std::uint32_t>(bytes.size()));
-  if (buffer != nullptr) std::memcpy(buffer, bytes.data(), bytes.size());
-  entry.BufferToData();
-}
-
 bool IsIcc(CProfileDataEntry& entry) { return entry.GetFormatType() == CProfileDataEntry::kFormatIcc; }
 
-std::string WriteIccFile(CProfileDataEntry& entry, const std::string& folder) {
+// Writes the entry's ICC profile into the folder; gives its path as the document has it.
+std::string WriteIccFile(CProfileDataEntry& entry, const DumpedFiles& files) {
   const std::string name = std::string(EntryName(entry.GetUsedType())) + ".icc";
-  const std::filesystem::path path = std::filesystem::path(folder) / name;
-  WriteOutput(path.string(), {entry.GetRefBuffer(), entry.GetSize()});
-  return path.string();
+  const fs::path path = fs::path(files.folder) / name;
+  WriteFile(path.string(), {entry.GetRefBuffer(), entry.GetSize()});
+  if (path.is_absolute()) return path.string();
+  const fs::path fromDocument = fs::absolute(path).lexically_normal().lexically_relative(
+      fs::absolute(files.documentFolder.empty() ? "." : files.documentFolder).lexically_normal());
+  return fromDocument.string();
 }
 
-Json EntryToJson(CProfileDataEntry& entry, const std::string& filesFolder) {
+Json EntryToJson(CProfileDataEntry& entry, const DumpedFiles& files) {
   Json json = {{"usedType", entry.GetUsedType()},
                {"type", std::string(EntryName(entry.GetUsedType()))},
                {"class", std::string(ClassName(entry.GetUsedType()))},
                {"complete", entry.IsComplete()},
                {"optionInfo", entry.GetOptionInfo()},
                {"label", NarrowToJson(entry.GetLabelString())}};
-  if (IsIcc(entry) && !filesFolder.empty()) {
-    json["file"] = WriteIccFile(entry, filesFolder);
+  if (IsIcc(entry) && !files.folder.empty() && entry.GetSize() != 0) {
+    json["file"] = WriteIccFile(entry, files);
     return json;
   }
   Json payload = IsIcc(entry) ? Json(nullptr) : PayloadToJson(entry);
@@ -85,14 +79,13 @@ Json EntryToJson(CProfileDataEntry& entry, const std::string& filesFolder) {
   return json;
 }
 
-// A document comes from anywhere: what it names must be a file, not a device that never ends.
-Bytes ReadFile(const Node& node, const std::string& folder) {
-  const std::filesystem::path path = std::filesystem::path(folder) / node.Text(4096);
-  std::error_code error;
-  if (!std::filesystem::is_regular_file(path, error)) node.Fail(path.string() + " is no file");
-  std::ifstream file(path, std::ios::binary);
-  if (!file) node.Fail("the file " + path.string() + " cannot be opened");
-  return Bytes(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
+std::string ReadNamedFile(const Node& node, const std::string& folder) {
+  const fs::path path = fs::path(folder) / node.Text(4096);
+  try {
+    return ReadInput(path.string());
+  } catch (const std::runtime_error& error) {
+    node.Fail(error.what());
+  }
 }
 
 EntryPointer EntryFromJson(const Node& node, const std::string& folder) {
@@ -100,7 +93,8 @@ EntryPointer EntryFromJson(const Node& node, const std::string& folder) {
   EntryPointer entry = MakeEntry(usedType);
   if (!entry) node.Fail("no entry class has the used type " + std::to_string(usedType));
   if (node.Has("file")) {
-    SetBytes(*entry, ReadFile(node.At("file"), folder));
+    const std::string bytes = ReadNamedFile(node.At("file"), folder);
+    SetBytes(*entry, {reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()});
     node.PassOver("payload");
   } else if (node.Has("bytes")) {
     SetBytes(*entry, node.At("bytes").Base64());
@@ -108,7 +102,7 @@ EntryPointer EntryFromJson(const Node& node, const std::string& folder) {
   } else if (node.Has("payload")) {
     PayloadFromJson(node.At("payload"), *entry);
   }
-  if (IsIcc(*entry) && entry->GetSize() == 0) node.Fail("an ICC entry needs a \"file\" or \"bytes\"");
+  if (IsIcc(*entry) && !node.Has("file") && !node.Has("bytes")) node.Fail("an ICC entry needs a \"file\" or \"bytes\"");
   entry->SetComplete(!node.Has("complete") || node.At("complete").Bool());
   if (node.Has("optionInfo")) entry->SetOptionInfo(node.At("optionInfo").U32());
   if (node.Has("label")) {
@@ -119,7 +113,7 @@ EntryPointer EntryFromJson(const Node& node, const std::string& folder) {
 
 // Where an entry stands when the document does not say: the routes that loads of the format give it.
 std::uint32_t DefaultRoute(int format, std::uint32_t usedType) {
-  if (format != 4) return kRouteIccRoot;
+  if (format != kPrinterProfile) return kRouteIccRoot;
   switch (usedType) {
     case CProfileDataEntry::kReplaceProfile:
       return kRouteReplaceProfile;
@@ -175,22 +169,29 @@ void SetFlagsByRoutes(const Node& document, CProfileData& data) {
   if (!stated("HasSpecialColor")) info.HasSpecialColor = data.IsSpecifiedRoute(kRouteSpecialColor);
 }
 
-// The time that the save shall take for the present, so that the record comes back as the document has it.
-void SetClock(const _tagDeviceProfileInfo& info) {
+std::int64_t SecondsOf(const SYSTEMTIME& time) {
+  std::tm parts{};
+  parts.tm_year = time.wYear - 1900;
+  parts.tm_mon = time.wMonth - 1;
+  parts.tm_mday = time.wDay;
+  parts.tm_hour = time.wHour;
+  parts.tm_min = time.wMinute;
+  parts.tm_sec = time.wSecond;
+  parts.tm_isdst = -1;
+  return std::mktime(&parts);
+}
+
+// The times come back as the document has them, unless the environment says what the present is.
+void SetTimes(const Node& document, const _tagDeviceProfileInfo& info, CProfileFile& file) {
   if (std::getenv("SOURCE_DATE_EPOCH") != nullptr) return;
-  std::int64_t seconds = info.UpdateTimeValue;
-  if (info.LayoutNumber == 1 && info.CreateTime.wYear >= 1970) {
-    std::tm parts{};
-    parts.tm_year = info.CreateTime.wYear - 1900;
-    parts.tm_mon = info.CreateTime.wMonth - 1;
-    parts.tm_mday = info.CreateTime.wDay;
-    parts.tm_hour = info.CreateTime.wHour;
-    parts.tm_min = info.CreateTime.wMinute;
-    parts.tm_sec = info.CreateTime.wSecond;
-    parts.tm_isdst = -1;
-    seconds = std::mktime(&parts);
+  const auto stated = [&](const char* key) { return document.Has("record") && document.At("record").Has(key); };
+  const std::int64_t now = PresentTime();
+  if (info.LayoutNumber == 1) {
+    if (info.CreateTime.wYear >= 1970) file.SetSaveTimes(0, SecondsOf(info.CreateTime));
+  } else {
+    file.SetSaveTimes(stated("CreateTimeValue") ? info.CreateTimeValue : now,
+                      stated("UpdateTimeValue") ? info.UpdateTimeValue : now);
   }
-  if (seconds > 0) ::setenv("SOURCE_DATE_EPOCH", std::to_string(seconds).c_str(), 1);
 }
 
 int FormatFromJson(const Node& node) {
@@ -222,39 +223,44 @@ bool SavePlainIcc(CProfileData& data, const std::u16string& path) {
   return entry != nullptr && entry->Save(path.c_str(), error);
 }
 
-bool SaveContainer(const Node& document, CProfileData& data, const std::u16string& path) {
+template <class File>
+bool SaveWith(const Node& document, CProfileData& data, const std::u16string& path, std::uint32_t route) {
+  File file;
+  SetTimes(document, *data.GetProfileInfo(), file);
+  return file.SaveData(path.c_str(), &data, route);
+}
+
+// The route of the one container of a format.
+std::uint32_t OnlyRoute(const Node& document, CProfileData& data) {
   const std::vector<CProfileRoute*> routes = RoutesOf(data);
   if (routes.size() != 1) document.Fail("a container holds the entries of exactly one route");
-  return CProfileFileQCT().SaveData(path.c_str(), &data, routes[0]->GetRouteType());
+  return routes[0]->GetRouteType();
 }
 
 bool SaveAs(int format, const Node& document, CProfileData& data, const std::u16string& path) {
   switch (format) {
     case 1:
-      return SaveContainer(document, data, path);
-    case 2: {
-      const std::vector<CProfileRoute*> routes = RoutesOf(data);
-      if (routes.empty()) document.Fail("the profile has no route");
-      return CProfileFileQPFv1().SaveData(path.c_str(), &data, routes[0]->GetRouteType());
-    }
+      return SaveWith<CProfileFileQCT>(document, data, path, OnlyRoute(document, data));
+    case 2:
+      return SaveWith<CProfileFileQPFv1>(document, data, path, OnlyRoute(document, data));
     case 3:
-      return CProfileFileQPFv2().SaveData(path.c_str(), &data, 0);
-    case 4:
+      return SaveWith<CProfileFileQPFv2>(document, data, path, 0);
+    case kPrinterProfile:
       SetFlagsByRoutes(document, data);
-      return CProfileFileQPFv3().SaveData(path.c_str(), &data, kRouteMain | kRouteReplaceProfile | kRouteCalibration);
+      return SaveWith<CProfileFileQPFv3>(document, data, path, kRouteMain | kRouteReplaceProfile | kRouteCalibration);
     default:
       return SavePlainIcc(data, path);
   }
 }
 
-const char* PlaceOfIcc(int format) { return format == 4 ? "route 4" : "route 1"; }
+const char* PlaceOfIcc(int format) { return format == kPrinterProfile ? "route 4" : "route 1"; }
 
 // What keeps the model from being saved.
 [[noreturn]] void ExplainFailure(const Node& document, int format, CProfileData& data) {
   const _tagDeviceProfileInfo& info = *data.GetProfileInfo();
   const Node entries = document.At("entries");
-  if (format == 4 || format == 6) {
-    const std::uint32_t route = format == 4 ? kRouteMain : kRouteIccRoot;
+  if (format == kPrinterProfile || format == 6) {
+    const std::uint32_t route = format == kPrinterProfile ? kRouteMain : kRouteIccRoot;
     CProfileDataEntry* const icc = data.GetProfileDataEntry(route, CProfileDataEntry::kIcm);
     if (icc == nullptr) entries.Fail(std::string("there must be an entry \"icc\" on ") + PlaceOfIcc(format));
     Diagnosis diagnosis;
@@ -264,7 +270,7 @@ const char* PlaceOfIcc(int format) { return format == 4 ? "route 4" : "route 1";
     }
   }
   const auto needs = [&](bool flag, std::uint32_t route, const char* key) {
-    if (format != 4 || !flag || data.IsSpecifiedRoute(route)) return;
+    if (format != kPrinterProfile || !flag || data.IsSpecifiedRoute(route)) return;
     throw DocumentError(std::string("/record/") + key, "there is no entry on route " + std::to_string(route));
   };
   needs(info.HasMaskDownload, kRouteMaskDownload, "HasMaskDownload");
@@ -318,9 +324,8 @@ void CheckRecord(const Node& record, int format, const Json& loaded) {
     if (field == "Text" || field == "Binary" || IsWorkedOut(field) || item.value() == loaded.value(field, Json())) {
       continue;
     }
-    const bool isNow = field == "CreateTimeValue" && item.value() == 0;
-    if (isNow || (field == "MediaName" && IsNameOfRecord(item.value(), record.Value()))) continue;
-    const std::string source = format == 4 ? SourceOf(field) : std::string();
+    if (field == "MediaName" && IsNameOfRecord(item.value(), record.Value())) continue;
+    const std::string source = format == kPrinterProfile ? SourceOf(field) : std::string();
     record.At(field.c_str())
         .Fail(source.empty() ? "files of this format do not keep it, or work it out of other values"
                              : "the file keeps " + source + " of \"Binary\" in its place");
@@ -347,6 +352,38 @@ void CheckWhatWasBuilt(const Node& document, int format, CProfileData& data, con
   if (document.Has("record")) CheckRecord(document.At("record"), format, RecordToJson(*access.GetProfileInfo()));
 }
 
+// Refuses an object with one key twice, of which a parser keeps the last. A walk of its own: a parser with a callback
+// looks through all that an array has at the end of each object in it.
+class TwinKeys : public nlohmann::json_sax<Json> {
+ public:
+  bool null() override { return true; }
+  bool boolean(bool) override { return true; }
+  bool number_integer(Json::number_integer_t) override { return true; }
+  bool number_unsigned(Json::number_unsigned_t) override { return true; }
+  bool number_float(Json::number_float_t, const std::string&) override { return true; }
+  bool string(std::string&) override { return true; }
+  bool binary(Json::binary_t&) override { return true; }
+  bool start_array(std::size_t) override { return true; }
+  bool end_array() override { return true; }
+  bool parse_error(std::size_t, const std::string&, const Json::exception&) override { return false; }
+
+  bool start_object(std::size_t) override {
+    keys_.emplace_back();
+    return true;
+  }
+  bool end_object() override {
+    keys_.pop_back();
+    return true;
+  }
+  bool key(std::string& key) override {
+    if (keys_.back().insert(key).second) return true;
+    throw DocumentError("\"" + key + "\"", "the key stands twice in one object");
+  }
+
+ private:
+  std::vector<std::set<std::string>> keys_;
+};
+
 }  // namespace
 
 Json EntryToDocument(CProfileDataEntry& entry) { return EntryToJson(entry, {}); }
@@ -369,13 +406,20 @@ bool RebuildsEntry(const Json& payload, CProfileDataEntry& entry, std::size_t& p
          std::all_of(end, wanted.end(), [](std::uint8_t byte) { return byte == 0; });
 }
 
+std::string WhyNotRebuilt(CProfileAccess& access) {
+  const bool isEmpty = RoutesOf(*access.GetProfileData()).empty();
+  if (access.GetProfileLoadFormat() == 1 && isEmpty) return "a container without entries";
+  if (access.GetProfileLoadFormat() == 2 && isEmpty) return "a text-headed profile without a container";
+  return {};
+}
+
 std::string FormatKeyOf(int format) {
   const auto found =
       std::find_if(kFormats.begin(), kFormats.end(), [&](const FormatKey& key) { return key.format == format; });
   return found != kFormats.end() ? found->key : "container";
 }
 
-Json ProfileToDocument(CProfileAccess& access, const std::string& filesFolder) {
+Json ProfileToDocument(CProfileAccess& access, const DumpedFiles& files) {
   CProfileData& data = *access.GetProfileData();
   Json document = {{"nvxprofile", kDocumentVersion}, {"format", FormatKeyOf(access.GetProfileLoadFormat())}};
   document["record"] = RecordToJson(*access.GetProfileInfo());
@@ -385,7 +429,7 @@ Json ProfileToDocument(CProfileAccess& access, const std::string& filesFolder) {
 
   Json list = Json::array();
   bool more = data.GetEntryStartPos();
-  while (more) list.push_back(EntryToJson(*data.GetNextEntry(more), filesFolder));
+  while (more) list.push_back(EntryToJson(*data.GetNextEntry(more), files));
   document["entries"] = std::move(list);
   document["routes"] = RoutesToDocument(data);
   return document;
@@ -407,18 +451,11 @@ Json RoutesToDocument(CProfileData& data) {
 }
 
 Json ParseDocument(const std::string& text) {
-  // Of two members with one key the parser would keep the last.
-  std::vector<std::set<std::string>> keys;
-  const auto watch = [&](int, Json::parse_event_t event, Json& parsed) {
-    if (event == Json::parse_event_t::object_start) keys.emplace_back();
-    if (event == Json::parse_event_t::object_end) keys.pop_back();
-    if (event == Json::parse_event_t::key && !keys.back().insert(parsed.get<std::string>()).second) {
-      throw DocumentError("\"" + parsed.get<std::string>() + "\"", "the key stands twice in one object");
-    }
-    return true;
-  };
   try {
-    return Json::parse(text, watch);
+    Json document = Json::parse(text);
+    TwinKeys twins;
+    Json::sax_parse(text, &twins);
+    return document;
   } catch (const Json::parse_error& error) {
     // "[json.exception.parse_error.101] parse error at line 1, column 2: what is wrong"
     const std::string message = error.what();
@@ -444,14 +481,13 @@ std::vector<std::uint8_t> BuildProfile(const Json& json, const std::string& fold
   CProfileData data;
   _tagDeviceProfileInfo& info = *data.GetProfileInfo();
   if (format == 2 || format == 3) info.LayoutNumber = 1;
-  if (format == 4) info.LayoutNumber = 3;
+  if (format == kPrinterProfile) info.LayoutNumber = 3;
   if (document.Has("record")) RecordFromJson(document.At("record"), data);
   SetModelNumbers(document, format, data);
   PlaceEntries(document, std::move(entries), format, data);
   document.RefuseUnread();
-  SetClock(info);
 
-  const WorkFolder work(std::filesystem::temp_directory_path().string());
+  const WorkFolder work;
   const std::string path = work.File(name);
   if (!SaveAs(format, document, data, Utf8ToWide(path))) ExplainFailure(document, format, data);
   CheckWhatWasBuilt(document, format, data, path);

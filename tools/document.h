@@ -15,9 +15,17 @@ namespace nvx::tool {
 
 inline constexpr int kDocumentVersion = 1;
 
-// The document of a loaded profile. With a folder, ICC profiles are written there as files and the document names them;
-// without one they stand in it as base64. Throws std::runtime_error if a file cannot be written.
-Json ProfileToDocument(CProfileAccess& access, const std::string& filesFolder);
+// Where a dump writes ICC profiles as files.
+struct DumpedFiles {
+  std::string folder;          // empty for nowhere: they stand in the document as base64
+  std::string documentFolder;  // where the document goes, since it names files as seen from there; empty for here
+};
+
+// The document of a loaded profile. Throws std::runtime_error if a file cannot be written.
+Json ProfileToDocument(CProfileAccess& access, const DumpedFiles& files);
+
+// What there is about a loaded profile that no document tells, so that none builds it again; empty for nothing.
+std::string WhyNotRebuilt(CProfileAccess& access);
 
 // The routes of a profile as they stand in a document.
 Json RoutesToDocument(CProfileData& data);

@@ -1,5 +1,7 @@
 #include "files.h"
 
+#include "interruption.h"
+
 #include <nvxprofile/file.h>
 #include <nvxprofile/icm_entry.h>
 #include <nvxprofile/text_conversion.h>
@@ -12,7 +14,6 @@
 #include <array>
 #include <cerrno>
 #include <charconv>
-#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <limits>
@@ -26,6 +27,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
+// The sizes that profiles store have 32 bits.
+constexpr std::int64_t kLongestFile = std::numeric_limits<std::uint32_t>::max();
+constexpr const char* kTooLong = "is longer than any profile";
+
 // What the first write to standard output that failed failed with.
 int outputError = 0;
 
@@ -33,7 +38,7 @@ std::string Reason(int error) { return std::system_category().message(error); }
 
 std::string KindOf(::mode_t mode) {
   if (S_ISDIR(mode)) return "is a folder";
-  if (S_ISFIFO(mode)) return "is a pipe; \"-\" reads from standard input";
+  if (S_ISFIFO(mode)) return "is a pipe";
   if (S_ISCHR(mode) || S_ISBLK(mode)) return "is a device";
   if (S_ISSOCK(mode)) return "is a socket";
   return {};
@@ -74,18 +79,13 @@ int WriteInto(const std::string& path, std::span<const std::uint8_t> bytes) {
   return ::close(descriptor) != 0 && error == 0 ? errno : error;
 }
 
-void Replace(const std::string& path, std::span<const std::uint8_t> bytes) {
-  if (bytes.empty() || bytes.size() > std::numeric_limits<std::uint32_t>::max()) {
-    throw std::runtime_error(fmt::format("{}: {} bytes make no file", path, bytes.size()));
-  }
-  CICMEntry carrier;
-  std::memcpy(carrier.GetBuffer(static_cast<std::uint32_t>(bytes.size())), bytes.data(), bytes.size());
-  std::uint32_t unused = 0;
-  errno = 0;
-  if (!carrier.Save(Utf8ToWide(path).c_str(), unused)) {
-    const int error = errno;
-    throw std::runtime_error(path + ": " + WhyNotWritten(path, error));
-  }
+// Why nothing may be put in the place of what stands at the path; empty if something may.
+std::string WhyNotReplaced(const std::string& path) {
+  struct ::stat status {};
+  if (::stat(path.c_str(), &status) == 0) return KindOf(status.st_mode);
+  if (errno != ENOENT) return Reason(errno);
+  const bool isLink = ::lstat(path.c_str(), &status) == 0;
+  return isLink ? "is a link to what is not there" : std::string();
 }
 
 }  // namespace
@@ -93,7 +93,9 @@ void Replace(const std::string& path, std::span<const std::uint8_t> bytes) {
 std::string WhyNotReadable(const std::string& path) {
   struct ::stat status {};
   if (::stat(path.c_str(), &status) != 0) return Reason(errno);
+  if (S_ISFIFO(status.st_mode)) return "is a pipe; \"-\" reads from standard input";
   if (std::string kind = KindOf(status.st_mode); !kind.empty()) return kind;
+  if (status.st_size > kLongestFile) return kTooLong;
   return ::access(path.c_str(), R_OK) == 0 ? std::string() : Reason(errno);
 }
 
@@ -121,17 +123,16 @@ void InputFile::KeepStandardInput() {
   }
   const int descriptor = ::fileno(kept_.get());
   std::array<std::uint8_t, 65536> block;
-  std::uint64_t length = 0;
+  std::int64_t length = 0;
   while (true) {
     const ::ssize_t got = ::read(STDIN_FILENO, block.data(), block.size());
     if (got < 0 && errno == EINTR) continue;
     if (got < 0) failure_ = Reason(errno);
     if (got <= 0) break;
-    length += static_cast<std::uint64_t>(got);
+    length += got;
     const int error = WriteAll(descriptor, std::span(block).first(static_cast<std::size_t>(got)));
     if (error != 0) failure_ = "no room for it in the temporary folder: " + Reason(error);
-    // The sizes that profiles store have 32 bits.
-    if (length > std::numeric_limits<std::uint32_t>::max()) failure_ = "is longer than any profile";
+    if (length > kLongestFile) failure_ = kTooLong;
     if (!failure_.empty()) break;
   }
   path_ = PathOf(kept_.get());
@@ -156,6 +157,22 @@ std::string WhyNotWritten(const std::string& path, int error) {
   return isLong ? "cannot be written under a path as long as this" : "cannot be written";
 }
 
+void WriteFile(const std::string& path, std::span<const std::uint8_t> bytes) {
+  if (bytes.empty() || static_cast<std::int64_t>(bytes.size()) > kLongestFile) {
+    throw std::runtime_error(fmt::format("{}: {} bytes make no file", path, bytes.size()));
+  }
+  if (const std::string why = WhyNotReplaced(path); !why.empty()) throw std::runtime_error(path + ": " + why);
+  CICMEntry carrier;
+  std::memcpy(carrier.GetBuffer(static_cast<std::uint32_t>(bytes.size())), bytes.data(), bytes.size());
+  const SaveUnderWay save;
+  std::uint32_t unused = 0;
+  errno = 0;
+  if (!carrier.Save(Utf8ToWide(path).c_str(), unused)) {
+    const int error = errno;
+    throw std::runtime_error(path + ": " + WhyNotWritten(path, error));
+  }
+}
+
 void WriteOutput(const std::string& path, std::span<const std::uint8_t> bytes) {
   const std::optional<int> descriptor = DescriptorOf(path);
   if (descriptor == STDOUT_FILENO) {
@@ -164,9 +181,9 @@ void WriteOutput(const std::string& path, std::span<const std::uint8_t> bytes) {
     return;
   }
   struct ::stat status {};
-  const bool isThere = ::stat(path.c_str(), &status) == 0;
-  if (!descriptor && (!isThere || S_ISREG(status.st_mode) || S_ISDIR(status.st_mode))) {
-    Replace(path, bytes);
+  const bool isStream = ::stat(path.c_str(), &status) == 0 && (S_ISFIFO(status.st_mode) || S_ISCHR(status.st_mode));
+  if (!descriptor && !isStream) {
+    WriteFile(path, bytes);
     return;
   }
   const int error = descriptor ? WriteAll(*descriptor, bytes) : WriteInto(path, bytes);
@@ -186,6 +203,8 @@ std::string ReadInput(const std::string& path) {
 }
 
 void WriteStandardOutput(std::string_view text) {
+  // An empty text may have no address, which fwrite takes amiss.
+  if (text.empty()) return;
   errno = 0;
   if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() && outputError == 0) outputError = errno;
 }
@@ -197,17 +216,6 @@ void FinishStandardOutput() {
   // Told once is enough.
   std::clearerr(stdout);
   throw std::runtime_error("standard output: " + (error != 0 ? Reason(error) : "cannot be written"));
-}
-
-WorkFolder::WorkFolder(const std::string& parent) : path_((fs::path(parent) / ".nvx-XXXXXX").string()) {
-  if (::mkdtemp(path_.data()) != nullptr) return;
-  const int error = errno;
-  throw std::runtime_error(fmt::format("no folder can be made in {}: {}", parent, Reason(error)));
-}
-
-WorkFolder::~WorkFolder() {
-  std::error_code error;
-  fs::remove_all(path_, error);
 }
 
 }  // namespace nvx::tool

@@ -14,7 +14,7 @@ namespace nvx::tool {
 inline constexpr const char* kStandardStream = "-";
 
 // Why the file cannot be read as it stands ("No such file or directory", "is a folder", ...); empty if it can. FIFOs
-// and devices are refused without being opened: a load seeks.
+// and devices are refused without being opened, since a load seeks, and so is what is longer than any profile.
 std::string WhyNotReadable(const std::string& path);
 
 struct CloseFile {
@@ -56,8 +56,13 @@ class HeldBytes {
   std::u16string path_;
 };
 
-// Writes a file whole. What stands at the path is replaced at the very end, as the library saves everything; standard
-// output, FIFOs and devices are written to as they are, and never read. Throws std::runtime_error with path and reason.
+// Writes a file whole: what stands at the path is replaced at the very end, as the library saves everything. A link is
+// followed, one that leads nowhere refused, and so is all that is no plain file. Throws std::runtime_error with path
+// and reason.
+void WriteFile(const std::string& path, std::span<const std::uint8_t> bytes);
+
+// The same for a path that the user gave, which may mean more: standard output for "-", and pipes and character
+// devices, which are written to as they are and never read.
 void WriteOutput(const std::string& path, std::span<const std::uint8_t> bytes);
 
 // The bytes of a file. Throws std::runtime_error with path and reason.
@@ -71,21 +76,5 @@ void WriteStandardOutput(std::string_view text);
 
 // Hands over what is left of standard output. Throws std::runtime_error if any of it is lost.
 void FinishStandardOutput();
-
-// A folder of its own for results that are looked at before they go where they belong. It is removed with all that is
-// left in it.
-class WorkFolder {
- public:
-  // Throws std::runtime_error if there is no room for it.
-  explicit WorkFolder(const std::string& parent);
-  WorkFolder(const WorkFolder&) = delete;
-  WorkFolder& operator=(const WorkFolder&) = delete;
-  ~WorkFolder();
-
-  std::string File(const std::string& name) const { return path_ + "/" + name; }
-
- private:
-  std::string path_;
-};
 
 }  // namespace nvx::tool

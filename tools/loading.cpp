@@ -147,15 +147,18 @@ std::vector<CProfileRoute*> RoutesOf(CProfileData& data) {
 
 std::string MessageOf(const CError& error) { return WideToUtf8(error.GetErrorCommentW()); }
 
-void PrintJson(const Json& json) { PrintLine(json.dump(2, ' ', false, Json::error_handler_t::replace)); }
+std::string TextOf(const Json& json) { return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n"; }
+void PrintJson(const Json& json) { WriteStandardOutput(TextOf(json)); }
 void PrintJsonLine(const Json& json) { PrintLine(json.dump(-1, ' ', false, Json::error_handler_t::replace)); }
 
-void PrintJsonOfFiles(std::vector<Json> documents, std::size_t fileCount) {
-  if (fileCount > 1) {
-    PrintJson(Json(std::move(documents)));
-  } else if (!documents.empty()) {
-    PrintJson(documents.front());
-  }
+void JsonOfFiles::Print(const Json& document) {
+  if (isArray_) WriteStandardOutput(isFirst_ ? "[\n" : ",\n");
+  isFirst_ = false;
+  PrintJson(document);
+}
+
+void JsonOfFiles::End() {
+  if (isArray_) WriteStandardOutput(isFirst_ ? "[]\n" : "]\n");
 }
 
 }  // namespace nvx::tool

@@ -5,6 +5,7 @@
 #include "payload.h"
 
 #include <nvxprofile/diagnosis.h>
+#include <nvxprofile/entry_types.h>
 #include <nvxprofile/profile_access.h>
 
 #include <string>
@@ -44,12 +45,23 @@ std::vector<CProfileRoute*> RoutesOf(CProfileData& data);
 // The comment of an error record in UTF-8.
 std::string MessageOf(const CError& error);
 
-// Writes the document to standard output.
+// The document as it is written, and the same to standard output.
+std::string TextOf(const Json& json);
 void PrintJson(const Json& json);
 // The same on one line.
 void PrintJsonLine(const Json& json);
 // The documents of several files, as one that a parser reads: the one of a single file by itself, those of several
-// files as an array.
-void PrintJsonOfFiles(std::vector<Json> documents, std::size_t fileCount);
+// files as an array. Each is written when it comes, so that no more than one is kept.
+class JsonOfFiles {
+ public:
+  explicit JsonOfFiles(std::size_t fileCount) : isArray_(fileCount > 1) {}
+  void Print(const Json& document);
+  // Behind the last one.
+  void End();
+
+ private:
+  bool isArray_;
+  bool isFirst_ = true;
+};
 
 }  // namespace nvx::tool

@@ -1,52 +1,13 @@
 #include "command.h"
 #include "files.h"
+#include "interruption.h"
 #include "manual.h"
 #include "terminal.h"
 
-#include <fmt/format.h>
-
-#include <algorithm>
-#include <cstdio>
-#include <numeric>
-#include <sstream>
-#include <string>
-#include <string_view>
-#include <vector>
+#include <stdexcept>
 
 namespace nvx::tool {
 namespace {
-
-// Characters to insert, to remove or to replace until one word is the other.
-std::size_t Distance(std::string_view a, std::string_view b) {
-  std::vector<std::size_t> row(b.size() + 1);
-  std::iota(row.begin(), row.end(), std::size_t{0});
-  for (std::size_t i = 0; i < a.size(); ++i) {
-    std::size_t diagonal = row[0]++;
-    for (std::size_t j = 0; j < b.size(); ++j) {
-      const std::size_t replaced = diagonal + (a[i] != b[j] ? 1 : 0);
-      diagonal = row[j + 1];
-      row[j + 1] = std::min({replaced, row[j] + 1, row[j + 1] + 1});
-    }
-  }
-  return row.back();
-}
-
-// What to say of a first word that is no command; empty if it is one, or an option.
-std::string WhyNoCommand(const CLI::App& app, std::string_view word) {
-  if (word.empty() || word.starts_with('-')) return {};
-  std::string nearest;
-  std::size_t least = std::max<std::size_t>(2, word.size() / 3) + 1;
-  for (const CLI::App* const command : app.get_subcommands([](const CLI::App*) { return true; })) {
-    const std::size_t distance = Distance(word, command->get_name());
-    if (distance == 0) return {};
-    if (distance < least) {
-      least = distance;
-      nearest = command->get_name();
-    }
-  }
-  return nearest.empty() ? fmt::format("there is no command \"{}\"; --help lists them", word)
-                         : fmt::format("there is no command \"{}\"; did you mean \"{}\"?", word, nearest);
-}
 
 // What did not reach standard output is an error, whatever the command thinks.
 int Finish(int status) {
@@ -64,11 +25,10 @@ int Finish(int status) {
 
 int main(int argc, char** argv) {
   using namespace nvx::tool;
-  CLI::App app("Reads, converts and writes device profiles of inkjet printers.", "nvxprofile");
-  app.set_version_flag("--version", "nvxprofile " NVXPROFILE_VERSION);
-  app.require_subcommand(1);
-  int status = kSuccess;
-  using AddCommand = void(CLI::App&, int&);
+  CleanUpWhenInterrupted();
+  CommandLine line("Reads, converts and writes device profiles of inkjet printers.", "nvxprofile");
+  line.SetVersion("nvxprofile " NVXPROFILE_VERSION);
+  using AddCommand = void(CommandLine&);
   for (AddCommand* const add : {AddListCommand,
                                 AddInfoCommand,
                                 AddGetCommand,
@@ -95,30 +55,9 @@ int main(int argc, char** argv) {
                                 AddValidateCommand,
                                 AddReportCommand,
                                 AddCompletionCommand}) {
-    add(app, status);
+    add(line);
   }
   // For the build, which installs the page beside the tool.
-  app.add_flag_callback("--man-page",
-                        [&] {
-                          WriteStandardOutput(ManualPage(app));
-                          throw CLI::Success();
-                        })
-      ->group("");
-  if (const std::string why = WhyNoCommand(app, argc > 1 ? argv[1] : ""); !why.empty()) {
-    PrintError(why);
-    return kUsage;
-  }
-  try {
-    app.parse(argc, argv);
-  } catch (const CLI::ParseError& error) {
-    std::ostringstream out;
-    std::ostringstream complaint;
-    status = app.exit(error, out, complaint) == 0 ? kSuccess : kUsage;
-    WriteStandardOutput(out.str());
-    std::fputs(complaint.str().c_str(), stderr);
-  } catch (const std::exception& error) {
-    PrintError(error.what());
-    status = kFailure;
-  }
-  return Finish(status);
+  line.AddHiddenFlag("--man-page", [&] { WriteStandardOutput(ManualPage(line.Declared())); });
+  return Finish(line.Run(argc, argv));
 }

@@ -3,6 +3,7 @@
 #include "declared_options.h"
 
 #include <fmt/format.h>
+#include <CLI/CLI.hpp>
 
 #include <string_view>
 #include <vector>
@@ -77,7 +78,10 @@ constexpr const char* kEnd = R"(.SH STANDARD INPUT AND OUTPUT
 Where a file is read,
 .B \-
 is standard input, and where one is written, standard output.
-Files are replaced all at once, or left as they were.
+Files are replaced all at once, or left as they were, also where the run is interrupted.
+Links are followed; a link that leads nowhere is refused.
+Pipes and character devices are written to where they are named as an output, and refused where they stand under the
+name of a file that goes into a named folder.
 .SH EXIT STATUS
 .TP
 .B 0

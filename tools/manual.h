@@ -1,9 +1,11 @@
 // The manual page and the shell completions, made from the same declarations as --help.
 #pragma once
 
-#include <CLI/CLI.hpp>
-
 #include <string>
+
+namespace CLI {
+class App;
+}
 
 namespace nvx::tool {
 

@@ -2,6 +2,7 @@
 
 #include "cgats.h"
 #include "csv.h"
+#include "curve_view.h"
 
 #include <nvxprofile/curve_entry.h>
 #include <nvxprofile/text_conversion.h>
@@ -17,8 +18,6 @@
 namespace nvx::tool {
 namespace {
 
-// The key under which print jobs ask for the ink limit of a calibration.
-constexpr std::uint32_t kInkLimitKey = 12;
 constexpr std::uint32_t kGreatestSample = 0xFFFF;
 
 // Positions of the columns; those that may be missing are then empty.

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstring>
 
 namespace nvx::tool {
 namespace {
@@ -13,8 +14,9 @@ namespace {
 constexpr std::string_view kBase64 = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 
 struct Codec {
-  Json (*toJson)(CProfileDataEntry& entry);
-  void (*fromJson)(const Node& node, CProfileDataEntry& entry);
+  Json (*toJson)(CProfileDataEntry& entry) = nullptr;
+  void (*fromJson)(const Node& node, CProfileDataEntry& entry) = nullptr;
+  Json (*blobsToJson)(CProfileDataEntry& entry, Blobs blobs) = nullptr;  // in place of toJson
 };
 
 Codec CodecOf(std::uint32_t usedType) {
@@ -34,7 +36,7 @@ Codec CodecOf(std::uint32_t usedType) {
     case CProfileDataEntry::kCalibrationGrayBalance:
       return {CurvesToJson, CurvesFromJson};
     case CProfileDataEntry::kSeparateChroma:
-      return {LutToJson, LutFromJson};
+      return {nullptr, LutFromJson, LutToJson};
     case CProfileDataEntry::kInfo:
       return {InfoToJson, InfoFromJson};
     case CProfileDataEntry::kMediaProperty:
@@ -46,16 +48,22 @@ Codec CodecOf(std::uint32_t usedType) {
     case CProfileDataEntry::kCalibrationInfo:
       return {CalibrationToJson, CalibrationFromJson};
     case CProfileDataEntry::kMaskDownload:
-      return {MaskDownloadToJson, MaskDownloadFromJson};
+      return {nullptr, MaskDownloadFromJson, MaskDownloadToJson};
     case CProfileDataEntry::kMaskDownloadIncludePattern:
-      return {MaskPatternsToJson, MaskPatternsFromJson};
+      return {nullptr, MaskPatternsFromJson, MaskPatternsToJson};
     case CProfileDataEntry::kLargeParameter:
       return {LargeParameterToJson, LargeParameterFromJson};
     case CProfileDataEntry::kSpecialColorInfo:
       return {SpecialColorToJson, SpecialColorFromJson};
     default:
-      return {nullptr, nullptr};
+      return {};
   }
+}
+
+Json PayloadToJson(CProfileDataEntry& entry, Blobs blobs) {
+  const Codec codec = CodecOf(entry.GetUsedType());
+  if (codec.blobsToJson != nullptr) return codec.blobsToJson(entry, blobs);
+  return codec.toJson != nullptr ? codec.toJson(entry) : Json(nullptr);
 }
 
 }  // namespace
@@ -162,6 +170,21 @@ std::string ToBase64(const std::uint8_t* bytes, std::size_t size) {
   return text;
 }
 
+EntryPointer MakeEntry(std::uint32_t usedType) {
+  return EntryPointer(CProfileDataEntry::CreateDataEntry(static_cast<CProfileDataEntry::UsedType>(usedType)));
+}
+
+void SetBytes(CProfileDataEntry& entry, std::span<const std::uint8_t> bytes) {
+  std::uint8_t* const buffer = entry.GetBuffer(static_cast<std::uint32_t>(bytes.size()));
+  if (buffer != nullptr) std::memcpy(buffer, bytes.data(), bytes.size());
+  entry.BufferToData();
+}
+
+Json BytesToJson(const std::uint8_t* bytes, std::size_t size, Blobs blobs) {
+  if (blobs == Blobs::kSizes) return {{"bytes", size}};
+  return ToBase64(bytes, size);
+}
+
 std::uint32_t UsedTypeFromJson(const Node& node) {
   node.PassOver("class");
   if (!node.Has("type")) return node.At("usedType").U32();
@@ -211,10 +234,8 @@ std::u16string WideFromJson(const Node& node, std::size_t longest) {
   return text;
 }
 
-Json PayloadToJson(CProfileDataEntry& entry) {
-  const Codec codec = CodecOf(entry.GetUsedType());
-  return codec.toJson != nullptr ? codec.toJson(entry) : Json(nullptr);
-}
+Json PayloadToJson(CProfileDataEntry& entry) { return PayloadToJson(entry, Blobs::kWhole); }
+Json PayloadToSummary(CProfileDataEntry& entry) { return PayloadToJson(entry, Blobs::kSizes); }
 
 void PayloadFromJson(const Node& node, CProfileDataEntry& entry) {
   const Codec codec = CodecOf(entry.GetUsedType());

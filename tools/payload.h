@@ -7,6 +7,8 @@
 #include <nlohmann/json.hpp>
 
 #include <cstdint>
+#include <memory>
+#include <span>
 #include <stdexcept>
 #include <string>
 #include <unordered_set>
@@ -68,8 +70,19 @@ class Node {
 // The payload of an entry; null for entries without one and for those whose payload did not parse.
 Json PayloadToJson(CProfileDataEntry& entry);
 
+// The same with the sizes of colour tables and masks, {"bytes": N}, in place of their bytes.
+Json PayloadToSummary(CProfileDataEntry& entry);
+
 // Fills the payload of an entry of the right type and rebuilds the entry's buffer. Throws DocumentError.
 void PayloadFromJson(const Node& node, CProfileDataEntry& entry);
+
+using EntryPointer = std::unique_ptr<CProfileDataEntry>;
+
+// An entry of that type without bytes; null for a type without a class.
+EntryPointer MakeEntry(std::uint32_t usedType);
+
+// Makes the bytes the entry's buffer and parses them.
+void SetBytes(CProfileDataEntry& entry, std::span<const std::uint8_t> bytes);
 
 // The entry type that an object names by "usedType" or by "type"; both must mean the same. Passes over its "class".
 std::uint32_t UsedTypeFromJson(const Node& node);
@@ -82,6 +95,10 @@ Json WideToJson(const std::u16string& text);
 std::u16string WideFromJson(const Node& node, std::size_t longest);
 std::string ToBase64(const std::uint8_t* bytes, std::size_t size);
 
+// Bytes in a document, whole or as no more than their number.
+enum class Blobs { kWhole, kSizes };
+Json BytesToJson(const std::uint8_t* bytes, std::size_t size, Blobs blobs);
+
 // The families, one file each below payloads/.
 Json CurvesToJson(CProfileDataEntry& entry);
 void CurvesFromJson(const Node& node, CProfileDataEntry& entry);
@@ -91,11 +108,11 @@ Json InfoToJson(CProfileDataEntry& entry);
 void InfoFromJson(const Node& node, CProfileDataEntry& entry);
 Json MediaToJson(CProfileDataEntry& entry);
 void MediaFromJson(const Node& node, CProfileDataEntry& entry);
-Json LutToJson(CProfileDataEntry& entry);
+Json LutToJson(CProfileDataEntry& entry, Blobs blobs);
 void LutFromJson(const Node& node, CProfileDataEntry& entry);
-Json MaskDownloadToJson(CProfileDataEntry& entry);
+Json MaskDownloadToJson(CProfileDataEntry& entry, Blobs blobs);
 void MaskDownloadFromJson(const Node& node, CProfileDataEntry& entry);
-Json MaskPatternsToJson(CProfileDataEntry& entry);
+Json MaskPatternsToJson(CProfileDataEntry& entry, Blobs blobs);
 void MaskPatternsFromJson(const Node& node, CProfileDataEntry& entry);
 Json LargeParameterToJson(CProfileDataEntry& entry);
 void LargeParameterFromJson(const Node& node, CProfileDataEntry& entry);

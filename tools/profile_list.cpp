@@ -127,11 +127,11 @@ struct Candidate {
   std::size_t origin = 0;  // position of the path that led to it
 };
 
-using Fail = std::function<void(const std::string&, const std::string&)>;
+using TellFailure = std::function<void(const std::string&, const std::string&)>;
 
 // The files of a folder by name, then those of the folders in it. A folder that cannot be read is told of, and no more.
 void AddFilesOf(const fs::path& folder, std::size_t origin, bool recursive, std::vector<Candidate>& candidates,
-                const Fail& fail) {
+                const TellFailure& fail) {
   std::vector<fs::path> files;
   std::vector<fs::path> folders;
   std::error_code error;
@@ -192,7 +192,7 @@ const Column* FindColumn(std::string_view name) {
 }
 
 std::vector<ProfileLine> ListProfiles(const std::vector<std::string>& paths, bool recursive, unsigned jobs,
-                                      const Fail& fail) {
+                                      const TellFailure& fail) {
   std::vector<Candidate> candidates;
   std::vector<bool> isFolder(paths.size());
   for (std::size_t i = 0; i < paths.size(); ++i) {

@@ -25,8 +25,6 @@
 namespace nvx::tool {
 namespace {
 
-constexpr int kPrinterProfile = 4;
-
 struct MediaName {
   const char* name;
   std::uint32_t block;
@@ -160,17 +158,6 @@ Json ValueOf(const std::string& place, const Json& present, const std::string& t
     throw DocumentError(place, fmt::format("{} is expected as JSON", present.is_array() ? "a list" : "an object"));
   }
   return json;
-}
-
-std::unique_ptr<CProfileDataEntry> MakeEntry(std::uint32_t usedType) {
-  return std::unique_ptr<CProfileDataEntry>(
-      CProfileDataEntry::CreateDataEntry(static_cast<CProfileDataEntry::UsedType>(usedType)));
-}
-
-void SetBytes(CProfileDataEntry& entry, std::span<const std::uint8_t> bytes) {
-  std::uint8_t* const buffer = entry.GetBuffer(static_cast<std::uint32_t>(bytes.size()));
-  if (buffer != nullptr) std::memcpy(buffer, bytes.data(), bytes.size());
-  entry.BufferToData();
 }
 
 bool IsHeaderField(const std::string& token) {

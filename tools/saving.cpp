@@ -1,5 +1,6 @@
 #include "saving.h"
 
+#include "interruption.h"
 #include "loading.h"
 #include "terminal.h"
 
@@ -12,7 +13,6 @@
 namespace nvx::tool {
 namespace {
 
-constexpr int kPrinterProfile = 4;
 constexpr std::uint32_t kVersion5 = 5;
 
 [[noreturn]] void Fail(const std::string& path, const std::string& why) { throw std::runtime_error(path + ": " + why); }
@@ -45,7 +45,7 @@ std::vector<std::uint8_t> ChangedProfile::SavedModel(const std::string& path) {
   if (access_.GetProfileLoadFormat() != kPrinterProfile) Fail(file_, "its format has no room for such an entry");
   _tagDeviceProfileInfo& info = *access_.GetProfileInfo();
   info.SaveVersion5 = info.ProfileMinorVersion == kVersion5;
-  const WorkFolder folder(std::filesystem::temp_directory_path().string());
+  const WorkFolder folder;
   const std::string name = std::filesystem::path(path == kStandardStream ? file_ : path).filename().string();
   const std::u16string saved = Utf8ToWide(folder.File(name));
   if (!CProfileFileQPFv3().SaveData(saved.c_str(), &Data(), kSaveReplaceProfile | kSaveCalibration)) {

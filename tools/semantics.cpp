@@ -23,9 +23,6 @@ namespace {
 
 using Curves = std::vector<CCurveDataEntry*>;
 
-// The ExtendInfo of the curve that limits an ink among those of a multi ink limit.
-constexpr std::uint32_t kInkLimitKey = 12;
-
 std::string PlaceOf(std::uint32_t usedType) { return fmt::format("entry {} {}", usedType, EntryName(usedType)); }
 
 std::string PlaceOf(std::uint32_t usedType, const CCurveDataEntry& curve) {

@@ -7,6 +7,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 // The base of the formats. A format object is made for one file and one load or save, keeps no pointer to the model
@@ -32,6 +33,10 @@ class NVX_EXPORT CProfileFile {
   virtual bool SaveData(CNvxFile& file, CProfileData* data, std::uint32_t route);
   virtual bool SaveData(const char16_t* path, CProfileData* data, std::uint32_t route);
 
+  // Times that a save writes as they are, in place of the record's creation time and of the clock: seconds since 1970,
+  // and 0 for none. A text-headed profile keeps the second one alone, as its creation time.
+  void SetSaveTimes(std::int64_t created, std::int64_t saved) { times_ = SaveTimes{created, saved}; }
+
   // 0 frame, 1 container, 2 and 3 text-headed versions 1 and 2, 4 current generation, 6 plain ICC.
   int GetMyFormat() const { return format_; }
 
@@ -48,8 +53,16 @@ class NVX_EXPORT CProfileFile {
 
   void SetMyFormat(int format) { format_ = format; }
 
+  struct SaveTimes {
+    std::int64_t created = 0;
+    std::int64_t saved = 0;
+  };
+  // Those that were set, or the record's creation time, where it has one, and the clock.
+  SaveTimes TimesOfSave(std::int64_t created) const;
+
  private:
   std::int32_t format_ = 0;
+  std::optional<SaveTimes> times_;
 };
 
 // The entry-table container: a header, one record for each entry of one route, then the entries' bytes. The form stands

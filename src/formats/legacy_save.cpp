@@ -87,7 +87,7 @@ bool CProfileFileQPFv1::SaveHeader(CNvxFile& file, CProfileData* data, std::uint
   lines.Add(header_key::kProfileVersion, headerVersion_);
   lines.Add(header_key::kSeparateWay, kSeparateWay);
   constexpr SYSTEMTIME kEpoch{1970, 1, 0, 1, 0, 0, 0, 0};
-  lines.AddTime(header_key::kCreateTime, nvx::platform::LocalTime(nvx::platform::CurrentTime()).value_or(kEpoch));
+  lines.AddTime(header_key::kCreateTime, nvx::platform::LocalTime(TimesOfSave(0).saved).value_or(kEpoch));
   lines.AddEnd();
   return lines.IsWhole() && nvx::WriteExact(file, lines.Text().data(), static_cast<std::uint32_t>(lines.Text().size()));
 }

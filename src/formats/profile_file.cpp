@@ -1,10 +1,17 @@
 #include "core/replacing_file.h"
 #include "core/stream.h"
 #include "formats/model_guard.h"
+#include "platform/clock.h"
 
 #include <nvxprofile/profile_file.h>
 
 CProfileFile::~CProfileFile() = default;
+
+CProfileFile::SaveTimes CProfileFile::TimesOfSave(std::int64_t created) const {
+  if (times_) return *times_;
+  const std::int64_t now = nvx::platform::CurrentTime();
+  return {created != 0 ? created : now, now};
+}
 
 bool CProfileFile::LoadHeader(CNvxFile&, CProfileData*) { return false; }
 bool CProfileFile::LoadEntries(CNvxFile&, CProfileData*) { return false; }

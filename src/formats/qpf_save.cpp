@@ -120,9 +120,9 @@ bool CProfileFileQPFv3::SaveHeader(CNvxFile& stream, CProfileData* data, std::ui
   _tagDeviceProfileInfo& info = *data->GetProfileInfo();
   info.RenderingScan = info.ScanResolution;
   info.RenderingFeed = info.FeedResolution;
-  const std::int64_t now = nvx::platform::CurrentTime();
-  if (info.CreateTimeValue == 0) info.CreateTimeValue = now;
-  info.UpdateTimeValue = now;
+  const SaveTimes times = TimesOfSave(info.CreateTimeValue);
+  info.CreateTimeValue = times.created;
+  info.UpdateTimeValue = times.saved;
   info.ProfileMajorVersion = kMajorVersion;
   info.ProfileMinorVersion = MinorVersion(info);
   nvx::HeaderBlockWords words;

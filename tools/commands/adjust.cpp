@@ -27,13 +27,13 @@ const std::map<std::string, AdjustKind> kKinds = {{"color", AdjustKind::kColor},
                                                   {"device", AdjustKind::kDevice},
                                                   {"special", AdjustKind::kSpecial}};
 
-struct Options {
+struct AdjustOptions {
   std::string file;
   std::optional<AdjustKind> kind;
   bool json = false;
 };
 
-std::string NameOf(AdjustKind kind) {
+std::string KindName(AdjustKind kind) {
   for (const auto& [name, value] : kKinds) {
     if (value == kind) return name;
   }
@@ -195,7 +195,7 @@ void PrintRemarks(const AdjustInspection& inspection) {
 
 void Print(const std::string& file, AdjustKind kind, const Reading& reading, const AdjustInspection& inspection) {
   using enum Table::Align;
-  PrintLine(Styled(Style::kHeading, file) + ": adjust file, kind " + NameOf(kind));
+  PrintLine(Styled(Style::kHeading, file) + ": adjust file, kind " + KindName(kind));
   Table values({{"value"}, {"", kRight}});
   AddValues(values, "", reading.values);
   values.Print(2);
@@ -215,7 +215,7 @@ Json ToJson(const std::string& file, const Reading& reading, const AdjustInspect
     remarks.push_back({{"line", remark.line}, {"key", Utf8(remark.key)}, {"text", Utf8(remark.text)}});
   }
   Json json = {{"file", file}};
-  json["kind"] = inspection.kind ? Json(NameOf(*inspection.kind)) : Json(nullptr);
+  json["kind"] = inspection.kind ? Json(KindName(*inspection.kind)) : Json(nullptr);
   json["whole"] = reading.whole;
   json["values"] = reading.values;
   json["curves"] = reading.curves;
@@ -223,7 +223,7 @@ Json ToJson(const std::string& file, const Reading& reading, const AdjustInspect
   return json;
 }
 
-int Run(const Options& options) {
+int Run(const AdjustOptions& options) {
   const InputFile input(options.file);
   if (!input.Failure().empty()) {
     PrintErrorOf(options.file, input.Failure());
@@ -252,17 +252,14 @@ int Run(const Options& options) {
 
 }  // namespace
 
-void AddAdjustCommand(CLI::App& app, int& status) {
-  CLI::App* const command =
-      app.add_subcommand("adjust", "Show what a reader takes from an adjust file, and what it drops");
-  const auto options = std::make_shared<Options>();
-  command->add_option("FILE", options->file, "A colour, device or special colour adjust file")->required();
-  command->add_option("--kind", options->kind, "Read it as this kind, and not as its keys suggest")
-      ->transform(CLI::CheckedTransformer(kKinds))
-      ->type_name("color|color-v3|device|special");
-  command->add_flag("--json", options->json, "Write a JSON document");
-  command->footer("Example: nvxprofile adjust color.txt");
-  command->callback([options, &status] { status = Run(*options); });
+void AddAdjustCommand(CommandLine& line) {
+  Command command = line.AddCommand("adjust", "Show what a reader takes from an adjust file, and what it drops");
+  const auto options = std::make_shared<AdjustOptions>();
+  command.Add("FILE", &options->file, "A colour, device or special colour adjust file").Required();
+  command.AddWords("--kind", options->kind, kKinds, "Read it as this kind, and not as its keys suggest");
+  command.AddFlag("--json", options->json, "Write a JSON document");
+  command.Example("nvxprofile adjust color.txt");
+  command.Action([options] { return Run(*options); });
 }
 
 }  // namespace nvx::tool

@@ -23,7 +23,7 @@
 namespace nvx::tool {
 namespace {
 
-struct Options {
+struct ApplyCalOptions {
   std::string file;
   std::string cal;
   std::string entry;
@@ -46,7 +46,7 @@ CProfileCurveEntry& CurveEntry(CProfileData& data, std::uint32_t usedType) {
   return *entry;
 }
 
-std::vector<CCurveDataEntry*> WantedCurves(CProfileCurveEntry& entry, const Options& options) {
+std::vector<CCurveDataEntry*> WantedCurves(CProfileCurveEntry& entry, const ApplyCalOptions& options) {
   std::vector<CCurveDataEntry*> curves = CurvesOf(*entry.GetCurveData());
   std::erase_if(curves, [&](const CCurveDataEntry* curve) {
     return options.extendInfo && curve->GetExtendInfo() != *options.extendInfo;
@@ -56,7 +56,7 @@ std::vector<CCurveDataEntry*> WantedCurves(CProfileCurveEntry& entry, const Opti
 }
 
 // The curves of an entry get the outputs of the file, cut at the limits, as the entry has no other place for those.
-std::string ReplaceCurves(CProfileData& data, const CalFile& cal, const Options& options) {
+std::string ReplaceCurves(CProfileData& data, const CalFile& cal, const ApplyCalOptions& options) {
   const InkTable inks(options.inks);
   CProfileCurveEntry& entry = CurveEntry(data, UsedTypeByName(options.entry));
   const std::vector<CCurveDataEntry*> curves =
@@ -68,7 +68,7 @@ std::string ReplaceCurves(CProfileData& data, const CalFile& cal, const Options&
 }
 
 // Inks, names and sample counts are those of the profile's linearization.
-std::string AppendCalibration(ChangedProfile& profile, const CalFile& cal, const Options& options) {
+std::string AppendCalibration(ChangedProfile& profile, const CalFile& cal, const ApplyCalOptions& options) {
   const InkTable inks(options.inks);
   const std::u16string name = CalibrationName(options.calibration);
   CCalibrationHistoryEntry& history = EditableHistory(profile);
@@ -116,7 +116,7 @@ CalFile ReadFile(const std::string& path) {
   }
 }
 
-int Run(const Options& options) {
+int Run(const ApplyCalOptions& options) {
   if (!options.entry.empty() && UsedTypeByName(options.entry) == 0) {
     PrintError(fmt::format("\"{}\" is no kind of entry", options.entry));
     return kUsage;
@@ -144,25 +144,23 @@ int Run(const Options& options) {
 
 }  // namespace
 
-void AddApplyCalCommand(CLI::App& app, int& status) {
-  CLI::App* const command = app.add_subcommand("apply-cal", "Take the curves of a calibration file (.cal) over");
-  const auto options = std::make_shared<Options>();
-  command->add_option("FILE", options->file, "A profile; it is changed in place unless -o is given")->required();
-  command->add_option("CAL", options->cal, "CGATS text of an output device, with a curve for each ink")->required();
-  CLI::Option_group* const target = command->add_option_group("Target");
-  target->add_option("--entry", options->entry, "Replace the curves of this entry, cut at the file's ink limits")
-      ->type_name("NAME");
+void AddApplyCalCommand(CommandLine& line) {
+  Command command = line.AddCommand("apply-cal", "Take the curves of a calibration file (.cal) over");
+  const auto options = std::make_shared<ApplyCalOptions>();
+  command.Add("FILE", &options->file, "A profile; it is changed in place unless -o is given").Required();
+  command.Add("CAL", &options->cal, "CGATS text of an output device, with a curve for each ink").Required();
+  Command target = command.AddGroup("Target", 1, 1);
+  target.Add("--entry", &options->entry, "Replace the curves of this entry, cut at the file's ink limits").Type("NAME");
   target
-      ->add_option("--new-calibration", options->calibration,
-                   "Append a calibration of this name, with the file's curves as linearization and its ink limits")
-      ->type_name("NAME");
-  target->require_option(1);
-  command->add_option("--inks", options->inks, kInksHelp)->delimiter(',')->type_name("N=LETTER...");
-  command->add_option("--extend", options->extendInfo, "The curves of one ExtendInfo alone")->type_name("N");
-  command->add_flag("--partial", options->partial, "Take what profile and file both have, and leave other inks alone");
-  command->add_option("-o,--output", options->output, "Write the changed profile here")->type_name("FILE");
-  command->footer("Example: nvxprofile apply-cal glossy.icc monday.cal --new-calibration Monday");
-  command->callback([options, &status] { status = Run(*options); });
+      .Add("--new-calibration", &options->calibration,
+           "Append a calibration of this name, with the file's curves as linearization and its ink limits")
+      .Type("NAME");
+  command.Add("--inks", &options->inks, kInksHelp).Separated().Type("N=LETTER...");
+  command.Add("--extend", &options->extendInfo, "The curves of one ExtendInfo alone").Type("N");
+  command.AddFlag("--partial", options->partial, "Take what profile and file both have, and leave other inks alone");
+  command.Add("-o,--output", &options->output, "Write the changed profile here").Type("FILE");
+  command.Example("nvxprofile apply-cal glossy.icc monday.cal --new-calibration Monday");
+  command.Action([options] { return Run(*options); });
 }
 
 }  // namespace nvx::tool

@@ -15,23 +15,23 @@
 namespace nvx::tool {
 namespace {
 
-struct Options {
+struct BuildOptions {
   std::string document;
   std::string output;
 };
 
 // The name by which the profile describes itself.
-std::string NameOf(const std::string& output) {
+std::string OwnNameOf(const std::string& output) {
   const std::string name = std::filesystem::path(output).filename().string();
   return output == kStandardStream || name.empty() ? "profile" : name;
 }
 
-int Run(const Options& options) {
+int Run(const BuildOptions& options) {
   const bool isStandard = options.document == kStandardStream;
   const std::string folder = isStandard ? "" : std::filesystem::path(options.document).parent_path().string();
   try {
     const Json document = ParseDocument(ReadInput(options.document));
-    WriteOutput(options.output, BuildProfile(document, folder, NameOf(options.output)));
+    WriteOutput(options.output, BuildProfile(document, folder, OwnNameOf(options.output)));
     return kSuccess;
   } catch (const DocumentError& error) {
     PrintErrorOf(options.document, fmt::format("{}: {}", error.Place().empty() ? "/" : error.Place(), error.what()));
@@ -43,15 +43,13 @@ int Run(const Options& options) {
 
 }  // namespace
 
-void AddBuildCommand(CLI::App& app, int& status) {
-  CLI::App* const command = app.add_subcommand("build", "Build a profile from a JSON document");
-  const auto options = std::make_shared<Options>();
-  command->add_option("DOCUMENT", options->document, "A document as dump writes it; - for standard input")->required();
-  command->add_option("-o,--output", options->output, "The profile to write; - for standard output")
-      ->required()
-      ->type_name("FILE");
-  command->footer("Example: nvxprofile build glossy.json -o glossy.icc");
-  command->callback([options, &status] { status = Run(*options); });
+void AddBuildCommand(CommandLine& line) {
+  Command command = line.AddCommand("build", "Build a profile from a JSON document");
+  const auto options = std::make_shared<BuildOptions>();
+  command.Add("DOCUMENT", &options->document, "A document as dump writes it; - for standard input").Required();
+  command.Add("-o,--output", &options->output, "The profile to write; - for standard output").Required().Type("FILE");
+  command.Example("nvxprofile build glossy.json -o glossy.icc");
+  command.Action([options] { return Run(*options); });
 }
 
 }  // namespace nvx::tool

@@ -22,7 +22,7 @@
 namespace nvx::tool {
 namespace {
 
-struct Options {
+struct CalibrateOptions {
   std::string file;
   std::string csv;
   std::string name;
@@ -41,7 +41,7 @@ std::set<std::uint32_t> InksOf(CProfileData& data) {
   return inks;
 }
 
-NewCalibration ReadCurves(const Options& options, CProfileData& data) {
+NewCalibration ReadCurves(const CalibrateOptions& options, CProfileData& data) {
   const std::string text = ReadInput(options.csv);
   try {
     return ReadMeasuredCurves(text, InksOf(data));
@@ -50,7 +50,7 @@ NewCalibration ReadCurves(const Options& options, CProfileData& data) {
   }
 }
 
-int Run(const Options& options) {
+int Run(const CalibrateOptions& options) {
   ChangedProfile profile(options.file);
   const std::string& target = options.output.empty() ? options.file : options.output;
   std::uint32_t code = 0;
@@ -73,23 +73,20 @@ int Run(const Options& options) {
 
 }  // namespace
 
-void AddCalibrateCommand(CLI::App& app, int& status) {
-  CLI::App* const command = app.add_subcommand("calibrate", "Append a measured calibration to a profile");
-  const auto options = std::make_shared<Options>();
-  command
-      ->add_option("FILE", options->file,
-                   "A profile of the current generation; it is changed in place unless -o is given")
-      ->required();
-  command->add_option("--csv", options->csv, "The measured curves, in the columns that curves --csv writes")
-      ->required()
-      ->type_name("CURVES");
-  command->add_option("--name", options->name, "The name of the calibration, of 20 characters at most")->required();
-  command->add_option("--value", options->value, "A number for the calibration tools")->type_name("N");
-  command->add_option("--time", options->time, "When it was measured, in seconds since 1970; now by default")
-      ->type_name("SECONDS");
-  command->add_option("-o,--output", options->output, "Write the changed profile here")->type_name("FILE");
-  command->footer("Example: nvxprofile calibrate glossy.icc --csv monday.csv --name Monday");
-  command->callback([options, &status] { status = Run(*options); });
+void AddCalibrateCommand(CommandLine& line) {
+  Command command = line.AddCommand("calibrate", "Append a measured calibration to a profile");
+  const auto options = std::make_shared<CalibrateOptions>();
+  command.Add("FILE", &options->file, "A profile of the current generation; it is changed in place unless -o is given")
+      .Required();
+  command.Add("--csv", &options->csv, "The measured curves, in the columns that curves --csv writes")
+      .Required()
+      .Type("CURVES");
+  command.Add("--name", &options->name, "The name of the calibration, of 20 characters at most").Required();
+  command.Add("--value", &options->value, "A number for the calibration tools").Type("N");
+  command.Add("--time", &options->time, "When it was measured, in seconds since 1970; now by default").Type("SECONDS");
+  command.Add("-o,--output", &options->output, "Write the changed profile here").Type("FILE");
+  command.Example("nvxprofile calibrate glossy.icc --csv monday.csv --name Monday");
+  command.Action([options] { return Run(*options); });
 }
 
 }  // namespace nvx::tool

@@ -8,17 +8,17 @@
 
 namespace nvx::tool {
 
-void AddCompletionCommand(CLI::App& app, int& status) {
-  CLI::App* const command = app.add_subcommand("completion", "Write the completion script of a shell");
+void AddCompletionCommand(CommandLine& line) {
+  Command command = line.AddCommand("completion", "Write the completion script of a shell");
   const auto shell = std::make_shared<std::string>();
-  command->add_option("SHELL", *shell, "The shell")->required()->check(CLI::IsMember({"bash", "zsh", "fish"}));
-  command->footer("Example: source <(nvxprofile completion bash)");
-  command->callback([&app, shell, &status] {
-    const std::string script = *shell == "bash"  ? BashCompletion(app)
-                               : *shell == "zsh" ? ZshCompletion(app)
-                                                 : FishCompletion(app);
-    WriteStandardOutput(script);
-    status = kSuccess;
+  command.Add("SHELL", shell.get(), "The shell").Required().OneOf({"bash", "zsh", "fish"});
+  command.Example("source <(nvxprofile completion bash)");
+  command.Action([&line, shell] {
+    const CLI::App& app = line.Declared();
+    WriteStandardOutput(*shell == "bash"  ? BashCompletion(app)
+                        : *shell == "zsh" ? ZshCompletion(app)
+                                          : FishCompletion(app));
+    return kSuccess;
   });
 }
 

@@ -1,6 +1,7 @@
 // nvxprofile convert: text-headed profiles into those of the current generation, many at once.
 #include "command.h"
 #include "files.h"
+#include "interruption.h"
 #include "loading.h"
 #include "progress.h"
 #include "terminal.h"
@@ -21,6 +22,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <span>
 #include <string>
 #include <system_error>
 #include <thread>
@@ -34,7 +36,7 @@ namespace fs = std::filesystem;
 // Characters that the profile has room for.
 constexpr std::size_t kLongestVersion = 9;
 
-struct Options {
+struct ConvertOptions {
   std::vector<std::string> files;
   std::string output;
   std::string moduleVersion;
@@ -45,12 +47,13 @@ struct Options {
 struct Job {
   fs::path source;
   fs::path target;
+  bool isNamed = false;  // the target by the user, and not after its source
 };
 
 std::u16string Wide(const fs::path& path) { return Utf8ToWide(path.string()); }
 
 // The database record of a conversion: the caller's values, or none and the halftone method of the old profile.
-_tagDBDeviceProfileInfo DatabaseRecord(const Options& options, const _tagDeviceProfileInfo& source) {
+_tagDBDeviceProfileInfo DatabaseRecord(const ConvertOptions& options, const _tagDeviceProfileInfo& source) {
   _tagDBDeviceProfileInfo record{{-1, -1, -1, -1, -1}, source.HalftoneCode};
   if (options.databaseKeys.empty()) return record;
   std::copy_n(options.databaseKeys.begin(), std::size(record.DatabaseKey), record.DatabaseKey);
@@ -70,8 +73,8 @@ bool IsComplete(const fs::path& path, CConvertV2ToV3Profile& converter) {
   return true;
 }
 
-// Why the conversion failed; empty if it did not.
-std::string Convert(const Job& job, const Options& options) {
+// Why the conversion failed; empty if it did not. The result is made and looked at before it takes the target's place.
+std::string Convert(const Job& job, const ConvertOptions& options, std::string& made) {
   const InputFile input(job.source.string());
   if (!input.Failure().empty()) return input.Failure();
   const std::u16string& source = input.Path();
@@ -90,23 +93,29 @@ std::string Convert(const Job& job, const Options& options) {
     return "has an entry that can be read only in part, and what it holds besides would be lost; validate tells where";
   }
 
-  // The result is made and looked at before it takes the target's place. Its name goes into the profile as its
-  // description, so it is the target's from the start.
-  const WorkFolder folder(fs::temp_directory_path().string());
+  // Its name goes into the profile as its description, so it is the target's from the start.
+  const WorkFolder folder;
   const bool isStandard = job.target == kStandardStream;
-  const fs::path made = folder.File(isStandard ? "profile" : job.target.filename().string());
-  if (!converter.SaveV3Profile(Wide(made).c_str()))
+  const fs::path file = folder.File(isStandard ? "profile" : job.target.filename().string());
+  if (!converter.SaveV3Profile(Wide(file).c_str()))
     return "cannot be saved: the ICC profile entry is no usable profile, or the disk is full";
-  if (!IsComplete(made, converter)) return "the result does not load: " + WhyNotLoaded(Wide(made));
-  const std::string bytes = ReadInput(made.string());
-  WriteOutput(job.target.string(), {reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()});
+  if (!IsComplete(file, converter)) return "the result does not load: " + WhyNotLoaded(Wide(file));
+  made = ReadInput(file.string());
+  return {};
+}
+
+std::string ConvertAndWrite(const Job& job, const ConvertOptions& options) {
+  std::string made;
+  if (std::string failure = Convert(job, options, made); !failure.empty()) return failure;
+  const std::span bytes(reinterpret_cast<const std::uint8_t*>(made.data()), made.size());
+  job.isNamed ? WriteOutput(job.target.string(), bytes) : WriteFile(job.target.string(), bytes);
   return {};
 }
 
 // Runs the jobs on several threads and tells of each one, on the calling thread, when it is done.
 class Workers {
  public:
-  Workers(const std::vector<Job>& jobs, const Options& options) : jobs_(jobs) {
+  Workers(const std::vector<Job>& jobs, const ConvertOptions& options) : jobs_(jobs) {
     const std::size_t count = std::min<std::size_t>(options.jobs, jobs.size());
     for (std::size_t i = 0; i < count; ++i) threads_.emplace_back([this, &options] { Work(options); });
   }
@@ -130,11 +139,11 @@ class Workers {
   }
 
  private:
-  void Work(const Options& options) {
+  void Work(const ConvertOptions& options) {
     for (std::size_t i = next_++; i < jobs_.size(); i = next_++) {
       Outcome outcome{i, {}};
       try {
-        outcome.failure = Convert(jobs_[i], options);
+        outcome.failure = ConvertAndWrite(jobs_[i], options);
       } catch (const std::exception& error) {
         outcome.failure = error.what();
       }
@@ -153,14 +162,14 @@ class Workers {
 };
 
 // One name for a file, however it is written.
-std::string NameOf(const fs::path& path) {
+std::string CanonicalName(const fs::path& path) {
   std::error_code error;
   const fs::path name = fs::weakly_canonical(path, error);
   return error ? path.string() : name.string();
 }
 
 // What goes where; nothing, with the reason told, if two files would meet.
-std::optional<std::vector<Job>> Plan(const Options& options) {
+std::optional<std::vector<Job>> Plan(const ConvertOptions& options) {
   const fs::path output(options.output);
   std::error_code error;
   const bool isFolder = fs::is_directory(output, error);
@@ -169,7 +178,7 @@ std::optional<std::vector<Job>> Plan(const Options& options) {
     PrintError("only one profile can go to standard output");
     return std::nullopt;
   }
-  if (toStandard) return std::vector<Job>{{options.files.front(), output}};
+  if (toStandard) return std::vector<Job>{{options.files.front(), output, true}};
   const bool toFolder = isFolder || options.files.size() > 1 || !output.has_filename();
   if (toFolder && !isFolder && !fs::create_directories(output, error)) {
     PrintError(fmt::format("{}: {}", options.output, error ? error.message() : "cannot be created"));
@@ -178,20 +187,20 @@ std::optional<std::vector<Job>> Plan(const Options& options) {
   std::vector<Job> jobs;
   // What each name is taken for, so that no file is lost to another one.
   std::map<std::string, std::string> taken;
-  for (const std::string& file : options.files) taken.emplace(NameOf(file), "a source");
+  for (const std::string& file : options.files) taken.emplace(CanonicalName(file), "a source");
   for (const std::string& file : options.files) {
     const fs::path target = toFolder ? output / fs::path(file).filename().replace_extension(".icc") : output;
-    const auto [place, isFree] = taken.emplace(NameOf(target), "the target of " + file);
+    const auto [place, isFree] = taken.emplace(CanonicalName(target), "the target of " + file);
     if (!isFree) {
       PrintError(fmt::format("{}: would go to {}, which is {}", file, target.string(), place->second));
       return std::nullopt;
     }
-    jobs.push_back({file, target});
+    jobs.push_back({file, target, !toFolder});
   }
   return jobs;
 }
 
-int Run(const Options& options) {
+int Run(const ConvertOptions& options) {
   const std::optional<std::vector<Job>> jobs = Plan(options);
   if (!jobs) return kUsage;
   std::size_t failures = 0;
@@ -216,34 +225,31 @@ int Run(const Options& options) {
 
 }  // namespace
 
-void AddConvertCommand(CLI::App& app, int& status) {
-  CLI::App* const command = app.add_subcommand("convert", "Convert text-headed profiles to the current generation");
-  const auto options = std::make_shared<Options>();
-  command->add_option("OLD", options->files, "Text-headed profiles, of version 1 or 2")->required();
+void AddConvertCommand(CommandLine& line) {
+  Command command = line.AddCommand("convert", "Convert text-headed profiles to the current generation");
+  const auto options = std::make_shared<ConvertOptions>();
+  command.Add("OLD", &options->files, "Text-headed profiles, of version 1 or 2").Required();
   command
-      ->add_option("-o,--output", options->output,
-                   "The new profile; for several, the folder of the new ones, each named after its old one with .icc")
-      ->required()
-      ->type_name("FILE|DIR");
-  command->add_option("--module-version", options->moduleVersion, "Version of the making program, at most 9 characters")
-      ->required()
-      ->check([](const std::string& version) {
+      .Add("-o,--output", &options->output,
+           "The new profile; for several, the folder of the new ones, each named after its old one with .icc")
+      .Required()
+      .Type("FILE|DIR");
+  command.Add("--module-version", &options->moduleVersion, "Version of the making program, at most 9 characters")
+      .Required()
+      .Check([](const std::string& version) {
         return Utf8ToWide(version).size() <= kLongestVersion ? std::string() : "at most 9 characters are kept";
       })
-      ->type_name("V");
+      .Type("V");
   command
-      ->add_option(
-          "--database-keys", options->databaseKeys,
-          "Five database keys and the halftone method, joined by commas; without it -1 each, and the method of "
-          "the old profile")
-      ->delimiter(',')
-      ->expected(6)
-      ->type_name("A,B,C,D,E,F");
-  command->add_option("-j,--jobs", options->jobs, "Files to convert at the same time")
-      ->check(CLI::Range(1, 256))
-      ->type_name("N");
-  command->footer("Example: nvxprofile convert old/*.qpf -o new --module-version 2.1");
-  command->callback([options, &status] { status = Run(*options); });
+      .Add("--database-keys", &options->databaseKeys,
+           "Five database keys and the halftone method, joined by commas; without it -1 each, and the method of "
+           "the old profile")
+      .Separated()
+      .Count(6)
+      .Type("A,B,C,D,E,F");
+  command.Add("-j,--jobs", &options->jobs, "Files to convert at the same time").Between(1, 256).Type("N");
+  command.Example("nvxprofile convert old/*.qpf -o new --module-version 2.1");
+  command.Action([options] { return Run(*options); });
 }
 
 }  // namespace nvx::tool

@@ -21,9 +21,7 @@
 namespace nvx::tool {
 namespace {
 
-constexpr int kPrinterProfile = 4;
-
-struct Options {
+struct CopyOptions {
   std::string file;
   std::string output;
   std::string media;
@@ -43,15 +41,15 @@ std::uint16_t LanguageOf(const std::string& text) {
   std::uint16_t number = 0;
   const auto [rest, error] = std::from_chars(text.data(), text.data() + text.size(), number);
   if (error == std::errc() && rest == text.data() + text.size()) return number;
-  throw CLI::ValidationError("--name", "no language is called \"" + text + "\"; its primary language number does, too");
+  throw UsageError("--name", "no language is called \"" + text + "\"; its primary language number does, too");
 }
 
 // The names of --name by language.
-std::map<std::uint16_t, std::string> NamesOf(const Options& options) {
+std::map<std::uint16_t, std::string> NamesOf(const CopyOptions& options) {
   std::map<std::uint16_t, std::string> names;
   for (const std::string& item : options.names) {
     const std::size_t equals = item.find('=');
-    if (equals == item.npos) throw CLI::ValidationError("--name", "LANGUAGE=NAME is expected: " + item);
+    if (equals == item.npos) throw UsageError("--name", "LANGUAGE=NAME is expected: " + item);
     names[LanguageOf(item.substr(0, equals))] = item.substr(equals + 1);
   }
   return names;
@@ -70,7 +68,7 @@ void SetNames(ProfileValues& values, const std::string& media, std::map<std::uin
 }
 
 // The model record of profiles that were converted tells the medium as well, in the ANSI code page.
-void SetModelRecord(ProfileValues& values, const Options& options) {
+void SetModelRecord(ProfileValues& values, const CopyOptions& options) {
   if (values.Access().GetProfileData()->GetProfileDataEntryFromList(CProfileDataEntry::kModel) == nullptr) return;
   const std::u16string wide = Utf8ToWide(options.media);
   if (AnsiToWide(WideToAnsi(wide)) == wide) {
@@ -80,7 +78,7 @@ void SetModelRecord(ProfileValues& values, const Options& options) {
   }
 }
 
-int Run(const Options& options) {
+int Run(const CopyOptions& options) {
   const std::map<std::uint16_t, std::string> names = NamesOf(options);
   return StatusOf(options.file, [&] {
     ProfileValues values(options.file);
@@ -100,24 +98,23 @@ int Run(const Options& options) {
 
 }  // namespace
 
-void AddCopyCommand(CLI::App& app, int& status) {
-  CLI::App* const command = app.add_subcommand("copy", "Make a profile for another medium name");
-  const auto options = std::make_shared<Options>();
-  command->add_option("FILE", options->file, "A profile of the current generation; it is only read")->required();
-  command->add_option("OUT", options->output, "The new profile, whose name becomes its description")->required();
-  command->add_option("PATH=VALUE", options->assignments, "Further values to change, as in set");
-  command->add_option("--media", options->media, "Name of the medium, in every language of the profile")
-      ->required()
-      ->type_name("NAME");
+void AddCopyCommand(CommandLine& line) {
+  Command command = line.AddCommand("copy", "Make a profile for another medium name");
+  const auto options = std::make_shared<CopyOptions>();
+  command.Add("FILE", &options->file, "A profile of the current generation; it is only read").Required();
+  command.Add("OUT", &options->output, "The new profile, whose name becomes its description").Required();
+  command.Add("PATH=VALUE", &options->assignments, "Further values to change, as in set");
+  command.Add("--media", &options->media, "Name of the medium, in every language of the profile")
+      .Required()
+      .Type("NAME");
   command
-      ->add_option("--name", options->names,
-                   "Its name in one language, such as ja or 17 before the equals sign; a new language is added")
-      ->type_name("LANGUAGE=NAME")
-      ->expected(1)
-      ->take_all();
-  command->add_option("--number", options->number, "Number of the medium")->type_name("N");
-  command->footer("Example: nvxprofile copy glossy.icc satin.icc --media Satin --name de=Satinpapier --number 77");
-  command->callback([options, &status] { status = Run(*options); });
+      .Add("--name", &options->names,
+           "Its name in one language, such as ja or 17 before the equals sign; a new language is added")
+      .Type("LANGUAGE=NAME")
+      .Repeatable();
+  command.Add("--number", &options->number, "Number of the medium").Type("N");
+  command.Example("nvxprofile copy glossy.icc satin.icc --media Satin --name de=Satinpapier --number 77");
+  command.Action([options] { return Run(*options); });
 }
 
 }  // namespace nvx::tool

@@ -20,7 +20,7 @@
 namespace nvx::tool {
 namespace {
 
-struct Options {
+struct CurvesOptions {
   std::string file;
   std::string entry;
   std::optional<std::uint32_t> ink;
@@ -38,13 +38,13 @@ struct Selection {
   std::vector<CCurveDataEntry*> curves;
 };
 
-bool IsWanted(const CCurveDataEntry& curve, const Options& options) {
+bool IsWanted(const CCurveDataEntry& curve, const CurvesOptions& options) {
   return (!options.ink || curve.GetInkID() == *options.ink) &&
          (!options.extendInfo || curve.GetExtendInfo() == *options.extendInfo);
 }
 
 // The curves as a query reads them: parsed from the entry's buffer.
-Selection Select(CProfileCurveEntry& entry, const Options& options, int& status) {
+Selection Select(CProfileCurveEntry& entry, const CurvesOptions& options, int& status) {
   if (!entry.BufferToData()) {
     PrintErrorOf(options.file, fmt::format("{}: the curve set is damaged or empty", EntryName(entry.GetUsedType())));
     status = kFailure;
@@ -56,7 +56,7 @@ Selection Select(CProfileCurveEntry& entry, const Options& options, int& status)
   return selection;
 }
 
-std::vector<Selection> SelectAll(CProfileData& data, const Options& options, int& status) {
+std::vector<Selection> SelectAll(CProfileData& data, const CurvesOptions& options, int& status) {
   const std::uint32_t wanted = options.entry.empty() ? 0 : UsedTypeByName(options.entry);
   std::vector<Selection> selections;
   bool more = data.GetEntryStartPos();
@@ -89,7 +89,7 @@ void PrintCsv(const std::vector<Selection>& selections) {
   }
 }
 
-void PrintDocument(const std::vector<Selection>& selections, const Options& options) {
+void PrintDocument(const std::vector<Selection>& selections, const CurvesOptions& options) {
   Json entries = Json::array();
   for (const Selection& selection : selections) {
     const std::uint32_t usedType = selection.entry->GetUsedType();
@@ -109,7 +109,7 @@ void PrintDocument(const std::vector<Selection>& selections, const Options& opti
 }
 
 // One entry as a calibration file. Nothing is written if the curves make none.
-int WriteCalFile(const std::vector<Selection>& selections, const Options& options) {
+int WriteCalFile(const std::vector<Selection>& selections, const CurvesOptions& options) {
   if (selections.size() != 1) {
     PrintErrorOf(options.file, fmt::format("{} entries have such curves; choose one with --entry", selections.size()));
     return kFailure;
@@ -125,7 +125,7 @@ int WriteCalFile(const std::vector<Selection>& selections, const Options& option
   }
 }
 
-int Run(const Options& options) {
+int Run(const CurvesOptions& options) {
   if (!options.entry.empty() && UsedTypeByName(options.entry) == 0) {
     PrintError(fmt::format("\"{}\" is no kind of entry", options.entry));
     return kUsage;
@@ -151,28 +151,28 @@ int Run(const Options& options) {
 
 }  // namespace
 
-void AddCurvesCommand(CLI::App& app, int& status) {
-  CLI::App* const command = app.add_subcommand("curves", "Show the curves of a profile");
-  const auto options = std::make_shared<Options>();
-  command->add_option("FILE", options->file, "A profile of any format")->required();
+void AddCurvesCommand(CommandLine& line) {
+  Command command = line.AddCommand("curves", "Show the curves of a profile");
+  const auto options = std::make_shared<CurvesOptions>();
+  command.Add("FILE", &options->file, "A profile of any format").Required();
   command
-      ->add_option("--entry", options->entry,
-                   "One kind of curves alone: ink-limit, variable-ink-limit, variable, light-ink, linearization, "
-                   "gray-balance, ucr, multi-ink-limit, or its number")
-      ->type_name("NAME");
-  command->add_option("--ink", options->ink, "The curves of one ink colour code")->type_name("N");
-  command->add_option("--extend", options->extendInfo, "The curves of one ExtendInfo")->type_name("N");
-  CLI::Option* const csv = command->add_flag("--csv", options->csv, "Write one line for each sample");
-  CLI::Option* const json = command->add_flag("--json", options->json, "Write a JSON document")->excludes(csv);
-  CLI::Option* const cal =
-      command->add_option("--cal", options->cal, "Write the curves of one entry as a calibration file (CGATS text)")
-          ->type_name("OUT")
-          ->excludes(csv)
-          ->excludes(json);
-  command->add_option("--inks", options->inks, kInksHelp)->delimiter(',')->type_name("N=LETTER...")->needs(cal);
-  AddPlotOptions(*command, options->plot);
-  command->footer("Example: nvxprofile curves glossy.icc --entry linearization --cal glossy.cal");
-  command->callback([options, &status] { status = Run(*options); });
+      .Add("--entry", &options->entry,
+           "One kind of curves alone: ink-limit, variable-ink-limit, variable, light-ink, linearization, "
+           "gray-balance, ucr, multi-ink-limit, or its number")
+      .Type("NAME");
+  command.Add("--ink", &options->ink, "The curves of one ink colour code").Type("N");
+  command.Add("--extend", &options->extendInfo, "The curves of one ExtendInfo").Type("N");
+  const Option csv = command.AddFlag("--csv", options->csv, "Write one line for each sample");
+  const Option json = command.AddFlag("--json", options->json, "Write a JSON document").Excludes(csv);
+  const Option cal =
+      command.Add("--cal", &options->cal, "Write the curves of one entry as a calibration file (CGATS text)")
+          .Type("OUT")
+          .Excludes(csv)
+          .Excludes(json);
+  command.Add("--inks", &options->inks, kInksHelp).Separated().Type("N=LETTER...").Needs(cal);
+  AddPlotOptions(command, options->plot);
+  command.Example("nvxprofile curves glossy.icc --entry linearization --cal glossy.cal");
+  command.Action([options] { return Run(*options); });
 }
 
 }  // namespace nvx::tool

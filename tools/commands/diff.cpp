@@ -20,7 +20,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-struct Options {
+struct DiffOptions {
   std::string a;
   std::string b;
   bool json = false;
@@ -58,7 +58,7 @@ Json ToJson(const std::vector<Difference>& differences) {
   return list;
 }
 
-int CompareFiles(const Options& options) {
+int CompareFiles(const DiffOptions& options) {
   CProfileAccess a;
   CProfileAccess b;
   if (!LoadProfile(options.a, a) || !LoadProfile(options.b, b)) return kFailure;
@@ -83,7 +83,7 @@ std::set<std::string> FilesBelow(const std::string& folder) {
 // Compares the files of two folders by their paths, and shows what it finds on the way.
 class FolderComparison {
  public:
-  explicit FolderComparison(const Options& options) : options_(options) {}
+  explicit FolderComparison(const DiffOptions& options) : options_(options) {}
 
   int Run() {
     const std::set<std::string> a = FilesBelow(options_.a);
@@ -131,13 +131,13 @@ class FolderComparison {
     Print(differences);
   }
 
-  const Options& options_;
+  const DiffOptions& options_;
   Json files_ = Json::array();
   bool different_ = false;
   bool failed_ = false;
 };
 
-int Run(const Options& options) {
+int Run(const DiffOptions& options) {
   const bool isFolder = fs::is_directory(options.a);
   if (isFolder != fs::is_directory(options.b)) {
     PrintErrorOf(isFolder ? options.a : options.b, "is a folder, and the other one is not");
@@ -148,15 +148,14 @@ int Run(const Options& options) {
 
 }  // namespace
 
-void AddDiffCommand(CLI::App& app, int& status) {
-  CLI::App* const command =
-      app.add_subcommand("diff", "Tell what two profiles, or the files of two folders, differ in");
-  const auto options = std::make_shared<Options>();
-  command->add_option("A", options->a, "A profile, or a folder")->required();
-  command->add_option("B", options->b, "Another one")->required();
-  command->add_flag("--json", options->json, "Write one JSON document");
-  command->footer("Example: nvxprofile diff yesterday today");
-  command->callback([options, &status] { status = Run(*options); });
+void AddDiffCommand(CommandLine& line) {
+  Command command = line.AddCommand("diff", "Tell what two profiles, or the files of two folders, differ in");
+  const auto options = std::make_shared<DiffOptions>();
+  command.Add("A", &options->a, "A profile, or a folder").Required();
+  command.Add("B", &options->b, "Another one").Required();
+  command.AddFlag("--json", options->json, "Write one JSON document");
+  command.Example("nvxprofile diff yesterday today");
+  command.Action([options] { return Run(*options); });
 }
 
 }  // namespace nvx::tool

@@ -2,35 +2,36 @@
 #include "command.h"
 #include "document.h"
 #include "loading.h"
-#include "terminal.h"
+#include "saving.h"
 
+#include <filesystem>
 #include <memory>
 #include <string>
 
 namespace nvx::tool {
 
-void AddDumpCommand(CLI::App& app, int& status) {
-  struct Options {
+void AddDumpCommand(CommandLine& line) {
+  struct DumpOptions {
     std::string file;
     std::string folder;
+    std::string output = kStandardStream;
   };
-  CLI::App* const command = app.add_subcommand("dump", "Write a whole profile as one JSON document");
-  const auto options = std::make_shared<Options>();
-  command->add_option("FILE", options->file, "A profile of any format")->required();
-  command->add_option("--files", options->folder, "Write ICC profiles as files into this folder")
-      ->type_name("DIR")
-      ->check(CLI::ExistingDirectory);
-  command->footer("Example: nvxprofile dump glossy.icc --files parts > glossy.json");
-  command->callback([options, &status] {
+  Command command = line.AddCommand("dump", "Write a whole profile as one JSON document");
+  const auto options = std::make_shared<DumpOptions>();
+  command.Add("FILE", &options->file, "A profile of any format").Required();
+  command.Add("--files", &options->folder, "Write ICC profiles as files into this folder").Type("DIR").ExistingFolder();
+  command.Add("-o,--output", &options->output, "Write the document here; it names files as seen from where it stands")
+      .Type("FILE");
+  command.Example("nvxprofile dump glossy.icc --files parts -o glossy.json");
+  command.Action([options] {
     CProfileAccess access;
-    status = kFailure;
-    if (!LoadProfile(options->file, access)) return;
-    try {
-      PrintJson(ProfileToDocument(access, options->folder));
-      status = kSuccess;
-    } catch (const std::exception& error) {
-      PrintError(error.what());
+    if (!LoadProfile(options->file, access)) return kFailure;
+    const std::string documentFolder = std::filesystem::path(options->output).parent_path().string();
+    WriteText(options->output, TextOf(ProfileToDocument(access, {options->folder, documentFolder})));
+    if (const std::string why = WhyNotRebuilt(access); !why.empty()) {
+      PrintErrorOf(options->file, "warning: build cannot make it again: " + why);
     }
+    return kSuccess;
   });
 }
 

@@ -18,7 +18,7 @@
 namespace nvx::tool {
 namespace {
 
-struct Options {
+struct EditHistoryOptions {
   std::string file;
   std::uint32_t code = 0;            // to rename
   std::vector<std::uint32_t> codes;  // to remove
@@ -64,27 +64,25 @@ std::string Rename(CCalibrationHistoryEntry& history, std::uint32_t code, const 
 
 }  // namespace
 
-void AddRemoveCalibrationCommand(CLI::App& app, int& status) {
-  CLI::App* const command =
-      app.add_subcommand("remove-calibration", "Take calibrations out of the history of a profile");
-  const auto options = std::make_shared<Options>();
-  command->add_option("FILE", options->file, "A profile of the current generation; it is changed in place")->required();
-  command->add_option("CODE", options->codes, "Codes of the calibrations, as history lists them")->required();
-  command->footer("Example: nvxprofile remove-calibration glossy.icc 3");
-  command->callback([options, &status] {
-    status = EditHistory(options->file, [&](auto& history) { return Remove(history, options->codes); });
-  });
+void AddRemoveCalibrationCommand(CommandLine& line) {
+  Command command = line.AddCommand("remove-calibration", "Take calibrations out of the history of a profile");
+  const auto options = std::make_shared<EditHistoryOptions>();
+  command.Add("FILE", &options->file, "A profile of the current generation; it is changed in place").Required();
+  command.Add("CODE", &options->codes, "Codes of the calibrations, as history lists them").Required();
+  command.Example("nvxprofile remove-calibration glossy.icc 3");
+  command.Action(
+      [options] { return EditHistory(options->file, [&](auto& history) { return Remove(history, options->codes); }); });
 }
 
-void AddRenameCalibrationCommand(CLI::App& app, int& status) {
-  CLI::App* const command = app.add_subcommand("rename-calibration", "Give a calibration of a profile another name");
-  const auto options = std::make_shared<Options>();
-  command->add_option("FILE", options->file, "A profile of the current generation; it is changed in place")->required();
-  command->add_option("CODE", options->code, "The code of the calibration, as history lists it")->required();
-  command->add_option("NAME", options->name, "Its new name, of 20 characters at most")->required();
-  command->footer("Example: nvxprofile rename-calibration glossy.icc 3 \"after head change\"");
-  command->callback([options, &status] {
-    status = EditHistory(options->file, [&](auto& history) { return Rename(history, options->code, options->name); });
+void AddRenameCalibrationCommand(CommandLine& line) {
+  Command command = line.AddCommand("rename-calibration", "Give a calibration of a profile another name");
+  const auto options = std::make_shared<EditHistoryOptions>();
+  command.Add("FILE", &options->file, "A profile of the current generation; it is changed in place").Required();
+  command.Add("CODE", &options->code, "The code of the calibration, as history lists it").Required();
+  command.Add("NAME", &options->name, "Its new name, of 20 characters at most").Required();
+  command.Example("nvxprofile rename-calibration glossy.icc 3 \"after head change\"");
+  command.Action([options] {
+    return EditHistory(options->file, [&](auto& history) { return Rename(history, options->code, options->name); });
   });
 }
 

@@ -14,7 +14,7 @@
 namespace nvx::tool {
 namespace {
 
-struct Options {
+struct ExtractOptions {
   std::string file;
   std::string icc;
   std::string replacement;
@@ -22,7 +22,7 @@ struct Options {
 };
 
 // False with a message.
-bool Write(const Options& options, const std::string& path, const std::uint8_t* bytes, std::uint32_t size) {
+bool Write(const ExtractOptions& options, const std::string& path, const std::uint8_t* bytes, std::uint32_t size) {
   if (size == 0) {
     PrintErrorOf(options.file, "the entry is empty");
     return false;
@@ -36,14 +36,15 @@ bool Write(const Options& options, const std::string& path, const std::uint8_t* 
   }
 }
 
-bool WriteEntry(const Options& options, CProfileAccess& access, std::uint32_t usedType, const std::string& path) {
+bool WriteEntry(const ExtractOptions& options, CProfileAccess& access, std::uint32_t usedType,
+                const std::string& path) {
   CProfileDataEntry* const entry = access.GetProfileData()->GetProfileDataEntryFromList(usedType);
   if (entry != nullptr) return Write(options, path, entry->GetRefBuffer(), entry->GetSize());
   PrintErrorOf(options.file, fmt::format("there is no entry {} of type {}", EntryName(usedType), usedType));
   return false;
 }
 
-bool WriteIcc(const Options& options, CProfileAccess& access) {
+bool WriteIcc(const ExtractOptions& options, CProfileAccess& access) {
   CError error;
   int size = 0;
   const std::uint8_t* const bytes = access.GetIccProfile(size, &error);
@@ -52,7 +53,7 @@ bool WriteIcc(const Options& options, CProfileAccess& access) {
   return false;
 }
 
-int Run(const Options& options) {
+int Run(const ExtractOptions& options) {
   const std::uint32_t usedType = options.entry.first.empty() ? 0 : UsedTypeByName(options.entry.first);
   if (!options.entry.first.empty() && usedType == 0) {
     PrintError(fmt::format("{}: no such entry type", options.entry.first));
@@ -70,19 +71,16 @@ int Run(const Options& options) {
 
 }  // namespace
 
-void AddExtractCommand(CLI::App& app, int& status) {
-  CLI::App* const command =
-      app.add_subcommand("extract", "Write parts of a profile to files, or - for standard output");
-  const auto options = std::make_shared<Options>();
-  command->add_option("FILE", options->file, "A profile of any format")->required();
-  CLI::Option_group* const parts = command->add_option_group("Parts");
-  parts->add_option("--icc", options->icc, "Write the embedded ICC profile")->type_name("OUT");
-  parts->add_option("--replacement", options->replacement, "Write the replacement ICC profile")->type_name("OUT");
-  parts->add_option("--entry", options->entry, "Write the bytes of an entry, by type number or name")
-      ->type_name("TYPE OUT");
-  parts->require_option(1, 3);
-  command->footer("Example: nvxprofile extract glossy.icc --icc frame.icc");
-  command->callback([options, &status] { status = Run(*options); });
+void AddExtractCommand(CommandLine& line) {
+  Command command = line.AddCommand("extract", "Write parts of a profile to files, or - for standard output");
+  const auto options = std::make_shared<ExtractOptions>();
+  command.Add("FILE", &options->file, "A profile of any format").Required();
+  Command parts = command.AddGroup("Parts", 1, 3);
+  parts.Add("--icc", &options->icc, "Write the embedded ICC profile").Type("OUT");
+  parts.Add("--replacement", &options->replacement, "Write the replacement ICC profile").Type("OUT");
+  parts.Add("--entry", &options->entry, "Write the bytes of an entry, by type number or name").Type("TYPE OUT");
+  command.Example("nvxprofile extract glossy.icc --icc frame.icc");
+  command.Action([options] { return Run(*options); });
 }
 
 }  // namespace nvx::tool

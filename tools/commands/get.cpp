@@ -11,13 +11,13 @@
 namespace nvx::tool {
 namespace {
 
-struct Options {
+struct GetOptions {
   std::string file;
   std::vector<std::string> paths;
   bool json = false;
 };
 
-int Run(const Options& options) {
+int Run(const GetOptions& options) {
   return StatusOf(options.file, [&] {
     ProfileValues values(options.file);
     std::vector<Json> found;
@@ -35,19 +35,18 @@ int Run(const Options& options) {
 
 }  // namespace
 
-void AddGetCommand(CLI::App& app, int& status) {
-  CLI::App* const command = app.add_subcommand("get", "Tell single values of a profile");
-  const auto options = std::make_shared<Options>();
-  command->add_option("FILE", options->file, "A profile of any format")->required();
+void AddGetCommand(CommandLine& line) {
+  Command command = line.AddCommand("get", "Tell single values of a profile");
+  const auto options = std::make_shared<GetOptions>();
+  command.Add("FILE", &options->file, "A profile of any format").Required();
   command
-      ->add_option(
-          "PATH", options->paths,
-          "What is wanted: a JSON pointer into the document of a dump, or a short name such as media/heater/0, "
-          "record/MediaName, linearization/ink/1/samples or calibration/3/name")
-      ->required();
-  command->add_flag("--json", options->json, "Write texts as JSON, too");
-  command->footer("Example: nvxprofile get glossy.icc media/heater/0");
-  command->callback([options, &status] { status = Run(*options); });
+      .Add("PATH", &options->paths,
+           "What is wanted: a JSON pointer into the document of a dump, or a short name such as media/heater/0, "
+           "record/MediaName, linearization/ink/1/samples or calibration/3/name")
+      .Required();
+  command.AddFlag("--json", options->json, "Write texts as JSON, too");
+  command.Example("nvxprofile get glossy.icc media/heater/0");
+  command.Action([options] { return Run(*options); });
 }
 
 }  // namespace nvx::tool

@@ -23,7 +23,7 @@
 namespace nvx::tool {
 namespace {
 
-struct Options {
+struct HistoryOptions {
   std::string file;
   std::optional<std::uint32_t> curves;
   std::string cal;
@@ -73,7 +73,7 @@ std::int32_t Newest(CProfileAccess& access) {
   return code;
 }
 
-Json ToJson(const Options& options, CProfileAccess& access, CCalibrationHistoryEntry& history) {
+Json ToJson(const HistoryOptions& options, CProfileAccess& access, CCalibrationHistoryEntry& history) {
   const std::int32_t newest = Newest(access);
   Json calibrations = Json::array();
   for (CContainerEntry* const calibration : CalibrationsOf(history)) {
@@ -126,19 +126,15 @@ void PrintTable(CProfileAccess& access, CCalibrationHistoryEntry& history) {
   }
 }
 
-bool PrintCurvesOf(CCalibrationHistoryEntry& history, std::uint32_t code, PlotStyle plot) {
-  auto* const calibration =
-      dynamic_cast<CContainerEntry*>(history.GetProfileDataEntry(CProfileDataEntry::kCalibrationContainer, code));
-  if (calibration == nullptr) return false;
-  for (CProfileCurveEntry* const entry : CurveEntriesOf(*calibration)) {
+void PrintCurvesOf(CContainerEntry& calibration, PlotStyle plot) {
+  for (CProfileCurveEntry* const entry : CurveEntriesOf(calibration)) {
     PrintLine();
     PrintCurves(entry->GetUsedType(), CurvesOf(*entry->GetCurveData()), plot);
   }
-  return true;
 }
 
 // The curves of one calibration as a calibration file.
-int WriteCalFile(const Options& options, CCalibrationHistoryEntry& history) {
+int WriteCalFile(const HistoryOptions& options, CCalibrationHistoryEntry& history) {
   try {
     CContainerEntry& calibration = CalibrationOf(history, *options.curves);
     CalFile cal = CalibrationToCal(calibration, InkTable(options.inks));
@@ -151,7 +147,7 @@ int WriteCalFile(const Options& options, CCalibrationHistoryEntry& history) {
   }
 }
 
-int Run(const Options& options) {
+int Run(const HistoryOptions& options) {
   CProfileAccess access;
   if (!LoadProfile(options.file, access)) return kFailure;
   CCalibrationHistoryEntry* const history = HistoryOf(*access.GetProfileData());
@@ -160,8 +156,6 @@ int Run(const Options& options) {
     return kFailure;
   }
   if (!options.cal.empty()) return WriteCalFile(options, *history);
-  const bool known = !options.curves ||
-                     history->GetProfileDataEntry(CProfileDataEntry::kCalibrationContainer, *options.curves) != nullptr;
   if (options.json) {
     PrintJson(ToJson(options, access, *history));
   } else {
@@ -171,34 +165,37 @@ int Run(const Options& options) {
     } else {
       PrintTable(access, *history);
     }
-    if (options.curves) PrintCurvesOf(*history, *options.curves, options.plot);
   }
-  if (known) return kSuccess;
-  PrintError(fmt::format("{}: no calibration has the code {}", options.file, *options.curves));
-  return kFailure;
+  if (!options.curves) return kSuccess;
+  try {
+    CContainerEntry& calibration = CalibrationOf(*history, *options.curves);
+    if (!options.json) PrintCurvesOf(calibration, options.plot);
+    return kSuccess;
+  } catch (const std::runtime_error& error) {
+    PrintErrorOf(options.file, error.what());
+    return kFailure;
+  }
 }
 
 }  // namespace
 
-void AddHistoryCommand(CLI::App& app, int& status) {
-  CLI::App* const command = app.add_subcommand("history", "List the calibrations that a profile keeps");
-  const auto options = std::make_shared<Options>();
-  command->add_option("FILE", options->file, "A profile of any format")->required();
-  CLI::Option* const curves =
-      command->add_option("--curves", options->curves, "Show the curves of the calibration with this code")
-          ->type_name("CODE");
-  command->add_flag("--timeline", options->timeline,
-                    "List them by time, with the greatest change of each ink since the one before");
-  CLI::Option* const json = command->add_flag("--json", options->json, "Write a JSON document");
-  CLI::Option* const cal =
-      command->add_option("--cal", options->cal, "Write those curves as a calibration file (CGATS text)")
-          ->type_name("OUT")
-          ->needs(curves)
-          ->excludes(json);
-  command->add_option("--inks", options->inks, kInksHelp)->delimiter(',')->type_name("N=LETTER...")->needs(cal);
-  AddPlotOptions(*command, options->plot);
-  command->footer("Example: nvxprofile history glossy.icc --timeline");
-  command->callback([options, &status] { status = Run(*options); });
+void AddHistoryCommand(CommandLine& line) {
+  Command command = line.AddCommand("history", "List the calibrations that a profile keeps");
+  const auto options = std::make_shared<HistoryOptions>();
+  command.Add("FILE", &options->file, "A profile of any format").Required();
+  const Option curves =
+      command.Add("--curves", &options->curves, "Show the curves of the calibration with this code").Type("CODE");
+  command.AddFlag("--timeline", options->timeline,
+                  "List them by time, with the greatest change of each ink since the one before");
+  const Option json = command.AddFlag("--json", options->json, "Write a JSON document");
+  const Option cal = command.Add("--cal", &options->cal, "Write those curves as a calibration file (CGATS text)")
+                         .Type("OUT")
+                         .Needs(curves)
+                         .Excludes(json);
+  command.Add("--inks", &options->inks, kInksHelp).Separated().Type("N=LETTER...").Needs(cal);
+  AddPlotOptions(command, options->plot);
+  command.Example("nvxprofile history glossy.icc --timeline");
+  command.Action([options] { return Run(*options); });
 }
 
 }  // namespace nvx::tool

@@ -20,7 +20,7 @@
 namespace nvx::tool {
 namespace {
 
-struct Options {
+struct ImportHistoryOptions {
   std::string from;
   std::string into;
   bool recode = false;
@@ -48,8 +48,8 @@ bool IsWhole(const std::string& file, CCalibrationHistoryEntry& history) {
   return false;
 }
 
-void PrintCollisions(const Options& options, CCalibrationHistoryEntry& into, CCalibrationHistoryEntry& from,
-                     const std::vector<std::uint32_t>& codes) {
+void PrintCollisions(const ImportHistoryOptions& options, CCalibrationHistoryEntry& into,
+                     CCalibrationHistoryEntry& from, const std::vector<std::uint32_t>& codes) {
   PrintError(
       fmt::format("{} of {} calibrations have codes that are taken; nothing was imported. --recode gives them "
                   "fresh codes.",
@@ -64,7 +64,7 @@ void PrintCollisions(const Options& options, CCalibrationHistoryEntry& into, CCa
   table.Print(2);
 }
 
-void PrintImported(const Options& options, CCalibrationHistoryEntry& into,
+void PrintImported(const ImportHistoryOptions& options, CCalibrationHistoryEntry& into,
                    const std::vector<ImportedCalibration>& imported) {
   PrintLine(fmt::format("{}: {} calibrations taken over, {} in all", options.into, imported.size(),
                         CalibrationsOf(into).size()));
@@ -84,7 +84,7 @@ CCalibrationHistoryEntry* HistoryToChange(ChangedProfile& profile, const std::st
   }
 }
 
-int Run(const Options& options) {
+int Run(const ImportHistoryOptions& options) {
   CProfileAccess source;
   if (!LoadProfile(options.from, source)) return kFailure;
   ChangedProfile target(options.into);
@@ -115,15 +115,14 @@ int Run(const Options& options) {
 
 }  // namespace
 
-void AddImportHistoryCommand(CLI::App& app, int& status) {
-  CLI::App* const command =
-      app.add_subcommand("import-history", "Take the calibrations of one profile over into another");
-  const auto options = std::make_shared<Options>();
-  command->add_option("FROM", options->from, "The profile whose calibrations are wanted; it is only read")->required();
-  command->add_option("INTO", options->into, "The profile that gets them, of the current generation")->required();
-  command->add_flag("--recode", options->recode, "Give calibrations whose codes are taken in INTO fresh codes");
-  command->footer("Example: nvxprofile import-history old.icc new.icc --recode");
-  command->callback([options, &status] { status = Run(*options); });
+void AddImportHistoryCommand(CommandLine& line) {
+  Command command = line.AddCommand("import-history", "Take the calibrations of one profile over into another");
+  const auto options = std::make_shared<ImportHistoryOptions>();
+  command.Add("FROM", &options->from, "The profile whose calibrations are wanted; it is only read").Required();
+  command.Add("INTO", &options->into, "The profile that gets them, of the current generation").Required();
+  command.AddFlag("--recode", options->recode, "Give calibrations whose codes are taken in INTO fresh codes");
+  command.Example("nvxprofile import-history old.icc new.icc --recode");
+  command.Action([options] { return Run(*options); });
 }
 
 }  // namespace nvx::tool

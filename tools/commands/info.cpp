@@ -22,7 +22,7 @@
 namespace nvx::tool {
 namespace {
 
-struct Options {
+struct InfoOptions {
   std::vector<std::string> files;
   bool json = false;
   bool jsonLines = false;
@@ -39,7 +39,7 @@ Json EntryToJson(CProfileDataEntry& entry) {
                {"label", NarrowToJson(entry.GetLabelString())},
                {"size", entry.GetSize()}};
   const bool isIcc = entry.GetFormatType() == CProfileDataEntry::kFormatIcc;
-  Json payload = isIcc ? IccToJson(entry.GetRefBuffer(), entry.GetSize()) : PayloadToJson(entry);
+  Json payload = isIcc ? IccToJson(entry.GetRefBuffer(), entry.GetSize()) : PayloadToSummary(entry);
   if (!payload.is_null()) json["payload"] = std::move(payload);
   return json;
 }
@@ -49,7 +49,7 @@ std::vector<IccTag> PrivateTags(const InputFile& input, CProfileAccess& access) 
   constexpr std::uint32_t kPrefix = 0x4E5658;  // "NVX"
   std::vector<IccTag> tags;
   ProfileSummary summary;
-  if (access.GetProfileLoadFormat() != 4 || !SummarizeProfile(input.Path().c_str(), summary)) return tags;
+  if (access.GetProfileLoadFormat() != kPrinterProfile || !SummarizeProfile(input.Path().c_str(), summary)) return tags;
   std::copy_if(summary.directory.tags.begin(), summary.directory.tags.end(), std::back_inserter(tags),
                [](const IccTag& tag) { return tag.signature >> 8 == kPrefix; });
   return tags;
@@ -171,9 +171,9 @@ void Print(const std::string& path, CProfileAccess& access, const std::vector<Ic
   }
 }
 
-int Run(const Options& options) {
+int Run(const InfoOptions& options) {
   int status = kSuccess;
-  std::vector<Json> documents;
+  JsonOfFiles documents(options.files.size());
   for (const std::string& file : options.files) {
     const InputFile input(file);
     CProfileAccess access;
@@ -185,27 +185,27 @@ int Run(const Options& options) {
     if (options.jsonLines) {
       PrintJsonLine(ToJson(file, access, privateTags));
     } else if (options.json) {
-      documents.push_back(ToJson(file, access, privateTags));
+      documents.Print(ToJson(file, access, privateTags));
     } else {
       Print(file, access, privateTags);
     }
   }
-  if (options.json) PrintJsonOfFiles(std::move(documents), options.files.size());
+  if (options.json) documents.End();
   return status;
 }
 
 }  // namespace
 
-void AddInfoCommand(CLI::App& app, int& status) {
-  CLI::App* const command = app.add_subcommand("info", "Tell what profiles are and what they hold");
-  const auto options = std::make_shared<Options>();
-  command->add_option("FILE", options->files, "Profiles of any format")->required();
-  CLI::Option* const json =
-      command->add_flag("--json", options->json, "Write a JSON document; of several files, an array of them");
-  command->add_flag("--json-lines", options->jsonLines, "Write one JSON object a line, each of one file")
-      ->excludes(json);
-  command->footer("Example: nvxprofile info glossy.icc");
-  command->callback([options, &status] { status = Run(*options); });
+void AddInfoCommand(CommandLine& line) {
+  Command command = line.AddCommand("info", "Tell what profiles are and what they hold");
+  const auto options = std::make_shared<InfoOptions>();
+  command.Add("FILE", &options->files, "Profiles of any format").Required();
+  const Option json = command.AddFlag("--json", options->json,
+                                      "Write a JSON document; of several files, an array of them. Of colour tables and "
+                                      "masks it has the sizes, and a dump the bytes");
+  command.AddFlag("--json-lines", options->jsonLines, "Write one JSON object a line, each of one file").Excludes(json);
+  command.Example("nvxprofile info glossy.icc");
+  command.Action([options] { return Run(*options); });
 }
 
 }  // namespace nvx::tool

@@ -19,7 +19,7 @@ namespace {
 
 using Words = std::vector<std::int32_t>;
 
-struct Options {
+struct LampOptions {
   std::string file;
   Words condition;
   bool json = false;
@@ -92,7 +92,7 @@ struct Answer {
 };
 
 // False with a message on standard error.
-bool Ask(CProfileAccess& access, const Options& options, Answer& answer) {
+bool Ask(CProfileAccess& access, const LampOptions& options, Answer& answer) {
   const Words& c = options.condition;
   CError error;
   std::uint32_t count = 0;
@@ -121,7 +121,7 @@ bool Ask(CProfileAccess& access, const Options& options, Answer& answer) {
   return true;
 }
 
-int PrintAnswer(CProfileAccess& access, const Options& options) {
+int PrintAnswer(CProfileAccess& access, const LampOptions& options) {
   Answer answer;
   if (!Ask(access, options, answer)) return kFailure;
   if (options.json) {
@@ -136,7 +136,7 @@ int PrintAnswer(CProfileAccess& access, const Options& options) {
   return kSuccess;
 }
 
-int Run(const Options& options) {
+int Run(const LampOptions& options) {
   CProfileAccess access;
   if (!LoadProfile(options.file, access)) return kFailure;
   CError error;
@@ -150,17 +150,17 @@ int Run(const Options& options) {
 
 }  // namespace
 
-void AddLampCommand(CLI::App& app, int& status) {
-  CLI::App* const command = app.add_subcommand("lamp", "Show the parameter tables of the UV lamp");
-  const auto options = std::make_shared<Options>();
-  command->add_option("FILE", options->file, "A profile of any format")->required();
-  command->add_option("--condition", options->condition, "Ask for the table of this printing condition")
-      ->delimiter(',')
-      ->expected(4)
-      ->type_name("A,B,C,D");
-  command->add_flag("--json", options->json, "Write one JSON document");
-  command->footer("Example: nvxprofile lamp glossy.icc --condition 1,2,3,4");
-  command->callback([options, &status] { status = Run(*options); });
+void AddLampCommand(CommandLine& line) {
+  Command command = line.AddCommand("lamp", "Show the parameter tables of the UV lamp");
+  const auto options = std::make_shared<LampOptions>();
+  command.Add("FILE", &options->file, "A profile of any format").Required();
+  command.Add("--condition", &options->condition, "Ask for the table of this printing condition")
+      .Separated()
+      .Count(4)
+      .Type("A,B,C,D");
+  command.AddFlag("--json", options->json, "Write one JSON document");
+  command.Example("nvxprofile lamp glossy.icc --condition 1,2,3,4");
+  command.Action([options] { return Run(*options); });
 }
 
 }  // namespace nvx::tool

@@ -22,9 +22,10 @@
 namespace nvx::tool {
 namespace {
 
-constexpr const char* kDefaultColumns = "model,ink-set,resolution,media,version,updated,calibration,file";
+const std::vector<std::string> kDefaultColumns{"model",   "ink-set", "resolution",  "media",
+                                               "version", "updated", "calibration", "file"};
 
-struct Options {
+struct ListOptions {
   std::vector<std::string> paths;
   bool recursive = false;
   std::vector<std::string> columns;
@@ -56,8 +57,7 @@ std::int64_t MomentOf(const std::string& option, const std::string& text) {
   const bool isNumber = !digits.empty() && digits.size() <= 6 &&
                         std::all_of(digits.begin(), digits.end(), [](unsigned char c) { return std::isdigit(c) != 0; });
   if (unit == kSeconds.end() || !isNumber) {
-    throw CLI::ValidationError(option,
-                               "an age such as 12h, 90d, 6w or 1y or a date such as 2024-05-31 is expected: " + text);
+    throw UsageError(option, "an age such as 12h, 90d, 6w or 1y or a date such as 2024-05-31 is expected: " + text);
   }
   return Now() - std::stoll(digits) * unit->second;
 }
@@ -69,11 +69,11 @@ void CheckColumns(const std::string& option, const std::vector<std::string>& nam
     if (FindColumn(bare) != nullptr) continue;
     std::vector<std::string> known;
     for (const Column& column : Columns()) known.emplace_back(column.name);
-    throw CLI::ValidationError(option, fmt::format("{} is none of {}", name, fmt::join(known, ", ")));
+    throw UsageError(option, fmt::format("{} is none of {}", name, fmt::join(known, ", ")));
   }
 }
 
-bool IsWanted(const ProfileLine& line, const Options& options, std::optional<std::int64_t> before,
+bool IsWanted(const ProfileLine& line, const ListOptions& options, std::optional<std::int64_t> before,
               std::optional<std::int64_t> after) {
   for (const auto& [name, pattern] : options.patterns) {
     if (!pattern.empty() && !MatchesWildcards(FindColumn(name)->text(line), pattern)) return false;
@@ -117,7 +117,7 @@ void PrintCsv(const std::vector<ProfileLine>& lines, const std::vector<std::stri
   }
 }
 
-int Run(const Options& options) {
+int Run(const ListOptions& options) {
   CheckColumns("--columns", options.columns, false);
   CheckColumns("--sort", options.sort, true);
   std::optional<std::int64_t> before;
@@ -151,37 +151,36 @@ int Run(const Options& options) {
 
 }  // namespace
 
-void AddListCommand(CLI::App& app, int& status) {
-  CLI::App* const command = app.add_subcommand("list", "List profiles, one a line, from their headers alone");
-  const auto options = std::make_shared<Options>();
-  command->add_option("PATH", options->paths, "Profiles, and folders of profiles")->required();
-  command->add_flag("-r,--recursive", options->recursive, "Look into the folders below, too");
-  command->add_option("--columns", options->columns, "What to show, joined by commas")
-      ->delimiter(',')
-      ->type_name("COLUMN,COLUMN...")
-      ->default_str(kDefaultColumns);
-  command->add_option("--sort", options->sort, "Columns to sort by, joined by commas; downwards behind a minus sign")
-      ->delimiter(',')
-      ->type_name("[-]COLUMN,...");
+void AddListCommand(CommandLine& line) {
+  Command command = line.AddCommand("list", "List profiles, one a line, from their headers alone");
+  const auto options = std::make_shared<ListOptions>();
+  command.Add("PATH", &options->paths, "Profiles, and folders of profiles").Required();
+  command.AddFlag("-r,--recursive", options->recursive, "Look into the folders below, too");
+  command.Add("--columns", &options->columns, "What to show, joined by commas")
+      .Separated()
+      .Type("COLUMN,COLUMN...")
+      .Default(fmt::format("{}", fmt::join(kDefaultColumns, ",")));
+  command.Add("--sort", &options->sort, "Columns to sort by, joined by commas; downwards behind a minus sign")
+      .Separated()
+      .Type("[-]COLUMN,...");
   for (const Column& column : Columns()) {
     command
-        ->add_option(std::string("--") + column.name, options->patterns[column.name],
-                     fmt::format("Only profiles whose {} fits; * and ? are wildcards", column.description))
-        ->type_name("PATTERN");
+        .Add(std::string("--") + column.name, &options->patterns[column.name],
+             fmt::format("Only profiles whose {} fits; * and ? are wildcards", column.description))
+        .Type("PATTERN");
   }
-  command
-      ->add_option("--older-than", options->olderThan, "Only profiles updated before then, such as 90d or 2024-05-31")
-      ->type_name("AGE");
-  command->add_option("--newer-than", options->newerThan, "Only profiles updated since then")->type_name("AGE");
-  CLI::Option* const csv = command->add_flag("--csv", options->csv, "Write comma-separated values");
-  command->add_flag("--json", options->json, "Write one JSON object a line")->excludes(csv);
-  command->add_option("-j,--jobs", options->jobs, "Files to read at the same time; without it one for each processor")
-      ->check(CLI::Range(1, 256))
-      ->type_name("N");
-  command->footer("Example: nvxprofile list -r --media 'glossy*' --resolution 720x1440 --older-than 90d profiles");
-  command->callback([options, &status] {
-    if (options->columns.empty()) options->columns = CLI::detail::split(kDefaultColumns, ',');
-    status = Run(*options);
+  command.Add("--older-than", &options->olderThan, "Only profiles updated before then, such as 90d or 2024-05-31")
+      .Type("AGE");
+  command.Add("--newer-than", &options->newerThan, "Only profiles updated since then").Type("AGE");
+  const Option csv = command.AddFlag("--csv", options->csv, "Write comma-separated values");
+  command.AddFlag("--json", options->json, "Write one JSON object a line").Excludes(csv);
+  command.Add("-j,--jobs", &options->jobs, "Files to read at the same time; without it one for each processor")
+      .Between(1, 256)
+      .Type("N");
+  command.Example("nvxprofile list -r --media 'glossy*' --resolution 720x1440 --older-than 90d profiles");
+  command.Action([options] {
+    if (options->columns.empty()) options->columns = kDefaultColumns;
+    return Run(*options);
   });
 }
 

@@ -21,7 +21,7 @@
 namespace nvx::tool {
 namespace {
 
-struct Options {
+struct LutOptions {
   std::string file;
   std::vector<std::string> slice;
   bool neutral = false;
@@ -105,7 +105,7 @@ Fixed FixedFrom(const std::string& text, CLutData& table) {
 }
 
 // The nodes that were asked for; all of them unless the options say otherwise.
-NodeNumbers SelectNodes(CLutData& table, const LutNodes& nodes, const Options& options) {
+NodeNumbers SelectNodes(CLutData& table, const LutNodes& nodes, const LutOptions& options) {
   std::vector<Fixed> slice;
   for (const std::string& text : options.slice) slice.push_back(FixedFrom(text, table));
   NodeNumbers numbers;
@@ -236,7 +236,7 @@ void Print(CLutData& table) {
                         nodes.InputText(total.node), total.mean));
 }
 
-int Run(const Options& options) {
+int Run(const LutOptions& options) {
   CProfileAccess access;
   if (!LoadProfile(options.file, access)) return kFailure;
   auto* const entry = dynamic_cast<CSeparateChromaEntry*>(
@@ -271,21 +271,21 @@ int Run(const Options& options) {
 
 }  // namespace
 
-void AddLutCommand(CLI::App& app, int& status) {
-  CLI::App* const command = app.add_subcommand("lut", "Describe the colour separation table");
-  const auto options = std::make_shared<Options>();
-  command->add_option("FILE", options->file, "Profile of any format")->required();
+void AddLutCommand(CommandLine& line) {
+  Command command = line.AddCommand("lut", "Describe the colour separation table");
+  const auto options = std::make_shared<LutOptions>();
+  command.Add("FILE", &options->file, "Profile of any format").Required();
   command
-      ->add_option("--slice", options->slice,
-                   "The nodes where inputs are held at an index of their axis; both count from 0, and the first input "
-                   "varies slowest")
-      ->delimiter(',')
-      ->type_name("INPUT=INDEX...");
-  command->add_flag("--neutral", options->neutral, "The nodes where all inputs are equal");
-  CLI::Option* const csv = command->add_flag("--csv", options->csv, "Write one line for each node, with its total ink");
-  command->add_flag("--json", options->json, "Write a JSON document")->excludes(csv);
-  command->footer("Example: nvxprofile lut glossy.icc --slice 0=0,1=0 --csv");
-  command->callback([options, &status] { status = Run(*options); });
+      .Add("--slice", &options->slice,
+           "The nodes where inputs are held at an index of their axis; both count from 0, and the first input "
+           "varies slowest")
+      .Separated()
+      .Type("INPUT=INDEX...");
+  command.AddFlag("--neutral", options->neutral, "The nodes where all inputs are equal");
+  const Option csv = command.AddFlag("--csv", options->csv, "Write one line for each node, with its total ink");
+  command.AddFlag("--json", options->json, "Write a JSON document").Excludes(csv);
+  command.Example("nvxprofile lut glossy.icc --slice 0=0,1=0 --csv");
+  command.Action([options] { return Run(*options); });
 }
 
 }  // namespace nvx::tool

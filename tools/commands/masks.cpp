@@ -19,7 +19,7 @@
 namespace nvx::tool {
 namespace {
 
-struct Options {
+struct MasksOptions {
   std::string file;
   bool json = false;
   std::vector<std::string> pack;  // condition, output file
@@ -39,7 +39,7 @@ std::vector<std::uint32_t> ParseNumbers(std::string_view text) {
     std::uint32_t number = 0;
     const auto [rest, error] = std::from_chars(place, end, number);
     if (error != std::errc() || (rest != end && *rest != ',')) {
-      throw CLI::ValidationError("--pack", "numbers with commas between them are expected: " + std::string(text));
+      throw UsageError("--pack", "numbers with commas between them are expected: " + std::string(text));
     }
     numbers.push_back(number);
     if (rest == end) return numbers;
@@ -49,7 +49,7 @@ std::vector<std::uint32_t> ParseNumbers(std::string_view text) {
 
 Condition ParseCondition(std::string_view text) {
   const std::vector<std::uint32_t> numbers = ParseNumbers(text);
-  if (numbers.size() < 3) throw CLI::ValidationError("--pack", "pass, colour set and print method are expected");
+  if (numbers.size() < 3) throw UsageError("--pack", "pass, colour set and print method are expected");
   return {numbers[0], numbers[1], numbers[2], {numbers.begin() + 3, numbers.end()}};
 }
 
@@ -82,7 +82,7 @@ void WarnOfOtherColors(CProfileAccess& access, Condition condition, const std::s
                            fmt::join(colors, ","), fmt::join(condition.layerColors, ",")));
 }
 
-int Pack(CProfileAccess& access, Condition condition, const Options& options) {
+int Pack(CProfileAccess& access, Condition condition, const MasksOptions& options) {
   CError error;
   const auto pack = [&](std::uint8_t* buffer) {
     return access.GetMaskParameterAndPatternBuffer(
@@ -149,7 +149,7 @@ void PrintPatterns(const CMaskPatternData& patterns) {
   table.Print(2);
 }
 
-int Print(CProfileAccess& access, const Options& options) {
+int Print(CProfileAccess& access, const MasksOptions& options) {
   CProfileData& profile = *access.GetProfileData();
   auto* const blocks =
       dynamic_cast<CMaskDownLoadEntry*>(profile.GetProfileDataEntryFromList(CProfileDataEntry::kMaskDownload));
@@ -173,7 +173,7 @@ int Print(CProfileAccess& access, const Options& options) {
   return kSuccess;
 }
 
-int Run(const Options& options) {
+int Run(const MasksOptions& options) {
   Condition condition;
   if (!options.pack.empty()) condition = ParseCondition(options.pack.front());
   CProfileAccess access;
@@ -183,19 +183,18 @@ int Run(const Options& options) {
 
 }  // namespace
 
-void AddMasksCommand(CLI::App& app, int& status) {
-  CLI::App* const command = app.add_subcommand("masks", "Show print masks, or pack one for the printer");
-  const auto options = std::make_shared<Options>();
-  command->add_option("FILE", options->file, "A profile of any format")->required();
-  CLI::Option* const json = command->add_flag("--json", options->json, "Write one JSON document");
+void AddMasksCommand(CommandLine& line) {
+  Command command = line.AddCommand("masks", "Show print masks, or pack one for the printer");
+  const auto options = std::make_shared<MasksOptions>();
+  command.Add("FILE", &options->file, "A profile of any format").Required();
+  const Option json = command.AddFlag("--json", options->json, "Write one JSON document");
   command
-      ->add_option("--pack", options->pack,
-                   "Write the printer's buffer for PASS,COLORSET,METHOD[,COLOR...] to the file OUT")
-      ->expected(2)
-      ->type_name("CONDITION OUT")
-      ->excludes(json);
-  command->footer("Example: nvxprofile masks glossy.icc --pack 4,1,200,1,2 mask.bin");
-  command->callback([options, &status] { status = Run(*options); });
+      .Add("--pack", &options->pack, "Write the printer's buffer for PASS,COLORSET,METHOD[,COLOR...] to the file OUT")
+      .Count(2)
+      .Type("CONDITION OUT")
+      .Excludes(json);
+  command.Example("nvxprofile masks glossy.icc --pack 4,1,200,1,2 mask.bin");
+  command.Action([options] { return Run(*options); });
 }
 
 }  // namespace nvx::tool

@@ -16,7 +16,7 @@
 namespace nvx::tool {
 namespace {
 
-struct Options {
+struct MediaOptions {
   std::string file;
   bool json = false;
 };
@@ -72,7 +72,7 @@ void PrintSettings(CMediaPropertyData& data) {
   table.Print();
 }
 
-int Run(const Options& options) {
+int Run(const MediaOptions& options) {
   CProfileAccess access;
   if (!LoadProfile(options.file, access)) return kFailure;
   auto* const entry = dynamic_cast<CMediaPropertyEntry*>(
@@ -101,13 +101,13 @@ int Run(const Options& options) {
 
 }  // namespace
 
-void AddMediaCommand(CLI::App& app, int& status) {
-  CLI::App* const command = app.add_subcommand("media", "List heater, feed, wave, dot, UV and blower settings");
-  const auto options = std::make_shared<Options>();
-  command->add_option("FILE", options->file, "Profile of any format")->required();
-  command->add_flag("--json", options->json, "Write a JSON document");
-  command->footer("Example: nvxprofile media glossy.icc");
-  command->callback([options, &status] { status = Run(*options); });
+void AddMediaCommand(CommandLine& line) {
+  Command command = line.AddCommand("media", "List heater, feed, wave, dot, UV and blower settings");
+  const auto options = std::make_shared<MediaOptions>();
+  command.Add("FILE", &options->file, "Profile of any format").Required();
+  command.AddFlag("--json", options->json, "Write a JSON document");
+  command.Example("nvxprofile media glossy.icc");
+  command.Action([options] { return Run(*options); });
 }
 
 }  // namespace nvx::tool

@@ -13,14 +13,14 @@
 namespace nvx::tool {
 namespace {
 
-struct Options {
+struct SetOptions {
   std::string file;
   std::vector<std::string> assignments;
   std::string output;
   bool dryRun = false;
 };
 
-int Run(const Options& options) {
+int Run(const SetOptions& options) {
   const std::string output = options.output.empty() ? options.file : options.output;
   return StatusOf(options.file, [&] {
     ProfileValues values(options.file);
@@ -37,20 +37,18 @@ int Run(const Options& options) {
 
 }  // namespace
 
-void AddSetCommand(CLI::App& app, int& status) {
-  CLI::App* const command =
-      app.add_subcommand("set", "Change single values of a profile and leave every other byte as it is");
-  const auto options = std::make_shared<Options>();
-  command->add_option("FILE", options->file, "A profile; it is replaced all at once unless -o names another file")
-      ->required();
+void AddSetCommand(CommandLine& line) {
+  Command command = line.AddCommand("set", "Change single values of a profile and leave every other byte as it is");
+  const auto options = std::make_shared<SetOptions>();
+  command.Add("FILE", &options->file, "A profile; it is replaced all at once unless -o names another file").Required();
   command
-      ->add_option("PATH=VALUE", options->assignments,
-                   "The values, named as in get: a number, true or false, a text, or JSON for a whole list")
-      ->required();
-  command->add_option("-o,--output", options->output, "Write the changed profile to this file")->type_name("FILE");
-  command->add_flag("--dry-run", options->dryRun, "Write nothing; show what would change");
-  command->footer("Example: nvxprofile set glossy.icc media/heater/0=45 --dry-run");
-  command->callback([options, &status] { status = Run(*options); });
+      .Add("PATH=VALUE", &options->assignments,
+           "The values, named as in get: a number, true or false, a text, or JSON for a whole list")
+      .Required();
+  command.Add("-o,--output", &options->output, "Write the changed profile to this file").Type("FILE");
+  command.AddFlag("--dry-run", options->dryRun, "Write nothing; show what would change");
+  command.Example("nvxprofile set glossy.icc media/heater/0=45 --dry-run");
+  command.Action([options] { return Run(*options); });
 }
 
 }  // namespace nvx::tool

@@ -18,19 +18,19 @@ namespace {
 
 using Words = std::vector<std::int32_t>;
 
-struct Options {
+struct SpecialOptions {
   std::string file;
   Words condition;
   Words colors;
   bool json = false;
 };
 
-CSpecialColorInfoEntry* EntryOf(CProfileAccess& access) {
+CSpecialColorInfoEntry* ColorsOf(CProfileAccess& access) {
   return dynamic_cast<CSpecialColorInfoEntry*>(
       access.GetProfileData()->GetProfileDataEntryFromList(CProfileDataEntry::kSpecialColorInfo));
 }
 
-std::string Stored(std::int32_t value) { return value == -1 ? "any" : std::to_string(value); }
+std::string StoredColor(std::int32_t value) { return value == -1 ? "any" : std::to_string(value); }
 
 void PrintPatterns(CSpecialColorInfoDataEntry& table) {
   PrintLine(Styled(Style::kHeading, fmt::format("patterns, {}", table.GetPatternCount())));
@@ -51,8 +51,8 @@ void PrintPatterns(CSpecialColorInfoDataEntry& table) {
   for (std::int32_t i = 0; stride > 0 && i < table.GetPatternCount(); ++i) {
     const auto word = [&](std::int32_t number) { return table.GetParameter(kHead + i * stride + number, 0); };
     std::vector<std::string> colors;
-    for (std::int32_t j = 5; j < stride && j - 5 < slots; ++j) colors.push_back(Stored(word(j)));
-    list.Add({std::to_string(i), Stored(word(2)), Stored(word(3)), fmt::format("{}", fmt::join(colors, " ")),
+    for (std::int32_t j = 5; j < stride && j - 5 < slots; ++j) colors.push_back(StoredColor(word(j)));
+    list.Add({std::to_string(i), StoredColor(word(2)), StoredColor(word(3)), fmt::format("{}", fmt::join(colors, " ")),
               std::to_string(table.SeekPatternRecommendLevel(i)), std::to_string(table.SeekPatternRecommendDensity(i)),
               std::to_string(table.SeekPatternVDCurveIndex(i))});
   }
@@ -83,8 +83,8 @@ void PrintCurves(CSpecialColorInfoDataEntry& table) {
   list.Print(2);
 }
 
-int PrintAll(CProfileAccess& access, bool json) {
-  CSpecialColorInfoEntry* const entry = EntryOf(access);
+int PrintColors(CProfileAccess& access, bool json) {
+  CSpecialColorInfoEntry* const entry = ColorsOf(access);
   if (json) {
     PrintJson(PayloadToJson(*entry));
     return kSuccess;
@@ -126,7 +126,7 @@ InkAnswer AskInk(CProfileAccess& access, const Words& condition, std::int32_t in
 
 Json NumberOrNull(const std::optional<std::int32_t>& number) { return number ? Json(*number) : Json(nullptr); }
 
-int PrintAnswer(CProfileAccess& access, Options options) {
+int PrintAnswer(CProfileAccess& access, SpecialOptions options) {
   CError error;
   std::optional<std::int32_t> level;
   std::int32_t found = 0;
@@ -170,34 +170,34 @@ int PrintAnswer(CProfileAccess& access, Options options) {
   return kSuccess;
 }
 
-int Run(const Options& options) {
+int Run(const SpecialOptions& options) {
   CProfileAccess access;
   if (!LoadProfile(options.file, access)) return kFailure;
-  if (EntryOf(access) == nullptr) {
+  if (ColorsOf(access) == nullptr) {
     PrintErrorOf(options.file, "the profile has no special colours");
     return kFailure;
   }
-  return options.condition.empty() ? PrintAll(access, options.json) : PrintAnswer(access, options);
+  return options.condition.empty() ? PrintColors(access, options.json) : PrintAnswer(access, options);
 }
 
 }  // namespace
 
-void AddSpecialCommand(CLI::App& app, int& status) {
-  CLI::App* const command = app.add_subcommand("special", "Show what a profile recommends for special colours");
-  const auto options = std::make_shared<Options>();
-  command->add_option("FILE", options->file, "A profile of any format")->required();
-  CLI::Option* const condition =
-      command->add_option("--condition", options->condition, "Ask for the colours under this printing condition")
-          ->delimiter(',')
-          ->expected(2)
-          ->type_name("A,B");
-  command->add_option("--colors", options->colors, "Codes of the special colours that are printed together")
-      ->delimiter(',')
-      ->type_name("N,N...")
-      ->needs(condition);
-  command->add_flag("--json", options->json, "Write one JSON document");
-  command->footer("Example: nvxprofile special glossy.icc --condition 1,2 --colors 17,18");
-  command->callback([options, &status] { status = Run(*options); });
+void AddSpecialCommand(CommandLine& line) {
+  Command command = line.AddCommand("special", "Show what a profile recommends for special colours");
+  const auto options = std::make_shared<SpecialOptions>();
+  command.Add("FILE", &options->file, "A profile of any format").Required();
+  const Option condition =
+      command.Add("--condition", &options->condition, "Ask for the colours under this printing condition")
+          .Separated()
+          .Count(2)
+          .Type("A,B");
+  command.Add("--colors", &options->colors, "Codes of the special colours that are printed together")
+      .Separated()
+      .Type("N,N...")
+      .Needs(condition);
+  command.AddFlag("--json", options->json, "Write one JSON document");
+  command.Example("nvxprofile special glossy.icc --condition 1,2 --colors 17,18");
+  command.Action([options] { return Run(*options); });
 }
 
 }  // namespace nvx::tool

@@ -17,7 +17,7 @@
 namespace nvx::tool {
 namespace {
 
-struct Options {
+struct ValidateOptions {
   std::vector<std::string> files;
   bool semantic = false;
   bool json = false;
@@ -32,7 +32,7 @@ struct Report {
   std::vector<Finding> semantic;  // no bytes are at fault in these
 };
 
-const char* NameOf(Severity severity) { return severity == Severity::kError ? "error" : "warning"; }
+const char* SeverityName(Severity severity) { return severity == Severity::kError ? "error" : "warning"; }
 
 bool HasErrors(const std::vector<Finding>& findings) {
   return std::any_of(findings.begin(), findings.end(),
@@ -55,10 +55,10 @@ void Print(const Report& report) {
   PrintLine(fmt::format("{}: {}", report.file, VerdictOf(report)));
   Table table({{"severity"}, {"offset", Table::Align::kRight}, {"place"}, {"rule"}});
   for (const Finding& finding : report.findings) {
-    table.Add({NameOf(finding.severity), std::to_string(finding.offset), finding.place, finding.rule});
+    table.Add({SeverityName(finding.severity), std::to_string(finding.offset), finding.place, finding.rule});
   }
   for (const Finding& finding : report.semantic) {
-    table.Add({NameOf(finding.severity), "", finding.place, finding.rule});
+    table.Add({SeverityName(finding.severity), "", finding.place, finding.rule});
   }
   if (!table.IsEmpty()) table.Print(2);
 }
@@ -66,13 +66,14 @@ void Print(const Report& report) {
 Json ToJson(const Report& report) {
   Json findings = Json::array();
   for (const Finding& finding : report.findings) {
-    findings.push_back({{"severity", NameOf(finding.severity)},
+    findings.push_back({{"severity", SeverityName(finding.severity)},
                         {"offset", finding.offset},
                         {"place", finding.place},
                         {"rule", finding.rule}});
   }
   for (const Finding& finding : report.semantic) {
-    findings.push_back({{"severity", NameOf(finding.severity)}, {"place", finding.place}, {"rule", finding.rule}});
+    findings.push_back(
+        {{"severity", SeverityName(finding.severity)}, {"place", finding.place}, {"rule", finding.rule}});
   }
   return {
       {"file", report.file}, {"loads", report.loads}, {"sound", !IsUnsound(report)}, {"findings", std::move(findings)}};
@@ -89,9 +90,9 @@ Report Examine(const std::string& file, const std::u16string& path, bool semanti
   return report;
 }
 
-int Run(const Options& options) {
+int Run(const ValidateOptions& options) {
   int status = kSuccess;
-  std::vector<Json> documents;
+  JsonOfFiles documents(options.files.size());
   for (const std::string& file : options.files) {
     const InputFile input(file);
     if (!input.Failure().empty()) {
@@ -104,29 +105,28 @@ int Run(const Options& options) {
     if (options.jsonLines) {
       PrintJsonLine(ToJson(report));
     } else if (options.json) {
-      documents.push_back(ToJson(report));
+      documents.Print(ToJson(report));
     } else {
       Print(report);
     }
   }
-  if (options.json) PrintJsonOfFiles(std::move(documents), options.files.size());
+  if (options.json) documents.End();
   return status;
 }
 
 }  // namespace
 
-void AddValidateCommand(CLI::App& app, int& status) {
-  CLI::App* const command =
-      app.add_subcommand("validate", "Tell why profiles do not load, or what is suspicious in them");
-  const auto options = std::make_shared<Options>();
-  command->add_option("FILE", options->files, "Profiles of any format")->required();
-  command->add_flag("--semantic", options->semantic,
-                    "Look as well for what loads and yet prints wrong: merges that saturate, curves that fall, inks "
-                    "without a curve, a table beyond the ink limits");
-  CLI::Option* const json = command->add_flag("--json", options->json, "Write one JSON document");
-  command->add_flag("--json-lines", options->jsonLines, "Write one JSON object a line for each file")->excludes(json);
-  command->footer("Example: nvxprofile validate --semantic glossy.icc");
-  command->callback([options, &status] { status = Run(*options); });
+void AddValidateCommand(CommandLine& line) {
+  Command command = line.AddCommand("validate", "Tell why profiles do not load, or what is suspicious in them");
+  const auto options = std::make_shared<ValidateOptions>();
+  command.Add("FILE", &options->files, "Profiles of any format").Required();
+  command.AddFlag("--semantic", options->semantic,
+                  "Look as well for what loads and yet prints wrong: merges that saturate, curves that fall, inks "
+                  "without a curve, a table beyond the ink limits");
+  const Option json = command.AddFlag("--json", options->json, "Write one JSON document");
+  command.AddFlag("--json-lines", options->jsonLines, "Write one JSON object a line for each file").Excludes(json);
+  command.Example("nvxprofile validate --semantic glossy.icc");
+  command.Action([options] { return Run(*options); });
 }
 
 }  // namespace nvx::tool

@@ -1,4 +1,5 @@
 // Calibration histories as JSON: containers with their children nested, targets and info records.
+#include "calibration_view.h"
 #include "loading.h"
 #include "payload.h"
 
@@ -7,21 +8,14 @@
 #include <cstring>
 #include <limits>
 #include <memory>
+#include <set>
+#include <string>
+#include <utility>
 
 namespace nvx::tool {
 namespace {
 
-using EntryPointer = std::unique_ptr<CProfileDataEntry>;
-
-// What the form keeps of a name.
-constexpr std::size_t kLongestName = 20;
 constexpr std::uint32_t kTimeSize = 8;
-
-void SetBytes(CProfileDataEntry& entry, const std::vector<std::uint8_t>& bytes) {
-  std::uint8_t* const buffer = entry.GetBuffer(static_cast<std::uint32_t>(bytes.size()));
-  if (buffer != nullptr) std::memcpy(buffer, bytes.data(), bytes.size());
-  entry.BufferToData();
-}
 
 std::int64_t Int64(const Node& node) {
   return node.Integer(std::numeric_limits<std::int64_t>::min(), std::numeric_limits<std::int64_t>::max());
@@ -37,7 +31,7 @@ tag_ContainerData DescriptionFromJson(const Node& node) {
   if (node.Has("value")) description.Value = node.At("value").I32();
   if (node.Has("time")) description.Time = Int64(node.At("time"));
   if (node.Has("name")) {
-    const std::u16string name = WideFromJson(node.At("name"), kLongestName);
+    const std::u16string name = WideFromJson(node.At("name"), kLongestCalibrationName);
     name.copy(description.Name, name.size());
   }
   return description;
@@ -61,24 +55,20 @@ Json ChildToJson(CProfileDataEntry& child) {
   return json;
 }
 
-EntryPointer ChildFromJson(const Node& node) {
-  const std::uint32_t usedType = UsedTypeFromJson(node);
-  EntryPointer child(CProfileDataEntry::CreateDataEntry(static_cast<CProfileDataEntry::UsedType>(usedType)));
-  if (!child) node.Fail("no entry class has the used type " + std::to_string(usedType));
+// Fills a child that stands in its container already, so that it knows how deep it nests.
+void FillChild(const Node& node, CProfileDataEntry& child) {
   if (node.Has("bytes")) {
-    SetBytes(*child, node.At("bytes").Base64());
+    SetBytes(child, node.At("bytes").Base64());
     node.PassOver("payload");
   } else if (node.Has("payload")) {
-    PayloadFromJson(node.At("payload"), *child);
+    PayloadFromJson(node.At("payload"), child);
   }
-  child->SetComplete(!node.Has("complete") || node.At("complete").Bool());
-  child->SetOptionInfo(node.U32Or("optionInfo", 0));
-  auto* const container = dynamic_cast<CContainerEntry*>(child.get());
+  child.SetComplete(!node.Has("complete") || node.At("complete").Bool());
+  auto* const container = dynamic_cast<CContainerEntry*>(&child);
   if (container != nullptr && node.Has("containerData")) {
     const tag_ContainerData description = DescriptionFromJson(node.At("containerData"));
     container->SetContainerData(&description);
   }
-  return child;
 }
 
 Json ContainerToJson(CContainerEntry& container) {
@@ -95,12 +85,21 @@ Json ContainerToJson(CContainerEntry& container) {
 }
 
 void ContainerFromJson(const Node& node, CContainerEntry& container) {
+  CContainerData& data = container.GetChildData();
+  if (data.GetLevel() > CContainerEntry::kMaxLevels) {
+    node.Fail("containers nest " + std::to_string(CContainerEntry::kMaxLevels) + " levels deep at most");
+  }
+  std::set<std::pair<std::uint32_t, std::uint32_t>> taken;
   for (const Node& item : node.At("entries").Items()) {
-    EntryPointer child = ChildFromJson(item);
-    if (container.GetProfileDataEntry(child->GetUsedType(), child->GetOptionInfo()) != nullptr) {
-      item.Fail("an entry before has the same type and option info");
-    }
-    container.InsertProfileDataEntry(container.GetEntryCount(), child.release());
+    const std::uint32_t usedType = UsedTypeFromJson(item);
+    const std::uint32_t optionInfo = item.U32Or("optionInfo", 0);
+    if (!taken.emplace(usedType, optionInfo).second) item.Fail("an entry before has the same type and option info");
+    EntryPointer child = MakeEntry(usedType);
+    if (!child) item.Fail("no entry class has the used type " + std::to_string(usedType));
+    child->SetOptionInfo(optionInfo);
+    CProfileDataEntry& placed = *child;
+    data.Insert(data.Children().Count(), std::move(child));
+    FillChild(item, placed);
   }
   if (auto* const history = dynamic_cast<CCalibrationHistoryEntry*>(&container)) {
     history->SetNextID(node.U32Or("nextID", 0));

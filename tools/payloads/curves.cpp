@@ -9,7 +9,7 @@
 namespace nvx::tool {
 namespace {
 
-constexpr std::size_t kLongestName = CCurveDataEntry::kInkNameLength - 1;
+constexpr std::size_t kLongestInkName = CCurveDataEntry::kInkNameLength - 1;
 
 CCurveData* CurvesOf(CProfileDataEntry& entry) {
   auto* const curves = dynamic_cast<CProfileCurveEntry*>(&entry);
@@ -39,7 +39,7 @@ std::unique_ptr<CCurveDataEntry> CurveFromJson(const Node& node) {
       CCurveDataEntry::CreateCurveDataEntry(static_cast<CCurveDataEntry::typeData>(wanted)));
   const auto greatest = static_cast<std::int64_t>(curve->GetMaxBitValue());
   curve->SetInkID(static_cast<std::uint32_t>(node.At("inkID").Integer(0, 255)));
-  if (node.Has("inkName")) curve->SetInkName(NarrowFromJson(node.At("inkName"), kLongestName).c_str());
+  if (node.Has("inkName")) curve->SetInkName(NarrowFromJson(node.At("inkName"), kLongestInkName).c_str());
   curve->SetSlotNo(node.U32Or("slotNo", 0));
   curve->SetDisplayRGB(node.U32Or("displayRGB", 0));
   curve->SetExtendInfo(node.U32Or("extendInfo", 0));

@@ -34,17 +34,19 @@ void ChannelsFromJson(const Node& node, CLutData& table, ChannelAt channelAt) {
 }
 
 // Base64 stands for whole nodes of one count, as a table has them after a load.
-std::string SamplesToJson(CLutData& table) { return ToBase64(table.GetRefBuffer(), table.GetLutDataSize()); }
+Json SamplesToJson(CLutData& table, Blobs blobs) {
+  return BytesToJson(table.GetRefBuffer(), table.GetLutDataSize(), blobs);
+}
 
 }  // namespace
 
-Json LutToJson(CProfileDataEntry& entry) {
+Json LutToJson(CProfileDataEntry& entry, Blobs blobs) {
   auto* const table = dynamic_cast<CLutData*>(entry.GetFormatData());
   if (table == nullptr || !entry.BufferToData()) return nullptr;
   return {{"gridCount", table->GetGridCount()},
           {"inputChannels", ChannelsToJson(*table, &CLutData::GetAtInputChannelInf)},
           {"outputChannels", ChannelsToJson(*table, &CLutData::GetAtOutputChannelInf)},
-          {"samples", SamplesToJson(*table)}};
+          {"samples", SamplesToJson(*table, blobs)}};
 }
 
 void LutFromJson(const Node& node, CProfileDataEntry& entry) {

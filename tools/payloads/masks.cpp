@@ -24,12 +24,12 @@ void HeaderFromJson(const Node& node, tagWeftHeader& header) {
   for (std::size_t i = 0; i < 2; ++i) header.Reserved[i] = reserved[i].U32();
 }
 
-Json BlockToJson(const tagWeftDatas& block) {
+Json BlockToJson(const tagWeftDatas& block, Blobs blobs) {
   Json values = Json::array();
   for (std::uint32_t i = 0; i < block.ValueCount; ++i) values.push_back(block.Values[i]);
   return {{"blockType", block.BlockType},
           {"values", std::move(values)},
-          {"bytes", block.ByteCount != 0 ? ToBase64(block.Bytes, block.ByteCount) : ""}};
+          {"bytes", BytesToJson(block.Bytes, block.ByteCount, blobs)}};
 }
 
 // Fills a block that has its type already.
@@ -44,7 +44,7 @@ void BlockFromJson(const Node& node, tagWeftDatas& block) {
   std::copy(bytes.begin(), bytes.end(), block.Bytes);
 }
 
-Json RecordToJson(CMaskParameterDataEntry& record) {
+Json RecordToJson(CMaskParameterDataEntry& record, Blobs blobs) {
   Json colors = Json::array();
   for (std::uint32_t i = 0; i < record.GetLayerColorCount(); ++i) {
     colors.push_back(record.GetLeyerColor(static_cast<int>(i)));
@@ -58,7 +58,7 @@ Json RecordToJson(CMaskParameterDataEntry& record) {
           {"printMethod", record.GetPrintMethod()},
           {"layerColors", std::move(colors)},
           {"usePatternIDs", std::move(ids)},
-          {"paramData", ToBase64(record.GetParamDataBuffer(), record.GetParamDataSize())}};
+          {"paramData", BytesToJson(record.GetParamDataBuffer(), record.GetParamDataSize(), blobs)}};
 }
 
 std::vector<Node> ItemsUpTo(const Node& node, std::size_t most) {
@@ -91,17 +91,17 @@ std::unique_ptr<CMaskPatternDataEntry> PatternFromJson(const Node& node) {
   return pattern;
 }
 
-void Rebuild(const Node& node, CProfileDataEntry& entry) {
+void RebuildMasks(const Node& node, CProfileDataEntry& entry) {
   if (!entry.DataToBuffer()) node.Fail("the masks do not fit their form");
 }
 
 }  // namespace
 
-Json MaskDownloadToJson(CProfileDataEntry& entry) {
+Json MaskDownloadToJson(CProfileDataEntry& entry, Blobs blobs) {
   auto* const masks = dynamic_cast<CMaskDownLoadEntry*>(&entry);
   if (masks == nullptr || !masks->BufferToData()) return nullptr;
   Json blocks = Json::array();
-  for (const tagWeftDatas& block : masks->GetWeftBlocks()) blocks.push_back(BlockToJson(block));
+  for (const tagWeftDatas& block : masks->GetWeftBlocks()) blocks.push_back(BlockToJson(block, blobs));
   return {{"weftHeader", HeaderToJson(*masks->GetWeftHeader())}, {"weftData", std::move(blocks)}};
 }
 
@@ -115,20 +115,21 @@ void MaskDownloadFromJson(const Node& node, CProfileDataEntry& entry) {
     BlockFromJson(items[i], masks->GetWeftBlocks()[i]);
   }
   HeaderFromJson(node.At("weftHeader"), *masks->GetWeftHeader());
-  Rebuild(node, entry);
+  RebuildMasks(node, entry);
 }
 
-Json MaskPatternsToJson(CProfileDataEntry& entry) {
+Json MaskPatternsToJson(CProfileDataEntry& entry, Blobs blobs) {
   auto* const masks = dynamic_cast<CMaskDownloadIncludePatternEntry*>(&entry);
   if (masks == nullptr || !masks->BufferToData()) return nullptr;
   Json records = Json::array();
   for (CMaskParameterDataEntry* const record : masks->GetMaskParameterData()->Entries()) {
-    records.push_back(RecordToJson(*record));
+    records.push_back(RecordToJson(*record, blobs));
   }
   Json patterns = Json::array();
   for (CMaskPatternDataEntry* const pattern : masks->GetMaskPatternData()->Entries()) {
-    patterns.push_back({{"maskPatternID", pattern->GetMaskPatternID()},
-                        {"maskPattern", ToBase64(pattern->GetMaskPatternBuffer(), pattern->GetMaskPatternSize())}});
+    patterns.push_back(
+        {{"maskPatternID", pattern->GetMaskPatternID()},
+         {"maskPattern", BytesToJson(pattern->GetMaskPatternBuffer(), pattern->GetMaskPatternSize(), blobs)}});
   }
   return {{"weftHeader", HeaderToJson(*masks->GetWeftHeader())},
           {"maskParameters", std::move(records)},
@@ -148,7 +149,7 @@ void MaskPatternsFromJson(const Node& node, CProfileDataEntry& entry) {
   for (const Node& item : node.At("maskPatterns").Items()) {
     if (!masks->GetMaskPatternData()->Add(PatternFromJson(item).release())) item.Fail("the ID stands twice");
   }
-  Rebuild(node, entry);
+  RebuildMasks(node, entry);
 }
 
 }  // namespace nvx::tool

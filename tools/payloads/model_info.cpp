@@ -19,7 +19,7 @@ std::string NameOf(const CModelData& model, void (CModelData::*get)(char*) const
 
 std::string TextAt(const Node& node, const char* key) { return NarrowFromJson(node.At(key), kLongestText); }
 
-void Rebuild(const Node& node, CProfileDataEntry& entry) {
+void RebuildModel(const Node& node, CProfileDataEntry& entry) {
   if (!entry.DataToBuffer()) node.Fail("the record cannot be written");
 }
 
@@ -45,7 +45,7 @@ void ModelFromJson(const Node& node, CProfileDataEntry& entry) {
   model->SetParametersetName(TextAt(node, "parametersetName").c_str());
   model->SetCmykMode(node.At("cmykMode").Bool());
   model->SetVDType(node.At("vdType").U32());
-  Rebuild(node, entry);
+  RebuildModel(node, entry);
 }
 
 Json InfoToJson(CProfileDataEntry& entry) {
@@ -67,7 +67,7 @@ void InfoFromJson(const Node& node, CProfileDataEntry& entry) {
   info->SetComment(TextAt(node, "comment").c_str());
   info->SetUserName(TextAt(node, "userName").c_str());
   info->SetReserveBuffer(bytes.data());
-  Rebuild(node, entry);
+  RebuildModel(node, entry);
 }
 
 }  // namespace nvx::tool

@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::uint32_t kUsedType = 1;
 
-Json TableToJson(CSpecialColorInfoDataEntry& table) {
+Json ColorTableToJson(CSpecialColorInfoDataEntry& table) {
   Json curves = Json::array();
   for (CCurveData* const set : table.CurvesVD()) curves.push_back(CurveSetToJson(*set));
   return {{"usedType", table.GetUsedType()},
@@ -21,7 +21,7 @@ Json TableToJson(CSpecialColorInfoDataEntry& table) {
           {"curvesVD", std::move(curves)}};
 }
 
-std::unique_ptr<CSpecialColorInfoDataEntry> TableFromJson(const Node& node) {
+std::unique_ptr<CSpecialColorInfoDataEntry> ColorTableFromJson(const Node& node) {
   node.At("usedType").Integer(kUsedType, kUsedType);
   const auto arrays = WordArraysFromJson(node.At("parameters"), 2);
   const std::uint32_t sizes[] = {static_cast<std::uint32_t>(arrays[0].size()),
@@ -46,7 +46,7 @@ Json SpecialColorToJson(CProfileDataEntry& entry) {
   if (colors == nullptr || !colors->BufferToData()) return nullptr;
   CSpecialColorInfoData& data = *colors->GetSpecialColorInfoData();
   Json tables = Json::array();
-  for (CSpecialColorInfoDataEntry* const table : data.Entries()) tables.push_back(TableToJson(*table));
+  for (CSpecialColorInfoDataEntry* const table : data.Entries()) tables.push_back(ColorTableToJson(*table));
   return {{"profileColorType", data.GetProfileColorType()}, {"entries", std::move(tables)}};
 }
 
@@ -56,7 +56,7 @@ void SpecialColorFromJson(const Node& node, CProfileDataEntry& entry) {
   CSpecialColorInfoData& data = *colors->GetSpecialColorInfoData();
   data.DeleteSpecialColorInfo();
   data.SetProfileColorType(node.At("profileColorType").U32());
-  for (const Node& item : node.At("entries").Items()) data.AddTail(TableFromJson(item).release());
+  for (const Node& item : node.At("entries").Items()) data.AddTail(ColorTableFromJson(item).release());
   if (!entry.DataToBuffer()) {
     node.Fail(
         "words 0, 2 and 3 of array 0 must be its byte length and the number and bytes of the VD curve sets, and the "

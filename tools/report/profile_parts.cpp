@@ -271,16 +271,16 @@ std::optional<std::int32_t> NewestCalibration(CProfileAccess& access) {
   return code >= 0 ? std::optional(code) : std::nullopt;
 }
 
-std::vector<CContainerEntry*> CalibrationsOf(CProfileAccess& access) {
+std::vector<CContainerEntry*> CalibrationsIn(CProfileAccess& access) {
   CCalibrationHistoryEntry* const history = HistoryOf(*access.GetProfileData());
-  return history != nullptr ? nvx::tool::CalibrationsOf(*history) : std::vector<CContainerEntry*>();
+  return history != nullptr ? CalibrationsOf(*history) : std::vector<CContainerEntry*>();
 }
 
 // What is known of each, in the order of the history.
 Json CalibrationsPart(CProfileAccess& access) {
   if (HistoryOf(*access.GetProfileData()) == nullptr) return nullptr;
   Json list = Json::array();
-  for (CContainerEntry* const calibration : CalibrationsOf(access)) {
+  for (CContainerEntry* const calibration : CalibrationsIn(access)) {
     const tag_ContainerData& description = *calibration->GetContainerData();
     list.push_back({{"code", calibration->GetOptionInfo()},
                     {"name", NameOf(*calibration)},
@@ -294,7 +294,7 @@ Json CalibrationsPart(CProfileAccess& access) {
 // The curves of each, in the same order.
 Json CalibrationCurvesPart(CProfileAccess& access) {
   Json list = Json::array();
-  for (CContainerEntry* const calibration : CalibrationsOf(access)) {
+  for (CContainerEntry* const calibration : CalibrationsIn(access)) {
     Json sets = Json::array();
     for (int i = 0; i < calibration->GetEntryCount(); ++i) {
       auto* const curves = dynamic_cast<CProfileCurveEntry*>(calibration->GetProfileDataEntry(i));
@@ -353,9 +353,9 @@ Json IndexLine(const std::string& path, CProfileAccess& access) {
                {"resolution", ResolutionOf(info)},
                {"version", fmt::format("{}.{}", info.ProfileMajorVersion, info.ProfileMinorVersion)},
                {"updated", info.UpdateTimeValue},
-               {"calibrations", CalibrationsOf(access).size()}};
+               {"calibrations", CalibrationsIn(access).size()}};
   const std::optional<std::int32_t> newest = NewestCalibration(access);
-  for (CContainerEntry* const calibration : CalibrationsOf(access)) {
+  for (CContainerEntry* const calibration : CalibrationsIn(access)) {
     if (!newest || calibration->GetOptionInfo() != static_cast<std::uint32_t>(*newest)) continue;
     line["calibration"] = NameOf(*calibration);
     line["calibrated"] = calibration->GetContainerData()->Time;
