@@ -9,11 +9,8 @@
 #include <array>
 #include <vector>
 
+namespace nvx::test {
 namespace {
-
-using nvx::test::InitFromEntries;
-using nvx::test::MediaBlock;
-using nvx::test::MediaForm;
 
 using Values = std::vector<std::int32_t>;
 
@@ -208,3 +205,4 @@ TEST(MediaAccess, AnswersForTheInformationRecord) {
 }
 
 }  // namespace
+}  // namespace nvx::test

@@ -6,17 +6,16 @@
 
 #include <string>
 
+namespace nvx::test {
 namespace {
 
-using nvx::platform::AnsiCodePage;
-using nvx::platform::AnsiToWide;
-using nvx::platform::CutAnsi;
-using nvx::platform::PrimaryLanguage;
-using nvx::platform::Utf8ToWide;
-using nvx::platform::WideToAnsi;
-using nvx::platform::WideToUtf8;
-using nvx::test::ScopedLanguage;
-using nvx::test::ScopedVariable;
+using platform::AnsiCodePage;
+using platform::AnsiToWide;
+using platform::CutAnsi;
+using platform::PrimaryLanguage;
+using platform::Utf8ToWide;
+using platform::WideToAnsi;
+using platform::WideToUtf8;
 
 TEST(Locale, LanguageAndCodePage) {
   const struct {
@@ -105,7 +104,7 @@ TEST(Locale, NoByteIsLost) {
     const ScopedVariable page("NVXPROFILE_CODEPAGE", std::to_string(item.page));
     for (int value = 1; value < 256; ++value) {
       const char byte = static_cast<char>(value);
-      if (nvx::platform::IsLeadByte(item.page, byte)) continue;
+      if (platform::IsLeadByte(item.page, byte)) continue;
       const std::u16string wide = AnsiToWide({&byte, 1});
       ASSERT_EQ(wide.size(), 1u) << item.page << ' ' << value;
       EXPECT_EQ(WideToAnsi(wide), std::string(1, byte)) << item.page << ' ' << value;
@@ -152,3 +151,4 @@ TEST(Locale, Utf8BothWays) {
 }
 
 }  // namespace
+}  // namespace nvx::test
