@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <numeric>
@@ -130,6 +131,15 @@ TEST(MemoryFile, GrowsInSteps) {
   EXPECT_EQ(file.GetLength(), 2048u);
   EXPECT_EQ(file.SeekToEnd(), 2048u);
   std::free(file.Buffer);
+
+  // What a block has behind its end is cleared when it grows.
+  CNvxMemFile dirty;
+  dirty.Buffer = static_cast<std::uint8_t*>(std::malloc(4096));
+  std::fill_n(dirty.Buffer, 4096, std::uint8_t{0xFF});
+  dirty.Length = dirty.Position = 1024;
+  EXPECT_EQ(dirty.Write(bytes, 1), 1u);
+  EXPECT_EQ(std::count(dirty.Buffer + 1025, dirty.Buffer + 2048, 0), 1023);
+  std::free(dirty.Buffer);
 
   CNvxMemFile large;
   EXPECT_EQ(large.Write(bytes, 1025), 1025u);

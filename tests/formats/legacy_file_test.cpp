@@ -163,6 +163,17 @@ TEST_F(LegacyFile, SavesTheExactBytesOfBothVersions) {
   const Bytes saved = ReadBytes(folder_.File("a.qpf"));
   EXPECT_EQ(saved, expected(2, {first, second, end, Container(1, {6, 6, 6}), Container(2, {7, 7, 7}, 7)}));
 
+  // The field of the codes ends before the number of passes does.
+  data.GetProfileInfo()->Text.Pass_Support = 1000;
+  ASSERT_TRUE(CProfileFileQPFv2().SaveData(path_.c_str(), &data, 0));
+  const Bytes many = ReadBytes(folder_.File("a.qpf"));
+  std::size_t codes = 0;
+  const std::string text(many.begin(), many.end());
+  for (std::size_t at = 0; (at = text.find("Pass_Code:", at)) != text.npos; ++at) ++codes;
+  EXPECT_EQ(codes, std::size(data.GetProfileInfo()->Text.Pass_Code));
+  data.GetProfileInfo()->Text.Pass_Support = 2;
+  ASSERT_TRUE(CProfileFileQPFv2().SaveData(path_.c_str(), &data, 0));
+
   CProfileAccess access;
   CError error;
   ASSERT_TRUE(access.Init(path_.c_str(), &error));
@@ -306,6 +317,16 @@ TEST_F(LegacyFile, TextIsThatOfTheCodePage) {
   CProfileData data;
   ASSERT_TRUE(Load(SimpleProfile(kLines + "Media_Eng:%6%Pap\xEAter \x80\n"), data));
   EXPECT_EQ(data.GetProfileInfo()->MediaName, std::u16string(u"Papêter €"));
+
+  // Characters of two words are kept whole or left out.
+  const ScopedVariable page("NVXPROFILE_CODEPAGE", "65001");
+  for (const std::size_t before : {62u, 63u, 64u}) {
+    folder_.WriteTable(TableWithout(ConversionTable(), "Comment") +
+                       "[Printer.PX]\nComment=" + std::string(before, 'c') + "😀\n");
+    ASSERT_TRUE(Load(SimpleProfile(kLines), data));
+    EXPECT_EQ(std::u16string(data.GetProfileInfo()->PrinterComment),
+              std::u16string(before, u'c') + (before == 62 ? u"😀" : u""));
+  }
 }
 
 TEST_F(LegacyFile, EachRequiredValueIsNamedWhenItIsMissing) {

@@ -19,9 +19,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 
-#include <csignal>
 #include <filesystem>
 #include <memory>
 
@@ -232,22 +230,6 @@ TEST(Containers, ASecondEntryOfATypeIsToldOf) {
   EXPECT_FALSE(data.SetProfileDataEntry(nullptr, 1));
 }
 
-// Writes are cut off at a number of bytes as a full disk or a quota would.
-class FileSizeLimit {
- public:
-  explicit FileSizeLimit(rlim_t bytes) {
-    std::signal(SIGXFSZ, SIG_IGN);
-    ::getrlimit(RLIMIT_FSIZE, &before_);
-    rlimit limit = before_;
-    limit.rlim_cur = bytes;
-    ::setrlimit(RLIMIT_FSIZE, &limit);
-  }
-  ~FileSizeLimit() { ::setrlimit(RLIMIT_FSIZE, &before_); }
-
- private:
-  rlimit before_{};
-};
-
 TEST(Saves, AFormCutByTheSystemReplacesNothing) {
   const TempFolder folder;
   WriteBytes(folder.File("old"), {'o', 'l', 'd'});
@@ -258,7 +240,7 @@ TEST(Saves, AFormCutByTheSystemReplacesNothing) {
   ASSERT_TRUE(curves->DataToBuffer());
   ASSERT_EQ(data.Add(std::move(curves)), nullptr);
   {
-    const FileSizeLimit limit(50'000);
+    const ScopedFileSizeLimit limit(50'000);
     EXPECT_FALSE(CProfileFileCalibration().SaveData(folder.WideFile("old").c_str(), &data));
     CNvxFile file;
     ASSERT_TRUE(file.Open(folder.WideFile("cut").c_str(), kGenericWrite, 0, kCreateAlways));
@@ -266,6 +248,9 @@ TEST(Saves, AFormCutByTheSystemReplacesNothing) {
     EXPECT_LT(file.Write(block.data(), 60'000), 60'000u);
     EXPECT_EQ(file.Write(block.data(), 1), 0u) << "the stream has failed for good";
     EXPECT_FALSE(file.Flush());
+    ASSERT_TRUE(file.Open(folder.WideFile("next").c_str(), kGenericWrite, 0, kCreateAlways));
+    EXPECT_EQ(file.Write(block.data(), 9), 9u) << "the failure was that of the file before";
+    EXPECT_TRUE(file.Flush());
   }
   EXPECT_EQ(ReadBytes(folder.File("old")), (Bytes{'o', 'l', 'd'}));
 }
@@ -281,6 +266,8 @@ TEST(Streams, OpenedForReadingRefusesToWrite) {
   EXPECT_EQ(file.GetPosition(), 1u);
   EXPECT_EQ(file.Read(&byte, 1), 1u);
   EXPECT_EQ(byte, 2);
+  ASSERT_TRUE(file.Open(folder.WideFile("b").c_str(), kGenericWrite, 0, kCreateAlways));
+  EXPECT_EQ(file.Write("x", 1), 1u) << "the next file is another matter";
 }
 
 TEST(Streams, NamesLeaveAloneWhatLiesBehindThem) {

@@ -99,6 +99,10 @@ TEST(IccProfile, TagsAreReadInTwoSteps) {
   EXPECT_TRUE(profile.GetTag("cprt", room, size));
   EXPECT_EQ(size, 4u);
   EXPECT_EQ(std::string(room, room + 4), "cprt");
+  EXPECT_EQ(profile.GetRefTag("none", size), nullptr);
+  ASSERT_TRUE(profile.SetTag("one ", "1", 1));
+  ASSERT_NE(profile.GetRefTag("one ", size), nullptr);
+  EXPECT_EQ(size, 1u);
   EXPECT_EQ(CICCProfile::MakeTagSignature("desc"), 0x64657363u);
   EXPECT_EQ(CICCProfile::MakeTagSignature("ab"), 0x61620000u);
 }
@@ -275,6 +279,10 @@ TEST(IccDescription, CutsLongNamesBetweenCharacters) {
   const CICCTextDescription cut = Parsed(Rewritten(DescriptionTag(""), std::string(150, 'y').c_str()));
   EXPECT_EQ(cut.GetAsciiDescription(), std::string(127, 'y'));
   EXPECT_EQ(cut.GetUnicodeDescription(), std::u16string(127, u'y') + u'\0');
+  const std::string halved = std::string(126, 'z') + "😀";
+  EXPECT_EQ(Parsed(Rewritten(DescriptionTag(""), halved.c_str())).GetUnicodeDescription(),
+            std::u16string(126, u'z') + u'\0')
+      << "no half of a pair";
 }
 
 }  // namespace

@@ -41,8 +41,8 @@ struct EntryBytes {
   Bytes bytes;
 };
 
-// An access object on an entry-table container of these entries.
-inline bool InitFromEntries(CProfileAccess& access, const std::vector<EntryBytes>& entries, std::uint32_t route = 4) {
+// An entry-table container of these entries.
+inline Bytes ContainerOf(const std::vector<EntryBytes>& entries, std::uint32_t route = 4) {
   ByteBuilder file;
   file.Text(" TCQ").U32(32, 0x00010000, 0, route, 0);
   file.U32(static_cast<std::uint32_t>(entries.size()), 0);
@@ -51,8 +51,12 @@ inline bool InitFromEntries(CProfileAccess& access, const std::vector<EntryBytes
     file.U32(static_cast<std::uint32_t>(entry.bytes.size() + 4), 1, 0).Zero(264);
   }
   for (const EntryBytes& entry : entries) file.Text("SDEP").Append(entry.bytes);
+  return file;
+}
+
+inline bool InitFromEntries(CProfileAccess& access, const std::vector<EntryBytes>& entries, std::uint32_t route = 4) {
   const TempFolder folder;
-  WriteBytes(folder.File("profile.qct"), file);
+  WriteBytes(folder.File("profile.qct"), ContainerOf(entries, route));
   CError error;
   return access.Init(folder.WideFile("profile.qct").c_str(), &error);
 }

@@ -123,6 +123,20 @@ TEST(MediaEntry, ReadsWhatIsMissingOfTheLastBlockAsZero) {
   }
 }
 
+TEST(MediaEntry, NotesAParameterCountThatItsTypeDoesNotHave) {
+  for (const std::uint32_t count : {1u, 5u}) {
+    CMediaPropertyEntry entry;
+    Diagnosis diagnosis;
+    entry.SetDiagnosis(&diagnosis);
+    ASSERT_TRUE(Parse(entry, MediaForm({{1, count, {3}}})));
+    ASSERT_EQ(diagnosis.Findings().size(), count == 1 ? 0u : 1u);
+    if (count != 1) {
+      EXPECT_EQ(diagnosis.Findings()[0].rule, "entry header: parameter count does not belong to the used type");
+      EXPECT_EQ(diagnosis.Findings()[0].severity, Severity::kWarning);
+    }
+  }
+}
+
 TEST(MediaEntry, BelievesNoCount) {
   CMediaPropertyEntry entry;
   for (const std::uint32_t count : {2u, 5u, 0xFFFFFFFFu}) {
