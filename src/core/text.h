@@ -44,6 +44,14 @@ void CopyOut(Char* out, std::basic_string_view<Char> text) {
   *std::copy(text.begin(), text.end(), out) = Char{};
 }
 
+// The beginning of a text that a field of `size` characters holds with its terminator, without half of a pair.
+inline std::u16string_view Fitting(std::u16string_view text, std::size_t size) {
+  const std::u16string_view fitting = text.substr(0, size - 1);
+  const bool halfPair =
+      fitting.size() < text.size() && !fitting.empty() && fitting.back() >= 0xD800 && fitting.back() < 0xDC00;
+  return fitting.substr(0, fitting.size() - (halfPair ? 1 : 0));
+}
+
 // ASCII as wide text, for numbers and fixed texts.
 inline std::u16string Widen(std::string_view ascii) { return {ascii.begin(), ascii.end()}; }
 

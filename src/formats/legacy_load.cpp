@@ -63,12 +63,7 @@ std::optional<SYSTEMTIME> ParseTime(std::string_view text, SYSTEMTIME time) {
 }
 
 void StoreWide(char16_t* out, std::size_t size, std::string_view text) {
-  const std::u16string wide = platform::AnsiToWide(text);
-  std::u16string_view fitting = std::u16string_view(wide).substr(0, size - 1);
-  const bool halfPair =
-      fitting.size() < wide.size() && !fitting.empty() && fitting.back() >= 0xD800 && fitting.back() < 0xDC00;
-  if (halfPair) fitting.remove_suffix(1);
-  nvx::CopyText(out, size, fitting);
+  nvx::CopyText(out, size, nvx::Fitting(platform::AnsiToWide(text), size));
 }
 
 template <std::size_t N>

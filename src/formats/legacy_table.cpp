@@ -24,7 +24,7 @@ std::string PrinterSection(const char* label) { return "Printer." + std::string(
 template <std::size_t N>
 bool TakeText(const std::optional<std::string>& value, char16_t (&field)[N]) {
   const std::string_view text = value ? platform::CutAnsi(*value, kLongestValue) : std::string_view();
-  nvx::CopyText(field, platform::AnsiToWide(text));
+  nvx::CopyText(field, nvx::Fitting(platform::AnsiToWide(text), N));
   return !text.empty();
 }
 

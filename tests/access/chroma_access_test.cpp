@@ -8,11 +8,8 @@
 
 #include <vector>
 
+namespace nvx::test {
 namespace {
-
-using nvx::test::ByteBuilder;
-using nvx::test::Bytes;
-using nvx::test::InitFromEntries;
 
 using Codes = std::vector<std::uint32_t>;
 
@@ -24,9 +21,9 @@ class Access : public CProfileAccess {
 // 2 inputs, 3 outputs, grid 2.
 Bytes Form() {
   ByteBuilder form;
-  form.Text(" TUL").U32(280).U32(0x00010000).U32(2).U32(3).U32(2).Zero(256);
+  form.Text(" TUL").U32(280, 0x00010000, 2, 3, 2).Zero(256);
   for (const std::uint32_t code : {0x101u, 2u, 30u, 31u, 0xFFFFFFu}) {
-    form.Text("HTUL").U32(336).U32(code).U32(0).Zero(320);
+    form.Text("HTUL").U32(336, code, 0).Zero(320);
   }
   for (std::uint32_t i = 1; i <= 12; ++i) form.U8(i * 10);
   return form;
@@ -115,3 +112,4 @@ TEST(ChromaAccess, FailsWithOneMessage) {
 }
 
 }  // namespace
+}  // namespace nvx::test

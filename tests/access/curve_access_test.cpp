@@ -11,15 +11,9 @@
 #include <limits>
 #include <string>
 
+namespace nvx::test {
 namespace {
 
-using nvx::test::ByteBuilder;
-using nvx::test::Bytes;
-using nvx::test::CurveFields;
-using nvx::test::CurveHeader;
-using nvx::test::CurveSetHeader;
-using nvx::test::EntryBytes;
-using nvx::test::InitFromEntries;
 using testing::ElementsAre;
 
 class OpenAccess : public CProfileAccess {
@@ -107,7 +101,7 @@ TEST(CurveAccess, EachGetterReadsItsEntry) {
     ASSERT_TRUE(InitFromEntries(empty, {}));
     size = type = -1;
     EXPECT_EQ(getter.get(empty, 0, size, type, &error), nullptr);
-    ExpectError(error, nvx::kReasonNotFound, getter.missing);
+    ExpectError(error, kReasonNotFound, getter.missing);
     EXPECT_EQ(size, -1);
     EXPECT_EQ(type, -1);
 
@@ -134,27 +128,27 @@ TEST(CurveAccess, TellsWhyACurveIsNotThere) {
   int size = -1;
   int type = -1;
   EXPECT_EQ(access.GetInkLimit(99, size, type, &error), nullptr);
-  ExpectError(error, nvx::kReasonBadArgument, u"Profile: Parameter error InkColorCode = 99, Entry type = 2");
+  ExpectError(error, kReasonBadArgument, u"Profile: Parameter error InkColorCode = 99, Entry type = 2");
   EXPECT_EQ(size, 0);
   EXPECT_EQ(type, 0);
   EXPECT_EQ(access.GetLinearization(3, size, type, &error), nullptr);
-  ExpectError(error, nvx::kReasonNotFound, u"Profile: Specify entry size is 0.InkColorCode = 3,Entry type = 6");
+  ExpectError(error, kReasonNotFound, u"Profile: Specify entry size is 0.InkColorCode = 3,Entry type = 6");
   size = type = -1;
   EXPECT_EQ(access.GetCurveDataBuffer(nullptr, 1, 0, size, type, &error), nullptr);
-  ExpectError(error, nvx::kReasonNotFound, u"Profile: data none.");
+  ExpectError(error, kReasonNotFound, u"Profile: data none.");
   EXPECT_EQ(size, 0);
 
   CProfileDataEntry noCurves;
   noCurves.SetUsedType(16);
   EXPECT_EQ(access.GetCurveDataBuffer(&noCurves, 1, 0, size, type, &error), nullptr);
-  ExpectError(error, nvx::kReasonNotFound, u"Profile: Entry format error(not curve data). Entry type = 16");
+  ExpectError(error, kReasonNotFound, u"Profile: Entry format error(not curve data). Entry type = 16");
 }
 
 TEST(CurveAccess, PassesDataTypes3And4OnAndRefusesOthers) {
   // An empty buffer keeps the set as it is, whatever it holds.
   OpenAccess access;
   CLinearizationEntry entry;
-  CCurveDataEntry* const curve = nvx::test::MakeCurve(CCurveDataEntry::kSamples8, 4, {1, 2, 3}).release();
+  CCurveDataEntry* const curve = MakeCurve(CCurveDataEntry::kSamples8, 4, {1, 2, 3}).release();
   entry.GetCurveData()->AddTail(curve);
   for (const std::uint32_t dataType : {1u, 2u, 3u, 4u, 0u, 5u}) {
     curve->SetDataType(dataType);
@@ -169,7 +163,7 @@ TEST(CurveAccess, PassesDataTypes3And4OnAndRefusesOthers) {
     } else {
       EXPECT_EQ(samples, nullptr);
       EXPECT_EQ(type, 0);
-      ExpectError(error, nvx::kReasonNotFound, u"Profile: Parameter error.InkColorCode = 4,Entry type = 6");
+      ExpectError(error, kReasonNotFound, u"Profile: Parameter error.InkColorCode = 4,Entry type = 6");
     }
   }
 }
@@ -203,7 +197,7 @@ TEST(CurveAccess, OldProfilesTranslateTwoInksByTheColorset) {
   int type = 0;
   CError error;
   EXPECT_EQ(poor.GetLinearization(10, size, type, &error), nullptr);
-  ExpectError(error, nvx::kReasonBadArgument, u"Profile: Parameter error InkColorCode = 1, Entry type = 6");
+  ExpectError(error, kReasonBadArgument, u"Profile: Parameter error InkColorCode = 1, Entry type = 6");
 }
 
 // The merge of a gray balance with a linearization of ink 3: the samples as bytes, or nothing if it fails.
@@ -249,12 +243,12 @@ TEST(CurveAccess, AMergeNeedsBothCurves) {
   EXPECT_EQ(error.GetErrorReason(), 0u);
   ASSERT_TRUE(InitFromEntries(access, {{6, 6, form}}));
   EXPECT_FALSE(access.GetMergeGrayBalance(3, nullptr, size, type, &error));
-  ExpectError(error, nvx::kReasonNotFound, u"Profile:Gray balance entry - none");
+  ExpectError(error, kReasonNotFound, u"Profile:Gray balance entry - none");
   ASSERT_TRUE(InitFromEntries(access, {{7, 6, form}}));
   EXPECT_FALSE(access.GetMergeGrayBalance(3, nullptr, size, type, &error));
-  ExpectError(error, nvx::kReasonNotFound, u"Profile:Linearization entry - none");
+  ExpectError(error, kReasonNotFound, u"Profile:Linearization entry - none");
   EXPECT_FALSE(access.GetMergeGrayBalance(4, nullptr, size, type, &error));
-  ExpectError(error, nvx::kReasonBadArgument, u"Profile: Parameter error InkColorCode = 4, Entry type = 7");
+  ExpectError(error, kReasonBadArgument, u"Profile: Parameter error InkColorCode = 4, Entry type = 7");
 }
 
 TEST(CurveAccess, MergeArraysCountOutputAndIndices) {
@@ -286,7 +280,7 @@ TEST(IccAccess, TheReplacementFallsBackOnTheProfile) {
   EXPECT_EQ(error.GetErrorReason(), 0u);
   ASSERT_TRUE(InitFromEntries(access, {}));
   EXPECT_EQ(access.GetReplaceProfile(size, &error), nullptr);
-  ExpectError(error, nvx::kReasonNotFound, u"Profile:ICC profile entry - none");
+  ExpectError(error, kReasonNotFound, u"Profile:ICC profile entry - none");
   EXPECT_EQ(size, 77);
   access.GetProfileData()->SetProfileDataEntry(new BufferEntry(10, 5), 4);
   std::uint8_t* const profile = access.GetIccProfile(size, &error);
@@ -300,3 +294,4 @@ TEST(IccAccess, TheReplacementFallsBackOnTheProfile) {
 }
 
 }  // namespace
+}  // namespace nvx::test

@@ -5,12 +5,8 @@
 
 #include <ctime>
 
+namespace nvx::test {
 namespace {
-
-using nvx::test::Bytes;
-using nvx::test::IccWithTags;
-using nvx::test::TempFolder;
-using nvx::test::WriteBytes;
 
 TEST(InputProfile, KeepsAFewFactsOfAPlainProfile) {
   const TempFolder folder;
@@ -56,3 +52,4 @@ TEST(InputProfile, SortsInDescendingOrder) {
 }
 
 }  // namespace
+}  // namespace nvx::test

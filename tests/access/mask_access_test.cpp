@@ -10,11 +10,8 @@
 #include <algorithm>
 #include <string>
 
+namespace nvx::test {
 namespace {
-
-using nvx::test::ByteBuilder;
-using nvx::test::Bytes;
-using nvx::test::TempFolder;
 
 // A loaded profile with the entries that a test puts into it.
 class MaskAccess : public testing::Test {
@@ -22,8 +19,8 @@ class MaskAccess : public testing::Test {
   void Load(CProfileDataEntry* entry) {
     CProfileData data;
     ASSERT_TRUE(entry->DataToBuffer());
-    data.SetProfileDataEntry(entry, nvx::kRouteMaskDownload);
-    ASSERT_TRUE(CProfileFileQCT().SaveData(path_.c_str(), &data, nvx::kRouteMaskDownload));
+    data.SetProfileDataEntry(entry, kRouteMaskDownload);
+    ASSERT_TRUE(CProfileFileQCT().SaveData(path_.c_str(), &data, kRouteMaskDownload));
     ASSERT_TRUE(access_.Init(path_.c_str(), &error_));
   }
 
@@ -43,7 +40,7 @@ class MaskAccess : public testing::Test {
   // The comment that a failed call left, which is then reset.
   std::u16string Comment() {
     const bool wordless = error_.GetErrorReason() == 0;
-    EXPECT_TRUE(wordless || error_.GetErrorReason() == nvx::kReasonNotFound);
+    EXPECT_TRUE(wordless || error_.GetErrorReason() == kReasonNotFound);
     EXPECT_EQ(error_.GetSystemErrorCode(), 0u);
     const std::u16string comment = error_.GetErrorCommentW();
     error_.Reset();
@@ -175,7 +172,7 @@ TEST_F(MaskAccess, LoadTakesTheOutputInformation) {
   auto* const entry = new CMaskDownLoadEntry;
   entry->Initialize();
   entry->SetWeftDataParameter(0, 6);
-  const Bytes block = ByteBuilder().U16(0xFEDC).U8(7).U8(8).Text(std::string(31, 'a') + "bc", 160);
+  const Bytes block = ByteBuilder().U16(0xFEDC).U8(7, 8).Text(std::string(31, 'a') + "bc", 160);
   std::copy(block.begin(), block.end(), entry->GetWeftData(6)->Bytes);
   Load(entry);
   const _tagDeviceProfileInfo& info = *access_.GetProfileInfo();
@@ -200,3 +197,4 @@ TEST_F(MaskAccess, LoadTakesTheOutputInformation) {
 }
 
 }  // namespace
+}  // namespace nvx::test

@@ -9,11 +9,8 @@
 #include <array>
 #include <vector>
 
+namespace nvx::test {
 namespace {
-
-using nvx::test::InitFromEntries;
-using nvx::test::MediaBlock;
-using nvx::test::MediaForm;
 
 using Values = std::vector<std::int32_t>;
 
@@ -202,9 +199,28 @@ TEST(MediaAccess, AnswersForTheInformationRecord) {
   EXPECT_EQ(access.GetInkMakerCode(), 3);
   EXPECT_EQ(access.GetInkVersion(), 4);
   EXPECT_EQ(access.GetDotType(), 5);
+  info.ScanResolution = 6;
+  info.FeedResolution = 7;
+  info.OutputThirdValue = 8;
+  info.OutputFourthValue = 9;
+  info.RenderingScan = 10;
+  info.RenderingFeed = 11;
+  info.Expand = 12;
+  std::array<std::uint32_t, 4> values{};
+  ASSERT_TRUE(access.GetOutputResolution(values[0], values[1], values[2], values[3]));
+  EXPECT_EQ(values, (std::array<std::uint32_t, 4>{6, 7, 8, 9}));
+  ASSERT_TRUE(access.GetRenderingResolution(values[0], values[1], values[2]));
+  EXPECT_EQ(values, (std::array<std::uint32_t, 4>{10, 11, 12, 9}));
+  _tagOutputInfo out{};
+  ASSERT_TRUE(access.GetOutputInfo(&out));
+  EXPECT_EQ((std::array{out.ScanResolution, out.FeedResolution, out.RenderingScan, out.RenderingFeed, out.Expand}),
+            (std::array{6u, 7u, 10u, 11u, 12u}));
+  EXPECT_EQ((std::array<std::int64_t, 3>{out.ColorsetCode, out.InkTypeCode, out.DotType}),
+            (std::array<std::int64_t, 3>{1, 2, 5}));
   EXPECT_TRUE(access.GetCreateModule(module, &error));
   EXPECT_EQ(std::u16string(module), std::u16string(32, u'm'));
   EXPECT_EQ(error.GetErrorReason(), 0u);
 }
 
 }  // namespace
+}  // namespace nvx::test

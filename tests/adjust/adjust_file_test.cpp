@@ -1,4 +1,5 @@
 // Adjust files: syntax, values, and the structures that the readers fill.
+#include "adjust/adjust_syntax.h"
 #include "support/files.h"
 
 #include <nvxprofile/adjust_file.h>
@@ -100,6 +101,10 @@ TEST(AdjustSyntax, Numbers) {
   EXPECT_EQ(table.Number("h"), INT32_MIN);
   EXPECT_EQ(table.Number("i"), 0);
   EXPECT_EQ(table.Number("j"), 1);
+
+  const auto plain = [](std::string_view text) { return adjust::ParseNumber(text).plain; };
+  EXPECT_TRUE(plain("2147483647") && plain("-2147483648") && plain(" +7"));
+  EXPECT_FALSE(plain("2147483648") || plain("-2147483649") || plain("") || plain("-") || plain("7 ") || plain("1.9"));
 }
 
 TEST(AdjustSyntax, TruthValues) {

@@ -30,6 +30,7 @@ TEST(AdjustInspection, GuessesTheKind) {
   EXPECT_EQ(kind("ProfileCode=1\nLimitCurve_0001=0\nv_KCurve=256\n"), AdjustKind::kColor);
   EXPECT_EQ(kind("SpecialInkset=1\nLimitCurve_0001=0\n"), AdjustKind::kSpecial);
   EXPECT_EQ(kind("Heater1[Value]=1\n"), AdjustKind::kDevice);
+  EXPECT_EQ(kind("Heater1[Value]=1\nSpecialInkset=1\nLimitCurve_0001=0\n"), AdjustKind::kSpecial) << "most keys win";
 }
 
 TEST(AdjustInspection, KeysCarryTheirNumbers) {

@@ -6,16 +6,13 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <numeric>
 
+namespace nvx::test {
 namespace {
-
-using nvx::test::Bytes;
-using nvx::test::ReadBytes;
-using nvx::test::TempFolder;
-using nvx::test::WriteBytes;
 
 Bytes Ramp(std::size_t size) {
   Bytes bytes(size);
@@ -28,7 +25,7 @@ TEST(File, ClosedStreamDoesNothing) {
   char byte = 'x';
   EXPECT_EQ(file.Read(&byte, 1), 0u);
   EXPECT_EQ(file.Write(&byte, 1), 0u);
-  EXPECT_EQ(file.Seek(5, nvx::kFromBegin), 0u);
+  EXPECT_EQ(file.Seek(5, kFromBegin), 0u);
   EXPECT_EQ(file.GetLength(), 0u);
   EXPECT_EQ(reinterpret_cast<std::intptr_t>(file.GetHandle()), -1);
 }
@@ -37,12 +34,12 @@ TEST(File, OpenRefusesWhatIsNoFileAndKeepsTheOldOne) {
   const TempFolder folder;
   WriteBytes(folder.File("a.bin"), Ramp(3));
   CNvxFile file;
-  ASSERT_TRUE(file.Open(folder.WideFile("a.bin").c_str(), nvx::kGenericRead, nvx::kShareRead, nvx::kOpenExisting));
-  EXPECT_FALSE(file.Open(folder.WideFile("none").c_str(), nvx::kGenericRead, nvx::kShareRead, nvx::kOpenExisting));
-  EXPECT_FALSE(file.Open(nvx::platform::Utf8ToWide(folder.Path().string()).c_str(), nvx::kGenericRead, nvx::kShareRead,
-                         nvx::kOpenExisting));
+  ASSERT_TRUE(file.Open(folder.WideFile("a.bin").c_str(), kGenericRead, kShareRead, kOpenExisting));
+  EXPECT_FALSE(file.Open(folder.WideFile("none").c_str(), kGenericRead, kShareRead, kOpenExisting));
+  EXPECT_FALSE(
+      file.Open(platform::Utf8ToWide(folder.Path().string()).c_str(), kGenericRead, kShareRead, kOpenExisting));
   const std::u16string longName = folder.WideFile(std::string(260, 'x'));
-  EXPECT_FALSE(file.Open(longName.c_str(), nvx::kGenericRead, nvx::kShareRead, nvx::kOpenExisting));
+  EXPECT_FALSE(file.Open(longName.c_str(), kGenericRead, kShareRead, kOpenExisting));
   char16_t name[256];
   file.GetFileName(name);
   EXPECT_EQ(std::u16string(name), u"a.bin");
@@ -59,7 +56,7 @@ TEST(File, BufferedTransfersAgreeWithAnArray) {
   const TempFolder folder;
   const std::u16string path = folder.WideFile("mix.bin");
   CNvxFile file;
-  ASSERT_TRUE(file.Open(path.c_str(), nvx::kGenericRead | nvx::kGenericWrite, 0, nvx::kCreateAlways));
+  ASSERT_TRUE(file.Open(path.c_str(), kGenericRead | kGenericWrite, 0, kCreateAlways));
   Bytes expected;
   std::size_t position = 0;
   std::srand(7);
@@ -87,14 +84,13 @@ TEST(File, BufferedTransfersAgreeWithAnArray) {
       }
       case 2: {
         position = random(expected.size() + 1);
-        ASSERT_EQ(file.Seek(static_cast<std::uint32_t>(position), nvx::kFromBegin), position);
+        ASSERT_EQ(file.Seek(static_cast<std::uint32_t>(position), kFromBegin), position);
         break;
       }
       default: {
         const std::size_t back = std::min(position, random(200));
         position -= back;
-        ASSERT_EQ(file.Seek(static_cast<std::uint32_t>(-static_cast<std::int64_t>(back)), nvx::kFromPosition),
-                  position);
+        ASSERT_EQ(file.Seek(static_cast<std::uint32_t>(-static_cast<std::int64_t>(back)), kFromPosition), position);
         ASSERT_EQ(file.GetLength(), expected.size());
       }
     }
@@ -109,11 +105,11 @@ TEST(File, SeekFromEndGoesForwardsAndStopsAtTheStart) {
   const TempFolder folder;
   WriteBytes(folder.File("a.bin"), Ramp(10));
   CNvxFile file;
-  ASSERT_TRUE(file.Open(folder.WideFile("a.bin").c_str(), nvx::kGenericRead, 1, nvx::kOpenExisting));
+  ASSERT_TRUE(file.Open(folder.WideFile("a.bin").c_str(), kGenericRead, 1, kOpenExisting));
   EXPECT_EQ(file.SeekToEnd(), 10u);
-  EXPECT_EQ(file.Seek(static_cast<std::uint32_t>(-4), nvx::kFromEnd), 6u);
-  EXPECT_EQ(file.Seek(2, nvx::kFromEnd), 12u);
-  EXPECT_EQ(file.Seek(static_cast<std::uint32_t>(-20), nvx::kFromPosition), 12u);
+  EXPECT_EQ(file.Seek(static_cast<std::uint32_t>(-4), kFromEnd), 6u);
+  EXPECT_EQ(file.Seek(2, kFromEnd), 12u);
+  EXPECT_EQ(file.Seek(static_cast<std::uint32_t>(-20), kFromPosition), 12u);
   std::uint8_t byte = 0;
   EXPECT_EQ(file.Read(&byte, 1), 0u);
   EXPECT_EQ(file.SeekToBegin(), 0u);
@@ -136,6 +132,15 @@ TEST(MemoryFile, GrowsInSteps) {
   EXPECT_EQ(file.SeekToEnd(), 2048u);
   std::free(file.Buffer);
 
+  // What a block has behind its end is cleared when it grows.
+  CNvxMemFile dirty;
+  dirty.Buffer = static_cast<std::uint8_t*>(std::malloc(4096));
+  std::fill_n(dirty.Buffer, 4096, std::uint8_t{0xFF});
+  dirty.Length = dirty.Position = 1024;
+  EXPECT_EQ(dirty.Write(bytes, 1), 1u);
+  EXPECT_EQ(std::count(dirty.Buffer + 1025, dirty.Buffer + 2048, 0), 1023);
+  std::free(dirty.Buffer);
+
   CNvxMemFile large;
   EXPECT_EQ(large.Write(bytes, 1025), 1025u);
   EXPECT_EQ(large.GetLength(), 2049u);
@@ -145,11 +150,11 @@ TEST(MemoryFile, GrowsInSteps) {
 TEST(MemoryFile, SeeksInsideItsBlock) {
   Bytes block(1024);
   CNvxMemFile file(block.data(), 1024);
-  EXPECT_EQ(file.Seek(5, nvx::kFromEnd), 1019u);
-  EXPECT_EQ(file.Seek(2000, nvx::kFromEnd), 0u);
-  EXPECT_EQ(file.Seek(2000, nvx::kFromBegin), 1024u);
-  EXPECT_EQ(file.Seek(static_cast<std::uint32_t>(-24), nvx::kFromPosition), 1000u);
-  EXPECT_EQ(file.Seek(static_cast<std::uint32_t>(-1001), nvx::kFromPosition), 1024u);
+  EXPECT_EQ(file.Seek(5, kFromEnd), 1019u);
+  EXPECT_EQ(file.Seek(2000, kFromEnd), 0u);
+  EXPECT_EQ(file.Seek(2000, kFromBegin), 1024u);
+  EXPECT_EQ(file.Seek(static_cast<std::uint32_t>(-24), kFromPosition), 1000u);
+  EXPECT_EQ(file.Seek(static_cast<std::uint32_t>(-1001), kFromPosition), 1024u);
   EXPECT_EQ(file.Seek(3, 7), 1024u);
   file.SeekToBegin();
   EXPECT_EQ(file.Write("ab", 2), 2u);
@@ -163,17 +168,17 @@ TEST(Stream, ABlockIsAViewOrACopyAndNeverBeyondTheEnd) {
   WriteBytes(folder.File("a.bin"), bytes);
   CNvxMemFile memory(bytes.data(), 100);
   CNvxFile disk;
-  ASSERT_TRUE(disk.Open(folder.WideFile("a.bin").c_str(), nvx::kGenericRead, 1, nvx::kOpenExisting));
+  ASSERT_TRUE(disk.Open(folder.WideFile("a.bin").c_str(), kGenericRead, 1, kOpenExisting));
   for (CNvxFile* const file : {static_cast<CNvxFile*>(&memory), &disk}) {
-    file->Seek(40, nvx::kFromBegin);
-    const nvx::StreamBlock block(*file, 60);
+    file->Seek(40, kFromBegin);
+    const StreamBlock block(*file, 60);
     ASSERT_TRUE(block.IsWhole());
     EXPECT_TRUE(std::equal(block.Data(), block.Data() + 60, bytes.begin() + 40));
     EXPECT_EQ(file->GetPosition(), 100u);
-    file->Seek(40, nvx::kFromBegin);
-    EXPECT_FALSE(nvx::StreamBlock(*file, 61).IsWhole());
-    EXPECT_FALSE(nvx::Holds(*file, 0xFFFFFFFF, 292));
-    EXPECT_TRUE(nvx::Holds(*file, 15, 4));
+    file->Seek(40, kFromBegin);
+    EXPECT_FALSE(StreamBlock(*file, 61).IsWhole());
+    EXPECT_FALSE(Holds(*file, 0xFFFFFFFF, 292));
+    EXPECT_TRUE(Holds(*file, 15, 4));
   }
 }
 
@@ -185,7 +190,7 @@ TEST(ReplacingFile, PutsTheNewFileInPlaceOrLeavesTheOldOne) {
   const TempFolder folder;
   const std::u16string path = folder.WideFile("p.icc");
   const auto save = [&](const Bytes& bytes, bool good) {
-    return nvx::SaveByReplacing(path.c_str(), [&](CNvxFile& file) {
+    return SaveByReplacing(path.c_str(), [&](CNvxFile& file) {
       char16_t name[256];
       file.GetFileName(name);
       EXPECT_EQ(std::u16string(name), u"p.icc");
@@ -205,11 +210,12 @@ TEST(ReplacingFile, PutsTheNewFileInPlaceOrLeavesTheOldOne) {
 
   // A link keeps leading to the file.
   std::filesystem::create_symlink(folder.File("p.icc"), folder.File("link.icc"));
-  EXPECT_TRUE(nvx::SaveByReplacing(folder.WideFile("link.icc").c_str(),
-                                   [](CNvxFile& file) { return file.Write("xyz", 3) == 3; }));
+  EXPECT_TRUE(
+      SaveByReplacing(folder.WideFile("link.icc").c_str(), [](CNvxFile& file) { return file.Write("xyz", 3) == 3; }));
   EXPECT_TRUE(std::filesystem::is_symlink(folder.File("link.icc")));
   EXPECT_EQ(ReadBytes(folder.File("p.icc")).size(), 3u);
-  EXPECT_FALSE(nvx::SaveByReplacing(folder.WideFile("no/such/folder").c_str(), [](CNvxFile&) { return true; }));
+  EXPECT_FALSE(SaveByReplacing(folder.WideFile("no/such/folder").c_str(), [](CNvxFile&) { return true; }));
 }
 
 }  // namespace
+}  // namespace nvx::test

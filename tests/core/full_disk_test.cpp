@@ -9,16 +9,12 @@
 
 #include <filesystem>
 
+namespace nvx::test {
 namespace {
-
-using nvx::test::Bytes;
-using nvx::test::ReadBytes;
-using nvx::test::TempFolder;
-using nvx::test::WriteBytes;
 
 TEST(File, FlushTellsThatADeviceIsFull) {
   CNvxFile file;
-  ASSERT_TRUE(file.Open(u"/dev/full", nvx::kGenericWrite, 0, nvx::kOpenExisting));
+  ASSERT_TRUE(file.Open(u"/dev/full", kGenericWrite, 0, kOpenExisting));
   EXPECT_EQ(file.Write("abcd", 4), 4u);
   EXPECT_FALSE(file.Flush());
   EXPECT_EQ(file.Write("abcd", 4), 0u);
@@ -40,15 +36,16 @@ TEST(ReplacingFile, AFullDiskLeavesTheOldFileAndNothingElse) {
   for (const std::size_t limit :
        {std::size_t{0}, std::size_t{1}, std::size_t{32767}, std::size_t{32768}, std::size_t{99'999}}) {
     {
-      const nvx::test::ScopedFileSizeLimit full(limit);
-      EXPECT_FALSE(nvx::SaveByReplacing(folder.WideFile("p.icc").c_str(), writes(100, 1000)));
-      EXPECT_FALSE(nvx::SaveByReplacing(folder.WideFile("p.icc").c_str(), writes(1, 100'000)));
+      const ScopedFileSizeLimit full(limit);
+      EXPECT_FALSE(SaveByReplacing(folder.WideFile("p.icc").c_str(), writes(100, 1000)));
+      EXPECT_FALSE(SaveByReplacing(folder.WideFile("p.icc").c_str(), writes(1, 100'000)));
     }
     EXPECT_EQ(ReadBytes(folder.File("p.icc")), old);
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.Path()), {}), 1);
   }
-  EXPECT_FALSE(nvx::SaveByReplacing(u"/dev/full", writes(3, 100)));
+  EXPECT_FALSE(SaveByReplacing(u"/dev/full", writes(3, 100)));
   EXPECT_TRUE(std::filesystem::is_character_file("/dev/full"));
 }
 
 }  // namespace
+}  // namespace nvx::test

@@ -52,6 +52,7 @@ TEST(ProfileData, TheFirstEntryOfATypeWinsAndStandsOnBothRoutes) {
 
   EXPECT_EQ(data.RemoveProfileDataEntry(7, 1), first);
   EXPECT_FALSE(data.IsSpecifiedRoute(1));
+  EXPECT_EQ(destroyed, 1) << "the other route still has it";
   EXPECT_EQ(data.GetProfileDataEntryFromList(7), first);
   EXPECT_EQ(data.RemoveProfileDataEntry(7, 2), first);
   EXPECT_EQ(data.GetProfileDataEntryFromList(7), nullptr);

@@ -10,14 +10,8 @@
 #include <cstring>
 #include <memory>
 
+namespace nvx::test {
 namespace {
-
-using nvx::test::ByteBuilder;
-using nvx::test::Bytes;
-using nvx::test::First;
-using nvx::test::ReadBytes;
-using nvx::test::TempFolder;
-using nvx::test::WriteBytes;
 
 struct Entry {
   std::uint32_t usedType = 6;
@@ -30,18 +24,18 @@ struct Entry {
 
 Bytes Container(const std::vector<Entry>& entries, std::uint32_t route = 4, std::uint32_t version = 0x00010000) {
   ByteBuilder file;
-  file.U8(0x20).U8(0x54).U8(0x43).U8(0x51).U32(32).U32(version).U32(11).U32(route).U32(22);
-  file.U32(static_cast<std::uint32_t>(entries.size())).U32(0);
+  file.U8(0x20, 0x54, 0x43, 0x51).U32(32, version, 11, route, 22);
+  file.U32(static_cast<std::uint32_t>(entries.size()), 0);
   for (const Entry& entry : entries) {
-    file.Text("IHEP").U32(292).U32(entry.usedType).U32(entry.formatType);
-    file.U32(static_cast<std::uint32_t>(entry.bytes.size() + 4)).U32(entry.complete).U32(entry.optionInfo);
+    file.Text("IHEP").U32(292, entry.usedType, entry.formatType);
+    file.U32(static_cast<std::uint32_t>(entry.bytes.size() + 4), entry.complete, entry.optionInfo);
     file.Text(entry.label, 264);
   }
   for (const Entry& entry : entries) file.Text("SDEP").Append(entry.bytes);
   return file;
 }
 
-bool Load(Bytes bytes, CProfileData& data, nvx::Diagnosis* diagnosis = nullptr) {
+bool Load(Bytes bytes, CProfileData& data, Diagnosis* diagnosis = nullptr) {
   CNvxMemFile stream(bytes.data(), static_cast<std::uint32_t>(bytes.size()));
   stream.SetDiagnosis(diagnosis);
   return CProfileFileQCT().LoadData(stream, &data, false);
@@ -128,7 +122,7 @@ TEST(Container, RefusesWhatIsBrokenAndSaysWhere) {
   };
   for (const Case& c : cases) {
     CProfileData data;
-    nvx::Diagnosis diagnosis;
+    Diagnosis diagnosis;
     EXPECT_FALSE(Load(c.bytes, data, &diagnosis)) << c.rule;
     EXPECT_FALSE(Load(c.bytes, data)) << c.rule;
     if (c.rule == "entry header: wrong magic" && c.offset == 324) {
@@ -187,3 +181,4 @@ TEST(ProfileAccess, InitLoadsReplacesAndWordsItsFailures) {
 }
 
 }  // namespace
+}  // namespace nvx::test

@@ -14,15 +14,8 @@
 #include <string>
 #include <vector>
 
+namespace nvx::test {
 namespace {
-
-using nvx::test::Bytes;
-using nvx::test::CurveSamples;
-using nvx::test::LegacyFolder;
-using nvx::test::ReadBytes;
-using nvx::test::ScopedLanguage;
-using nvx::test::ScopedVariable;
-using nvx::test::WriteBytes;
 
 constexpr _tagDBDeviceProfileInfo kDatabase{{11, 12, 13, 14, 15}, 77};
 
@@ -80,7 +73,7 @@ class Convert : public ::testing::Test {
  protected:
   // Writes a legacy profile and loads it.
   void LoadLegacy(const std::vector<std::uint32_t>& route1, const std::vector<std::uint32_t>& route2) {
-    ASSERT_TRUE(nvx::test::WriteLegacyProfile(folder_.File("old.qpf"), route1, route2));
+    ASSERT_TRUE(WriteLegacyProfile(folder_.File("old.qpf"), route1, route2));
     ASSERT_TRUE(converter_.ProfileLoad(folder_.WideFile("old.qpf").c_str()));
     converter_.SetupModuleVersion(u"2.1");
   }
@@ -238,7 +231,7 @@ TEST_F(Convert, SourcesOfOtherGenerationsKeepTheirNames) {
   EXPECT_EQ(access.GetProfileInfo()->Binary.MediaNumber, 815u);
   EXPECT_EQ(access.GetProfileInfo()->MediaName, std::u16string(u"光沢ソ"));
 
-  WriteBytes(folder_.File("plain.icc"), nvx::test::SmallIccProfile());
+  WriteBytes(folder_.File("plain.icc"), SmallIccProfile());
   ASSERT_TRUE(converter_.ProfileLoad(folder_.WideFile("plain.icc").c_str()));
   converter_.ConvertV2ToV3Profile(&kDatabase);
   SaveAndLoad(access, "newest.icc");
@@ -282,3 +275,4 @@ TEST_F(Convert, AnIccEngineOpensTheResult) {
 }
 
 }  // namespace
+}  // namespace nvx::test

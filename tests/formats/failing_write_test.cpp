@@ -17,13 +17,8 @@
 #include <memory>
 #include <random>
 
+namespace nvx::test {
 namespace {
-
-using nvx::test::Bytes;
-using nvx::test::ReadBytes;
-using nvx::test::ScopedFileSizeLimit;
-using nvx::test::TempFolder;
-using nvx::test::WriteBytes;
 
 // Takes a number of bytes and no more.
 class FullStream : public CNvxMemFile {
@@ -51,15 +46,15 @@ std::unique_ptr<CProfileFile> New() {
   return std::make_unique<Format>();
 }
 
-void FillContainer(CProfileData& data, std::mt19937& random) { nvx::test::FillRandomRoute(data, 1, random); }
+void FillContainer(CProfileData& data, std::mt19937& random) { FillRandomRoute(data, 1, random); }
 
 void FillTextHeaded(CProfileData& data, std::mt19937& random) {
-  nvx::test::FillLegacyProfile(data, {}, {});
-  nvx::test::FillRandomRoute(data, 1, random);
-  nvx::test::FillRandomRoute(data, 2, random);
+  FillLegacyProfile(data, {}, {});
+  FillRandomRoute(data, 1, random);
+  FillRandomRoute(data, 2, random);
 }
 
-void FillPlainIcc(CProfileData& data, std::mt19937&) { nvx::test::FillLegacyProfile(data, {10}, {}); }
+void FillPlainIcc(CProfileData& data, std::mt19937&) { FillLegacyProfile(data, {10}, {}); }
 
 class FailingWrite : public testing::TestWithParam<Saver> {
  protected:
@@ -73,7 +68,7 @@ class FailingWrite : public testing::TestWithParam<Saver> {
   }
 
   CProfileData data_;
-  nvx::test::ScopedVariable epoch_{"SOURCE_DATE_EPOCH", "1700000000"};
+  ScopedVariable epoch_{"SOURCE_DATE_EPOCH", "1700000000"};
 };
 
 TEST_P(FailingWrite, FailsTheSaveAtEveryByte) {
@@ -115,10 +110,10 @@ INSTANTIATE_TEST_SUITE_P(Formats, FailingWrite,
                          testing::Values(Saver{"Container", New<CProfileFileQCT>, FillContainer, 1},
                                          Saver{"OneTextHeaded", New<CProfileFileQPFv1>, FillTextHeaded, 1},
                                          Saver{"TwoTextHeaded", New<CProfileFileQPFv2>, FillTextHeaded, 0},
-                                         Saver{"CurrentGeneration", New<CProfileFileQPFv4>,
-                                               nvx::test::FillRandomProfile,
-                                               nvx::kSaveReplaceProfile | nvx::kSaveCalibration},
+                                         Saver{"CurrentGeneration", New<CProfileFileQPFv4>, FillRandomProfile,
+                                               kSaveReplaceProfile | kSaveCalibration},
                                          Saver{"PlainIcc", New<CProfileFileICC>, FillPlainIcc, 0}),
                          [](const auto& test) { return std::string(test.param.name); });
 
 }  // namespace
+}  // namespace nvx::test

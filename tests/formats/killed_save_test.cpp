@@ -15,12 +15,8 @@
 #include <random>
 #include <thread>
 
+namespace nvx::test {
 namespace {
-
-using nvx::test::Bytes;
-using nvx::test::ReadBytes;
-using nvx::test::ScopedVariable;
-using nvx::test::TempFolder;
 
 TEST(KilledSave, LeavesTheOldFileOrTheNewOne) {
   const ScopedVariable clock("SOURCE_DATE_EPOCH", "1700000000");
@@ -30,7 +26,7 @@ TEST(KilledSave, LeavesTheOldFileOrTheNewOne) {
   CProfileData models[2];
   Bytes files[2];
   for (int i = 0; i < 2; ++i) {
-    nvx::test::FillRandomProfile(models[i], random);
+    FillRandomProfile(models[i], random);
     ASSERT_TRUE(CProfileFileQPFv3().SaveData(path.c_str(), &models[i], 0));
     files[i] = ReadBytes(folder.File("p.icc"));
   }
@@ -56,3 +52,4 @@ TEST(KilledSave, LeavesTheOldFileOrTheNewOne) {
 }
 
 }  // namespace
+}  // namespace nvx::test

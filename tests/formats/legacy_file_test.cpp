@@ -13,18 +13,8 @@
 #include <string>
 #include <vector>
 
+namespace nvx::test {
 namespace {
-
-using nvx::test::ByteBuilder;
-using nvx::test::Bytes;
-using nvx::test::ConversionTable;
-using nvx::test::First;
-using nvx::test::LegacyFolder;
-using nvx::test::ReadBytes;
-using nvx::test::ScopedLanguage;
-using nvx::test::ScopedVariable;
-using nvx::test::TableWithout;
-using nvx::test::WriteBytes;
 
 // The protected operations.
 class Probe : public CProfileFileQPFv1 {
@@ -42,13 +32,13 @@ const std::string kLines =
 // A container of one entry of type 6 with the given bytes on a route.
 Bytes Container(std::uint32_t route, const Bytes& bytes, std::uint32_t usedType = 6) {
   ByteBuilder file;
-  file.U32(0x51435420).U32(32).U32(0x10000).U32(0).U32(route).U32(0).U32(1).U32(0);
-  file.Text("IHEP").U32(292).U32(usedType).U32(6).U32(static_cast<std::uint32_t>(bytes.size() + 4)).U32(1).U32(0);
+  file.U32(0x51435420, 32, 0x10000, 0, route, 0, 1, 0);
+  file.Text("IHEP").U32(292, usedType, 6, static_cast<std::uint32_t>(bytes.size() + 4), 1, 0);
   return file.Zero(264).Text("SDEP").Append(bytes);
 }
 
 Bytes Section(std::uint32_t size, std::string_view name) {
-  return ByteBuilder().U32(size).U32(static_cast<std::uint32_t>(name.size() + 1)).Text(name).U8(0);
+  return ByteBuilder().U32(size, static_cast<std::uint32_t>(name.size() + 1)).Text(name).U8(0);
 }
 
 Bytes Joined(const std::string& text, const std::vector<Bytes>& blocks) {
@@ -60,7 +50,7 @@ Bytes Joined(const std::string& text, const std::vector<Bytes>& blocks) {
 Bytes SimpleProfile(const std::string& lines, const std::string& end = "@Binary\r\n") {
   const Bytes container = Container(1, {1, 2, 3});
   return Joined(lines + end, {Section(static_cast<std::uint32_t>(container.size()), "QctIcmForUse.qct"),
-                              ByteBuilder().U32(0).U32(0), container});
+                              ByteBuilder().U32(0, 0), container});
 }
 
 class LegacyFile : public ::testing::Test {
@@ -69,14 +59,14 @@ class LegacyFile : public ::testing::Test {
   bool Load(const Bytes& bytes, CProfileData& data) {
     WriteBytes(folder_.File("a.qpf"), bytes);
     CNvxFile file;
-    EXPECT_TRUE(file.Open(path_.c_str(), nvx::kGenericRead, nvx::kShareRead, nvx::kOpenExisting));
-    nvx::Diagnosis diagnosis;
+    EXPECT_TRUE(file.Open(path_.c_str(), kGenericRead, kShareRead, kOpenExisting));
+    Diagnosis diagnosis;
     file.SetDiagnosis(&diagnosis);
     CProfileFileQPFv1 format;
     const bool loaded = format.LoadData(file, &data, false);
     reason_.clear();
-    for (const nvx::Finding& finding : diagnosis.Findings()) {
-      if (finding.severity == nvx::Severity::kError && finding.place.empty()) reason_ = finding.rule;
+    for (const Finding& finding : diagnosis.Findings()) {
+      if (finding.severity == Severity::kError && finding.place.empty()) reason_ = finding.rule;
     }
     EXPECT_TRUE(loaded || !reason_.empty());
     return loaded;
@@ -102,7 +92,7 @@ TEST_F(LegacyFile, LoadsHeaderSectionsAndContainer) {
   const Bytes container = Container(1, {1, 2, 3});
   const Bytes bytes =
       Joined(kLines + "Halftone_Code: 12x\r\nSeparateWay_Code:-3\r\nCreateTime_String:12:05:09 03/14/99\r\n@Binary\r\n",
-             {Section(5, "notes.txt"), Section(7, "QctIcmForUse.qct"), Section(2, ""), ByteBuilder().U32(0).U32(0),
+             {Section(5, "notes.txt"), Section(7, "QctIcmForUse.qct"), Section(2, ""), ByteBuilder().U32(0, 0),
               ByteBuilder().Text("notes--"), container});
   CProfileData data;
   ASSERT_TRUE(Load(bytes, data));
@@ -148,7 +138,7 @@ TEST_F(LegacyFile, SavesTheExactBytesOfBothVersions) {
   const ScopedVariable zone("TZ", "UTC");
   const ScopedVariable epoch("SOURCE_DATE_EPOCH", "951830645");  // 2000-02-29 13:24:05
   CProfileData data;
-  nvx::test::FillLegacyProfile(data, {}, {});
+  FillLegacyProfile(data, {}, {});
   for (const auto& [route, type] : {std::pair{1u, 6u}, {2u, 7u}}) {
     CProfileDataEntry* const entry = CProfileDataEntry::CreateDataEntry(static_cast<CProfileDataEntry::UsedType>(type));
     entry->SetComplete(true);
@@ -163,8 +153,8 @@ TEST_F(LegacyFile, SavesTheExactBytesOfBothVersions) {
             std::to_string(version) + "\r\nSeparateWay_Code:0\r\nCreateTime_String:13:24:05 02/29/100\r\n@Binary\r\n",
         blocks);
   };
-  const Bytes first = ByteBuilder().U32(331).U32(17).Text("QctIcmForUse.qct").U8(0);
-  const Bytes second = ByteBuilder().U32(331).U32(17).Text("QctGryForUse.qct").U8(0);
+  const Bytes first = ByteBuilder().U32(331, 17).Text("QctIcmForUse.qct").U8(0);
+  const Bytes second = ByteBuilder().U32(331, 17).Text("QctGryForUse.qct").U8(0);
   const Bytes end = ByteBuilder().Zero(8);
 
   ASSERT_TRUE(CProfileFileQPFv1().SaveData(path_.c_str(), &data, 2));
@@ -172,6 +162,17 @@ TEST_F(LegacyFile, SavesTheExactBytesOfBothVersions) {
   ASSERT_TRUE(CProfileFileQPFv2().SaveData(path_.c_str(), &data, 99));
   const Bytes saved = ReadBytes(folder_.File("a.qpf"));
   EXPECT_EQ(saved, expected(2, {first, second, end, Container(1, {6, 6, 6}), Container(2, {7, 7, 7}, 7)}));
+
+  // The field of the codes ends before the number of passes does.
+  data.GetProfileInfo()->Text.Pass_Support = 1000;
+  ASSERT_TRUE(CProfileFileQPFv2().SaveData(path_.c_str(), &data, 0));
+  const Bytes many = ReadBytes(folder_.File("a.qpf"));
+  std::size_t codes = 0;
+  const std::string text(many.begin(), many.end());
+  for (std::size_t at = 0; (at = text.find("Pass_Code:", at)) != text.npos; ++at) ++codes;
+  EXPECT_EQ(codes, std::size(data.GetProfileInfo()->Text.Pass_Code));
+  data.GetProfileInfo()->Text.Pass_Support = 2;
+  ASSERT_TRUE(CProfileFileQPFv2().SaveData(path_.c_str(), &data, 0));
 
   CProfileAccess access;
   CError error;
@@ -188,7 +189,7 @@ TEST_F(LegacyFile, SavesTheExactBytesOfBothVersions) {
 TEST_F(LegacyFile, AFailedSaveLeavesTheOldFile) {
   WriteBytes(folder_.File("a.qpf"), {1, 2, 3});
   CProfileData data;
-  nvx::test::FillLegacyProfile(data, {6}, {});
+  FillLegacyProfile(data, {6}, {});
   EXPECT_FALSE(CProfileFileQPFv2().SaveData(path_.c_str(), &data, 0)) << "no route 2";
   EXPECT_FALSE(CProfileFileQPFv1().SaveData(path_.c_str(), &data, 2));
   std::strcpy(data.GetProfileInfo()->Text.Media_Label, "two\nlines");
@@ -288,7 +289,7 @@ TEST_F(LegacyFile, MediaNamesTakeOverTheNameBefore) {
       continue;
     }
     ASSERT_TRUE(Load(SimpleProfile(lines), data));
-    EXPECT_EQ(data.GetProfileInfo()->MediaName, nvx::Widen(item.name));
+    EXPECT_EQ(data.GetProfileInfo()->MediaName, Widen(item.name));
     EXPECT_STREQ(data.GetProfileInfo()->Text.Media_Eng, item.textEnglish);
     EXPECT_STREQ(data.GetProfileInfo()->Text.Media_Jpn, item.textJapanese);
   }
@@ -316,6 +317,16 @@ TEST_F(LegacyFile, TextIsThatOfTheCodePage) {
   CProfileData data;
   ASSERT_TRUE(Load(SimpleProfile(kLines + "Media_Eng:%6%Pap\xEAter \x80\n"), data));
   EXPECT_EQ(data.GetProfileInfo()->MediaName, std::u16string(u"Papêter €"));
+
+  // Characters of two words are kept whole or left out.
+  const ScopedVariable page("NVXPROFILE_CODEPAGE", "65001");
+  for (const std::size_t before : {62u, 63u, 64u}) {
+    folder_.WriteTable(TableWithout(ConversionTable(), "Comment") +
+                       "[Printer.PX]\nComment=" + std::string(before, 'c') + "😀\n");
+    ASSERT_TRUE(Load(SimpleProfile(kLines), data));
+    EXPECT_EQ(std::u16string(data.GetProfileInfo()->PrinterComment),
+              std::u16string(before, u'c') + (before == 62 ? u"😀" : u""));
+  }
 }
 
 TEST_F(LegacyFile, EachRequiredValueIsNamedWhenItIsMissing) {
@@ -366,11 +377,11 @@ TEST_F(LegacyFile, RefusesBrokenTextsAndTables) {
   EXPECT_TRUE(Loads(SimpleProfile(kLines + std::string(255, 'x') + "\n")));
   EXPECT_EQ(ReasonAgainst(withTable({})), "section table: no end record");
   EXPECT_EQ(ReasonAgainst(withTable({Section(1, "a"), Bytes(7, 0)})), "section table: no end record");
-  EXPECT_EQ(ReasonAgainst(withTable({ByteBuilder().U32(1).U32(257).Zero(600)})),
+  EXPECT_EQ(ReasonAgainst(withTable({ByteBuilder().U32(1, 257).Zero(600)})),
             "section table: name of more than 255 characters");
-  EXPECT_EQ(ReasonAgainst(withTable({ByteBuilder().U32(1).U32(256).Fill('x', 256).Zero(300)})),
+  EXPECT_EQ(ReasonAgainst(withTable({ByteBuilder().U32(1, 256).Fill('x', 256).Zero(300)})),
             "section table: name without its end");
-  EXPECT_EQ(ReasonAgainst(withTable({ByteBuilder().U32(1).U32(100).Zero(50)})), "section table: name cut short");
+  EXPECT_EQ(ReasonAgainst(withTable({ByteBuilder().U32(1, 100).Zero(50)})), "section table: name cut short");
   EXPECT_TRUE(Loads(withTable({Section(0, std::string(255, 'n')), end, container})));
   const Bytes huge = Section(0xFFFFFFFF, "x");
   EXPECT_EQ(ReasonAgainst(withTable({huge, end, container})), "section table: sections beyond the end");
@@ -427,9 +438,10 @@ TEST_F(LegacyFile, ABinaryViewMakesRoomForTheText) {
   fillBinary(data);
   EXPECT_FALSE(CProfileFileQPFv1().SaveData(path_.c_str(), &data, 1)) << "there are no labels to write";
   EXPECT_EQ(ReadBytes(folder_.File("a.qpf")), before);
-  EXPECT_EQ(data.GetProfileInfo()->LayoutNumber, nvx::kBinaryView);
+  EXPECT_EQ(data.GetProfileInfo()->LayoutNumber, kBinaryView);
   EXPECT_EQ(data.GetProfileInfo()->Binary.ModelNumber, 0x41414141u);
   EXPECT_EQ(data.GetProfileInfo()->Binary.MediaInfoCount, 2u);
 }
 
 }  // namespace
+}  // namespace nvx::test

@@ -10,25 +10,21 @@
 #include <filesystem>
 #include <memory>
 
+namespace nvx::test {
 namespace {
-
-using nvx::test::Bytes;
-using nvx::test::ReadBytes;
-using nvx::test::TempFolder;
-using nvx::test::WriteBytes;
 
 class LongPath : public testing::Test {
  protected:
   LongPath() {
     std::filesystem::create_directories(std::filesystem::path(File("x")).parent_path());
     EXPECT_GT(Wide("x").size(), 300u);
-    nvx::test::FillLegacyProfile(data_, {6, 10}, {6});
+    FillLegacyProfile(data_, {6, 10}, {6});
   }
 
   std::string File(const std::string& name) const {
     return folder_.File(std::string(90, 'a') + "/" + std::string(120, 'b') + "/" + std::string(100, 'c') + "/" + name);
   }
-  std::u16string Wide(const std::string& name) const { return nvx::platform::Utf8ToWide(File(name)); }
+  std::u16string Wide(const std::string& name) const { return platform::Utf8ToWide(File(name)); }
 
   // Saves, and loads what was saved by path and through the front door.
   void SaveAndLoad(CProfileFile& format, const std::string& name, std::uint32_t selection) {
@@ -36,32 +32,32 @@ class LongPath : public testing::Test {
     CProfileData again;
     EXPECT_TRUE(format.LoadData(Wide(name).c_str(), &again, false)) << name;
     CProfileAccess access;
-    EXPECT_TRUE(access.Init(Wide(name).c_str(), &error_)) << nvx::WideToUtf8(error_.GetErrorCommentW());
-    nvx::Diagnosis diagnosis;
-    EXPECT_TRUE(nvx::DiagnoseProfile(Wide(name).c_str(), diagnosis));
+    EXPECT_TRUE(access.Init(Wide(name).c_str(), &error_)) << WideToUtf8(error_.GetErrorCommentW());
+    Diagnosis diagnosis;
+    EXPECT_TRUE(DiagnoseProfile(Wide(name).c_str(), diagnosis));
   }
 
-  nvx::test::LegacyFolder folder_;
+  LegacyFolder folder_;
   CProfileData data_;
   CError error_;
 };
 
 TEST_F(LongPath, AStreamKeepsItWhole) {
   const std::u16string path = Wide("name.bin");
-  ASSERT_TRUE(nvx::SaveByReplacing(path.c_str(), [](CNvxFile& file) { return file.Write("abc", 3) == 3; }));
+  ASSERT_TRUE(SaveByReplacing(path.c_str(), [](CNvxFile& file) { return file.Write("abc", 3) == 3; }));
   CNvxFile file;
-  ASSERT_TRUE(file.Open(path.c_str(), nvx::kGenericRead, nvx::kShareRead, nvx::kOpenExisting));
+  ASSERT_TRUE(file.Open(path.c_str(), kGenericRead, kShareRead, kOpenExisting));
   EXPECT_EQ(file.GetPath(), path);
   char16_t text[CNvxFile::kPathLength];
   file.GetFileName(text);
   EXPECT_EQ(std::u16string(text), u"name.bin");
   file.GetPathName(text);
   EXPECT_EQ(std::u16string(text), u"") << "the start of a path leads elsewhere";
-  EXPECT_TRUE(file.Open(std::u16string(file.GetPath()).c_str(), nvx::kGenericRead, 1, nvx::kOpenExisting));
+  EXPECT_TRUE(file.Open(std::u16string(file.GetPath()).c_str(), kGenericRead, 1, kOpenExisting));
   EXPECT_EQ(file.GetLength(), 3u);
   file.Close();
   EXPECT_EQ(file.GetPath(), u"");
-  EXPECT_TRUE(file.Open(path.c_str(), nvx::kGenericRead | nvx::kGenericWrite, 0, nvx::kCreateAlways));
+  EXPECT_TRUE(file.Open(path.c_str(), kGenericRead | kGenericWrite, 0, kCreateAlways));
   EXPECT_EQ(file.GetLength(), 0u);
 }
 
@@ -87,7 +83,7 @@ TEST_F(LongPath, ProfilesOfEveryGeneration) {
 }
 
 TEST_F(LongPath, IccProfiles) {
-  const Bytes bytes = nvx::test::SmallIccProfile();
+  const Bytes bytes = SmallIccProfile();
   WriteBytes(File("a.icc"), bytes);
   CICCProfile profile;
   EXPECT_TRUE(profile.OpenPath(Wide("a.icc").c_str(), true));
@@ -127,8 +123,7 @@ TEST_F(LongPath, AdjustFiles) {
 
 TEST_F(LongPath, TheConversionTable) {
   WriteBytes(File("QPFConvert.qpd"), ReadBytes(folder_.File("QPFConvert.qpd")));
-  const nvx::test::ScopedVariable elsewhere("NVXPROFILE_PROFILE_DIR",
-                                            std::filesystem::path(File("x")).parent_path().string());
+  const ScopedVariable elsewhere("NVXPROFILE_PROFILE_DIR", std::filesystem::path(File("x")).parent_path().string());
   CQPFConvertTable table;
   std::int32_t maker = 0;
   EXPECT_TRUE(table.GetInkMaker("SetA", maker)) << table.GetFailure();
@@ -136,3 +131,4 @@ TEST_F(LongPath, TheConversionTable) {
 }
 
 }  // namespace
+}  // namespace nvx::test

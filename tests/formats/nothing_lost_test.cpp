@@ -19,27 +19,13 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 
-#include <csignal>
 #include <filesystem>
 #include <memory>
 
+namespace nvx::test {
 namespace {
 
-using nvx::PayloadState;
-using nvx::test::ByteBuilder;
-using nvx::test::Bytes;
-using nvx::test::BytesOf;
-using nvx::test::CurveHeader;
-using nvx::test::CurveSetHeader;
-using nvx::test::MakeCurve;
-using nvx::test::Parse;
-using nvx::test::ReadBytes;
-using nvx::test::SetBytes;
-using nvx::test::TempFolder;
-using nvx::test::TwoCurves;
-using nvx::test::WriteBytes;
 using testing::ElementsAre;
 
 // Two curves of which the second is cut short.
@@ -49,134 +35,18 @@ Bytes DamagedCurves() {
   return bytes;
 }
 
-template <class Entry, class Open>
-void ExpectStates(const Bytes& whole, Open open) {
-  Entry entry;
-  EXPECT_EQ(entry.GetPayloadState(), PayloadState::kUnread);
-  SetBytes(entry, whole);
-  EXPECT_EQ(entry.GetPayloadState(), PayloadState::kUnread);
-  EXPECT_FALSE(entry.DataToBuffer()) << "nobody has read these bytes";
-  EXPECT_EQ(BytesOf(entry), whole);
-  ASSERT_TRUE(entry.BufferToData());
-  EXPECT_EQ(entry.GetPayloadState(), PayloadState::kWhole);
-  EXPECT_TRUE(entry.DataToBuffer());
-  EXPECT_EQ(entry.GetPayloadState(), PayloadState::kWhole);
-  open(entry);
-  EXPECT_EQ(entry.GetPayloadState(), PayloadState::kEdited);
-  EXPECT_TRUE(entry.DataToBuffer());
-  EXPECT_EQ(entry.GetPayloadState(), PayloadState::kEdited) << "whoever asked may still hold it";
-
-  Entry damaged;
-  const Bytes broken = nvx::test::First(whole, 24);
-  EXPECT_FALSE(Parse(damaged, broken));
-  EXPECT_EQ(damaged.GetPayloadState(), PayloadState::kPart);
-  EXPECT_TRUE(damaged.RenewBuffer()) << "the bytes say all that there is";
-  open(damaged);
-  EXPECT_FALSE(damaged.DataToBuffer());
-  EXPECT_FALSE(damaged.RenewBuffer()) << "a change could not be written";
-  EXPECT_EQ(BytesOf(damaged), broken);
-  damaged.DeleteBuffer();
-  EXPECT_EQ(damaged.GetPayloadState(), PayloadState::kEdited) << "the payload is all that is left";
-}
-
-TEST(PayloadState, EveryFamilyKeepsIt) {
-  ExpectStates<CLinearizationEntry>(TwoCurves(), [](auto& entry) { entry.GetCurveData(); });
-  ExpectStates<CGrayBalanceEntry>(TwoCurves(), [](auto& entry) { entry.GetFormatData(); });
-  ExpectStates<CMediaPropertyEntry>(ByteBuilder()
-                                        .Text("IDEM")
-                                        .U32(16)
-                                        .U32(0x00010000)
-                                        .U32(1)
-                                        .Text("HEPM")
-                                        .U32(20)
-                                        .U32(1)
-                                        .U32(68)
-                                        .U32(1)
-                                        .Text("ADPM")
-                                        .Zero(64),
-                                    [](auto& entry) { entry.GetMediaPropertyData(); });
-  ExpectStates<CLargeParameterEntry>(
-      ByteBuilder().Text("MRAP").U32(16).U32(1).U32(0).Text("HMRP").U32(20).U32(1).U32(1060).U32(264).Text("DMRP").Zero(
-          1056),
-      [](auto& entry) { entry.GetLargeParameterData(); });
-  ExpectStates<CSpecialColorInfoEntry>(ByteBuilder()
-                                           .Text("RCPS")
-                                           .U32(32)
-                                           .U32(1)
-                                           .U32(0)
-                                           .U32(0)
-                                           .U32(1)
-                                           .Zero(8)
-                                           .Text("HCPS")
-                                           .U32(20)
-                                           .U32(1)
-                                           .U32(28)
-                                           .U32(0)
-                                           .Text("HEPS")
-                                           .U32(16)
-                                           .Zero(12)
-                                           .Text("ECPS")
-                                           .Zero(4),
-                                       [](auto& entry) { entry.GetSpecialColorInfoData(); });
-  ExpectStates<CMaskDownLoadEntry>(nvx::test::MaskStream(6), [](auto& entry) { entry.GetWeftData(6); });
-  ExpectStates<CCalibrationHistoryEntry>(ByteBuilder()
-                                             .Text("ILAC")
-                                             .U32(20)
-                                             .U32(0x00010000)
-                                             .U32(1)
-                                             .U32(7)
-                                             .Text("HEAC")
-                                             .U32(88)
-                                             .U32(12)
-                                             .U32(21)
-                                             .U32(9)
-                                             .U32(1)
-                                             .U32(0)
-                                             .Zero(60)
-                                             .Text("DEAC")
-                                             .U64(5),
-                                         [](auto& entry) { entry.GetNextID(); });
-  ExpectStates<CSeparateChromaEntry>(ByteBuilder()
-                                         .Text(" TUL")
-                                         .U32(280)
-                                         .U32(0x00010000)
-                                         .U32(0)
-                                         .U32(1)
-                                         .U32(1)
-                                         .Zero(256)
-                                         .Text("HTUL")
-                                         .U32(336)
-                                         .Zero(328)
-                                         .U8(1),
-                                     [](auto& entry) { entry.GetLutData(); });
-}
-
 TEST(PayloadState, WhatAReaderPassesOverStaysInTheBuffer) {
   CMaskDownloadIncludePatternEntry entry;
   const Bytes form = ByteBuilder()
-                         .U32(2)
-                         .U32(0)
-                         .U32(1)
-                         .U32(0)
-                         .U32(0)
+                         .U32(2, 0, 1, 0, 0)
                          .Text("TFEW")
-                         .U32(24)
-                         .U32(5)
-                         .U32(124)
-                         .U32(0)
-                         .U32(2)
+                         .U32(24, 5, 124, 0, 2)
                          .Text("DFEW")
                          .Text("HPPM")
-                         .U32(40)
-                         .U32(1)
-                         .U32(0)
-                         .U32(0)
+                         .U32(40, 1, 0, 0)
                          .Zero(20)
                          .Text("HTPM")
-                         .U32(40)
-                         .U32(1)
-                         .U32(0)
-                         .U32(1)
+                         .U32(40, 1, 0, 1)
                          .Zero(20)
                          .Text("XXXX")
                          .Zero(36);
@@ -196,23 +66,14 @@ TEST(PayloadState, CopyHandsOnNoOldBytes) {
   EXPECT_FALSE(source.Copy(target)) << "no form carries the change";
   EXPECT_EQ(BytesOf(target), (Bytes{1, 2, 3}));
   EXPECT_STREQ(target.GetLabelString(), "own");
-  EXPECT_EQ(nvx::CloneEntry(source), nullptr);
+  EXPECT_EQ(CloneEntry(source), nullptr);
 }
 
 // A form with one calibration that holds one linearization.
 Bytes CalibrationForm(const Bytes& curves) {
-  const auto form = [](std::uint32_t count) {
-    return ByteBuilder().Text("ILAC").U32(20).U32(0x00010000).U32(count).U32(0);
-  };
+  const auto form = [](std::uint32_t count) { return ByteBuilder().Text("ILAC").U32(20, 0x00010000, count, 0); };
   const auto header = [](std::uint32_t type, std::uint32_t format, std::size_t size) {
-    return ByteBuilder()
-        .Text("HEAC")
-        .U32(88)
-        .U32(static_cast<std::uint32_t>(size + 4))
-        .U32(type)
-        .U32(format)
-        .U32(1)
-        .Zero(64);
+    return ByteBuilder().Text("HEAC").U32(88, static_cast<std::uint32_t>(size + 4), type, format, 1).Zero(64);
   };
   const Bytes calibration = form(1).Append(header(24, 6, curves.size())).Text("DEAC").Append(curves);
   return form(2)
@@ -224,8 +85,8 @@ Bytes CalibrationForm(const Bytes& curves) {
       .Append(calibration);
 }
 
-nvx::NewCalibration Named(std::u16string_view name) {
-  nvx::NewCalibration calibration;
+NewCalibration Named(std::u16string_view name) {
+  NewCalibration calibration;
   calibration.name = name;
   calibration.time = 9;
   return calibration;
@@ -237,7 +98,7 @@ TEST(Calibrations, ADamagedCurveSetKeepsItsBytesThroughEveryStep) {
   ASSERT_TRUE(Parse(history, form));
   ASSERT_TRUE(history.DataToBuffer());
   EXPECT_EQ(BytesOf(history), form);
-  ASSERT_NE(nvx::AddCalibration(history, Named(u"new")), nullptr);
+  ASSERT_NE(AddCalibration(history, Named(u"new")), nullptr);
   ASSERT_TRUE(history.DataToBuffer());
   ASSERT_TRUE(history.BufferToData());
   auto& calibration = dynamic_cast<CContainerEntry&>(*history.GetProfileDataEntry(1));
@@ -245,9 +106,9 @@ TEST(Calibrations, ADamagedCurveSetKeepsItsBytesThroughEveryStep) {
 
   auto damaged = std::make_unique<CCalibrationLinearizationEntry>();
   EXPECT_FALSE(Parse(*damaged, DamagedCurves()));
-  nvx::NewCalibration withDamage = Named(u"damaged");
+  NewCalibration withDamage = Named(u"damaged");
   withDamage.linearization = std::move(damaged);
-  const CCalibrationContainerEntry* const added = nvx::AddCalibration(history, std::move(withDamage));
+  const CCalibrationContainerEntry* const added = AddCalibration(history, std::move(withDamage));
   ASSERT_NE(added, nullptr);
   EXPECT_EQ(BytesOf(*added->GetChildData().Find(24, 0)), DamagedCurves());
 }
@@ -265,7 +126,7 @@ TEST(Calibrations, WhatCannotBeTakenOverIsNotSaidToBe) {
     }
     const Bytes before = BytesOf(history);
     EXPECT_FALSE(history.DoImport(&source)) << own;
-    EXPECT_EQ(nvx::ImportCalibrations(history, source), std::nullopt);
+    EXPECT_EQ(ImportCalibrations(history, source), std::nullopt);
     EXPECT_EQ(BytesOf(history), before);
     EXPECT_EQ(history.GetEntryCount(), static_cast<int>(own));
   }
@@ -274,11 +135,11 @@ TEST(Calibrations, WhatCannotBeTakenOverIsNotSaidToBe) {
 
   // A history that was itself read in part takes nothing in, since it could not be written.
   CCalibrationHistoryEntry broken;
-  EXPECT_FALSE(Parse(broken, nvx::test::First(CalibrationForm(TwoCurves()), 200)));
-  EXPECT_EQ(nvx::AddCalibration(broken, Named(u"x")), nullptr);
+  EXPECT_FALSE(Parse(broken, First(CalibrationForm(TwoCurves()), 200)));
+  EXPECT_EQ(AddCalibration(broken, Named(u"x")), nullptr);
   CCalibrationHistoryEntry good;
   ASSERT_TRUE(Parse(good, CalibrationForm(TwoCurves())));
-  EXPECT_EQ(nvx::ImportCalibrations(broken, good), std::nullopt);
+  EXPECT_EQ(ImportCalibrations(broken, good), std::nullopt);
 }
 
 std::unique_ptr<CCalibrationContainerEntry> Nested(int levels) {
@@ -329,16 +190,9 @@ TEST(Calibrations, ContainersThatAreTooDeepKeepTheirBytes) {
     const std::uint32_t type = i == 0 ? 21 : 20;
     form = ByteBuilder()
                .Text("ILAC")
-               .U32(20)
-               .U32(0x00010000)
-               .U32(1)
-               .U32(0)
+               .U32(20, 0x00010000, 1, 0)
                .Text("HEAC")
-               .U32(88)
-               .U32(size)
-               .U32(type)
-               .U32(i == 0 ? 9 : 10)
-               .U32(1)
+               .U32(88, size, type, i == 0 ? 9 : 10, 1)
                .Zero(64)
                .Text("DEAC")
                .Append(form);
@@ -367,7 +221,7 @@ TEST(Containers, AnEntryWithoutBytesStaysWithout) {
 
 TEST(Containers, ASecondEntryOfATypeIsToldOf) {
   CProfileAccess access;
-  ASSERT_TRUE(nvx::test::InitFromEntries(access, {{6, 6, TwoCurves()}, {6, 6, {1, 2, 3}}}));
+  ASSERT_TRUE(InitFromEntries(access, {{6, 6, TwoCurves()}, {6, 6, {1, 2, 3}}}));
   EXPECT_EQ(BytesOf(*access.GetProfileData()->GetProfileDataEntryFromList(6)), TwoCurves());
   CProfileData data;
   EXPECT_TRUE(data.SetProfileDataEntry(new CLinearizationEntry, 1));
@@ -375,22 +229,6 @@ TEST(Containers, ASecondEntryOfATypeIsToldOf) {
   EXPECT_EQ(data.GetProfileDataEntry(1, 6), data.GetProfileDataEntry(2, 6));
   EXPECT_FALSE(data.SetProfileDataEntry(nullptr, 1));
 }
-
-// Writes are cut off at a number of bytes as a full disk or a quota would.
-class FileSizeLimit {
- public:
-  explicit FileSizeLimit(rlim_t bytes) {
-    std::signal(SIGXFSZ, SIG_IGN);
-    ::getrlimit(RLIMIT_FSIZE, &before_);
-    rlimit limit = before_;
-    limit.rlim_cur = bytes;
-    ::setrlimit(RLIMIT_FSIZE, &limit);
-  }
-  ~FileSizeLimit() { ::setrlimit(RLIMIT_FSIZE, &before_); }
-
- private:
-  rlimit before_{};
-};
 
 TEST(Saves, AFormCutByTheSystemReplacesNothing) {
   const TempFolder folder;
@@ -402,14 +240,17 @@ TEST(Saves, AFormCutByTheSystemReplacesNothing) {
   ASSERT_TRUE(curves->DataToBuffer());
   ASSERT_EQ(data.Add(std::move(curves)), nullptr);
   {
-    const FileSizeLimit limit(50'000);
+    const ScopedFileSizeLimit limit(50'000);
     EXPECT_FALSE(CProfileFileCalibration().SaveData(folder.WideFile("old").c_str(), &data));
     CNvxFile file;
-    ASSERT_TRUE(file.Open(folder.WideFile("cut").c_str(), nvx::kGenericWrite, 0, nvx::kCreateAlways));
+    ASSERT_TRUE(file.Open(folder.WideFile("cut").c_str(), kGenericWrite, 0, kCreateAlways));
     const Bytes block(60'000);
     EXPECT_LT(file.Write(block.data(), 60'000), 60'000u);
     EXPECT_EQ(file.Write(block.data(), 1), 0u) << "the stream has failed for good";
     EXPECT_FALSE(file.Flush());
+    ASSERT_TRUE(file.Open(folder.WideFile("next").c_str(), kGenericWrite, 0, kCreateAlways));
+    EXPECT_EQ(file.Write(block.data(), 9), 9u) << "the failure was that of the file before";
+    EXPECT_TRUE(file.Flush());
   }
   EXPECT_EQ(ReadBytes(folder.File("old")), (Bytes{'o', 'l', 'd'}));
 }
@@ -418,20 +259,22 @@ TEST(Streams, OpenedForReadingRefusesToWrite) {
   const TempFolder folder;
   WriteBytes(folder.File("a"), {1, 2, 3});
   CNvxFile file;
-  ASSERT_TRUE(file.Open(folder.WideFile("a").c_str(), nvx::kGenericRead, 0, nvx::kOpenExisting));
+  ASSERT_TRUE(file.Open(folder.WideFile("a").c_str(), kGenericRead, 0, kOpenExisting));
   std::uint8_t byte = 0;
   ASSERT_EQ(file.Read(&byte, 1), 1u);
   EXPECT_EQ(file.Write("x", 1), 0u);
   EXPECT_EQ(file.GetPosition(), 1u);
   EXPECT_EQ(file.Read(&byte, 1), 1u);
   EXPECT_EQ(byte, 2);
+  ASSERT_TRUE(file.Open(folder.WideFile("b").c_str(), kGenericWrite, 0, kCreateAlways));
+  EXPECT_EQ(file.Write("x", 1), 1u) << "the next file is another matter";
 }
 
 TEST(Streams, NamesLeaveAloneWhatLiesBehindThem) {
   const TempFolder folder;
   WriteBytes(folder.File("name.bin"), {});
   CNvxFile file;
-  ASSERT_TRUE(file.Open(folder.WideFile("name.bin").c_str(), nvx::kGenericRead, 0, nvx::kOpenExisting));
+  ASSERT_TRUE(file.Open(folder.WideFile("name.bin").c_str(), kGenericRead, 0, kOpenExisting));
   std::u16string room(300, u'#');
   file.GetFileName(room.data());
   EXPECT_EQ(room.substr(0, 10), std::u16string(u"name.bin\0#", 10));
@@ -444,7 +287,7 @@ TEST(Streams, NamesLeaveAloneWhatLiesBehindThem) {
 
 // A model of the text-headed generation whose ICC entry a save of the current one would want on route 4.
 void FillTextRecord(_tagDeviceProfileInfo& info) {
-  info.LayoutNumber = nvx::kTextView;
+  info.LayoutNumber = kTextView;
   std::copy_n("Printer", 8, info.Text.Printer_Label);
   std::copy_n("Glossy", 7, info.Text.Media_Eng);
   std::copy_n(u"1234", 5, info.ModelCode);
@@ -458,7 +301,7 @@ TEST(Saves, AFailedSaveLeavesTheRecordOfTheOtherGeneration) {
   FillTextRecord(info);
   data.SetProfileDataEntry(new CLinearizationEntry, 4);
   const auto expectAsBefore = [&] {
-    EXPECT_EQ(info.LayoutNumber, nvx::kTextView);
+    EXPECT_EQ(info.LayoutNumber, kTextView);
     EXPECT_STREQ(info.Text.Printer_Label, "Printer");
     EXPECT_EQ(info.UpdateTimeValue, 0);
     EXPECT_EQ(info.ProfileMajorVersion, 0u);
@@ -466,7 +309,7 @@ TEST(Saves, AFailedSaveLeavesTheRecordOfTheOtherGeneration) {
   EXPECT_FALSE(CProfileFileQPFv3().SaveData(path.c_str(), &data, 4)) << "there is no ICC entry";
   expectAsBefore();
   auto* const icc = CProfileDataEntry::CreateDataEntry(CProfileDataEntry::kIcm);
-  SetBytes(*icc, nvx::test::IccFile({{"desc", nvx::test::DescriptionTag("frame")}}));
+  SetBytes(*icc, IccFile({{"desc", DescriptionTag("frame")}}));
   data.SetProfileDataEntry(icc, 4);
   data.SetProfileDataEntry(new CInfoEntry, 4);
   info.HasLargeParameter = true;
@@ -479,7 +322,7 @@ TEST(Saves, AFailedSaveLeavesTheRecordOfTheOtherGeneration) {
 
   ASSERT_TRUE(CProfileFileQPFv3().SaveData(path.c_str(), &data, 4));
   EXPECT_EQ(data.GetProfileRoute(4)->Entries().At(2), icc);
-  EXPECT_EQ(info.LayoutNumber, nvx::kBinaryView);
+  EXPECT_EQ(info.LayoutNumber, kBinaryView);
   EXPECT_EQ(info.Binary.ModelNumber, 1234u) << "what the text said went over";
   CProfileAccess access;
   CError error;
@@ -493,7 +336,7 @@ TEST(Record, CopiesOwnNothing) {
   {
     CProfileData source;
     _tagDeviceProfileInfo& info = *source.GetProfileInfo();
-    info.LayoutNumber = nvx::kBinaryView;
+    info.LayoutNumber = kBinaryView;
     info.Binary = {};
     tagMedia media;
     media.Language = 9;
@@ -594,3 +437,4 @@ TEST(Serializers, NullDataGiveFalse) {
 }
 
 }  // namespace
+}  // namespace nvx::test

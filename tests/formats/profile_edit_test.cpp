@@ -87,6 +87,11 @@ TEST_F(Edit, TakesBytesOutOfTheFileItself) {
   ASSERT_TRUE(edit.SetEntryBytes(7, *edit.EntryBytes(6)));
   EXPECT_EQ(BytesOf(edit, 7), longer);
   EXPECT_EQ(BytesOf(edit, 6), longer);
+  ASSERT_TRUE(edit.SetEntryHeader(7, {false, 4711, "label"}));
+  EXPECT_EQ(edit.EntryHeader(7)->optionInfo, 4711u);
+  EXPECT_EQ(edit.EntryHeader(7)->label, "label");
+  EXPECT_FALSE(edit.SetEntryHeader(30, {})) << "no such entry";
+  EXPECT_FALSE(edit.StoreHeaders()) << "a container has none";
 }
 
 TEST_F(Edit, RefusesTablesThatDoNotHold) {

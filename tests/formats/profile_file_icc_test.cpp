@@ -10,17 +10,8 @@
 #include <cstdlib>
 #include <memory>
 
+namespace nvx::test {
 namespace {
-
-using nvx::test::Bytes;
-using nvx::test::DescriptionTag;
-using nvx::test::First;
-using nvx::test::IccBytes;
-using nvx::test::IccWithTags;
-using nvx::test::Patched;
-using nvx::test::ReadBytes;
-using nvx::test::TempFolder;
-using nvx::test::WriteBytes;
 
 TEST(ProfileFileIcc, LoadsTheWholeFileAsOneEntry) {
   const TempFolder folder;
@@ -34,7 +25,7 @@ TEST(ProfileFileIcc, LoadsTheWholeFileAsOneEntry) {
     EXPECT_EQ(access.GetProfileLoadFormat(), 6);
     EXPECT_TRUE(access.IsICCRoot());
     EXPECT_FALSE(access.IsV3Route());
-    EXPECT_EQ(std::u16string(access.GetProfileInfo()->FileName), nvx::platform::Utf8ToWide(name));
+    EXPECT_EQ(std::u16string(access.GetProfileInfo()->FileName), platform::Utf8ToWide(name));
     EXPECT_EQ(access.GetProfileInfo()->LayoutNumber, 0u);
     EXPECT_EQ(access.GetProfileInfo()->OutputFourthValue, -1);
     EXPECT_EQ(access.GetProfileInfo()->OutputCodeA, 255);
@@ -100,7 +91,7 @@ TEST(ProfileFileIcc, EveryBrokenFileGetsTheMessage) {
   }
   files.push_back(Patched(good, 128, 0xFFFFFFFF));
   files.push_back(Patched(good, 136, 0xFFFFFFFF));
-  files.push_back(Patched(good, 144, nvx::LoadBig<std::uint32_t>(good.data() + 132)));
+  files.push_back(Patched(good, 144, LoadBig<std::uint32_t>(good.data() + 132)));
   for (const char* const name : {"bad.icc", "bad"}) {
     const std::u16string path = folder.WideFile(name);
     for (const Bytes& file : files) {
@@ -123,16 +114,16 @@ TEST(ProfileFileIcc, EveryBrokenFileGetsTheMessage) {
 }
 
 TEST(ProfileFileIcc, RealProfilesGoThroughLoadAndSave) {
-  for (const std::string& path : nvx::test::RealProfiles()) {
+  for (const std::string& path : RealProfiles()) {
     CProfileAccess access;
     CError error;
-    ASSERT_TRUE(access.Init(nvx::platform::Utf8ToWide(path).c_str(), &error)) << path;
+    ASSERT_TRUE(access.Init(platform::Utf8ToWide(path).c_str(), &error)) << path;
     CProfileDataEntry* const entry = access.GetProfileData()->GetProfileDataEntry(1, 10);
     EXPECT_EQ(Bytes(entry->GetRefBuffer(), entry->GetRefBuffer() + entry->GetSize()), ReadBytes(path));
     CNvxMemFile saved;
     ASSERT_TRUE(CProfileFileICC().SaveData(saved, access.GetProfileData(), 1)) << path;
     CICCProfile before, after;
-    ASSERT_TRUE(before.OpenPath(nvx::platform::Utf8ToWide(path).c_str(), false));
+    ASSERT_TRUE(before.OpenPath(platform::Utf8ToWide(path).c_str(), false));
     ASSERT_TRUE(after.OpenBuffer(saved.Buffer, saved.Position, false)) << path;
     EXPECT_EQ(after.GetProfileSize(), saved.Position);
     EXPECT_EQ(after.IsTagPresent("desc"), before.IsTagPresent("desc"));
@@ -141,3 +132,4 @@ TEST(ProfileFileIcc, RealProfilesGoThroughLoadAndSave) {
 }
 
 }  // namespace
+}  // namespace nvx::test

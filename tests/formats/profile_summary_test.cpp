@@ -15,21 +15,17 @@
 #include <algorithm>
 #include <random>
 
+namespace nvx::test {
 namespace {
-
-using nvx::ProfileSummary;
-using nvx::test::ByteBuilder;
-using nvx::test::Bytes;
-using nvx::test::WriteBytes;
 
 class Summary : public ::testing::Test {
  protected:
-  bool Read(const Bytes& bytes, ProfileSummary& summary, nvx::Diagnosis* diagnosis = nullptr) {
+  bool Read(const Bytes& bytes, ProfileSummary& summary, Diagnosis* diagnosis = nullptr) {
     WriteBytes(folder_.File("p"), bytes);
-    return nvx::SummarizeProfile(folder_.WideFile("p").c_str(), summary, diagnosis);
+    return SummarizeProfile(folder_.WideFile("p").c_str(), summary, diagnosis);
   }
 
-  nvx::test::TempFolder folder_;
+  TempFolder folder_;
 };
 
 void ExpectSameHeaders(const _tagDeviceProfileInfo& a, const _tagDeviceProfileInfo& b) {
@@ -52,13 +48,13 @@ TEST_F(Summary, IsThatOfALoad) {
   int calibrated = 0;
   for (int round = 0; round < 40; ++round) {
     CProfileData data;
-    nvx::test::FillRandomProfile(data, random);
-    ASSERT_TRUE(CProfileFileQPFv3().SaveData(path.c_str(), &data, nvx::kSaveCalibration));
+    FillRandomProfile(data, random);
+    ASSERT_TRUE(CProfileFileQPFv3().SaveData(path.c_str(), &data, kSaveCalibration));
     CProfileAccess access;
     CError error;
     ASSERT_TRUE(access.Init(path.c_str(), &error));
     ProfileSummary summary;
-    ASSERT_TRUE(nvx::SummarizeProfile(path.c_str(), summary));
+    ASSERT_TRUE(SummarizeProfile(path.c_str(), summary));
     EXPECT_EQ(summary.format, access.GetProfileLoadFormat());
     ExpectSameHeaders(*summary.headers.GetProfileInfo(), *access.GetProfileInfo());
     std::int32_t code = -1;
@@ -70,28 +66,28 @@ TEST_F(Summary, IsThatOfALoad) {
 }
 
 TEST_F(Summary, OfTextHeadedProfilesIsThatOfALoad) {
-  const nvx::test::LegacyFolder legacy;
-  ASSERT_TRUE(nvx::test::WriteLegacyProfile(legacy.File("p.qpf"), {6, 10}, {7}));
+  const LegacyFolder legacy;
+  ASSERT_TRUE(WriteLegacyProfile(legacy.File("p.qpf"), {6, 10}, {7}));
   CProfileAccess access;
   CError error;
   ASSERT_TRUE(access.Init(legacy.WideFile("p.qpf").c_str(), &error));
   ProfileSummary summary;
-  ASSERT_TRUE(nvx::SummarizeProfile(legacy.WideFile("p.qpf").c_str(), summary));
+  ASSERT_TRUE(SummarizeProfile(legacy.WideFile("p.qpf").c_str(), summary));
   EXPECT_EQ(summary.format, 3);
   ExpectSameHeaders(*summary.headers.GetProfileInfo(), *access.GetProfileInfo());
 }
 
 // A history of a target and calibrations with these codes and times; the bodies are missing.
 Bytes HistoryTag(const std::vector<std::pair<std::uint32_t, std::int64_t>>& calibrations, std::uint32_t count) {
-  ByteBuilder tag = nvx::test::Opening();
-  tag.Text("ILAC").U32(20).U32(0x00010000).U32(count).U32(9);
-  tag.Text("HEAC").U32(88).U32(4).U32(21).U32(9).U32(1).U32(0).Zero(60);
+  ByteBuilder tag = Opening();
+  tag.Text("ILAC").U32(20, 0x00010000, count, 9);
+  tag.Text("HEAC").U32(88, 4, 21, 9, 1, 0).Zero(60);
   for (const auto& [code, time] : calibrations) {
-    tag.Text("HEAC").U32(88).U32(4).U32(20).U32(10).U32(1).U32(code).U32(5);
+    tag.Text("HEAC").U32(88, 4, 20, 10, 1, code, 5);
     tag.U64(static_cast<std::uint64_t>(time)).Wide(u"Monday", 20).Zero(8);
   }
   for (std::size_t i = 0; i <= calibrations.size(); ++i) tag.Text("DEAC");
-  return nvx::test::Padded(tag);
+  return Padded(tag);
 }
 
 Bytes ProfileWith(const Bytes& history) {
@@ -145,18 +141,18 @@ TEST_F(Summary, RefusesHeadersThatLieAndNamesThem) {
       {IccFile({{"NVX1", First(entries, 396)}, {"NVX2", media}}), "header block: cut short"},
       {IccFile({{"NVX1", entries}}), "private tag: missing"},
       {IccFile({{"NVX1", entries}, {"NVX2", lying}}), "media names: count beyond the end"},
-      {ByteBuilder().U8(0x20).Text("TCQ").U32(32).U32(7).Zero(20), "container header: wrong version"},
+      {ByteBuilder().U8(0x20).Text("TCQ").U32(32, 7).Zero(20), "container header: wrong version"},
   };
   for (const auto& [bytes, rule] : cases) {
     ProfileSummary summary;
-    nvx::Diagnosis diagnosis;
+    Diagnosis diagnosis;
     EXPECT_FALSE(Read(bytes, summary, &diagnosis)) << rule;
     ASSERT_TRUE(diagnosis.HasErrors()) << rule;
     EXPECT_EQ(diagnosis.Findings().back().rule, rule);
   }
   ProfileSummary summary;
-  EXPECT_FALSE(nvx::SummarizeProfile(u"/no/such/file", summary));
-  EXPECT_FALSE(nvx::SummarizeProfile(nullptr, summary));
+  EXPECT_FALSE(SummarizeProfile(u"/no/such/file", summary));
+  EXPECT_FALSE(SummarizeProfile(nullptr, summary));
 }
 
 // Every byte of the file is broken once, and it is cut at many lengths: nothing but a summary or a refusal.
@@ -166,12 +162,13 @@ TEST_F(Summary, SurvivesBrokenHeaders) {
     Bytes broken = whole;
     broken[i] ^= 0xFF;
     ProfileSummary one;
-    nvx::Diagnosis diagnosis;
+    Diagnosis diagnosis;
     EXPECT_TRUE(Read(broken, one, &diagnosis) || diagnosis.HasErrors());
     if (i % 7 != 0) continue;
     ProfileSummary two;
-    EXPECT_FALSE(Read(nvx::test::First(whole, i), two)) << i;
+    EXPECT_FALSE(Read(First(whole, i), two)) << i;
   }
 }
 
 }  // namespace
+}  // namespace nvx::test

@@ -295,7 +295,7 @@ TEST(Qpf, DetectionGoesByTheVersionWord) {
 
 TEST(Qpf, LaterTagsBecomeOneEntryEach) {
   CProfileData data;
-  const Bytes special = ByteBuilder().Text("RCPS").U32(32).U32(1).U32(0).U32(1).U32(0).Zero(8);
+  const Bytes special = ByteBuilder().Text("RCPS").U32(32, 1, 0, 1, 0).Zero(8);
   ASSERT_TRUE(Load(File({Placeholder()}, {{"NVX3", RouteTag({7})},
                                           {"NVX4", RouteTag({1, 2, 3})},
                                           {"NVX5", RouteTag(MaskStream(3))},
@@ -314,7 +314,7 @@ TEST(Qpf, LaterTagsBecomeOneEntryEach) {
 
   // One block of type 5 is the other class, whatever follows; too short a tag is the first.
   CProfileData patterns;
-  const Bytes type5 = ByteBuilder().U32(2).U32(0).U32(1).Zero(8).Text("TFEW").U32(24).U32(5).Zero(12);
+  const Bytes type5 = ByteBuilder().U32(2, 0, 1).Zero(8).Text("TFEW").U32(24, 5).Zero(12);
   ASSERT_TRUE(Load(File({Placeholder()}, {{"NVX5", RouteTag(type5)}}), patterns));
   EXPECT_THAT(TypesOn(patterns, 8), ElementsAre(29));
   CProfileData cut;

@@ -13,13 +13,8 @@
 #include <cstring>
 #include <random>
 
+namespace nvx::test {
 namespace {
-
-using nvx::test::EntryImage;
-using nvx::test::FillRandomProfile;
-using nvx::test::FillRandomRoute;
-using nvx::test::ImagesOf;
-using nvx::test::TempFolder;
 
 constexpr int kRounds = 60;
 
@@ -54,7 +49,7 @@ TEST(RandomProfiles, TheCurrentGenerationComesBackAsItWas) {
   for (int round = 0; round < kRounds; ++round) {
     CProfileData data;
     FillRandomProfile(data, random);
-    ASSERT_TRUE(CProfileFileQPFv3().SaveData(path.c_str(), &data, nvx::kRouteCalibration));
+    ASSERT_TRUE(CProfileFileQPFv3().SaveData(path.c_str(), &data, kRouteCalibration));
     CProfileAccess access;
     CError error;
     ASSERT_TRUE(access.Init(path.c_str(), &error));
@@ -70,7 +65,7 @@ TEST(RandomProfiles, TheCurrentGenerationComesBackAsItWas) {
       ASSERT_TRUE(loaded.IsSpecifiedRoute(route->GetRouteType())) << route->GetRouteType();
       auto expected = ImagesOf(*route);
       auto actual = ImagesOf(*loaded.GetProfileRoute(route->GetRouteType()));
-      if (route->GetRouteType() == nvx::kRouteMain) {
+      if (route->GetRouteType() == kRouteMain) {
         // The ICC entry came out of the frame.
         ASSERT_EQ(actual.back().usedType, 10u);
         actual.back().bytes = expected.back().bytes;
@@ -83,12 +78,12 @@ TEST(RandomProfiles, TheCurrentGenerationComesBackAsItWas) {
 }
 
 TEST(RandomProfiles, TextHeadedProfilesComeBackAsTheyWere) {
-  const nvx::test::LegacyFolder folder;
+  const LegacyFolder folder;
   const std::u16string path = folder.WideFile("random.qpf");
   std::mt19937 random(3);
   for (int round = 0; round < kRounds / 2; ++round) {
     CProfileData data;
-    nvx::test::FillLegacyProfile(data, {}, {});
+    FillLegacyProfile(data, {}, {});
     FillRandomRoute(data, 1, random);
     // Entries of types that route 1 has already are those of route 1.
     FillRandomRoute(data, 2, random);
@@ -105,3 +100,4 @@ TEST(RandomProfiles, TextHeadedProfilesComeBackAsTheyWere) {
 }
 
 }  // namespace
+}  // namespace nvx::test

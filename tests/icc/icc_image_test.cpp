@@ -9,19 +9,8 @@
 #include <map>
 #include <random>
 
+namespace nvx::test {
 namespace {
-
-using nvx::IccImage;
-using nvx::LoadBig;
-using nvx::Signature;
-using nvx::test::BigBuilder;
-using nvx::test::Bytes;
-using nvx::test::First;
-using nvx::test::IccBytes;
-using nvx::test::IccHeaderBytes;
-using nvx::test::IccPart;
-using nvx::test::IccWithTags;
-using nvx::test::Patched;
 
 Bytes ImageOf(const IccImage& image) {
   Bytes out(static_cast<std::size_t>(image.Size()), 0xEE);
@@ -39,7 +28,7 @@ std::string TagText(const IccImage& image, std::uint32_t signature) {
   return tag ? std::string(tag->begin(), tag->end()) : "none";
 }
 
-std::string HexOf(const nvx::Md5Digest& digest) {
+std::string HexOf(const Md5Digest& digest) {
   std::string text;
   for (const std::uint8_t byte : digest) {
     for (const int digit : {byte >> 4, byte & 15}) text += "0123456789abcdef"[digit];
@@ -49,7 +38,7 @@ std::string HexOf(const nvx::Md5Digest& digest) {
 
 TEST(Md5, GivesThePublishedDigests) {
   const auto digest = [](std::string_view text, std::size_t step) {
-    nvx::Md5 md5;
+    Md5 md5;
     for (std::size_t i = 0; i < text.size(); i += step) md5.Update(text.data() + i, std::min(step, text.size() - i));
     return HexOf(md5.Finish());
   };
@@ -89,8 +78,8 @@ TEST(IccImage, LaysOutAnEditedImage) {
 
   BigBuilder expected;
   expected.Append(IccHeaderBytes(216)).U32(5);
-  expected.Text("bbbb").U32(196).U32(5).Text("aaaa").U32(192).U32(3).Text("same").U32(196).U32(5);
-  expected.Text("new1").U32(204).U32(5).Text("new2").U32(212).U32(1);
+  expected.Text("bbbb").U32(196, 5).Text("aaaa").U32(192, 3).Text("same").U32(196, 5);
+  expected.Text("new1").U32(204, 5).Text("new2").U32(212, 1);
   expected.Text("xxx").Zero(1).Text("yyyyy").Zero(3).Text("12345").Zero(3).Text("6").Zero(3);
   EXPECT_EQ(ImageOf(*image), static_cast<const Bytes&>(expected));
   EXPECT_EQ(image->Header().phSize, 216u);
@@ -106,9 +95,9 @@ TEST(IccImage, AProfileIDLeavesOutFlagsIntentAndItself) {
   std::fill_n(hashed.begin() + 44, 4, std::uint8_t{0});
   std::fill_n(hashed.begin() + 64, 4, std::uint8_t{0});
   std::fill_n(hashed.begin() + 84, 16, std::uint8_t{0});
-  nvx::Md5 md5;
+  Md5 md5;
   md5.Update(hashed.data(), hashed.size());
-  const nvx::Md5Digest digest = md5.Finish();
+  const Md5Digest digest = md5.Finish();
   EXPECT_EQ(Bytes(composed.begin() + 84, composed.begin() + 100), Bytes(digest.begin(), digest.end()));
 }
 
@@ -172,7 +161,7 @@ TEST(IccImage, RefusesWhatIsBrokenAndSaysWhere) {
       {Patched(good, 144, Signature("desc")), 144, "ICC tag table: signature stands twice"},
   };
   for (const Refusal& c : cases) {
-    nvx::Diagnosis diagnosis;
+    Diagnosis diagnosis;
     EXPECT_EQ(IccImage::Open(c.bytes), nullptr) << c.rule;
     EXPECT_EQ(IccImage::Open(c.bytes, &diagnosis), nullptr) << c.rule;
     ASSERT_EQ(diagnosis.Findings().size(), 1u) << c.rule;
@@ -191,7 +180,7 @@ TEST(IccImage, RefusesWhatIsBrokenAndSaysWhere) {
 TEST(IccImage, OddProfilesOpenWithAWarningOfEachKind) {
   Bytes bytes = IccBytes({{"aaaa", 169, 3}, {"bbbb", 171, 1}, {"none", 0, 0}}, BigBuilder().Text("?xxx"));
   bytes.push_back(0);
-  nvx::Diagnosis diagnosis;
+  Diagnosis diagnosis;
   const auto image = IccImage::Open(bytes, &diagnosis);
   ASSERT_NE(image, nullptr);
   EXPECT_FALSE(diagnosis.HasErrors());
@@ -208,7 +197,7 @@ TEST(IccImage, HoldsAnyNumberOfTags) {
   constexpr std::uint32_t kCount = 200'000;
   BigBuilder builder;
   builder.Append(IccHeaderBytes(132 + 12 * kCount + 4)).U32(kCount);
-  for (std::uint32_t i = 0; i < kCount; ++i) builder.U32(i * 2654435761u).U32(132 + 12 * kCount).U32(4);
+  for (std::uint32_t i = 0; i < kCount; ++i) builder.U32(i * 2654435761u, 132 + 12 * kCount, 4);
   const Bytes& bytes = builder.Text("data");
   const auto image = IccImage::Open(bytes);
   ASSERT_NE(image, nullptr);
@@ -308,9 +297,10 @@ TEST(IccImage, AgreesWithAMapOfTagsUnderRandomEdits) {
       return std::equal(out.begin(), out.end(), composed.begin(), composed.end());
     }));
     std::uint32_t size = 0;
-    const nvx::Block released = std::move(*image).Release(size);
+    const Block released = std::move(*image).Release(size);
     ASSERT_TRUE(std::equal(composed.begin(), composed.end(), released.get(), released.get() + size)) << round;
   }
 }
 
 }  // namespace
+}  // namespace nvx::test

@@ -10,17 +10,8 @@
 #include <cstdlib>
 #include <limits>
 
+namespace nvx::test {
 namespace {
-
-using nvx::test::BigBuilder;
-using nvx::test::Bytes;
-using nvx::test::DescriptionTag;
-using nvx::test::First;
-using nvx::test::IccBytes;
-using nvx::test::IccWithTags;
-using nvx::test::ReadBytes;
-using nvx::test::TempFolder;
-using nvx::test::WriteBytes;
 
 bool Open(CICCProfile& profile, const Bytes& bytes, bool headerOnly = false) {
   return profile.OpenBuffer(bytes.data(), static_cast<std::uint32_t>(bytes.size()), headerOnly);
@@ -56,7 +47,7 @@ TEST(IccProfile, OpensBuffersPathsAndStreamsOrHoldsNothing) {
   EXPECT_FALSE(profile.IsTagPresent("desc"));
 
   CNvxFile file;
-  ASSERT_TRUE(file.Open(folder.WideFile("a.icc").c_str(), nvx::kGenericRead, nvx::kShareRead, nvx::kOpenExisting));
+  ASSERT_TRUE(file.Open(folder.WideFile("a.icc").c_str(), kGenericRead, kShareRead, kOpenExisting));
   ASSERT_TRUE(profile.OpenStream(file));
   EXPECT_EQ(ImageOf(profile), bytes);
 
@@ -108,6 +99,10 @@ TEST(IccProfile, TagsAreReadInTwoSteps) {
   EXPECT_TRUE(profile.GetTag("cprt", room, size));
   EXPECT_EQ(size, 4u);
   EXPECT_EQ(std::string(room, room + 4), "cprt");
+  EXPECT_EQ(profile.GetRefTag("none", size), nullptr);
+  ASSERT_TRUE(profile.SetTag("one ", "1", 1));
+  ASSERT_NE(profile.GetRefTag("one ", size), nullptr);
+  EXPECT_EQ(size, 1u);
   EXPECT_EQ(CICCProfile::MakeTagSignature("desc"), 0x64657363u);
   EXPECT_EQ(CICCProfile::MakeTagSignature("ab"), 0x61620000u);
 }
@@ -149,27 +144,27 @@ TEST(IccProfile, CountsChannels) {
 }
 
 TEST(IccHeader, TellsItsFields) {
-  nvx::IccDirectory directory;
+  IccDirectory directory;
   const Bytes bytes = IccWithTags({"desc", "cprt"});
-  ASSERT_TRUE(nvx::ReadIccDirectory(bytes.data(), bytes.size(), directory));
-  const nvx::IccHeader& header = directory.header;
+  ASSERT_TRUE(ReadIccDirectory(bytes.data(), bytes.size(), directory));
+  const IccHeader& header = directory.header;
   EXPECT_EQ(header.phSize, 164u);
-  EXPECT_EQ(header.phCMMType, nvx::Signature("cmm1"));
+  EXPECT_EQ(header.phCMMType, Signature("cmm1"));
   EXPECT_EQ(header.phVersion, 0x02100000u);
-  EXPECT_EQ(header.phClass, nvx::Signature("prtr"));
-  EXPECT_EQ(header.phConnectionSpace, nvx::Signature("Lab "));
+  EXPECT_EQ(header.phClass, Signature("prtr"));
+  EXPECT_EQ(header.phConnectionSpace, Signature("Lab "));
   EXPECT_EQ(header.phDateTime[0], 2024);
   EXPECT_EQ(header.phDateTime[5], 56);
-  EXPECT_EQ(header.phPlatform, nvx::Signature("APPL"));
+  EXPECT_EQ(header.phPlatform, Signature("APPL"));
   EXPECT_EQ(header.phProfileFlags, 1u);
-  EXPECT_EQ(header.phModel, nvx::Signature("modl"));
+  EXPECT_EQ(header.phModel, Signature("modl"));
   EXPECT_EQ(header.phAttributes, 3u);
   EXPECT_EQ(header.phRenderingIntent, 2u);
   EXPECT_EQ(header.phIlluminant[2], 0xD32D);
-  EXPECT_EQ(header.phCreator, nvx::Signature("crea"));
+  EXPECT_EQ(header.phCreator, Signature("crea"));
   ASSERT_EQ(directory.tags.size(), 2u);
-  EXPECT_EQ(directory.Find(nvx::Signature("cprt"))->offset, 160u);
-  EXPECT_EQ(directory.Find(nvx::Signature("none")), nullptr);
+  EXPECT_EQ(directory.Find(Signature("cprt"))->offset, 160u);
+  EXPECT_EQ(directory.Find(Signature("none")), nullptr);
 }
 
 TEST(IccBufferAccess, ReadsAndWritesBigEndian) {
@@ -214,41 +209,23 @@ CICCTextDescription Parsed(const Bytes& bytes) {
 
 TEST(IccTextDescription, TakesATagApartAndPutsItTogether) {
   const Bytes mac(67, 0x4D);
-  const Bytes tag = BigBuilder()
-                        .Text("desc")
-                        .U32(0x01020304)
-                        .U32(4)
-                        .Text("old")
-                        .U8(0)
-                        .U32(0x656E5553)
-                        .U32(0)
-                        .U16(0x1234)
-                        .U8(5)
-                        .Append(mac);
+  const Bytes tag =
+      BigBuilder().Text("desc").U32(0x01020304, 4).Text("old").U8(0).U32(0x656E5553, 0).U16(0x1234).U8(5).Append(mac);
   CICCTextDescription description = Parsed(tag);
   EXPECT_EQ(description.GetAsciiDescription(), "old");
   EXPECT_EQ(Serialized(description), tag);
 
   description.SetAsciiDescription("");
   description.SetUnicodeDescription(u"ab");
-  const Bytes changed = BigBuilder()
-                            .Text("desc")
-                            .U32(0x01020304)
-                            .U32(0)
-                            .U32(0x656E5553)
-                            .U32(3)
-                            .Wide(u"ab")
-                            .U16(0)
-                            .U16(0x1234)
-                            .U8(5)
-                            .Append(mac);
+  const Bytes changed =
+      BigBuilder().Text("desc").U32(0x01020304, 0, 0x656E5553, 3).Wide(u"ab").U16(0, 0x1234).U8(5).Append(mac);
   EXPECT_EQ(Serialized(description), changed);
   EXPECT_EQ(Parsed(changed).GetUnicodeDescription(), std::u16string(u"ab\0", 3)) << "the terminator counts";
   EXPECT_EQ(Serialized(CICCTextDescription()), Bytes(BigBuilder().Text("desc").Zero(19)));
 
   Bytes room(10, 0xEE);
   EXPECT_TRUE(description.Serialize(room.data(), 9));
-  EXPECT_EQ(room, Bytes(BigBuilder().Text("desc").U32(0x01020304).U8(0).U8(0xEE))) << "no byte beyond the block";
+  EXPECT_EQ(room, Bytes(BigBuilder().Text("desc").U32(0x01020304).U8(0, 0xEE))) << "no byte beyond the block";
 }
 
 TEST(IccTextDescription, SurvivesEveryTruncationAndHostileCounts) {
@@ -261,9 +238,9 @@ TEST(IccTextDescription, SurvivesEveryTruncationAndHostileCounts) {
       EXPECT_EQ(Serialized(description), whole) << "a full Macintosh part again";
     }
   }
-  const Bytes counts = BigBuilder().Text("desc").U32(0).U32(0xFFFFFFFF).Text("abc");
+  const Bytes counts = BigBuilder().Text("desc").U32(0, 0xFFFFFFFF).Text("abc");
   EXPECT_EQ(Parsed(counts).GetAsciiDescription(), "abc");
-  const Bytes unicode = BigBuilder().Text("desc").U32(0).U32(0).U32(0).U32(0xFFFFFFFF).Wide(u"xyz").U8(1);
+  const Bytes unicode = BigBuilder().Text("desc").U32(0, 0, 0, 0xFFFFFFFF).Wide(u"xyz").U8(1);
   EXPECT_EQ(Parsed(unicode).GetUnicodeDescription(), u"xyz");
 }
 
@@ -274,33 +251,23 @@ Bytes Rewritten(const Bytes& tag, const char* name) {
   CICCProfile profile;
   EXPECT_TRUE(Open(profile, IccBytes({{"desc", 144, size}}, tag)));
   CNvxFile file;
-  EXPECT_TRUE(file.Open(folder.WideFile(name).c_str(), nvx::kGenericWrite, nvx::kNoShare, nvx::kCreateAlways));
-  nvx::RewriteDescription(profile, file);
+  EXPECT_TRUE(file.Open(folder.WideFile(name).c_str(), kGenericWrite, kNoShare, kCreateAlways));
+  RewriteDescription(profile, file);
   return TagOf(profile, "desc");
 }
 
 TEST(IccDescription, TakesTheNameOfTheFile) {
   const Bytes tag = Rewritten(DescriptionTag("old name"), "a.icc");
-  EXPECT_EQ(tag, Bytes(BigBuilder()
-                           .Text("desc")
-                           .U32(0)
-                           .U32(6)
-                           .Text("a.icc")
-                           .U8(0)
-                           .U32(0)
-                           .U32(6)
-                           .Wide(u"a.icc")
-                           .U16(0)
-                           .U16(0)
-                           .U8(0)
-                           .Zero(67)));
+  EXPECT_EQ(
+      tag,
+      Bytes(BigBuilder().Text("desc").U32(0, 6).Text("a.icc").U8(0).U32(0, 6).Wide(u"a.icc").U16(0, 0).U8(0).Zero(67)));
   EXPECT_EQ(Rewritten(tag, "a.icc").size(), tag.size()) << "again and again without growing";
-  const Bytes localized = BigBuilder().Text("mluc").U32(0).U32(0).U32(12);
+  const Bytes localized = BigBuilder().Text("mluc").U32(0, 0, 12);
   EXPECT_EQ(Rewritten(localized, "a.icc"), localized) << "another type is left alone";
 }
 
 TEST(IccDescription, CutsLongNamesBetweenCharacters) {
-  const nvx::test::ScopedVariable page("NVXPROFILE_CODEPAGE", "932");
+  const ScopedVariable page("NVXPROFILE_CODEPAGE", "932");
   std::string name(64, 'x');
   for (int i = 0; i < 40; ++i) name += "\xE3\x81\x82";  // HIRAGANA LETTER A, two bytes in code page 932
   const CICCTextDescription description = Parsed(Rewritten(DescriptionTag(""), name.c_str()));
@@ -312,6 +279,11 @@ TEST(IccDescription, CutsLongNamesBetweenCharacters) {
   const CICCTextDescription cut = Parsed(Rewritten(DescriptionTag(""), std::string(150, 'y').c_str()));
   EXPECT_EQ(cut.GetAsciiDescription(), std::string(127, 'y'));
   EXPECT_EQ(cut.GetUnicodeDescription(), std::u16string(127, u'y') + u'\0');
+  const std::string halved = std::string(126, 'z') + "😀";
+  EXPECT_EQ(Parsed(Rewritten(DescriptionTag(""), halved.c_str())).GetUnicodeDescription(),
+            std::u16string(126, u'z') + u'\0')
+      << "no half of a pair";
 }
 
 }  // namespace
+}  // namespace nvx::test

@@ -7,13 +7,8 @@
 #include <cstring>
 #include <memory>
 
+namespace nvx::test {
 namespace {
-
-using nvx::test::Bytes;
-using nvx::test::IccWithTags;
-using nvx::test::ReadBytes;
-using nvx::test::TempFolder;
-using nvx::test::WriteBytes;
 
 void Fill(CProfileDataEntry& entry, const Bytes& bytes) {
   std::copy(bytes.begin(), bytes.end(), entry.GetBuffer(static_cast<std::uint32_t>(bytes.size())));
@@ -102,3 +97,4 @@ TEST(IcmEntry, ImportTakesOverTheType) {
 }
 
 }  // namespace
+}  // namespace nvx::test

@@ -12,13 +12,8 @@
 #include <string>
 #include <vector>
 
+namespace nvx::test {
 namespace {
-
-using nvx::IccImage;
-using nvx::Signature;
-using nvx::test::Bytes;
-using nvx::test::ReadBytes;
-using nvx::test::RealProfiles;
 
 // What Little CMS sees of an image.
 class Judge {
@@ -141,7 +136,7 @@ TEST_P(RealProfile, SurvivesEdits) {
 
   Bytes edited(static_cast<std::size_t>(image->Size()), 0xEE);
   ASSERT_TRUE(image->CopyTo(edited));
-  ASSERT_EQ(nvx::LoadBig<std::uint32_t>(edited.data()), edited.size());
+  ASSERT_EQ(LoadBig<std::uint32_t>(edited.data()), edited.size());
   ASSERT_EQ(edited.size() % 4, 0u);
   Judge after(edited);
   ASSERT_TRUE(after.Opens());
@@ -154,9 +149,9 @@ TEST_P(RealProfile, SurvivesEdits) {
     }
   }
   EXPECT_EQ(after.ColorsInSrgb(), before.ColorsInSrgb());
-  nvx::IccDirectory directory;
-  ASSERT_TRUE(nvx::ReadIccDirectory(edited.data(), edited.size(), directory));
-  for (const nvx::IccTag& tag : directory.tags) {
+  IccDirectory directory;
+  ASSERT_TRUE(ReadIccDirectory(edited.data(), edited.size(), directory));
+  for (const IccTag& tag : directory.tags) {
     for (std::uint32_t i = tag.offset + tag.size; i % 4 != 0; ++i) EXPECT_EQ(edited[i], 0) << "padding";
     EXPECT_EQ(tag.offset % 4, 0u);
   }
@@ -221,9 +216,9 @@ TEST(RealProfiles, AreOfAllKinds) {
     const Bytes stored = judge.StoredID();
     withID += stored != Bytes(16);
     agreeing += stored != Bytes(16) && judge.ComputedID() == stored;
-    nvx::IccDirectory directory;
+    IccDirectory directory;
     const Bytes bytes = ReadBytes(path);
-    ASSERT_TRUE(nvx::ReadIccDirectory(bytes.data(), bytes.size(), directory));
+    ASSERT_TRUE(ReadIccDirectory(bytes.data(), bytes.size(), directory));
     ++spaces[directory.header.phDataColorSpace];
   }
   EXPECT_GE(paths.size(), 45u);
@@ -235,3 +230,4 @@ TEST(RealProfiles, AreOfAllKinds) {
 }
 
 }  // namespace
+}  // namespace nvx::test

@@ -6,11 +6,11 @@
 
 #include <ctime>
 
+namespace nvx::test {
 namespace {
 
-using nvx::platform::CurrentTime;
-using nvx::platform::LocalTime;
-using nvx::test::ScopedVariable;
+using platform::CurrentTime;
+using platform::LocalTime;
 
 TEST(Clock, SourceDateEpochStandsForTheClock) {
   const ScopedVariable epoch("SOURCE_DATE_EPOCH", "1700000000");
@@ -41,3 +41,4 @@ TEST(Clock, LocalTimeFollowsTheZone) {
 }
 
 }  // namespace
+}  // namespace nvx::test

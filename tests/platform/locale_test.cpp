@@ -6,17 +6,16 @@
 
 #include <string>
 
+namespace nvx::test {
 namespace {
 
-using nvx::platform::AnsiCodePage;
-using nvx::platform::AnsiToWide;
-using nvx::platform::CutAnsi;
-using nvx::platform::PrimaryLanguage;
-using nvx::platform::Utf8ToWide;
-using nvx::platform::WideToAnsi;
-using nvx::platform::WideToUtf8;
-using nvx::test::ScopedLanguage;
-using nvx::test::ScopedVariable;
+using platform::AnsiCodePage;
+using platform::AnsiToWide;
+using platform::CutAnsi;
+using platform::PrimaryLanguage;
+using platform::Utf8ToWide;
+using platform::WideToAnsi;
+using platform::WideToUtf8;
 
 TEST(Locale, LanguageAndCodePage) {
   const struct {
@@ -105,7 +104,7 @@ TEST(Locale, NoByteIsLost) {
     const ScopedVariable page("NVXPROFILE_CODEPAGE", std::to_string(item.page));
     for (int value = 1; value < 256; ++value) {
       const char byte = static_cast<char>(value);
-      if (nvx::platform::IsLeadByte(item.page, byte)) continue;
+      if (platform::IsLeadByte(item.page, byte)) continue;
       const std::u16string wide = AnsiToWide({&byte, 1});
       ASSERT_EQ(wide.size(), 1u) << item.page << ' ' << value;
       EXPECT_EQ(WideToAnsi(wide), std::string(1, byte)) << item.page << ' ' << value;
@@ -146,9 +145,13 @@ TEST(Locale, Utf8BothWays) {
   const std::u16string wide = u"aé光\xD83D\xDE00";
   EXPECT_EQ(Utf8ToWide("aé光😀"), wide);
   EXPECT_EQ(WideToUtf8(wide), "aé光😀");
+  EXPECT_EQ(Utf8ToWide("\xEF\xBF\xBF|\xF0\x90\x80\x80|\xF4\x8F\xBF\xBF"), u"\xFFFF|\xD800\xDC00|\xDBFF\xDFFF");
+  EXPECT_EQ(WideToUtf8(u"\x7F\x80\x7FF\x800\xFFFF\xD800\xDC00\xDBFF\xDFFF"),
+            "\x7F\xC2\x80\xDF\xBF\xE0\xA0\x80\xEF\xBF\xBF\xF0\x90\x80\x80\xF4\x8F\xBF\xBF");
   EXPECT_EQ(WideToUtf8(u"\xD83Dx\xDE00"), "\xEF\xBF\xBDx\xEF\xBF\xBD");
   EXPECT_EQ(Utf8ToWide("\xC0\x80|\xED\xA0\x80|\xF5|\xE5\x85|\x80|\xE5\x85"),
             u"\xFFFD\xFFFD|\xFFFD|\xFFFD|\xFFFD|\xFFFD|\xFFFD");
 }
 
 }  // namespace
+}  // namespace nvx::test

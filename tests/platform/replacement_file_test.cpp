@@ -13,14 +13,9 @@
 #include <functional>
 #include <optional>
 
+namespace nvx::test {
 namespace {
 
-using nvx::test::Bytes;
-using nvx::test::ReadBytes;
-using nvx::test::ScopedFileSizeLimit;
-using nvx::test::ScopedVariable;
-using nvx::test::TempFolder;
-using nvx::test::WriteBytes;
 namespace fs = std::filesystem;
 
 constexpr int kSkipped = 77;
@@ -47,7 +42,7 @@ bool LeaveProc(const TempFolder& folder) {
 }
 
 bool Save(const std::u16string& path, const Bytes& bytes, bool good = true) {
-  return nvx::SaveByReplacing(path.c_str(), [&](CNvxFile& file) {
+  return SaveByReplacing(path.c_str(), [&](CNvxFile& file) {
     return file.Write(bytes.data(), static_cast<std::uint32_t>(bytes.size())) == bytes.size() && good;
   });
 }
@@ -90,7 +85,7 @@ class SealedFolder : public testing::Test {
   int SaveAsNobody(const std::function<bool(CNvxFile&)>& write) {
     return InChild([&] {
       if (!BecomeNobody()) return kSkipped;
-      return nvx::SaveByReplacing(folder_.WideFile("p.icc").c_str(), write) ? 1 : 0;
+      return SaveByReplacing(folder_.WideFile("p.icc").c_str(), write) ? 1 : 0;
     });
   }
   void ExpectContent(const Bytes& bytes) {
@@ -128,12 +123,12 @@ TEST_F(SealedFolder, KeepsTheOldContentWhereASaveFails) {
   const int full = InChild([&] {
     if (!BecomeNobody()) return kSkipped;
     std::optional<ScopedFileSizeLimit> limit;
-    return nvx::SaveByReplacing(folder_.WideFile("p.icc").c_str(),
-                                [&](CNvxFile& file) {
-                                  const bool whole = write(file) && file.Flush();
-                                  limit.emplace(60'000);
-                                  return whole;
-                                })
+    return SaveByReplacing(folder_.WideFile("p.icc").c_str(),
+                           [&](CNvxFile& file) {
+                             const bool whole = write(file) && file.Flush();
+                             limit.emplace(60'000);
+                             return whole;
+                           })
                ? 1
                : 0;
   });
@@ -149,3 +144,4 @@ TEST_F(SealedFolder, KeepsTheOldContentWhereASaveFails) {
 }
 
 }  // namespace
+}  // namespace nvx::test

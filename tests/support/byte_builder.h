@@ -10,11 +10,16 @@ namespace nvx::test {
 
 class ByteBuilder {
  public:
-  ByteBuilder& U8(std::uint32_t value) { return Little(value, 1); }
-  ByteBuilder& U16(std::uint32_t value) { return Little(value, 2); }
-  ByteBuilder& U32(std::uint32_t value) { return Little(value, 4); }
-  ByteBuilder& U64(std::uint64_t value) { return Little(value, 8); }
-  ByteBuilder& I32(std::int32_t value) { return U32(static_cast<std::uint32_t>(value)); }
+  // One number after another.
+  ByteBuilder& U8(std::uint32_t value, auto... more) { return Words(1, value, more...); }
+  ByteBuilder& U16(std::uint32_t value, auto... more) { return Words(2, value, more...); }
+  ByteBuilder& U32(std::uint32_t value, auto... more) { return Words(4, value, more...); }
+  ByteBuilder& I32(std::int32_t value, auto... more) {
+    U32(static_cast<std::uint32_t>(value));
+    if constexpr (sizeof...(more) > 0) I32(more...);
+    return *this;
+  }
+  ByteBuilder& U64(std::uint64_t value) { return Little(8, value); }
   // The characters, and zeros up to `width` bytes.
   ByteBuilder& Text(std::string_view text, std::size_t width = 0) {
     bytes_.insert(bytes_.end(), text.begin(), text.end());
@@ -40,8 +45,13 @@ class ByteBuilder {
   std::size_t Size() const { return bytes_.size(); }
 
  private:
-  ByteBuilder& Little(std::uint64_t value, int size) {
+  ByteBuilder& Little(int size, std::uint64_t value) {
     for (int i = 0; i < size; ++i) bytes_.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
+    return *this;
+  }
+  ByteBuilder& Words(int size, std::uint32_t value, auto... more) {
+    Little(size, value);
+    if constexpr (sizeof...(more) > 0) Words(size, more...);
     return *this;
   }
 

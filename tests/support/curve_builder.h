@@ -28,7 +28,7 @@ inline std::vector<std::uint32_t> SamplesOf(CCurveDataEntry& curve) {
 }
 
 inline ByteBuilder CurveSetHeader(std::uint32_t usedType, std::uint32_t count) {
-  return ByteBuilder().Text(" FCC").U32(32).U32(0x00010000).U32(usedType).U32(count).Zero(12);
+  return ByteBuilder().Text(" FCC").U32(32, 0x00010000, usedType, count).Zero(12);
 }
 
 struct CurveFields {
@@ -46,15 +46,7 @@ struct CurveFields {
 inline Bytes CurveHeader(const CurveFields& f) {
   return ByteBuilder()
       .Text("IHEC")
-      .U32(132)
-      .U32(f.ink)
-      .U32(f.slot)
-      .U32(f.rgb)
-      .U32(f.extendInfo)
-      .U32(f.max)
-      .U32(f.min)
-      .U32(f.type)
-      .U32(f.size)
+      .U32(132, f.ink, f.slot, f.rgb, f.extendInfo, f.max, f.min, f.type, f.size)
       .Text(f.name, 92);
 }
 
@@ -64,14 +56,9 @@ inline Bytes TwoCurves() {
       .Append(CurveHeader({.ink = 1, .slot = 3, .rgb = 0xFF00, .max = 255, .type = 1, .size = 3, .name = "Cyan"}))
       .Append(CurveHeader({.ink = 2, .extendInfo = 7, .max = 65535, .min = 9, .type = 2, .size = 4, .name = "Black"}))
       .Text("SDEC")
-      .U8(0)
-      .U8(0x80)
-      .U8(0xFF)
+      .U8(0, 0x80, 0xFF)
       .Text("SDEC")
-      .U8(0x34)
-      .U8(0x12)
-      .U8(0xFF)
-      .U8(0xFE);
+      .U8(0x34, 0x12, 0xFF, 0xFE);
 }
 
 }  // namespace nvx::test

@@ -29,18 +29,6 @@ inline bool Parse(CProfileDataEntry& entry, const Bytes& bytes) {
   return entry.BufferToData();
 }
 
-// An entry refuses the form cut at any place, and says why.
-template <class Entry>
-void ExpectCutFormsRefused(const Bytes& form) {
-  for (std::size_t size = 1; size < form.size(); ++size) {
-    Entry entry;
-    Diagnosis diagnosis;
-    entry.SetDiagnosis(&diagnosis);
-    EXPECT_FALSE(Parse(entry, First(form, size))) << size;
-    EXPECT_TRUE(diagnosis.HasErrors()) << size;
-  }
-}
-
 // The form, and the zeros up to the next multiple of 1024 that a rebuilt buffer may have.
 inline Bytes ToCapacity(Bytes form) {
   form.resize((form.size() + 1023) / 1024 * 1024);
@@ -53,18 +41,22 @@ struct EntryBytes {
   Bytes bytes;
 };
 
-// An access object on an entry-table container of these entries.
-inline bool InitFromEntries(CProfileAccess& access, const std::vector<EntryBytes>& entries, std::uint32_t route = 4) {
+// An entry-table container of these entries.
+inline Bytes ContainerOf(const std::vector<EntryBytes>& entries, std::uint32_t route = 4) {
   ByteBuilder file;
-  file.Text(" TCQ").U32(32).U32(0x00010000).U32(0).U32(route).U32(0);
-  file.U32(static_cast<std::uint32_t>(entries.size())).U32(0);
+  file.Text(" TCQ").U32(32, 0x00010000, 0, route, 0);
+  file.U32(static_cast<std::uint32_t>(entries.size()), 0);
   for (const EntryBytes& entry : entries) {
-    file.Text("IHEP").U32(292).U32(entry.usedType).U32(entry.formatType);
-    file.U32(static_cast<std::uint32_t>(entry.bytes.size() + 4)).U32(1).U32(0).Zero(264);
+    file.Text("IHEP").U32(292, entry.usedType, entry.formatType);
+    file.U32(static_cast<std::uint32_t>(entry.bytes.size() + 4), 1, 0).Zero(264);
   }
   for (const EntryBytes& entry : entries) file.Text("SDEP").Append(entry.bytes);
+  return file;
+}
+
+inline bool InitFromEntries(CProfileAccess& access, const std::vector<EntryBytes>& entries, std::uint32_t route = 4) {
   const TempFolder folder;
-  WriteBytes(folder.File("profile.qct"), file);
+  WriteBytes(folder.File("profile.qct"), ContainerOf(entries, route));
   CError error;
   return access.Init(folder.WideFile("profile.qct").c_str(), &error);
 }

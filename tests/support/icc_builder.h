@@ -14,9 +14,9 @@ namespace nvx::test {
 // Numbers most significant byte first.
 class BigBuilder {
  public:
-  BigBuilder& U8(std::uint32_t value) { return Big(value, 1); }
-  BigBuilder& U16(std::uint32_t value) { return Big(value, 2); }
-  BigBuilder& U32(std::uint32_t value) { return Big(value, 4); }
+  BigBuilder& U8(std::uint32_t value, auto... more) { return Big(1, value, more...); }
+  BigBuilder& U16(std::uint32_t value, auto... more) { return Big(2, value, more...); }
+  BigBuilder& U32(std::uint32_t value, auto... more) { return Big(4, value, more...); }
   BigBuilder& Text(std::string_view text) {
     bytes_.insert(bytes_.end(), text.begin(), text.end());
     return *this;
@@ -37,8 +37,9 @@ class BigBuilder {
   std::size_t Size() const { return bytes_.size(); }
 
  private:
-  BigBuilder& Big(std::uint64_t value, int size) {
-    while (size-- > 0) bytes_.push_back(static_cast<std::uint8_t>(value >> (8 * size)));
+  BigBuilder& Big(int size, std::uint32_t value, auto... more) {
+    for (int i = size - 1; i >= 0; --i) bytes_.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
+    if constexpr (sizeof...(more) > 0) Big(size, more...);
     return *this;
   }
 
@@ -49,8 +50,8 @@ class BigBuilder {
 inline Bytes IccHeaderBytes(std::uint32_t size, std::string_view colorSpace = "CMYK") {
   BigBuilder header;
   header.U32(size).Text("cmm1").U32(0x02100000).Text("prtr").Text(colorSpace).Text("Lab ");
-  header.U16(2024).U16(2).U16(29).U16(12).U16(34).U16(56).Text("acsp").Text("APPL").U32(0x00000001);
-  header.Text("manu").Text("modl").U32(0).U32(3).U32(2).U32(0x0000F6D6).U32(0x00010000).U32(0x0000D32D).Text("crea");
+  header.U16(2024, 2, 29, 12, 34, 56).Text("acsp").Text("APPL").U32(0x00000001);
+  header.Text("manu").Text("modl").U32(0, 3, 2, 0x0000F6D6, 0x00010000, 0x0000D32D).Text("crea");
   return header.Zero(44);
 }
 
@@ -66,7 +67,7 @@ inline Bytes IccBytes(const std::vector<IccPart>& table, const Bytes& data, std:
   BigBuilder bytes;
   bytes.Append(IccHeaderBytes(static_cast<std::uint32_t>(size), colorSpace));
   bytes.U32(static_cast<std::uint32_t>(table.size()));
-  for (const IccPart& part : table) bytes.Text(part.signature).U32(part.offset).U32(part.size);
+  for (const IccPart& part : table) bytes.Text(part.signature).U32(part.offset, part.size);
   return bytes.Append(data);
 }
 
@@ -90,8 +91,8 @@ inline Bytes Patched(Bytes bytes, std::size_t offset, std::uint32_t value) {
 // A text description tag.
 inline Bytes DescriptionTag(std::string_view ascii) {
   BigBuilder tag;
-  tag.Text("desc").U32(0).U32(static_cast<std::uint32_t>(ascii.size() + 1)).Text(ascii).U8(0);
-  return tag.U32(0).U32(0).U16(0).U8(0).Zero(67);
+  tag.Text("desc").U32(0, static_cast<std::uint32_t>(ascii.size() + 1)).Text(ascii).U8(0);
+  return tag.U32(0, 0).U16(0).U8(0).Zero(67);
 }
 
 }  // namespace nvx::test

@@ -22,9 +22,7 @@ void Put(BigBuilder& data, std::vector<IccPart>& table, const std::string& signa
   data.Append(bytes).Zero((4 - bytes.size() % 4) % 4);
 }
 
-Bytes Xyz(std::uint32_t x, std::uint32_t y, std::uint32_t z) {
-  return BigBuilder().Text("XYZ ").U32(0).U32(x).U32(y).U32(z);
-}
+Bytes Xyz(std::uint32_t x, std::uint32_t y, std::uint32_t z) { return BigBuilder().Text("XYZ ").U32(0, x, y, z); }
 
 void AddCurve(CCurveData& curves, std::uint32_t ink, std::uint32_t extendInfo) {
   std::unique_ptr<CCurveDataEntry> curve(CCurveDataEntry::CreateCurveDataEntry(CCurveDataEntry::kSamples8));
@@ -94,7 +92,7 @@ Bytes SmallIccProfile() {
   Put(data, table, "rXYZ", Xyz(0x6FA2, 0x38F5, 0x0390), kTags);
   Put(data, table, "gXYZ", Xyz(0x6299, 0xB785, 0x18DA), kTags);
   Put(data, table, "bXYZ", Xyz(0x24A0, 0x0F84, 0xB6CF), kTags);
-  Put(data, table, "rTRC", BigBuilder().Text("curv").U32(0).U32(1).U16(0x0233), kTags);
+  Put(data, table, "rTRC", BigBuilder().Text("curv").U32(0, 1).U16(0x0233), kTags);
   table.push_back({"gTRC", table.back().offset, table.back().size});
   table.push_back({"bTRC", table.back().offset, table.back().size});
   Bytes profile = IccBytes(table, data, "RGB ");

@@ -16,8 +16,8 @@ struct MediaBlock {
 
 inline ByteBuilder MediaForm(const std::vector<MediaBlock>& blocks) {
   ByteBuilder form;
-  form.Text("IDEM").U32(16).U32(0x00010000).U32(static_cast<std::uint32_t>(blocks.size()));
-  for (const MediaBlock& block : blocks) form.Text("HEPM").U32(20).U32(block.usedType).U32(68).U32(block.parameterMax);
+  form.Text("IDEM").U32(16, 0x00010000, static_cast<std::uint32_t>(blocks.size()));
+  for (const MediaBlock& block : blocks) form.Text("HEPM").U32(20, block.usedType, 68, block.parameterMax);
   for (const MediaBlock& block : blocks) {
     form.Text("ADPM");
     for (const std::int32_t value : block.values) form.I32(value);

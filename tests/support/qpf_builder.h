@@ -31,15 +31,15 @@ struct StoredHeader {
   std::int32_t separateWay = 9;
 };
 
-inline ByteBuilder Opening() { return ByteBuilder().Text("data").U32(0).U8(0).U8(0).U8(0).U8(1); }
+inline ByteBuilder Opening() { return ByteBuilder().Text("data").U32(0).U8(0, 0, 0, 1); }
 
 inline Bytes HeaderBlock(std::size_t entryCount, const StoredHeader& header = {}) {
   ByteBuilder block = Opening();
-  block.U32(1234).U32(5).U32(67).I32(4).I32(5).I32(-6).I32(7).U32(720).U32(1440);
-  block.U32(header.renderingScan).U32(header.renderingFeed).I32(2);
-  block.I32(22).I32(23).I32(24).I32(21).I32(25).I32(8);
+  block.U32(1234, 5, 67).I32(4, 5, -6, 7).U32(720, 1440);
+  block.U32(header.renderingScan, header.renderingFeed).I32(2);
+  block.I32(22, 23, 24, 21, 25, 8);
   block.U64(1700000000).U64(header.updateTime);
-  block.U32(header.version).U32(static_cast<std::uint32_t>(entryCount)).U32(12345678);
+  block.U32(header.version, static_cast<std::uint32_t>(entryCount), 12345678);
   block.Wide(u"Default", 64).Wide(u"Module", 32).Wide(u"Maker", 32).Wide(header.revision, 4);
   return block.I32(header.separateWay).U16(300).Zero(18);
 }
@@ -53,8 +53,8 @@ inline Bytes EntryTag(const std::vector<StoredEntry>& entries, const StoredHeade
   ByteBuilder tag;
   tag.Append(HeaderBlock(entries.size(), header));
   for (const StoredEntry& entry : entries) {
-    tag.Text("IHEP").U32(292).U32(entry.usedType).U32(entry.formatType);
-    tag.U32(static_cast<std::uint32_t>(entry.bytes.size() + 4)).U32(entry.complete).U32(entry.optionInfo);
+    tag.Text("IHEP").U32(292, entry.usedType, entry.formatType);
+    tag.U32(static_cast<std::uint32_t>(entry.bytes.size() + 4), entry.complete, entry.optionInfo);
     tag.Text(entry.label, 264);
   }
   for (const StoredEntry& entry : entries) tag.Text("SDEP").Append(entry.bytes);
@@ -70,8 +70,8 @@ inline Bytes MediaTag(const std::vector<std::pair<std::uint16_t, std::u16string>
 // A curve set with one curve of ink 1.
 inline Bytes CurveSet(std::uint32_t dataType, const Bytes& samples) {
   ByteBuilder set;
-  set.U8(0x20).Text("FCC").U32(32).U32(0x00010000).U32(6).U32(1).Zero(12);
-  set.Text("IHEC").U32(132).U32(1).U32(2).U32(3).U32(4).U32(255).U32(0).U32(dataType);
+  set.U8(0x20).Text("FCC").U32(32, 0x00010000, 6, 1).Zero(12);
+  set.Text("IHEC").U32(132, 1, 2, 3, 4, 255, 0, dataType);
   set.U32(static_cast<std::uint32_t>(samples.size())).Text("Cyan", 92);
   return set.Text("SDEC").Append(samples);
 }
@@ -81,8 +81,8 @@ inline Bytes MaskStream(std::uint32_t type) {
   const std::uint32_t values = type == 3 ? 1 : 0;
   const std::uint32_t bytes = type == 6 ? 164 : 0;
   ByteBuilder stream;
-  stream.U32(type == 6 ? 3 : 1).U32(0).U32(1).U32(0).U32(0);
-  stream.Text("TFEW").U32(24).U32(type).U32(4 + 4 * values + bytes).U32(values).U32(bytes);
+  stream.U32(type == 6 ? 3 : 1, 0, 1, 0, 0);
+  stream.Text("TFEW").U32(24, type, 4 + 4 * values + bytes, values, bytes);
   return stream.Text("DFEW").Fill(7, 4 * values + bytes);
 }
 

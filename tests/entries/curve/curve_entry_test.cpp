@@ -9,16 +9,9 @@
 #include <memory>
 #include <typeinfo>
 
+namespace nvx::test {
 namespace {
 
-using nvx::test::Bytes;
-using nvx::test::BytesOf;
-using nvx::test::CurveHeader;
-using nvx::test::CurveSetHeader;
-using nvx::test::MakeCurve;
-using nvx::test::Parse;
-using nvx::test::SamplesOf;
-using nvx::test::TwoCurves;
 using testing::ElementsAre;
 
 constexpr auto k8 = CCurveDataEntry::kSamples8;
@@ -245,3 +238,4 @@ TEST(CurveEntry, CoordinatesStayInsideTheirArray) {
 }
 
 }  // namespace
+}  // namespace nvx::test

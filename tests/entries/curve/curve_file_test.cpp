@@ -11,19 +11,12 @@
 #include <filesystem>
 #include <string>
 
+namespace nvx::test {
 namespace {
 
-using nvx::test::ByteBuilder;
-using nvx::test::Bytes;
-using nvx::test::CurveHeader;
-using nvx::test::CurveSetHeader;
-using nvx::test::First;
-using nvx::test::MakeCurve;
-using nvx::test::SamplesOf;
-using nvx::test::TwoCurves;
 using testing::ElementsAre;
 
-bool Load(Bytes bytes, CCurveData& set, nvx::Diagnosis* diagnosis = nullptr) {
+bool Load(Bytes bytes, CCurveData& set, Diagnosis* diagnosis = nullptr) {
   CNvxMemFile stream(bytes.data(), static_cast<std::uint32_t>(bytes.size()));
   stream.SetDiagnosis(diagnosis);
   return CCurveFile().LoadFile(stream, &set);
@@ -34,7 +27,7 @@ Bytes Save(CCurveData& set) {
   EXPECT_TRUE(CCurveFile().SaveFile(stream, &set));
   Bytes bytes(stream.Buffer, stream.Buffer + stream.Position);
   std::free(stream.Buffer);
-  EXPECT_EQ(bytes.size(), nvx::CurveSetSize(set));
+  EXPECT_EQ(bytes.size(), CurveSetSize(set));
   return bytes;
 }
 
@@ -131,57 +124,22 @@ TEST(CurveFile, TellsItsSizeAndReadsItsHeaderOnly) {
   EXPECT_FALSE(CCurveFile().SaveFile(stream, nullptr));
 }
 
-TEST(CurveFile, RefusesEveryTruncationAndKeepsWhatCameBefore) {
-  const Bytes whole = TwoCurves();
-  for (std::size_t length = 0; length < whole.size(); ++length) {
-    CCurveData set;
-    nvx::Diagnosis diagnosis;
-    EXPECT_FALSE(Load(First(whole, length), set, &diagnosis));
-    EXPECT_TRUE(diagnosis.HasErrors()) << length;
-    EXPECT_EQ(set.GetCount(), length < 303 ? 0 : 1) << length;
-  }
-}
-
-TEST(CurveFile, RefusesWhatBreaksTheForm) {
-  struct Case {
-    const char* rule;
-    std::size_t offset;
-    std::uint8_t byte;
-    int curvesBefore;
-  };
-  // Records start at 32 and 164, data blocks at 296 and 303.
-  for (const Case& broken : {Case{"header: wrong signature", 0, 'x', 0}, Case{"wrong version", 8, 1, 0},
-                             Case{"entry count beyond", 16, 3, 0}, Case{"entry count beyond", 19, 0xFF, 0},
-                             Case{"record: wrong signature", 164, 'x', 0}, Case{"block: wrong signature", 296, 'x', 0},
-                             Case{"block: wrong signature", 303, 'x', 1}, Case{"unknown DataType", 164 + 32, 3, 1},
-                             Case{"unknown DataType", 32 + 32, 0, 0}, Case{"data size beyond", 164 + 36, 6, 1},
-                             Case{"data size beyond", 32 + 39, 0xFF, 0}}) {
-    Bytes bytes = TwoCurves();
-    bytes[broken.offset] = broken.byte;
-    CCurveData set;
-    nvx::Diagnosis diagnosis;
-    EXPECT_FALSE(Load(bytes, set, &diagnosis)) << broken.rule;
-    EXPECT_EQ(set.GetCount(), broken.curvesBefore) << broken.rule;
-    ASSERT_EQ(diagnosis.Findings().size(), 1u);
-    EXPECT_THAT(diagnosis.Findings()[0].rule, testing::HasSubstr(broken.rule));
-  }
-}
-
 TEST(CurveFile, SavesToAPathBesideTheOldFile) {
-  const nvx::test::TempFolder folder;
+  const TempFolder folder;
   const std::u16string path = folder.WideFile("set.crv");
   CCurveData set;
   EXPECT_FALSE(CCurveFile().LoadFile(path.c_str(), &set));
   ASSERT_TRUE(Load(TwoCurves(), set));
   ASSERT_TRUE(CCurveFile().SaveFile(path.c_str(), &set));
-  EXPECT_EQ(nvx::test::ReadBytes(folder.File("set.crv")), TwoCurves());
+  EXPECT_EQ(ReadBytes(folder.File("set.crv")), TwoCurves());
   CCurveData loaded;
   ASSERT_TRUE(CCurveFile().LoadFile(path.c_str(), &loaded));
   EXPECT_EQ(Save(loaded), TwoCurves());
   EXPECT_FALSE(CCurveFile().SaveFile(path.c_str(), nullptr));
   EXPECT_FALSE(CCurveFile().SaveFile(folder.WideFile("none/set.crv").c_str(), &set));
-  EXPECT_EQ(nvx::test::ReadBytes(folder.File("set.crv")), TwoCurves());
+  EXPECT_EQ(ReadBytes(folder.File("set.crv")), TwoCurves());
   EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.Path()), {}), 1);
 }
 
 }  // namespace
+}  // namespace nvx::test

@@ -166,8 +166,8 @@ TEST(CurveSet, CopiesDeeplyAndSkips) {
   set.AddTail(raw);
   CCurveData target;
   AddInks(target, {9});
-  const std::uint32_t skipped[] = {3, 0x101};
-  set.Copy(target, skipped, 2);
+  const std::uint32_t skipped[] = {3, 0x100, 0x101};
+  set.Copy(target, skipped, 3);
   EXPECT_THAT(InksOf(target), ElementsAre(1, 5, 7));
   EXPECT_EQ(target.GetUsedType(), 6u);
   EXPECT_EQ(target.GetCurveDataSizeType(), 2u);

@@ -1,5 +1,5 @@
 #include "support/entry_bytes.h"
-#include "support/word_table.h"
+#include "support/entry_forms.h"
 
 #include <nvxprofile/large_parameter.h>
 
@@ -8,20 +8,9 @@
 #include <memory>
 #include <vector>
 
+namespace nvx::test {
 namespace {
 
-using nvx::test::ArrayOf;
-using nvx::test::ByteBuilder;
-using nvx::test::Bytes;
-using nvx::test::BytesOf;
-using nvx::test::ExpectCutFormsRefused;
-using nvx::test::FillTable;
-using nvx::test::kGreatest;
-using nvx::test::kLeast;
-using nvx::test::Parse;
-using nvx::test::ToCapacity;
-using nvx::test::With;
-using nvx::test::Words;
 using Table = std::unique_ptr<CLargeParameterDataEntry>;
 
 Table FixedTable() { return Table(CLargeParameterDataEntry::CreateLargeParameterDataEntry(1, nullptr)); }
@@ -31,46 +20,6 @@ Table PatternTable(std::int32_t patterns, const Words& first, const Words& secon
   Table table(CLargeParameterDataEntry::CreateLargeParameterDataEntry(2, sizes));
   FillTable(*table, patterns, first, second);
   return table;
-}
-
-// Two patterns of 14 words with blocks of 10 and 3 words.
-const Words kPatterns = {120, 0,                                              //
-                         70,  71, 1, 2,  3, 100,  0, 0, 0, 0, 8, 2, 11, 12,   //
-                         80,  81, 1, -1, 3, 1250, 0, 0, 0, 0, 1, 1, 21, 22};  //
-const Words kStore = {100, 101, 102, 103, 104, 105, 106, 107, 108, 109, 200, 201, 202};
-
-ByteBuilder Header(std::int32_t count) { return ByteBuilder().Text("MRAP").U32(16).I32(count).U32(0); }
-
-ByteBuilder& Add(ByteBuilder& bytes, const Words& words) {
-  for (const std::int32_t word : words) bytes.I32(word);
-  return bytes;
-}
-
-ByteBuilder& AddRecord(ByteBuilder& bytes, std::uint32_t usedType, std::uint32_t dataSize, std::int32_t count) {
-  return bytes.Text("HMRP").U32(20).U32(usedType).U32(dataSize).I32(count);
-}
-
-ByteBuilder& AddFixedBlock(ByteBuilder& bytes) {
-  bytes.Text("DMRP").U32(0).U32(0);
-  bytes.I32(0).I32(-1).I32(-1).Zero(4 * 128);
-  return bytes.I32(1).I32(-1).I32(-1).Zero(4 * 128);
-}
-
-ByteBuilder& AddPatternBlock(ByteBuilder& bytes) {
-  Add(bytes.Text("HERP"), kPatterns);
-  return Add(bytes.Text("EMRP"), kStore);
-}
-
-// A fixed table between two pattern tables.
-Bytes ThreeTables() {
-  ByteBuilder bytes = Header(3);
-  AddRecord(bytes, 2, 4 + 4 * 30 + 4 + 4 * 13, 2);
-  AddRecord(bytes, 1, 1060, 264);
-  AddRecord(bytes, 2, 4 + 4 * 30 + 4 + 4 * 13, 2);
-  AddPatternBlock(bytes);
-  AddFixedBlock(bytes);
-  AddPatternBlock(bytes);
-  return bytes;
 }
 
 TEST(LargeParameter, FixedTableHasItsShapeAndDefaults) {
@@ -95,7 +44,7 @@ TEST(LargeParameter, FixedTableHasItsShapeAndDefaults) {
 }
 
 TEST(LargeParameter, ConditionsPickTheFirstPatternThatPasses) {
-  const Table table = PatternTable(2, kPatterns, kStore);
+  const Table table = PatternTable(2, kParameterPatterns, kParameterStore);
   EXPECT_EQ(table->SeekPatternIndexByCondition(1, 2, 3, 150), 0);
   EXPECT_EQ(table->SeekPatternIndexByCondition(1, 9, 3, 1250), 1);
   EXPECT_EQ(table->SeekPatternIndexByCondition(1, 9, 3, 1251), -1);
@@ -120,7 +69,7 @@ TEST(LargeParameter, ConditionsPickTheFirstPatternThatPasses) {
 }
 
 TEST(LargeParameter, PatternsSayWhereTheirParametersAre) {
-  const Table table = PatternTable(2, kPatterns, kStore);
+  const Table table = PatternTable(2, kParameterPatterns, kParameterStore);
   EXPECT_EQ(table->SeekPatternParamCount(0), 10);
   EXPECT_EQ(table->SeekPatternParamCount(1), 3);
   EXPECT_EQ(table->SeekPatternSplitCount(1), 1);
@@ -135,7 +84,7 @@ TEST(LargeParameter, PatternsSayWhereTheirParametersAre) {
 // Every question stays inside the arrays: a sanitizer build sees it if one does not.
 TEST(LargeParameter, HostileWordsLeadNowhere) {
   for (const std::int32_t patterns : {kLeast, -1, 0, 1, 2, 3, 30, 31, kGreatest}) {
-    const Table table = PatternTable(patterns, kPatterns, kStore);
+    const Table table = PatternTable(patterns, kParameterPatterns, kParameterStore);
     for (const std::int32_t pattern : {kLeast, -1, 0, 1, 2, 29, kGreatest}) {
       for (const std::int32_t split : {kLeast, -1, 0, 17, kGreatest}) table->SeekPatternSplitParamCount(pattern, split);
       EXPECT_GE(table->SeekPatternParamCount(pattern), 0);
@@ -147,7 +96,7 @@ TEST(LargeParameter, HostileWordsLeadNowhere) {
     EXPECT_EQ(table->SeekPatternSplitCount(-1), 0);
   }
   for (const std::int32_t count : {kLeast, -3, 12, kGreatest - 1, kGreatest}) {
-    const Table table = PatternTable(2, kPatterns, kStore);
+    const Table table = PatternTable(2, kParameterPatterns, kParameterStore);
     table->SetParameter(2 + 10, count, 0);
     EXPECT_EQ(table->SeekPatternParamCount(0), count == 12 ? 14 : 0);
     EXPECT_EQ(table->GetRefBufferByPatternIndex(1), count == 12 ? nullptr : table->GetRefBuffer(1));
@@ -159,7 +108,7 @@ TEST(LargeParameter, HostileWordsLeadNowhere) {
 
 TEST(LargeParameter, ReadsTablesOfBothGenerationsInAnyOrder) {
   CLargeParameterEntry entry;
-  ASSERT_TRUE(Parse(entry, ThreeTables()));
+  ASSERT_TRUE(Parse(entry, LargeParameterForm()));
   CLargeParameterData& data = *entry.GetLargeParameterData();
   ASSERT_EQ(data.GetPropertyCount(), 3);
   bool more = data.GetHeadPosition();
@@ -170,32 +119,37 @@ TEST(LargeParameter, ReadsTablesOfBothGenerationsInAnyOrder) {
     if (usedType == 1) {
       EXPECT_EQ(ArrayOf(table, 0), ArrayOf(*FixedTable(), 0));
     } else {
-      EXPECT_EQ(ArrayOf(table, 0), kPatterns);
-      EXPECT_EQ(ArrayOf(table, 1), kStore);
+      EXPECT_EQ(ArrayOf(table, 0), kParameterPatterns);
+      EXPECT_EQ(ArrayOf(table, 1), kParameterStore);
       EXPECT_EQ(table.GetPatternCount(), 2);
     }
   }
   EXPECT_FALSE(more);
-  ASSERT_TRUE(entry.DataToBuffer());
-  EXPECT_EQ(BytesOf(entry), ToCapacity(ThreeTables()));
 
   CLargeParameterEntry copy;
   EXPECT_TRUE(copy.DoImport(&entry));
   EXPECT_EQ(copy.GetLargeParameterData()->GetPropertyCount(), 3);
-  EXPECT_EQ(BytesOf(copy), ToCapacity(ThreeTables()));
+  EXPECT_EQ(BytesOf(copy), ToCapacity(LargeParameterForm()));
   EXPECT_TRUE(entry.DoImport(&entry));
-  EXPECT_EQ(BytesOf(entry), ToCapacity(ThreeTables()));
+  EXPECT_EQ(BytesOf(entry), ToCapacity(LargeParameterForm()));
   CProfileDataEntry other;
   EXPECT_FALSE(copy.DoImport(&other));
 }
 
 TEST(LargeParameter, EmptyListIsTheHeaderAlone) {
+  const ByteBuilder empty = ByteBuilder().Text("MRAP").U32(16, 0, 0);
   CLargeParameterEntry entry;
-  EXPECT_FALSE(entry.BufferToData());
-  ASSERT_TRUE(Parse(entry, Header(0)));
-  EXPECT_TRUE(Parse(entry, Header(-1)));
+  ASSERT_TRUE(Parse(entry, empty));
+  EXPECT_TRUE(Parse(entry, With(empty, 8, 0xFFFFFFFF)));
   ASSERT_TRUE(entry.DataToBuffer());
-  EXPECT_EQ(BytesOf(entry), ToCapacity(Header(0)));
+  EXPECT_EQ(BytesOf(entry), ToCapacity(empty));
+}
+
+TEST(LargeParameter, ForgivesTheMagicAndSizeOfARecordAndTheSizesOfAFixedTable) {
+  CLargeParameterEntry entry;
+  for (const auto& [offset, word] : {std::pair(16u, 0u), {16 + 4, 99}, {36 + 12, 8}, {36 + 16, 8}}) {
+    EXPECT_TRUE(Parse(entry, With(LargeParameterForm(), offset, word))) << offset;
+  }
 }
 
 TEST(LargeParameter, ReshapedTableKeepsItsWordsAndLoadsAsTheLaterKind) {
@@ -208,8 +162,8 @@ TEST(LargeParameter, ReshapedTableKeepsItsWordsAndLoadsAsTheLaterKind) {
   EXPECT_EQ(table->GetParameterMax()[1], 13);
   EXPECT_EQ(table->GetParameter(3, 1), -1) << "words stay, and the answers are still those of array 0";
   EXPECT_FALSE(entry.DataToBuffer()) << "word 0 is not the byte length yet";
-  for (std::int32_t i = 0; i < 30; ++i) table->SetParameter(i, kPatterns[static_cast<std::size_t>(i)], 0);
-  for (std::int32_t i = 0; i < 13; ++i) table->SetParameter(i, kStore[static_cast<std::size_t>(i)], 1);
+  for (std::int32_t i = 0; i < 30; ++i) table->SetParameter(i, kParameterPatterns[static_cast<std::size_t>(i)], 0);
+  for (std::int32_t i = 0; i < 13; ++i) table->SetParameter(i, kParameterStore[static_cast<std::size_t>(i)], 1);
   table->SetPatternCount(2);
   EXPECT_EQ(table->SeekPatternIndexByCondition(1, 9, 3, 1250), 0);
   ASSERT_TRUE(entry.DataToBuffer());
@@ -227,54 +181,30 @@ TEST(LargeParameter, RefusesToSaveWhatCannotBeReadBack) {
     EXPECT_TRUE(saved || BytesOf(entry) == empty) << "a refusal leaves the buffer";
     return saved;
   };
-  Words wrongLength = kPatterns;
+  Words wrongLength = kParameterPatterns;
   wrongLength[0] = 116;
-  EXPECT_TRUE(isSaved(PatternTable(2, kPatterns, kStore)));
+  EXPECT_TRUE(isSaved(PatternTable(2, kParameterPatterns, kParameterStore)));
   EXPECT_TRUE(isSaved(PatternTable(-5, {4}, {})));
-  EXPECT_FALSE(isSaved(PatternTable(2, wrongLength, kStore)));
-  EXPECT_FALSE(isSaved(PatternTable(0, {}, kStore)));
+  EXPECT_FALSE(isSaved(PatternTable(2, wrongLength, kParameterStore)));
+  EXPECT_FALSE(isSaved(PatternTable(0, {}, kParameterStore)));
   EXPECT_FALSE(isSaved(std::make_unique<CLargeParameterID001Entry>()));
   Table strange = FixedTable();
   strange->SetUsedType(3, nullptr);
   EXPECT_FALSE(isSaved(std::move(strange)));
 }
 
-TEST(LargeParameter, EveryTruncationIsRefusedWithAReason) {
-  ExpectCutFormsRefused<CLargeParameterEntry>(ThreeTables());
-}
-
-TEST(LargeParameter, HostileFormsAreRefused) {
-  CLargeParameterEntry entry;
-  const auto loads = [&](std::size_t offset, std::uint32_t value) {
-    return Parse(entry, With(ThreeTables(), offset, value));
-  };
-  constexpr std::size_t kFirstBlock = 16 + 3 * 20;
-  EXPECT_FALSE(loads(0, 0)) << "magic";
-  EXPECT_FALSE(loads(8, 0x7FFFFFFF)) << "record count";
-  EXPECT_FALSE(loads(16 + 8, 3)) << "used type";
-  EXPECT_EQ(entry.GetLargeParameterData()->GetPropertyCount(), 0);
-  EXPECT_FALSE(loads(16 + 20 + 8, 0xFFFFFFFF));
-  EXPECT_EQ(entry.GetLargeParameterData()->GetPropertyCount(), 1) << "what was made before the failure stays";
-  for (const std::uint32_t size : {0u, 119u, 127u, 0xFFFFFFFFu}) EXPECT_FALSE(loads(16 + 12, size)) << size;
-  for (const std::uint32_t size : {180u, 0x80000000u, 0xFFFFFFFCu}) EXPECT_FALSE(loads(kFirstBlock + 4, size)) << size;
-  // What is not examined: the magic and the size of a record, the sizes of a fixed table.
-  EXPECT_TRUE(loads(16, 0));
-  EXPECT_TRUE(loads(16 + 4, 99));
-  EXPECT_TRUE(loads(16 + 20 + 12, 8));
-  EXPECT_TRUE(loads(16 + 20 + 16, 8));
-}
-
 TEST(LargeParameter, AWrongBlockMagicSparesTheOtherTables) {
-  Bytes bytes = ThreeTables();
+  Bytes bytes = LargeParameterForm();
   bytes[16 + 3 * 20] = 'X';
   CLargeParameterEntry entry;
   EXPECT_FALSE(Parse(entry, bytes));
   CLargeParameterData& data = *entry.GetLargeParameterData();
   ASSERT_EQ(data.GetPropertyCount(), 3);
   EXPECT_EQ(ArrayOf(*data.Find(2), 0), Words(30));
-  EXPECT_EQ(ArrayOf(*data.Entries().At(2), 1), kStore);
+  EXPECT_EQ(ArrayOf(*data.Entries().At(2), 1), kParameterStore);
   EXPECT_FALSE(Parse(entry, Bytes(20, 'M')));
   EXPECT_EQ(data.GetPropertyCount(), 0) << "a form that is none still empties the list";
 }
 
 }  // namespace
+}  // namespace nvx::test

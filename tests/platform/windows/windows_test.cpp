@@ -15,13 +15,9 @@
 #include <filesystem>
 #include <string>
 
+namespace nvx::test {
 namespace {
 
-using nvx::test::Bytes;
-using nvx::test::ReadBytes;
-using nvx::test::ScopedVariable;
-using nvx::test::TempFolder;
-using nvx::test::WriteBytes;
 namespace fs = std::filesystem;
 
 const Bytes kOld(1000, 1);
@@ -35,13 +31,11 @@ class WindowsFile : public testing::Test {
 
   std::u16string Wide(const std::string& name) const { return folder_.WideFile(name); }
   static bool Save(const std::u16string& path) {
-    return nvx::SaveByReplacing(path.c_str(),
-                                [](CNvxFile& file) { return file.Write(kNew.data(), 100'000) == 100'000; });
+    return SaveByReplacing(path.c_str(), [](CNvxFile& file) { return file.Write(kNew.data(), 100'000) == 100'000; });
   }
-  static bool Opens(const std::u16string& path, std::uint32_t access = nvx::kGenericRead,
-                    std::uint32_t share = nvx::kShareRead) {
+  static bool Opens(const std::u16string& path, std::uint32_t access = kGenericRead, std::uint32_t share = kShareRead) {
     CNvxFile file;
-    return file.Open(path.c_str(), access, share, nvx::kOpenExisting);
+    return file.Open(path.c_str(), access, share, kOpenExisting);
   }
   void ExpectAlone(const Bytes& content) const {
     EXPECT_EQ(ReadBytes(folder_.File("Profile.icc")), content);
@@ -70,10 +64,10 @@ TEST_F(WindowsFile, ForbiddenNamesAreRefused) {
     EXPECT_FALSE(Save(Wide(name))) << name;
     EXPECT_FALSE(Opens(Wide(name))) << name;
     CNvxFile file;
-    EXPECT_FALSE(file.Open(Wide(name).c_str(), nvx::kGenericWrite, nvx::kNoShare, nvx::kCreateAlways)) << name;
+    EXPECT_FALSE(file.Open(Wide(name).c_str(), kGenericWrite, kNoShare, kCreateAlways)) << name;
   }
   EXPECT_FALSE(Save(u""));
-  EXPECT_FALSE(Save(nvx::platform::Utf8ToWide(folder_.Path().string()))) << "a folder";
+  EXPECT_FALSE(Save(platform::Utf8ToWide(folder_.Path().string()))) << "a folder";
   ExpectAlone(kOld);
 }
 
@@ -85,13 +79,13 @@ TEST_F(WindowsFile, AFileThatIsHeldOpenStaysAsItIs) {
     ASSERT_NE(other, INVALID_HANDLE_VALUE);
     EXPECT_FALSE(Save(path)) << share;
     EXPECT_EQ(Opens(path), share != 0);
-    EXPECT_FALSE(Opens(path, nvx::kGenericRead, nvx::kNoShare));
+    EXPECT_FALSE(Opens(path, kGenericRead, kNoShare));
     ::CloseHandle(other);
     ExpectAlone(kOld);
   }
   CNvxFile reader;
-  ASSERT_TRUE(reader.Open(path.c_str(), nvx::kGenericRead, nvx::kShareRead, nvx::kOpenExisting));
-  EXPECT_FALSE(Opens(path, nvx::kGenericWrite)) << "a reader shares with readers";
+  ASSERT_TRUE(reader.Open(path.c_str(), kGenericRead, kShareRead, kOpenExisting));
+  EXPECT_FALSE(Opens(path, kGenericWrite)) << "a reader shares with readers";
   EXPECT_TRUE(Opens(path));
   reader.Close();
   EXPECT_TRUE(Save(path));
@@ -102,7 +96,7 @@ TEST_F(WindowsFile, AFileThatIsHeldOpenStaysAsItIs) {
 TEST_F(WindowsFile, ATargetTakenDuringTheSaveStaysAsItIs) {
   const std::u16string path = Wide("Profile.icc");
   HANDLE other = INVALID_HANDLE_VALUE;
-  EXPECT_FALSE(nvx::SaveByReplacing(path.c_str(), [&](CNvxFile& file) {
+  EXPECT_FALSE(SaveByReplacing(path.c_str(), [&](CNvxFile& file) {
     other = ::CreateFileW(Native(path), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
     return file.Write(kNew.data(), 100'000) == 100'000;
   }));
@@ -129,9 +123,9 @@ TEST_F(WindowsFile, TextOfAnyScriptNamesAFile) {
 
 TEST_F(WindowsFile, ErrorsCarryTheNumberOfTheSystem) {
   EXPECT_FALSE(Opens(Wide("none.icc")));
-  EXPECT_EQ(nvx::platform::LastError(), DWORD{ERROR_FILE_NOT_FOUND});
+  EXPECT_EQ(platform::LastError(), DWORD{ERROR_FILE_NOT_FOUND});
   EXPECT_FALSE(Opens(Wide("a?b")));
-  EXPECT_EQ(nvx::platform::LastError(), DWORD{ERROR_INVALID_NAME});
+  EXPECT_EQ(platform::LastError(), DWORD{ERROR_INVALID_NAME});
 }
 
 TEST(WindowsSettings, LieInTheFoldersOfTheUserAndOfTheMachine) {
@@ -142,11 +136,11 @@ TEST(WindowsSettings, LieInTheFoldersOfTheUserAndOfTheMachine) {
   const ScopedVariable own("NVXPROFILE_PROFILE_DIR", nullptr);
   const ScopedVariable user("APPDATA", folder.File("user"));
   const ScopedVariable machine("ProgramData", folder.File("machine"));
-  EXPECT_EQ(nvx::platform::ProfileFolder(), "C:\\machine");
+  EXPECT_EQ(platform::ProfileFolder(), "C:\\machine");
   std::ofstream(folder.File("user/nvxprofile/settings.ini")) << "ProfileDir=C:\\user\n";
-  EXPECT_EQ(nvx::platform::ProfileFolder(), "C:\\user");
+  EXPECT_EQ(platform::ProfileFolder(), "C:\\user");
   ::SetEnvironmentVariableW(L"NVXPROFILE_PROFILE_DIR", L"C:\\光沢");
-  EXPECT_EQ(nvx::platform::ProfileFolder(), "C:\\光沢");
+  EXPECT_EQ(platform::ProfileFolder(), "C:\\光沢");
   ::SetEnvironmentVariableW(L"NVXPROFILE_PROFILE_DIR", nullptr);
 }
 
@@ -154,12 +148,13 @@ TEST(WindowsLocale, IsThatOfTheSystemUnlessAVariableNamesOne) {
   const ScopedVariable page("NVXPROFILE_CODEPAGE", nullptr);
   {
     const ScopedVariable language("NVXPROFILE_LANGUAGE", nullptr);
-    EXPECT_EQ(nvx::platform::AnsiCodePage(), ::GetACP());
-    EXPECT_EQ(nvx::platform::PrimaryLanguage(), PRIMARYLANGID(::GetSystemDefaultLangID()));
+    EXPECT_EQ(platform::AnsiCodePage(), ::GetACP());
+    EXPECT_EQ(platform::PrimaryLanguage(), PRIMARYLANGID(::GetSystemDefaultLangID()));
   }
   const ScopedVariable language("NVXPROFILE_LANGUAGE", "ja-JP");
-  EXPECT_EQ(nvx::platform::AnsiCodePage(), 932u);
-  EXPECT_EQ(nvx::platform::PrimaryLanguage(), 17);
+  EXPECT_EQ(platform::AnsiCodePage(), 932u);
+  EXPECT_EQ(platform::PrimaryLanguage(), 17);
 }
 
 }  // namespace
+}  // namespace nvx::test
