@@ -7,6 +7,7 @@
 #include "record_json.h"
 
 #include <nvxprofile/diagnosis.h>
+#include <nvxprofile/entry_types.h>
 #include <nvxprofile/icc_header.h>
 #include <nvxprofile/icm_entry.h>
 #include <nvxprofile/profile_file.h>
@@ -16,7 +17,6 @@
 #include <nvxprofile/text_conversion.h>
 
 #include <algorithm>
-#include <array>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
@@ -31,15 +31,6 @@ namespace {
 
 using Bytes = std::vector<std::uint8_t>;
 namespace fs = std::filesystem;
-
-struct FormatKey {
-  int format;
-  const char* key;
-};
-
-// Names of the formats in documents.
-constexpr std::array<FormatKey, 5> kFormats{
-    {{1, "container"}, {2, "text-1"}, {3, "text-2"}, {4, "printer-profile"}, {6, "icc"}}};
 
 Bytes BytesOf(CProfileDataEntry& entry) {
   const std::uint8_t* const bytes = entry.GetRefBuffer();
@@ -113,23 +104,11 @@ EntryPointer EntryFromJson(const Node& node, const std::string& folder) {
 
 // Where an entry stands when the document does not say: the routes that loads of the format give it.
 std::uint32_t DefaultRoute(int format, std::uint32_t usedType) {
-  if (format != kPrinterProfile) return kRouteIccRoot;
-  switch (usedType) {
-    case CProfileDataEntry::kReplaceProfile:
-      return kRouteReplaceProfile;
-    case CProfileDataEntry::kCalibrationHistory:
-      return kRouteCalibration;
-    case CProfileDataEntry::kMaskDownload:
-    case CProfileDataEntry::kMaskDownloadIncludePattern:
-      return kRouteMaskDownload;
-    case CProfileDataEntry::kLargeParameter:
-      return kRouteLargeParameter;
-    case CProfileDataEntry::kSpecialColorInfo:
-      return kRouteSpecialColor;
-    default:
-      return kRouteMain;
-  }
+  const EntryType* const type = FindFormatType(format)->hasRoutes ? FindEntryType(usedType) : nullptr;
+  return type != nullptr ? type->route : kRouteIccRoot;
 }
+
+bool IsTextHeaded(int format) { return format == kText1 || format == kText2; }
 
 void CheckTypesAreUnique(const std::vector<Node>& nodes, const std::vector<EntryPointer>& entries) {
   std::set<std::uint32_t> types;
@@ -196,11 +175,9 @@ void SetTimes(const Node& document, const _tagDeviceProfileInfo& info, CProfileF
 
 int FormatFromJson(const Node& node) {
   const std::string key = node.Text(64);
-  for (const FormatKey& format : kFormats) {
-    if (format.key == key) return format.format;
-  }
+  if (const FormatType* const type = FindFormatType(key)) return type->format;
   std::string keys;
-  for (const FormatKey& format : kFormats) keys += std::string(keys.empty() ? "" : ", ") + format.key;
+  for (const FormatType& type : FormatTypes()) keys += std::string(keys.empty() ? "" : ", ") + std::string(type.name);
   node.Fail("the format must be one of " + keys);
 }
 
@@ -211,7 +188,7 @@ void SetModelNumbers(const Node& document, int format, CProfileData& data) {
     if (value != 0 && !isKept) document.At(key).Fail("files of this format do not keep it");
     return value;
   };
-  const bool isContainer = format == 1 || format == 2 || format == 3;
+  const bool isContainer = format == kContainer || IsTextHeaded(format);
   data.SetTargetType(number("targetType", isContainer));
   data.SetDeviceType(number("deviceType", isContainer));
   data.SetProcessDataType(number("processDataType", false));
@@ -239,11 +216,11 @@ std::uint32_t OnlyRoute(const Node& document, CProfileData& data) {
 
 bool SaveAs(int format, const Node& document, CProfileData& data, const std::u16string& path) {
   switch (format) {
-    case 1:
+    case kContainer:
       return SaveWith<CProfileFileQCT>(document, data, path, OnlyRoute(document, data));
-    case 2:
+    case kText1:
       return SaveWith<CProfileFileQPFv1>(document, data, path, OnlyRoute(document, data));
-    case 3:
+    case kText2:
       return SaveWith<CProfileFileQPFv2>(document, data, path, 0);
     case kPrinterProfile:
       SetFlagsByRoutes(document, data);
@@ -259,7 +236,7 @@ const char* PlaceOfIcc(int format) { return format == kPrinterProfile ? "route 4
 [[noreturn]] void ExplainFailure(const Node& document, int format, CProfileData& data) {
   const _tagDeviceProfileInfo& info = *data.GetProfileInfo();
   const Node entries = document.At("entries");
-  if (format == kPrinterProfile || format == 6) {
+  if (format == kPrinterProfile || format == kPlainIcc) {
     const std::uint32_t route = format == kPrinterProfile ? kRouteMain : kRouteIccRoot;
     CProfileDataEntry* const icc = data.GetProfileDataEntry(route, CProfileDataEntry::kIcm);
     if (icc == nullptr) entries.Fail(std::string("there must be an entry \"icc\" on ") + PlaceOfIcc(format));
@@ -276,10 +253,10 @@ const char* PlaceOfIcc(int format) { return format == kPrinterProfile ? "route 4
   needs(info.HasMaskDownload, kRouteMaskDownload, "HasMaskDownload");
   needs(info.HasLargeParameter, kRouteLargeParameter, "HasLargeParameter");
   needs(info.HasSpecialColor, kRouteSpecialColor, "HasSpecialColor");
-  if (format == 3 && !(data.IsSpecifiedRoute(kRouteIccRoot) && data.IsSpecifiedRoute(kRouteGrayBalance))) {
+  if (format == kText2 && !(data.IsSpecifiedRoute(kRouteIccRoot) && data.IsSpecifiedRoute(kRouteGrayBalance))) {
     entries.Fail("the routes 1 and 2 must both have entries");
   }
-  if (format == 2 || format == 3) document.Fail("a text of the record has a line end or is too long for its line");
+  if (IsTextHeaded(format)) document.Fail("a text of the record has a line end or is too long for its line");
   document.Fail("the profile cannot be saved as the document says, or the temporary folder is full");
 }
 
@@ -338,7 +315,7 @@ void CheckWhatWasBuilt(const Node& document, int format, CProfileData& data, con
   if (!access.Init(Utf8ToWide(path).c_str(), &error)) {
     const std::string why = WhyNotLoaded(Utf8ToWide(path));
     // A profile of the older generation may be made where there is no table to load it with.
-    if ((format == 2 || format == 3) && why.starts_with("conversion table")) return;
+    if (IsTextHeaded(format) && why.starts_with("conversion table")) return;
     document.Fail("the profile would not load under this name: " + why);
   }
   for (const Node& node : document.At("entries").Items()) {
@@ -408,15 +385,14 @@ bool RebuildsEntry(const Json& payload, CProfileDataEntry& entry, std::size_t& p
 
 std::string WhyNotRebuilt(CProfileAccess& access) {
   const bool isEmpty = RoutesOf(*access.GetProfileData()).empty();
-  if (access.GetProfileLoadFormat() == 1 && isEmpty) return "a container without entries";
-  if (access.GetProfileLoadFormat() == 2 && isEmpty) return "a text-headed profile without a container";
+  if (access.GetProfileLoadFormat() == kContainer && isEmpty) return "a container without entries";
+  if (access.GetProfileLoadFormat() == kText1 && isEmpty) return "a text-headed profile without a container";
   return {};
 }
 
 std::string FormatKeyOf(int format) {
-  const auto found =
-      std::find_if(kFormats.begin(), kFormats.end(), [&](const FormatKey& key) { return key.format == format; });
-  return found != kFormats.end() ? found->key : "container";
+  const FormatType* const type = FindFormatType(format);
+  return std::string(type != nullptr ? type->name : "container");
 }
 
 Json ProfileToDocument(CProfileAccess& access, const DumpedFiles& files) {
@@ -480,7 +456,7 @@ std::vector<std::uint8_t> BuildProfile(const Json& json, const std::string& fold
 
   CProfileData data;
   _tagDeviceProfileInfo& info = *data.GetProfileInfo();
-  if (format == 2 || format == 3) info.LayoutNumber = 1;
+  if (IsTextHeaded(format)) info.LayoutNumber = 1;
   if (format == kPrinterProfile) info.LayoutNumber = 3;
   if (document.Has("record")) RecordFromJson(document.At("record"), data);
   SetModelNumbers(document, format, data);

@@ -2,59 +2,15 @@
 
 #include "terminal.h"
 
+#include <nvxprofile/entry_types.h>
 #include <nvxprofile/error.h>
 #include <nvxprofile/text_conversion.h>
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <utility>
 
 namespace nvx::tool {
-namespace {
-
-struct EntryNames {
-  std::uint32_t usedType;
-  std::string_view className;
-  std::string_view name;
-};
-
-constexpr std::array<EntryNames, 26> kEntries{{
-    {1, "CModelEntry", "model"},
-    {2, "CInkLimitEntry", "ink-limit"},
-    {3, "CVariableInkLimitEntry", "variable-ink-limit"},
-    {4, "CVariableEntry", "variable"},
-    {5, "CSeparateLightEntry", "light-ink"},
-    {6, "CLinearizationEntry", "linearization"},
-    {7, "CGrayBalanceEntry", "gray-balance"},
-    {8, "CSeparateChromaEntry", "chroma"},
-    {9, "CUcrEntry", "ucr"},
-    {10, "CICMEntry", "icc"},
-    {14, "CInfoEntry", "info"},
-    {16, "CMediaPropertyEntry", "media-property"},
-    {17, "CMultiInkLimitEntry", "multi-ink-limit"},
-    {18, "CReplaceProfileEntry", "replacement-icc"},
-    {19, "CCalibrationHistoryEntry", "calibration-history"},
-    {20, "CCalibrationContainerEntry", "calibration"},
-    {21, "CCalibrationTargetEntry", "calibration-target"},
-    {22, "CCalibrationInfoEntry", "calibration-info"},
-    {23, "CCalibrationInklimitEntry", "calibration-ink-limit"},
-    {24, "CCalibrationLinearizationEntry", "calibration-linearization"},
-    {25, "CCalibrationGrayBalanceEntry", "calibration-gray-balance"},
-    {26, "CCalibrationTargetEntry", "calibration-target-2"},
-    {27, "CMaskDownLoadEntry", "mask-download"},
-    {28, "CLargeParameterEntry", "large-parameter"},
-    {29, "CMaskDownloadIncludePatternEntry", "mask-patterns"},
-    {30, "CSpecialColorInfoEntry", "special-color"},
-}};
-
-const EntryNames* Find(std::uint32_t usedType) {
-  const auto found =
-      std::find_if(kEntries.begin(), kEntries.end(), [=](const EntryNames& e) { return e.usedType == usedType; });
-  return found != kEntries.end() ? &*found : nullptr;
-}
-
-}  // namespace
 
 bool LoadProfile(const std::string& path, CProfileAccess& access) { return LoadProfile(path, InputFile(path), access); }
 
@@ -96,39 +52,26 @@ std::string FirstError(const Diagnosis& diagnosis, const std::u16string& path) {
 void PrintErrorOf(const std::string& file, const std::string& message) { PrintError(file + ": " + message); }
 
 std::string_view FormatName(int format) {
-  switch (format) {
-    case 1:
-      return "entry-table container";
-    case 2:
-      return "text-headed profile, version 1";
-    case 3:
-      return "text-headed profile, version 2";
-    case 4:
-      return "ICC-based printer profile";
-    case 6:
-      return "plain ICC profile";
-    default:
-      return "unknown";
-  }
+  const FormatType* const type = FindFormatType(format);
+  return type != nullptr ? type->title : "unknown";
 }
 
 std::string_view ClassName(std::uint32_t usedType) {
-  const EntryNames* const names = Find(usedType);
-  return names != nullptr ? names->className : std::string_view();
+  const EntryType* const type = FindEntryType(usedType);
+  return type != nullptr ? type->className : std::string_view();
 }
 
 std::string_view EntryName(std::uint32_t usedType) {
-  const EntryNames* const names = Find(usedType);
-  return names != nullptr ? names->name : std::string_view();
+  const EntryType* const type = FindEntryType(usedType);
+  return type != nullptr ? type->name : std::string_view();
 }
 
 std::uint32_t UsedTypeByName(std::string_view name) {
-  for (const EntryNames& entry : kEntries) {
-    if (entry.name == name || entry.className == name) return entry.usedType;
-  }
+  if (const EntryType* const type = FindEntryType(name)) return type->usedType;
   std::uint32_t number = 0;
   const auto [rest, error] = std::from_chars(name.data(), name.data() + name.size(), number);
-  return error == std::errc() && rest == name.data() + name.size() && Find(number) != nullptr ? number : 0;
+  const bool isNumber = error == std::errc() && rest == name.data() + name.size();
+  return isNumber && FindEntryType(number) != nullptr ? number : 0;
 }
 
 std::vector<CProfileDataEntry*> EntriesOf(CProfileRoute& route) {

@@ -7,6 +7,7 @@
 #include "terminal.h"
 
 #include <nvxprofile/convert.h>
+#include <nvxprofile/entry_types.h>
 #include <nvxprofile/profile_access.h>
 #include <nvxprofile/profile_file.h>
 #include <nvxprofile/text_conversion.h>
@@ -81,7 +82,7 @@ std::string Convert(const Job& job, const ConvertOptions& options, std::string& 
   const std::unique_ptr<CProfileFile> format(CProfileFile::CreateProfileFile(source.c_str(), true));
   CProfileData header;
   if (!format) return WhyNotLoaded(source);
-  if (format->GetMyFormat() != 2 && format->GetMyFormat() != 3) return "is no text-headed profile";
+  if (!FindFormatType(format->GetMyFormat())->isConverted) return "is no text-headed profile";
   if (!format->LoadData(source.c_str(), &header, true)) return WhyNotLoaded(source);
 
   CConvertV2ToV3Profile converter;
