@@ -14,9 +14,8 @@ namespace {
 constexpr std::string_view kBase64 = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 
 struct Codec {
-  Json (*toJson)(CProfileDataEntry& entry) = nullptr;
+  Json (*toJson)(CProfileDataEntry& entry, Detail detail) = nullptr;
   void (*fromJson)(const Node& node, CProfileDataEntry& entry) = nullptr;
-  Json (*blobsToJson)(CProfileDataEntry& entry, Blobs blobs) = nullptr;  // in place of toJson
 };
 
 Codec CodecOf(std::uint32_t usedType) {
@@ -36,7 +35,7 @@ Codec CodecOf(std::uint32_t usedType) {
     case CProfileDataEntry::kCalibrationGrayBalance:
       return {CurvesToJson, CurvesFromJson};
     case CProfileDataEntry::kSeparateChroma:
-      return {nullptr, LutFromJson, LutToJson};
+      return {LutToJson, LutFromJson};
     case CProfileDataEntry::kInfo:
       return {InfoToJson, InfoFromJson};
     case CProfileDataEntry::kMediaProperty:
@@ -48,9 +47,9 @@ Codec CodecOf(std::uint32_t usedType) {
     case CProfileDataEntry::kCalibrationInfo:
       return {CalibrationToJson, CalibrationFromJson};
     case CProfileDataEntry::kMaskDownload:
-      return {nullptr, MaskDownloadFromJson, MaskDownloadToJson};
+      return {MaskDownloadToJson, MaskDownloadFromJson};
     case CProfileDataEntry::kMaskDownloadIncludePattern:
-      return {nullptr, MaskPatternsFromJson, MaskPatternsToJson};
+      return {MaskPatternsToJson, MaskPatternsFromJson};
     case CProfileDataEntry::kLargeParameter:
       return {LargeParameterToJson, LargeParameterFromJson};
     case CProfileDataEntry::kSpecialColorInfo:
@@ -58,12 +57,6 @@ Codec CodecOf(std::uint32_t usedType) {
     default:
       return {};
   }
-}
-
-Json PayloadToJson(CProfileDataEntry& entry, Blobs blobs) {
-  const Codec codec = CodecOf(entry.GetUsedType());
-  if (codec.blobsToJson != nullptr) return codec.blobsToJson(entry, blobs);
-  return codec.toJson != nullptr ? codec.toJson(entry) : Json(nullptr);
 }
 
 }  // namespace
@@ -180,8 +173,8 @@ void SetBytes(CProfileDataEntry& entry, std::span<const std::uint8_t> bytes) {
   entry.BufferToData();
 }
 
-Json BytesToJson(const std::uint8_t* bytes, std::size_t size, Blobs blobs) {
-  if (blobs == Blobs::kSizes) return {{"bytes", size}};
+Json BytesToJson(const std::uint8_t* bytes, std::size_t size, Detail detail) {
+  if (detail == Detail::kSizes) return {{"bytes", size}};
   return ToBase64(bytes, size);
 }
 
@@ -234,8 +227,10 @@ std::u16string WideFromJson(const Node& node, std::size_t longest) {
   return text;
 }
 
-Json PayloadToJson(CProfileDataEntry& entry) { return PayloadToJson(entry, Blobs::kWhole); }
-Json PayloadToSummary(CProfileDataEntry& entry) { return PayloadToJson(entry, Blobs::kSizes); }
+Json PayloadToJson(CProfileDataEntry& entry, Detail detail) {
+  const Codec codec = CodecOf(entry.GetUsedType());
+  return codec.toJson != nullptr ? codec.toJson(entry, detail) : Json(nullptr);
+}
 
 void PayloadFromJson(const Node& node, CProfileDataEntry& entry) {
   const Codec codec = CodecOf(entry.GetUsedType());

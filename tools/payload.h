@@ -67,11 +67,11 @@ class Node {
   ReadLog* log_;
 };
 
-// The payload of an entry; null for entries without one and for those whose payload did not parse.
-Json PayloadToJson(CProfileDataEntry& entry);
+// How much of a payload is told: all of it, or of bytes and samples no more than how many there are.
+enum class Detail { kWhole, kSizes };
 
-// The same with the sizes of colour tables and masks, {"bytes": N}, in place of their bytes.
-Json PayloadToSummary(CProfileDataEntry& entry);
+// The payload of an entry; null for entries without one and for those whose payload did not parse.
+Json PayloadToJson(CProfileDataEntry& entry, Detail detail = Detail::kWhole);
 
 // Fills the payload of an entry of the right type and rebuilds the entry's buffer. Throws DocumentError.
 void PayloadFromJson(const Node& node, CProfileDataEntry& entry);
@@ -95,30 +95,29 @@ Json WideToJson(const std::u16string& text);
 std::u16string WideFromJson(const Node& node, std::size_t longest);
 std::string ToBase64(const std::uint8_t* bytes, std::size_t size);
 
-// Bytes in a document, whole or as no more than their number.
-enum class Blobs { kWhole, kSizes };
-Json BytesToJson(const std::uint8_t* bytes, std::size_t size, Blobs blobs);
+// Base64, or {"bytes": N}.
+Json BytesToJson(const std::uint8_t* bytes, std::size_t size, Detail detail);
 
 // The families, one file each below payloads/.
-Json CurvesToJson(CProfileDataEntry& entry);
+Json CurvesToJson(CProfileDataEntry& entry, Detail detail);
 void CurvesFromJson(const Node& node, CProfileDataEntry& entry);
-Json ModelToJson(CProfileDataEntry& entry);
+Json ModelToJson(CProfileDataEntry& entry, Detail detail);
 void ModelFromJson(const Node& node, CProfileDataEntry& entry);
-Json InfoToJson(CProfileDataEntry& entry);
+Json InfoToJson(CProfileDataEntry& entry, Detail detail);
 void InfoFromJson(const Node& node, CProfileDataEntry& entry);
-Json MediaToJson(CProfileDataEntry& entry);
+Json MediaToJson(CProfileDataEntry& entry, Detail detail);
 void MediaFromJson(const Node& node, CProfileDataEntry& entry);
-Json LutToJson(CProfileDataEntry& entry, Blobs blobs);
+Json LutToJson(CProfileDataEntry& entry, Detail detail);
 void LutFromJson(const Node& node, CProfileDataEntry& entry);
-Json MaskDownloadToJson(CProfileDataEntry& entry, Blobs blobs);
+Json MaskDownloadToJson(CProfileDataEntry& entry, Detail detail);
 void MaskDownloadFromJson(const Node& node, CProfileDataEntry& entry);
-Json MaskPatternsToJson(CProfileDataEntry& entry, Blobs blobs);
+Json MaskPatternsToJson(CProfileDataEntry& entry, Detail detail);
 void MaskPatternsFromJson(const Node& node, CProfileDataEntry& entry);
-Json LargeParameterToJson(CProfileDataEntry& entry);
+Json LargeParameterToJson(CProfileDataEntry& entry, Detail detail);
 void LargeParameterFromJson(const Node& node, CProfileDataEntry& entry);
-Json SpecialColorToJson(CProfileDataEntry& entry);
+Json SpecialColorToJson(CProfileDataEntry& entry, Detail detail);
 void SpecialColorFromJson(const Node& node, CProfileDataEntry& entry);
-Json CalibrationToJson(CProfileDataEntry& entry);  // types 19 to 22 and 26, nested
+Json CalibrationToJson(CProfileDataEntry& entry, Detail detail);  // types 19 to 22 and 26, nested
 void CalibrationFromJson(const Node& node, CProfileDataEntry& entry);
 
 }  // namespace nvx::tool

@@ -39,7 +39,7 @@ Json EntryToJson(CProfileDataEntry& entry) {
                {"label", NarrowToJson(entry.GetLabelString())},
                {"size", entry.GetSize()}};
   const bool isIcc = entry.GetFormatType() == CProfileDataEntry::kFormatIcc;
-  Json payload = isIcc ? IccToJson(entry.GetRefBuffer(), entry.GetSize()) : PayloadToSummary(entry);
+  Json payload = isIcc ? IccToJson(entry.GetRefBuffer(), entry.GetSize()) : PayloadToJson(entry, Detail::kSizes);
   if (!payload.is_null()) json["payload"] = std::move(payload);
   return json;
 }

@@ -37,7 +37,7 @@ tag_ContainerData DescriptionFromJson(const Node& node) {
   return description;
 }
 
-Json ChildToJson(CProfileDataEntry& child) {
+Json ChildToJson(CProfileDataEntry& child, Detail detail) {
   Json json = {{"usedType", child.GetUsedType()},
                {"type", std::string(EntryName(child.GetUsedType()))},
                {"class", std::string(ClassName(child.GetUsedType()))},
@@ -46,11 +46,11 @@ Json ChildToJson(CProfileDataEntry& child) {
   if (auto* const container = dynamic_cast<CContainerEntry*>(&child)) {
     json["containerData"] = DescriptionToJson(*container->GetContainerData());
   }
-  Json payload = PayloadToJson(child);
+  Json payload = PayloadToJson(child, detail);
   if (!payload.is_null()) {
     json["payload"] = std::move(payload);
   } else {
-    json["bytes"] = ToBase64(child.GetRefBuffer(), child.GetSize());
+    json["bytes"] = BytesToJson(child.GetRefBuffer(), child.GetSize(), detail);
   }
   return json;
 }
@@ -71,14 +71,14 @@ void FillChild(const Node& node, CProfileDataEntry& child) {
   }
 }
 
-Json ContainerToJson(CContainerEntry& container) {
+Json ContainerToJson(CContainerEntry& container, Detail detail) {
   Json json = Json::object();
   if (const auto* const history = dynamic_cast<CCalibrationHistoryEntry*>(&container)) {
     json["nextID"] = history->PeekNextID();
   }
   Json entries = Json::array();
   for (int i = 0; i < container.GetEntryCount(); ++i) {
-    entries.push_back(ChildToJson(*container.GetProfileDataEntry(i)));
+    entries.push_back(ChildToJson(*container.GetProfileDataEntry(i), detail));
   }
   json["entries"] = std::move(entries);
   return json;
@@ -154,9 +154,9 @@ void InfoRecordsFromJson(const Node& node, CCalibrationInfoEntry& info) {
 }  // namespace
 
 // The buffer is what a file holds, so the document tells of the buffer.
-Json CalibrationToJson(CProfileDataEntry& entry) {
+Json CalibrationToJson(CProfileDataEntry& entry, Detail detail) {
   if (!entry.BufferToData()) return nullptr;
-  if (auto* const container = dynamic_cast<CContainerEntry*>(&entry)) return ContainerToJson(*container);
+  if (auto* const container = dynamic_cast<CContainerEntry*>(&entry)) return ContainerToJson(*container, detail);
   if (auto* const target = dynamic_cast<CCalibrationTargetEntry*>(&entry)) return TargetToJson(*target);
   if (auto* const info = dynamic_cast<CCalibrationInfoEntry*>(&entry)) return InfoRecordsToJson(*info);
   return nullptr;

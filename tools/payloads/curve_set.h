@@ -7,7 +7,7 @@
 
 namespace nvx::tool {
 
-Json CurveSetToJson(CCurveData& set);
+Json CurveSetToJson(CCurveData& set, Detail detail);
 
 // Replaces the curves of the set. `usedType` is that of a set which the document gives none. Throws DocumentError.
 void CurveSetFromJson(const Node& node, CCurveData& set, std::uint32_t usedType);

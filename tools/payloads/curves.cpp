@@ -16,10 +16,15 @@ CCurveData* CurvesOf(CProfileDataEntry& entry) {
   return curves != nullptr ? curves->GetCurveData() : nullptr;
 }
 
-Json CurveToJson(CCurveDataEntry& curve) {
+Json SamplesToJson(CCurveDataEntry& curve, Detail detail) {
+  if (detail == Detail::kSizes) return {{"count", curve.GetCount()}};
   Json samples = Json::array();
   std::uint32_t sample = 0;
   for (std::uint32_t i = 0; curve.GetAt(i, sample); ++i) samples.push_back(sample);
+  return samples;
+}
+
+Json CurveToJson(CCurveDataEntry& curve, Detail detail) {
   return {{"inkID", curve.GetInkID()},
           {"inkName", NarrowToJson(curve.GetInkName())},
           {"slotNo", curve.GetSlotNo()},
@@ -28,7 +33,7 @@ Json CurveToJson(CCurveDataEntry& curve) {
           {"max", curve.GetMax()},
           {"min", curve.GetMin()},
           {"dataType", curve.GetDataType()},
-          {"samples", std::move(samples)}};
+          {"samples", SamplesToJson(curve, detail)}};
 }
 
 // Ink and samples are what a curve needs; all else has the value of a new curve of 16-bit samples.
@@ -53,10 +58,10 @@ std::unique_ptr<CCurveDataEntry> CurveFromJson(const Node& node) {
 
 }  // namespace
 
-Json CurveSetToJson(CCurveData& set) {
+Json CurveSetToJson(CCurveData& set, Detail detail) {
   Json curves = Json::array();
   bool more = set.GetHeadPosition();
-  while (more) curves.push_back(CurveToJson(*set.GetNext(more)));
+  while (more) curves.push_back(CurveToJson(*set.GetNext(more), detail));
   return {{"usedType", set.GetUsedType()}, {"curves", std::move(curves)}};
 }
 
@@ -67,10 +72,10 @@ void CurveSetFromJson(const Node& node, CCurveData& set, std::uint32_t usedType)
 }
 
 // The buffer is what a file holds and what every query reads, so the document tells of the buffer.
-Json CurvesToJson(CProfileDataEntry& entry) {
+Json CurvesToJson(CProfileDataEntry& entry, Detail detail) {
   CCurveData* const set = CurvesOf(entry);
   if (set == nullptr || !entry.BufferToData()) return nullptr;
-  return CurveSetToJson(*set);
+  return CurveSetToJson(*set, detail);
 }
 
 void CurvesFromJson(const Node& node, CProfileDataEntry& entry) {

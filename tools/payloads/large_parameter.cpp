@@ -36,7 +36,7 @@ std::unique_ptr<CLargeParameterDataEntry> TableFromJson(const Node& node) {
 
 }  // namespace
 
-Json LargeParameterToJson(CProfileDataEntry& entry) {
+Json LargeParameterToJson(CProfileDataEntry& entry, Detail) {
   auto* const parameters = dynamic_cast<CLargeParameterEntry*>(&entry);
   if (parameters == nullptr || !parameters->BufferToData()) return nullptr;
   Json tables = Json::array();

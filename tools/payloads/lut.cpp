@@ -34,19 +34,19 @@ void ChannelsFromJson(const Node& node, CLutData& table, ChannelAt channelAt) {
 }
 
 // Base64 stands for whole nodes of one count, as a table has them after a load.
-Json SamplesToJson(CLutData& table, Blobs blobs) {
-  return BytesToJson(table.GetRefBuffer(), table.GetLutDataSize(), blobs);
+Json SamplesToJson(CLutData& table, Detail detail) {
+  return BytesToJson(table.GetRefBuffer(), table.GetLutDataSize(), detail);
 }
 
 }  // namespace
 
-Json LutToJson(CProfileDataEntry& entry, Blobs blobs) {
+Json LutToJson(CProfileDataEntry& entry, Detail detail) {
   auto* const table = dynamic_cast<CLutData*>(entry.GetFormatData());
   if (table == nullptr || !entry.BufferToData()) return nullptr;
   return {{"gridCount", table->GetGridCount()},
           {"inputChannels", ChannelsToJson(*table, &CLutData::GetAtInputChannelInf)},
           {"outputChannels", ChannelsToJson(*table, &CLutData::GetAtOutputChannelInf)},
-          {"samples", SamplesToJson(*table, blobs)}};
+          {"samples", SamplesToJson(*table, detail)}};
 }
 
 void LutFromJson(const Node& node, CProfileDataEntry& entry) {

@@ -24,12 +24,12 @@ void HeaderFromJson(const Node& node, tagWeftHeader& header) {
   for (std::size_t i = 0; i < 2; ++i) header.Reserved[i] = reserved[i].U32();
 }
 
-Json BlockToJson(const tagWeftDatas& block, Blobs blobs) {
+Json BlockToJson(const tagWeftDatas& block, Detail detail) {
   Json values = Json::array();
   for (std::uint32_t i = 0; i < block.ValueCount; ++i) values.push_back(block.Values[i]);
   return {{"blockType", block.BlockType},
           {"values", std::move(values)},
-          {"bytes", BytesToJson(block.Bytes, block.ByteCount, blobs)}};
+          {"bytes", BytesToJson(block.Bytes, block.ByteCount, detail)}};
 }
 
 // Fills a block that has its type already.
@@ -44,7 +44,7 @@ void BlockFromJson(const Node& node, tagWeftDatas& block) {
   std::copy(bytes.begin(), bytes.end(), block.Bytes);
 }
 
-Json RecordToJson(CMaskParameterDataEntry& record, Blobs blobs) {
+Json RecordToJson(CMaskParameterDataEntry& record, Detail detail) {
   Json colors = Json::array();
   for (std::uint32_t i = 0; i < record.GetLayerColorCount(); ++i) {
     colors.push_back(record.GetLeyerColor(static_cast<int>(i)));
@@ -58,7 +58,7 @@ Json RecordToJson(CMaskParameterDataEntry& record, Blobs blobs) {
           {"printMethod", record.GetPrintMethod()},
           {"layerColors", std::move(colors)},
           {"usePatternIDs", std::move(ids)},
-          {"paramData", BytesToJson(record.GetParamDataBuffer(), record.GetParamDataSize(), blobs)}};
+          {"paramData", BytesToJson(record.GetParamDataBuffer(), record.GetParamDataSize(), detail)}};
 }
 
 std::vector<Node> ItemsUpTo(const Node& node, std::size_t most) {
@@ -97,11 +97,11 @@ void RebuildMasks(const Node& node, CProfileDataEntry& entry) {
 
 }  // namespace
 
-Json MaskDownloadToJson(CProfileDataEntry& entry, Blobs blobs) {
+Json MaskDownloadToJson(CProfileDataEntry& entry, Detail detail) {
   auto* const masks = dynamic_cast<CMaskDownLoadEntry*>(&entry);
   if (masks == nullptr || !masks->BufferToData()) return nullptr;
   Json blocks = Json::array();
-  for (const tagWeftDatas& block : masks->GetWeftBlocks()) blocks.push_back(BlockToJson(block, blobs));
+  for (const tagWeftDatas& block : masks->GetWeftBlocks()) blocks.push_back(BlockToJson(block, detail));
   return {{"weftHeader", HeaderToJson(*masks->GetWeftHeader())}, {"weftData", std::move(blocks)}};
 }
 
@@ -118,18 +118,18 @@ void MaskDownloadFromJson(const Node& node, CProfileDataEntry& entry) {
   RebuildMasks(node, entry);
 }
 
-Json MaskPatternsToJson(CProfileDataEntry& entry, Blobs blobs) {
+Json MaskPatternsToJson(CProfileDataEntry& entry, Detail detail) {
   auto* const masks = dynamic_cast<CMaskDownloadIncludePatternEntry*>(&entry);
   if (masks == nullptr || !masks->BufferToData()) return nullptr;
   Json records = Json::array();
   for (CMaskParameterDataEntry* const record : masks->GetMaskParameterData()->Entries()) {
-    records.push_back(RecordToJson(*record, blobs));
+    records.push_back(RecordToJson(*record, detail));
   }
   Json patterns = Json::array();
   for (CMaskPatternDataEntry* const pattern : masks->GetMaskPatternData()->Entries()) {
     patterns.push_back(
         {{"maskPatternID", pattern->GetMaskPatternID()},
-         {"maskPattern", BytesToJson(pattern->GetMaskPatternBuffer(), pattern->GetMaskPatternSize(), blobs)}});
+         {"maskPattern", BytesToJson(pattern->GetMaskPatternBuffer(), pattern->GetMaskPatternSize(), detail)}});
   }
   return {{"weftHeader", HeaderToJson(*masks->GetWeftHeader())},
           {"maskParameters", std::move(records)},

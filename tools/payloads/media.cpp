@@ -34,7 +34,7 @@ std::unique_ptr<CMediaPropertyDataEntry> BlockFromJson(const Node& node) {
 
 }  // namespace
 
-Json MediaToJson(CProfileDataEntry& entry) {
+Json MediaToJson(CProfileDataEntry& entry, Detail) {
   auto* const data = dynamic_cast<CMediaPropertyData*>(entry.GetFormatData());
   if (data == nullptr || !entry.BufferToData()) return nullptr;
   Json blocks = Json::array();

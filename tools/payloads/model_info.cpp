@@ -25,7 +25,7 @@ void RebuildModel(const Node& node, CProfileDataEntry& entry) {
 
 }  // namespace
 
-Json ModelToJson(CProfileDataEntry& entry) {
+Json ModelToJson(CProfileDataEntry& entry, Detail) {
   auto* const model = dynamic_cast<CModelData*>(entry.GetFormatData());
   if (model == nullptr || !entry.BufferToData()) return nullptr;
   return {{"modelName", NarrowToJson(NameOf(*model, &CModelData::GetModelName))},
@@ -48,7 +48,7 @@ void ModelFromJson(const Node& node, CProfileDataEntry& entry) {
   RebuildModel(node, entry);
 }
 
-Json InfoToJson(CProfileDataEntry& entry) {
+Json InfoToJson(CProfileDataEntry& entry, Detail) {
   auto* const info = dynamic_cast<CInfoData*>(entry.GetFormatData());
   if (info == nullptr || !entry.BufferToData()) return nullptr;
   return {{"versionStr", NarrowToJson(info->GetVersionStr())},

@@ -12,9 +12,9 @@ namespace {
 
 constexpr std::uint32_t kUsedType = 1;
 
-Json ColorTableToJson(CSpecialColorInfoDataEntry& table) {
+Json ColorTableToJson(CSpecialColorInfoDataEntry& table, Detail detail) {
   Json curves = Json::array();
-  for (CCurveData* const set : table.CurvesVD()) curves.push_back(CurveSetToJson(*set));
+  for (CCurveData* const set : table.CurvesVD()) curves.push_back(CurveSetToJson(*set, detail));
   return {{"usedType", table.GetUsedType()},
           {"patternCount", table.GetPatternCount()},
           {"parameters", WordArraysToJson(table.Arrays())},
@@ -41,12 +41,12 @@ std::unique_ptr<CSpecialColorInfoDataEntry> ColorTableFromJson(const Node& node)
 
 }  // namespace
 
-Json SpecialColorToJson(CProfileDataEntry& entry) {
+Json SpecialColorToJson(CProfileDataEntry& entry, Detail detail) {
   auto* const colors = dynamic_cast<CSpecialColorInfoEntry*>(&entry);
   if (colors == nullptr || !colors->BufferToData()) return nullptr;
   CSpecialColorInfoData& data = *colors->GetSpecialColorInfoData();
   Json tables = Json::array();
-  for (CSpecialColorInfoDataEntry* const table : data.Entries()) tables.push_back(ColorTableToJson(*table));
+  for (CSpecialColorInfoDataEntry* const table : data.Entries()) tables.push_back(ColorTableToJson(*table, detail));
   return {{"profileColorType", data.GetProfileColorType()}, {"entries", std::move(tables)}};
 }
 
