@@ -127,7 +127,7 @@ class Comparison {
 
   static bool SameBytes(CProfileDataEntry& a, CProfileDataEntry& b) {
     return a.GetSize() == b.GetSize() &&
-           (a.GetSize() == 0 || std::memcmp(a.GetRefBuffer(), b.GetRefBuffer(), a.GetSize()) == 0);
+           (a.GetSize() == 0 || std::memcmp(a.Bytes().data(), b.Bytes().data(), a.GetSize()) == 0);
   }
 
   // Bytes behind a form, such as padding, are no difference.
@@ -154,9 +154,9 @@ class Comparison {
     const auto tags = [](CProfileDataEntry& entry) {
       std::map<std::string, std::pair<const std::uint8_t*, std::uint32_t>> bytes;
       IccDirectory directory;
-      if (!ReadIccDirectory(entry.GetRefBuffer(), entry.GetSize(), directory)) return bytes;
+      if (!ReadIccDirectory(entry.Bytes().data(), entry.GetSize(), directory)) return bytes;
       for (const IccTag& tag : directory.tags) {
-        bytes["tag " + SignatureText(tag.signature)] = {entry.GetRefBuffer() + tag.offset, tag.size};
+        bytes["tag " + SignatureText(tag.signature)] = {entry.Bytes().data() + tag.offset, tag.size};
       }
       return bytes;
     };
@@ -164,8 +164,8 @@ class Comparison {
       const bool same = x.second == y.second && std::equal(x.first, x.first + x.second, y.first);
       if (!same) Add(at, kDiffers, x.second, y.second);
     });
-    const Json left = IccToJson(a.GetRefBuffer(), a.GetSize());
-    const Json right = IccToJson(b.GetRefBuffer(), b.GetSize());
+    const Json left = IccToJson(a.Bytes().data(), a.GetSize());
+    const Json right = IccToJson(b.Bytes().data(), b.GetSize());
     if (left.is_object() && right.is_object()) Documents(place + "/header", left["header"], right["header"]);
   }
 

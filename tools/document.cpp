@@ -33,7 +33,7 @@ using Bytes = std::vector<std::uint8_t>;
 namespace fs = std::filesystem;
 
 Bytes BytesOf(CProfileDataEntry& entry) {
-  const std::uint8_t* const bytes = entry.GetRefBuffer();
+  const std::uint8_t* const bytes = entry.Bytes().data();
   return bytes != nullptr ? Bytes(bytes, bytes + entry.GetSize()) : Bytes();
 }
 
@@ -43,7 +43,7 @@ bool IsIcc(CProfileDataEntry& entry) { return entry.GetFormatType() == CProfileD
 std::string WriteIccFile(CProfileDataEntry& entry, const DumpedFiles& files) {
   const std::string name = std::string(EntryName(entry.GetUsedType())) + ".icc";
   const fs::path path = fs::path(files.folder) / name;
-  WriteFile(path.string(), {entry.GetRefBuffer(), entry.GetSize()});
+  WriteFile(path.string(), entry.Bytes());
   if (path.is_absolute()) return path.string();
   const fs::path fromDocument = fs::absolute(path).lexically_normal().lexically_relative(
       fs::absolute(files.documentFolder.empty() ? "." : files.documentFolder).lexically_normal());
@@ -66,7 +66,7 @@ Json EntryToJson(CProfileDataEntry& entry, const DumpedFiles& files) {
   const bool rebuilds = !payload.is_null() && RebuildsEntry(payload, entry, padding);
   if (!payload.is_null()) json["payload"] = std::move(payload);
   // Bytes stand where no payload says it all; a build takes them and leaves the payload alone.
-  if (!rebuilds) json["bytes"] = ToBase64(entry.GetRefBuffer(), entry.GetSize());
+  if (!rebuilds) json["bytes"] = ToBase64(entry.Bytes().data(), entry.GetSize());
   return json;
 }
 
@@ -242,7 +242,7 @@ const char* PlaceOfIcc(int format) { return format == kPrinterProfile ? "route 4
     if (icc == nullptr) entries.Fail(std::string("there must be an entry \"icc\" on ") + PlaceOfIcc(format));
     Diagnosis diagnosis;
     IccDirectory directory;
-    if (!ReadIccDirectory(icc->GetRefBuffer(), icc->GetSize(), directory, &diagnosis) && diagnosis.HasErrors()) {
+    if (!ReadIccDirectory(icc->Bytes().data(), icc->GetSize(), directory, &diagnosis) && diagnosis.HasErrors()) {
       entries.Fail("the entry \"icc\" is no ICC profile: " + diagnosis.Findings().front().rule);
     }
   }

@@ -408,7 +408,7 @@ void ProfileValues::StorePayload(std::uint32_t usedType, const Json& payload) {
   const std::unique_ptr<CProfileDataEntry> made = MakeEntry(usedType);
   PayloadFromJson(Node(payload, place), *made);
   std::vector<std::uint8_t> image(made->GetSize() + padding);
-  std::copy_n(made->GetRefBuffer(), made->GetSize(), image.begin());
+  std::copy_n(made->Bytes().data(), made->GetSize(), image.begin());
   if (edit_.SetEntryBytes(usedType, image)) return;
   throw DocumentError(place, edit_.GetFormat() == 2 || edit_.GetFormat() == 3
                                  ? "an entry of a text-headed profile cannot change its size in place"

@@ -34,7 +34,7 @@ void ChangedProfile::Save(std::uint32_t usedType, const std::string& path) {
     return;
   }
   CProfileDataEntry& entry = *Data().GetProfileDataEntryFromList(usedType);
-  if (!edit_.SetEntryBytes(usedType, {entry.GetRefBuffer(), entry.GetSize()})) {
+  if (!edit_.SetEntryBytes(usedType, entry.Bytes())) {
     Fail(file_, "its format has no room for an entry of another size");
   }
   WriteOutput(path, edit_.Image());

@@ -39,7 +39,7 @@ bool Write(const ExtractOptions& options, const std::string& path, const std::ui
 bool WriteEntry(const ExtractOptions& options, CProfileAccess& access, std::uint32_t usedType,
                 const std::string& path) {
   CProfileDataEntry* const entry = access.GetProfileData()->GetProfileDataEntryFromList(usedType);
-  if (entry != nullptr) return Write(options, path, entry->GetRefBuffer(), entry->GetSize());
+  if (entry != nullptr) return Write(options, path, entry->Bytes().data(), entry->GetSize());
   PrintErrorOf(options.file, fmt::format("there is no entry {} of type {}", EntryName(usedType), usedType));
   return false;
 }

@@ -39,7 +39,7 @@ Json EntryToJson(CProfileDataEntry& entry) {
                {"label", NarrowToJson(entry.GetLabelString())},
                {"size", entry.GetSize()}};
   const bool isIcc = entry.GetFormatType() == CProfileDataEntry::kFormatIcc;
-  Json payload = isIcc ? IccToJson(entry.GetRefBuffer(), entry.GetSize()) : PayloadToJson(entry, Detail::kSizes);
+  Json payload = isIcc ? IccToJson(entry.Bytes().data(), entry.GetSize()) : PayloadToJson(entry, Detail::kSizes);
   if (!payload.is_null()) json["payload"] = std::move(payload);
   return json;
 }
@@ -130,7 +130,7 @@ std::string FlagsOf(CProfileDataEntry& entry) {
 
 void PrintIcc(CProfileDataEntry& entry) {
   IccDirectory directory;
-  if (!ReadIccDirectory(entry.GetRefBuffer(), entry.GetSize(), directory)) return;
+  if (!ReadIccDirectory(entry.Bytes().data(), entry.GetSize(), directory)) return;
   std::string facts;
   for (const auto& [name, value] : IccFacts(directory.header)) {
     if (name == "size" || value.empty()) continue;
@@ -201,8 +201,8 @@ void AddInfoCommand(CommandLine& line) {
   const auto options = std::make_shared<InfoOptions>();
   command.Add("FILE", &options->files, "Profiles of any format").Required();
   const Option json = command.AddFlag("--json", options->json,
-                                      "Write a JSON document; of several files, an array of them. Of colour tables and "
-                                      "masks it has the sizes, and a dump the bytes");
+                                      "Write a JSON document; of several files, an array of them. Of curves, colour "
+                                      "tables and masks it has the sizes, and a dump the samples and bytes");
   command.AddFlag("--json-lines", options->jsonLines, "Write one JSON object a line, each of one file").Excludes(json);
   command.Example("nvxprofile info glossy.icc");
   command.Action([options] { return Run(*options); });

@@ -50,7 +50,7 @@ Json ChildToJson(CProfileDataEntry& child, Detail detail) {
   if (!payload.is_null()) {
     json["payload"] = std::move(payload);
   } else {
-    json["bytes"] = BytesToJson(child.GetRefBuffer(), child.GetSize(), detail);
+    json["bytes"] = BytesToJson(child.Bytes().data(), child.GetSize(), detail);
   }
   return json;
 }
@@ -111,7 +111,7 @@ void ContainerFromJson(const Node& node, CContainerEntry& container) {
 Json TargetToJson(CCalibrationTargetEntry& target) {
   Json json = {{"createTime", target.GetCreateTime()}};
   if (target.GetSize() > kTimeSize) {
-    json["rest"] = ToBase64(target.GetRefBuffer() + kTimeSize, target.GetSize() - kTimeSize);
+    json["rest"] = ToBase64(target.Bytes().data() + kTimeSize, target.GetSize() - kTimeSize);
   }
   return json;
 }

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <utility>
 
 namespace nvx::tool {
 namespace {
@@ -58,7 +59,7 @@ Json RecordToJson(CMaskParameterDataEntry& record, Detail detail) {
           {"printMethod", record.GetPrintMethod()},
           {"layerColors", std::move(colors)},
           {"usePatternIDs", std::move(ids)},
-          {"paramData", BytesToJson(record.GetParamDataBuffer(), record.GetParamDataSize(), detail)}};
+          {"paramData", BytesToJson(std::as_const(record).GetParamDataBuffer(), record.GetParamDataSize(), detail)}};
 }
 
 std::vector<Node> ItemsUpTo(const Node& node, std::size_t most) {
@@ -127,9 +128,9 @@ Json MaskPatternsToJson(CProfileDataEntry& entry, Detail detail) {
   }
   Json patterns = Json::array();
   for (CMaskPatternDataEntry* const pattern : masks->GetMaskPatternData()->Entries()) {
-    patterns.push_back(
-        {{"maskPatternID", pattern->GetMaskPatternID()},
-         {"maskPattern", BytesToJson(pattern->GetMaskPatternBuffer(), pattern->GetMaskPatternSize(), detail)}});
+    patterns.push_back({{"maskPatternID", pattern->GetMaskPatternID()},
+                        {"maskPattern", BytesToJson(std::as_const(*pattern).GetMaskPatternBuffer(),
+                                                    pattern->GetMaskPatternSize(), detail)}});
   }
   return {{"weftHeader", HeaderToJson(*masks->GetWeftHeader())},
           {"maskParameters", std::move(records)},

@@ -253,7 +253,7 @@ Json IccParts(CProfileAccess& access) {
   Json parts = Json::array();
   for (CProfileDataEntry* const entry : AllEntries(access)) {
     if (entry->GetFormatType() != CProfileDataEntry::kFormatIcc) continue;
-    Json part = IccPart({entry->GetRefBuffer(), entry->GetSize()});
+    Json part = IccPart(entry->Bytes());
     if (part.is_null()) continue;
     part["name"] = std::string(EntryName(entry->GetUsedType()));
     part["label"] = Utf8(entry->GetLabelString());
