@@ -1,7 +1,9 @@
 #include "document.h"
 
+#include "console.h"
 #include "files.h"
 #include "loading.h"
+#include "paths.h"
 #include "record_json.h"
 
 #include <nvxprofile/diagnosis.h>
@@ -60,9 +62,10 @@ bool IsIcc(CProfileDataEntry& entry) { return entry.GetFormatType() == CProfileD
 
 std::string WriteIccFile(CProfileDataEntry& entry, const std::string& folder) {
   const std::string name = std::string(EntryName(entry.GetUsedType())) + ".icc";
-  const std::filesystem::path path = std::filesystem::path(folder) / name;
-  WriteOutput(path.string(), {entry.GetRefBuffer(), entry.GetSize()});
-  return path.string();
+  // With a slash, which every system takes: documents travel.
+  const std::string path = folder + (folder.ends_with('/') || folder.ends_with('\\') ? "" : "/") + name;
+  WriteOutput(path, {entry.GetRefBuffer(), entry.GetSize()});
+  return path;
 }
 
 Json EntryToJson(CProfileDataEntry& entry, const std::string& filesFolder) {
@@ -87,11 +90,11 @@ Json EntryToJson(CProfileDataEntry& entry, const std::string& filesFolder) {
 
 // A document comes from anywhere: what it names must be a file, not a device that never ends.
 Bytes ReadFile(const Node& node, const std::string& folder) {
-  const std::filesystem::path path = std::filesystem::path(folder) / node.Text(4096);
+  const std::filesystem::path path = PathOf(folder) / PathOf(node.Text(4096));
   std::error_code error;
-  if (!std::filesystem::is_regular_file(path, error)) node.Fail(path.string() + " is no file");
+  if (!std::filesystem::is_regular_file(path, error)) node.Fail(TextOf(path) + " is no file");
   std::ifstream file(path, std::ios::binary);
-  if (!file) node.Fail("the file " + path.string() + " cannot be opened");
+  if (!file) node.Fail("the file " + TextOf(path) + " cannot be opened");
   return Bytes(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
 }
 
@@ -190,7 +193,7 @@ void SetClock(const _tagDeviceProfileInfo& info) {
     parts.tm_isdst = -1;
     seconds = std::mktime(&parts);
   }
-  if (seconds > 0) ::setenv("SOURCE_DATE_EPOCH", std::to_string(seconds).c_str(), 1);
+  if (seconds > 0) SetVariable("SOURCE_DATE_EPOCH", std::to_string(seconds));
 }
 
 int FormatFromJson(const Node& node) {
@@ -330,8 +333,8 @@ void CheckRecord(const Node& record, int format, const Json& loaded) {
 void CheckWhatWasBuilt(const Node& document, int format, CProfileData& data, const std::string& path) {
   CProfileAccess access;
   CError error;
-  if (!access.Init(Utf8ToWide(path).c_str(), &error)) {
-    const std::string why = WhyNotLoaded(Utf8ToWide(path));
+  if (!access.Init(PathToWide(path).c_str(), &error)) {
+    const std::string why = WhyNotLoaded(PathToWide(path));
     // A profile of the older generation may be made where there is no table to load it with.
     if ((format == 2 || format == 3) && why.starts_with("conversion table")) return;
     document.Fail("the profile would not load under this name: " + why);
@@ -451,9 +454,9 @@ std::vector<std::uint8_t> BuildProfile(const Json& json, const std::string& fold
   document.RefuseUnread();
   SetClock(info);
 
-  const WorkFolder work(std::filesystem::temp_directory_path().string());
+  const WorkFolder work(TemporaryFolder());
   const std::string path = work.File(name);
-  if (!SaveAs(format, document, data, Utf8ToWide(path))) ExplainFailure(document, format, data);
+  if (!SaveAs(format, document, data, PathToWide(path))) ExplainFailure(document, format, data);
   CheckWhatWasBuilt(document, format, data, path);
   const std::string bytes = ReadInput(path);
   return {bytes.begin(), bytes.end()};

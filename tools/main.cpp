@@ -1,4 +1,5 @@
 #include "command.h"
+#include "console.h"
 #include "files.h"
 #include "manual.h"
 #include "terminal.h"
@@ -11,6 +12,7 @@
 #include <sstream>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace nvx::tool {
@@ -59,11 +61,7 @@ int Finish(int status) {
   }
 }
 
-}  // namespace
-}  // namespace nvx::tool
-
-int main(int argc, char** argv) {
-  using namespace nvx::tool;
+int Run(std::vector<std::string> arguments) {
   CLI::App app("Reads, converts and writes device profiles of inkjet printers.", "nvxprofile");
   app.set_version_flag("--version", "nvxprofile " NVXPROFILE_VERSION);
   app.require_subcommand(1);
@@ -104,12 +102,15 @@ int main(int argc, char** argv) {
                           throw CLI::Success();
                         })
       ->group("");
-  if (const std::string why = WhyNoCommand(app, argc > 1 ? argv[1] : ""); !why.empty()) {
+  if (const std::string why = WhyNoCommand(app, arguments.size() > 1 ? arguments[1] : ""); !why.empty()) {
     PrintError(why);
     return kUsage;
   }
   try {
-    app.parse(argc, argv);
+    // The parser takes them from the back, without the program's name.
+    std::reverse(arguments.begin(), arguments.end());
+    if (!arguments.empty()) arguments.pop_back();
+    app.parse(std::move(arguments));
   } catch (const CLI::ParseError& error) {
     std::ostringstream out;
     std::ostringstream complaint;
@@ -121,4 +122,17 @@ int main(int argc, char** argv) {
     status = kFailure;
   }
   return Finish(status);
+}
+
+}  // namespace
+}  // namespace nvx::tool
+
+int main(int argc, char** argv) {
+  const nvx::tool::Console console;
+  try {
+    return nvx::tool::Run(nvx::tool::Arguments(argc, argv));
+  } catch (const std::exception& error) {
+    nvx::tool::PrintError(error.what());
+    return nvx::tool::kUsage;
+  }
 }

@@ -1,12 +1,12 @@
 #include "saving.h"
 
 #include "loading.h"
+#include "paths.h"
 #include "terminal.h"
 
 #include <nvxprofile/profile_file_qpf.h>
 #include <nvxprofile/text_conversion.h>
 
-#include <filesystem>
 #include <stdexcept>
 
 namespace nvx::tool {
@@ -45,9 +45,9 @@ std::vector<std::uint8_t> ChangedProfile::SavedModel(const std::string& path) {
   if (access_.GetProfileLoadFormat() != kPrinterProfile) Fail(file_, "its format has no room for such an entry");
   _tagDeviceProfileInfo& info = *access_.GetProfileInfo();
   info.SaveVersion5 = info.ProfileMinorVersion == kVersion5;
-  const WorkFolder folder(std::filesystem::temp_directory_path().string());
-  const std::string name = std::filesystem::path(path == kStandardStream ? file_ : path).filename().string();
-  const std::u16string saved = Utf8ToWide(folder.File(name));
+  const WorkFolder folder(TemporaryFolder());
+  const std::string name = FileNameOf(path == kStandardStream ? file_ : path);
+  const std::u16string saved = PathToWide(folder.File(name));
   if (!CProfileFileQPFv3().SaveData(saved.c_str(), &Data(), kSaveReplaceProfile | kSaveCalibration)) {
     Fail(file_, "the changed profile cannot be saved");
   }

@@ -105,7 +105,7 @@ class IniSearch {
 
 // Takes a file through one block, which grows only for a line that is longer.
 void SearchFile(const std::string& path, IniSearch& search) {
-  const ScopedFile file(OpenFile(Utf8ToWide(path), kGenericRead, kShareReadAndWrite, kOpenExisting));
+  const ScopedFile file(OpenFile(PathToWide(path), kGenericRead, kShareReadAndWrite, kOpenExisting));
   if (!file.IsOpen()) return;
   std::string block(std::size_t{1} << 16, '\0');
   std::size_t held = 0;

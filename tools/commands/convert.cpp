@@ -2,6 +2,7 @@
 #include "command.h"
 #include "files.h"
 #include "loading.h"
+#include "paths.h"
 #include "progress.h"
 #include "terminal.h"
 
@@ -47,7 +48,7 @@ struct Job {
   fs::path target;
 };
 
-std::u16string Wide(const fs::path& path) { return Utf8ToWide(path.string()); }
+std::u16string Wide(const fs::path& path) { return PathToWide(TextOf(path)); }
 
 // The database record of a conversion: the caller's values, or none and the halftone method of the old profile.
 _tagDBDeviceProfileInfo DatabaseRecord(const Options& options, const _tagDeviceProfileInfo& source) {
@@ -72,7 +73,7 @@ bool IsComplete(const fs::path& path, CConvertV2ToV3Profile& converter) {
 
 // Why the conversion failed; empty if it did not.
 std::string Convert(const Job& job, const Options& options) {
-  const InputFile input(job.source.string());
+  const InputFile input(TextOf(job.source));
   if (!input.Failure().empty()) return input.Failure();
   const std::u16string& source = input.Path();
   const std::unique_ptr<CProfileFile> format(CProfileFile::CreateProfileFile(source.c_str(), true));
@@ -92,14 +93,14 @@ std::string Convert(const Job& job, const Options& options) {
 
   // The result is made and looked at before it takes the target's place. Its name goes into the profile as its
   // description, so it is the target's from the start.
-  const WorkFolder folder(fs::temp_directory_path().string());
+  const WorkFolder folder(TemporaryFolder());
   const bool isStandard = job.target == kStandardStream;
-  const fs::path made = folder.File(isStandard ? "profile" : job.target.filename().string());
+  const fs::path made = PathOf(folder.File(isStandard ? "profile" : TextOf(job.target.filename())));
   if (!converter.SaveV3Profile(Wide(made).c_str()))
     return "cannot be saved: the ICC profile entry is no usable profile, or the disk is full";
   if (!IsComplete(made, converter)) return "the result does not load: " + WhyNotLoaded(Wide(made));
-  const std::string bytes = ReadInput(made.string());
-  WriteOutput(job.target.string(), {reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()});
+  const std::string bytes = ReadInput(TextOf(made));
+  WriteOutput(TextOf(job.target), {reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()});
   return {};
 }
 
@@ -156,12 +157,12 @@ class Workers {
 std::string NameOf(const fs::path& path) {
   std::error_code error;
   const fs::path name = fs::weakly_canonical(path, error);
-  return error ? path.string() : name.string();
+  return TextOf(error ? path : name);
 }
 
 // What goes where; nothing, with the reason told, if two files would meet.
 std::optional<std::vector<Job>> Plan(const Options& options) {
-  const fs::path output(options.output);
+  const fs::path output = PathOf(options.output);
   std::error_code error;
   const bool isFolder = fs::is_directory(output, error);
   const bool toStandard = options.output == kStandardStream;
@@ -169,7 +170,7 @@ std::optional<std::vector<Job>> Plan(const Options& options) {
     PrintError("only one profile can go to standard output");
     return std::nullopt;
   }
-  if (toStandard) return std::vector<Job>{{options.files.front(), output}};
+  if (toStandard) return std::vector<Job>{{PathOf(options.files.front()), output}};
   const bool toFolder = isFolder || options.files.size() > 1 || !output.has_filename();
   if (toFolder && !isFolder && !fs::create_directories(output, error)) {
     PrintError(fmt::format("{}: {}", options.output, error ? error.message() : "cannot be created"));
@@ -178,15 +179,15 @@ std::optional<std::vector<Job>> Plan(const Options& options) {
   std::vector<Job> jobs;
   // What each name is taken for, so that no file is lost to another one.
   std::map<std::string, std::string> taken;
-  for (const std::string& file : options.files) taken.emplace(NameOf(file), "a source");
+  for (const std::string& file : options.files) taken.emplace(NameOf(PathOf(file)), "a source");
   for (const std::string& file : options.files) {
-    const fs::path target = toFolder ? output / fs::path(file).filename().replace_extension(".icc") : output;
+    const fs::path target = toFolder ? output / PathOf(file).filename().replace_extension(".icc") : output;
     const auto [place, isFree] = taken.emplace(NameOf(target), "the target of " + file);
     if (!isFree) {
-      PrintError(fmt::format("{}: would go to {}, which is {}", file, target.string(), place->second));
+      PrintError(fmt::format("{}: would go to {}, which is {}", file, TextOf(target), place->second));
       return std::nullopt;
     }
-    jobs.push_back({file, target});
+    jobs.push_back({PathOf(file), target});
   }
   return jobs;
 }
@@ -203,7 +204,7 @@ int Run(const Options& options) {
       if (!outcome.failure.empty()) {
         ++failures;
         bar.Clear();
-        PrintError(fmt::format("{}: {}", (*jobs)[outcome.job].source.string(), outcome.failure));
+        PrintError(fmt::format("{}: {}", TextOf((*jobs)[outcome.job].source), outcome.failure));
       }
       bar.Show(done);
     }

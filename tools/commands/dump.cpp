@@ -2,10 +2,13 @@
 #include "command.h"
 #include "document.h"
 #include "loading.h"
+#include "paths.h"
 #include "terminal.h"
 
+#include <filesystem>
 #include <memory>
 #include <string>
+#include <system_error>
 
 namespace nvx::tool {
 
@@ -19,7 +22,10 @@ void AddDumpCommand(CLI::App& app, int& status) {
   command->add_option("FILE", options->file, "A profile of any format")->required();
   command->add_option("--files", options->folder, "Write ICC profiles as files into this folder")
       ->type_name("DIR")
-      ->check(CLI::ExistingDirectory);
+      ->check([](const std::string& folder) {
+        std::error_code error;
+        return std::filesystem::is_directory(PathOf(folder), error) ? std::string() : "is no folder: " + folder;
+      });
   command->footer("Example: nvxprofile dump glossy.icc --files parts > glossy.json");
   command->callback([options, &status] {
     CProfileAccess access;

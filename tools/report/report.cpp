@@ -32,13 +32,13 @@ bool Write(const std::string& path, const std::string& text) {
   CICMEntry carrier;
   std::memcpy(carrier.GetBuffer(static_cast<std::uint32_t>(text.size())), text.data(), text.size());
   std::uint32_t error = 0;
-  return carrier.Save(Utf8ToWide(path).c_str(), error);
+  return carrier.Save(PathToWide(path).c_str(), error);
 }
 
 bool AddProfile(const std::string& file, Page& page) {
   CProfileAccess access;
   CError error;
-  if (!access.Init(Utf8ToWide(file).c_str(), &error)) {
+  if (!access.Init(PathToWide(file).c_str(), &error)) {
     PrintError(MessageOf(error));
     page.AddFailure(file, MessageOf(error));
     return false;
