@@ -2,6 +2,7 @@
 
 #include "command.h"
 #include "files.h"
+#include "paths.h"
 #include "terminal.h"
 
 #include <fmt/format.h>
@@ -10,9 +11,12 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <filesystem>
 #include <numeric>
 #include <sstream>
 #include <string_view>
+#include <system_error>
+#include <utility>
 
 namespace nvx::tool {
 namespace {
@@ -92,7 +96,10 @@ Option& Option::OneOf(const std::vector<std::string>& words) {
 }
 
 Option& Option::ExistingFolder() {
-  option_->check(CLI::ExistingDirectory);
+  option_->check([](const std::string& folder) {
+    std::error_code error;
+    return std::filesystem::is_directory(PathOf(folder), error) ? std::string() : "is no folder: " + folder;
+  });
   return *this;
 }
 
@@ -165,8 +172,8 @@ void CommandLine::AddHiddenFlag(const std::string& name, std::function<void()> a
   app_->add_flag_callback(name, only)->group("");
 }
 
-int CommandLine::Run(int argc, const char* const* argv) {
-  if (const std::string why = WhyNoCommand(*app_, argc > 1 ? argv[1] : ""); !why.empty()) {
+int CommandLine::Run(std::vector<std::string> arguments) {
+  if (const std::string why = WhyNoCommand(*app_, arguments.size() > 1 ? arguments[1] : ""); !why.empty()) {
     PrintError(why);
     return kUsage;
   }
@@ -179,7 +186,10 @@ int CommandLine::Run(int argc, const char* const* argv) {
     return isHelp ? kSuccess : kUsage;
   };
   try {
-    app_->parse(argc, argv);
+    // The parser takes them from the back, without the program's name.
+    std::reverse(arguments.begin(), arguments.end());
+    if (!arguments.empty()) arguments.pop_back();
+    app_->parse(std::move(arguments));
     return status_;
   } catch (const CLI::ParseError& error) {
     return complain(error);

@@ -103,7 +103,7 @@ class CommandLine {
 
   // Runs the command that the arguments name, and gives its exit status. What help shows goes to standard output,
   // complaints to standard error.
-  int Run(int argc, const char* const* argv);
+  int Run(std::vector<std::string> arguments);
 
   // What is declared, for those who write about it.
   const CLI::App& Declared() const { return *app_; }

@@ -4,6 +4,7 @@
 #include "files.h"
 #include "interruption.h"
 #include "loading.h"
+#include "paths.h"
 #include "record_json.h"
 
 #include <nvxprofile/diagnosis.h>
@@ -42,12 +43,15 @@ bool IsIcc(CProfileDataEntry& entry) { return entry.GetFormatType() == CProfileD
 // Writes the entry's ICC profile into the folder; gives its path as the document has it.
 std::string WriteIccFile(CProfileDataEntry& entry, const DumpedFiles& files) {
   const std::string name = std::string(EntryName(entry.GetUsedType())) + ".icc";
-  const fs::path path = fs::path(files.folder) / name;
-  WriteFile(path.string(), entry.Bytes());
-  if (path.is_absolute()) return path.string();
-  const fs::path fromDocument = fs::absolute(path).lexically_normal().lexically_relative(
-      fs::absolute(files.documentFolder.empty() ? "." : files.documentFolder).lexically_normal());
-  return fromDocument.string();
+  const fs::path path = PathOf(files.folder) / name;
+  WriteFile(TextOf(path), entry.Bytes());
+  // With slashes, which every system takes: documents travel.
+  const fs::path base = files.documentFolder.empty() ? fs::path(".") : PathOf(files.documentFolder);
+  const fs::path shown =
+      path.is_absolute()
+          ? path
+          : fs::absolute(path).lexically_normal().lexically_relative(fs::absolute(base).lexically_normal());
+  return GenericTextOf(shown);
 }
 
 Json EntryToJson(CProfileDataEntry& entry, const DumpedFiles& files) {
@@ -71,9 +75,9 @@ Json EntryToJson(CProfileDataEntry& entry, const DumpedFiles& files) {
 }
 
 std::string ReadNamedFile(const Node& node, const std::string& folder) {
-  const fs::path path = fs::path(folder) / node.Text(4096);
+  const fs::path path = PathOf(folder) / PathOf(node.Text(4096));
   try {
-    return ReadInput(path.string());
+    return ReadInput(TextOf(path));
   } catch (const std::runtime_error& error) {
     node.Fail(error.what());
   }
@@ -312,8 +316,8 @@ void CheckRecord(const Node& record, int format, const Json& loaded) {
 void CheckWhatWasBuilt(const Node& document, int format, CProfileData& data, const std::string& path) {
   CProfileAccess access;
   CError error;
-  if (!access.Init(Utf8ToWide(path).c_str(), &error)) {
-    const std::string why = WhyNotLoaded(Utf8ToWide(path));
+  if (!access.Init(PathToWide(path).c_str(), &error)) {
+    const std::string why = WhyNotLoaded(PathToWide(path));
     // A profile of the older generation may be made where there is no table to load it with.
     if (IsTextHeaded(format) && why.starts_with("conversion table")) return;
     document.Fail("the profile would not load under this name: " + why);
@@ -465,7 +469,7 @@ std::vector<std::uint8_t> BuildProfile(const Json& json, const std::string& fold
 
   const WorkFolder work;
   const std::string path = work.File(name);
-  if (!SaveAs(format, document, data, Utf8ToWide(path))) ExplainFailure(document, format, data);
+  if (!SaveAs(format, document, data, PathToWide(path))) ExplainFailure(document, format, data);
   CheckWhatWasBuilt(document, format, data, path);
   const std::string bytes = ReadInput(path);
   return {bytes.begin(), bytes.end()};

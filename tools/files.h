@@ -2,8 +2,9 @@
 // something is written.
 #pragma once
 
+#include "system_files.h"
+
 #include <cstdint>
-#include <cstdio>
 #include <memory>
 #include <span>
 #include <string>
@@ -13,20 +14,11 @@ namespace nvx::tool {
 
 inline constexpr const char* kStandardStream = "-";
 
-// Why the file cannot be read as it stands ("No such file or directory", "is a folder", ...); empty if it can. FIFOs
-// and devices are refused without being opened, since a load seeks, and so is what is longer than any profile.
-std::string WhyNotReadable(const std::string& path);
-
-struct CloseFile {
-  void operator()(std::FILE* file) const { std::fclose(file); }
-};
-using TemporaryFile = std::unique_ptr<std::FILE, CloseFile>;
-
 // Why the library did not open the file; never empty.
 std::string WhyNotOpened(const std::string& path);
 
-// A file to read from. What comes through standard input is kept in a temporary file without a name for as long as this
-// object lives, so that it can be read like any other.
+// A file to read from. What comes through standard input is kept in a temporary file for as long as this object
+// lives, so that it can be read like any other.
 class InputFile {
  public:
   explicit InputFile(const std::string& path);
@@ -39,12 +31,12 @@ class InputFile {
  private:
   void KeepStandardInput();
 
-  TemporaryFile kept_;
+  std::unique_ptr<TemporaryFile> kept_;
   std::string failure_;
   std::u16string path_;
 };
 
-// Bytes as a temporary file without a name, for readers that go by path.
+// Bytes as a temporary file, for readers that go by path.
 class HeldBytes {
  public:
   // Throws std::runtime_error if there is no room for them.
@@ -68,7 +60,7 @@ void WriteOutput(const std::string& path, std::span<const std::uint8_t> bytes);
 // The bytes of a file. Throws std::runtime_error with path and reason.
 std::string ReadInput(const std::string& path);
 
-// Why a file could not be written, looked up after a write failed with that error number (0 for none).
+// Why a file could not be written, looked up after a write failed with that error number of the system (0 for none).
 std::string WhyNotWritten(const std::string& path, int error);
 
 // Writes to standard output; FinishStandardOutput tells whether it got there.

@@ -11,6 +11,10 @@ namespace nvx::tool {
 // and remove the folders below before the process ends of them. To be called before there are threads.
 void CleanUpWhenInterrupted();
 
+// Lets saves that are under way come to their end, lets none begin any more, and removes the folders below. For
+// CleanUpWhenInterrupted, which ends the process then.
+void EndAllSaves();
+
 // While one lives the process does not end of a signal. For a save, not for a wait.
 class [[nodiscard]] SaveUnderWay {
  public:

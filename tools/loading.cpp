@@ -43,7 +43,7 @@ std::string WhyNotLoaded(const std::u16string& path) {
 std::string FirstError(const Diagnosis& diagnosis, const std::u16string& path) {
   for (const Finding& finding : diagnosis.Findings()) {
     if (finding.severity != Severity::kError) continue;
-    if (finding.rule == "file: cannot be opened") return WhyNotOpened(WideToUtf8(path));
+    if (finding.rule == "file: cannot be opened") return WhyNotOpened(WideToPath(path));
     return finding.place.empty() ? finding.rule : finding.place + ": " + finding.rule;
   }
   return "cannot be loaded";

@@ -1,10 +1,13 @@
 #include "command.h"
+#include "console.h"
 #include "files.h"
 #include "interruption.h"
 #include "manual.h"
 #include "terminal.h"
 
 #include <stdexcept>
+#include <string>
+#include <vector>
 
 namespace nvx::tool {
 namespace {
@@ -20,12 +23,7 @@ int Finish(int status) {
   }
 }
 
-}  // namespace
-}  // namespace nvx::tool
-
-int main(int argc, char** argv) {
-  using namespace nvx::tool;
-  CleanUpWhenInterrupted();
+int Run(const std::vector<std::string>& arguments) {
   CommandLine line("Reads, converts and writes device profiles of inkjet printers.", "nvxprofile");
   line.SetVersion("nvxprofile " NVXPROFILE_VERSION);
   using AddCommand = void(CommandLine&);
@@ -59,5 +57,19 @@ int main(int argc, char** argv) {
   }
   // For the build, which installs the page beside the tool.
   line.AddHiddenFlag("--man-page", [&] { WriteStandardOutput(ManualPage(line.Declared())); });
-  return Finish(line.Run(argc, argv));
+  return Finish(line.Run(arguments));
+}
+
+}  // namespace
+}  // namespace nvx::tool
+
+int main(int argc, char** argv) {
+  const nvx::tool::Console console;
+  nvx::tool::CleanUpWhenInterrupted();
+  try {
+    return nvx::tool::Run(nvx::tool::Arguments(argc, argv));
+  } catch (const std::exception& error) {
+    nvx::tool::PrintError(error.what());
+    return nvx::tool::kUsage;
+  }
 }

@@ -2,6 +2,7 @@
 
 #include "files.h"
 #include "loading.h"
+#include "paths.h"
 
 #include <nvxprofile/profile_summary.h>
 #include <nvxprofile/text_conversion.h>
@@ -115,7 +116,7 @@ ProfileLine LineOf(const std::string& path) {
 }
 
 bool IsNamedLikeAProfile(const fs::path& path) {
-  std::string extension = path.extension().string();
+  std::string extension = TextOf(path.extension());
   std::transform(extension.begin(), extension.end(), extension.begin(),
                  [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
   return extension == ".icc" || extension == ".icm" || extension == ".qpf" || extension == ".qct";
@@ -140,10 +141,10 @@ void AddFilesOf(const fs::path& folder, std::size_t origin, bool recursive, std:
     if (item->is_regular_file(ignored)) files.push_back(item->path());
     if (recursive && item->is_directory(ignored) && !item->is_symlink(ignored)) folders.push_back(item->path());
   }
-  if (error) fail(folder.string(), error.message());
+  if (error) fail(TextOf(folder), error.message());
   std::sort(files.begin(), files.end());
   std::sort(folders.begin(), folders.end());
-  for (const fs::path& file : files) candidates.push_back({file.string(), false, origin});
+  for (const fs::path& file : files) candidates.push_back({TextOf(file), false, origin});
   for (const fs::path& below : folders) AddFilesOf(below, origin, recursive, candidates, fail);
 }
 
@@ -197,12 +198,12 @@ std::vector<ProfileLine> ListProfiles(const std::vector<std::string>& paths, boo
   std::vector<bool> isFolder(paths.size());
   for (std::size_t i = 0; i < paths.size(); ++i) {
     std::error_code error;
-    isFolder[i] = fs::is_directory(paths[i], error);
+    isFolder[i] = fs::is_directory(PathOf(paths[i]), error);
     if (!isFolder[i]) {
       candidates.push_back({paths[i], true, i});
       continue;
     }
-    AddFilesOf(paths[i], i, recursive, candidates, fail);
+    AddFilesOf(PathOf(paths[i]), i, recursive, candidates, fail);
   }
   std::vector<ProfileLine> lines;
   std::vector<bool> hasProfiles(paths.size());

@@ -1,7 +1,8 @@
 #include "progress.h"
 
+#include "console.h"
+
 #include <fmt/format.h>
-#include <unistd.h>
 
 #include <cstdio>
 #include <string>
@@ -16,7 +17,7 @@ void WriteNow(const std::string& text) {
 
 }  // namespace
 
-ProgressBar::ProgressBar(std::size_t total) : total_(total), visible_(total > 1 && ::isatty(STDERR_FILENO) == 1) {}
+ProgressBar::ProgressBar(std::size_t total) : total_(total), visible_(total > 1 && IsTerminal(stderr)) {}
 
 void ProgressBar::Show(std::size_t done) const {
   if (!visible_) return;

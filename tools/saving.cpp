@@ -2,12 +2,12 @@
 
 #include "interruption.h"
 #include "loading.h"
+#include "paths.h"
 #include "terminal.h"
 
 #include <nvxprofile/profile_file_qpf.h>
 #include <nvxprofile/text_conversion.h>
 
-#include <filesystem>
 #include <stdexcept>
 
 namespace nvx::tool {
@@ -46,8 +46,8 @@ std::vector<std::uint8_t> ChangedProfile::SavedModel(const std::string& path) {
   _tagDeviceProfileInfo& info = *access_.GetProfileInfo();
   info.SaveVersion5 = info.ProfileMinorVersion == kVersion5;
   const WorkFolder folder;
-  const std::string name = std::filesystem::path(path == kStandardStream ? file_ : path).filename().string();
-  const std::u16string saved = Utf8ToWide(folder.File(name));
+  const std::string name = FileNameOf(path == kStandardStream ? file_ : path);
+  const std::u16string saved = PathToWide(folder.File(name));
   if (!CProfileFileQPFv3().SaveData(saved.c_str(), &Data(), kSaveReplaceProfile | kSaveCalibration)) {
     Fail(file_, "the changed profile cannot be saved");
   }

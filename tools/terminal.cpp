@@ -1,11 +1,9 @@
 #include "terminal.h"
 
+#include "console.h"
 #include "files.h"
 
 #include <fmt/format.h>
-#include <langinfo.h>
-#include <locale.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -47,11 +45,9 @@ constexpr std::uint8_t kDots[4][2] = {{0x01, 0x08}, {0x02, 0x10}, {0x04, 0x20}, 
 
 }  // namespace
 
-bool IsTerminal() { return ::isatty(STDOUT_FILENO) == 1; }
-
 std::string Styled(Style style, std::string_view text) {
   const char* const plain = std::getenv("NO_COLOR");
-  if (!IsTerminal() || (plain != nullptr && *plain != 0)) return std::string(text);
+  if (!IsTerminal(stdout) || (plain != nullptr && *plain != 0)) return std::string(text);
   const char* code = "1";
   if (style == Style::kDim) code = "2";
   if (style == Style::kGood) code = "32";
@@ -104,14 +100,7 @@ void Table::Print(int indent) const {
   }
 }
 
-PlotStyle UsualPlotStyle() {
-  if (!IsTerminal()) return PlotStyle::kNone;
-  const ::locale_t locale = ::newlocale(LC_CTYPE_MASK, "", nullptr);
-  if (locale == nullptr) return PlotStyle::kNone;
-  const bool isUtf8 = std::string_view(::nl_langinfo_l(CODESET, locale)) == "UTF-8";
-  ::freelocale(locale);
-  return isUtf8 ? PlotStyle::kBraille : PlotStyle::kNone;
-}
+PlotStyle UsualPlotStyle() { return IsTerminal(stdout) && ShowsUtf8() ? PlotStyle::kBraille : PlotStyle::kNone; }
 
 std::vector<std::string> Plot(std::span<const std::uint32_t> samples, std::uint32_t greatest, PlotStyle style,
                               int width, int height) {

@@ -9,9 +9,6 @@
 
 namespace nvx::tool {
 
-// True if standard output is a terminal.
-bool IsTerminal();
-
 enum class Style { kHeading, kDim, kGood, kWarning, kBad };
 
 // The text in a style on a terminal, unless NO_COLOR is set; the bare text elsewhere.

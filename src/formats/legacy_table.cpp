@@ -37,7 +37,7 @@ CQPFConvertTable::CQPFConvertTable() {
     return;
   }
   std::string path = folder + "/" + std::string(kFileName);
-  if (!platform::FileExists(platform::Utf8ToWide(path))) {
+  if (!platform::FileExists(platform::PathToWide(path))) {
     failure_ = "conversion table: no file " + path;
   } else {
     path_ = std::move(path);

@@ -46,7 +46,8 @@ void RewriteDescription(CICCProfile& profile, CNvxFile& file) {
 
   char16_t fileName[CNvxFile::kPathLength];
   file.GetFileName(fileName);
-  const std::u16string name = Cut(fileName);
+  // A name may hold what no text does.
+  const std::u16string name = Cut(platform::Utf8ToWide(platform::WideToUtf8(fileName)));
   description.SetUnicodeDescription(name.c_str());
   description.SetAsciiDescription(CutToAnsi(name).c_str());
 

@@ -23,6 +23,11 @@ FileNameParts SplitFileName(std::u16string_view path);
 // What nvxprofile/file.h has no name for: others may go on writing.
 inline constexpr std::uint32_t kShareReadAndWrite = 3;
 
+// Names as the programs of the system write them, and as paths are taken here: of any bytes on a POSIX system, as
+// BytesToWide has them, and in UTF-8 on Windows.
+std::string WideToPath(std::u16string_view path);
+std::u16string PathToWide(std::string_view path);
+
 // Opens with the flags of nvxprofile/file.h; kNoFile on failure and for folders. A POSIX system knows no sharing modes.
 FileHandle OpenFile(std::u16string_view path, std::uint32_t access, std::uint32_t share, std::uint32_t creation);
 void CloseFile(FileHandle file);

@@ -92,6 +92,7 @@ constexpr std::size_t SequenceSize(unsigned char lead) {
 struct Utf8Sequence {
   char32_t point;
   std::size_t size;
+  bool isBroken = false;
 };
 
 // The code point at the start of the text, which is not empty. A broken sequence is one replacement character, as long
@@ -100,15 +101,15 @@ Utf8Sequence FirstSequence(std::string_view text) {
   constexpr std::array<char32_t, 5> kLeast{0, 0, 0x80, 0x800, 0x10000};
   const auto lead = static_cast<unsigned char>(text.front());
   const std::size_t size = SequenceSize(lead);
-  if (size == 0) return {kReplacement, 1};
+  if (size == 0) return {kReplacement, 1, true};
   char32_t point = size == 1 ? lead : lead & (0x7Fu >> size);
   for (std::size_t i = 1; i < size; ++i) {
     const unsigned char next = i < text.size() ? static_cast<unsigned char>(text[i]) : 0;
-    if ((next & 0xC0) != 0x80) return {kReplacement, i};
+    if ((next & 0xC0) != 0x80) return {kReplacement, i, true};
     point = point << 6 | (next & 0x3Fu);
   }
   const bool valid = point >= kLeast[size] && point < 0x110000 && !IsSurrogate(point);
-  return {valid ? point : char32_t{kReplacement}, size};
+  return {valid ? point : char32_t{kReplacement}, size, !valid};
 }
 
 void AppendUtf16(std::u16string& out, char32_t point) {
@@ -128,31 +129,64 @@ void AppendUtf8(std::string& out, char32_t point) {
   for (int i = following - 1; i >= 0; --i) out += static_cast<char>(0x80 | (point >> (6 * i) & 0x3F));
 }
 
-}  // namespace
-
-std::string WideToUtf8(std::u16string_view text) {
+// `alone(out, unit)` writes what stands for half a surrogate pair.
+template <class Alone>
+std::string FromWide(std::u16string_view text, Alone alone) {
   std::string out;
   out.reserve(text.size());
   for (std::size_t i = 0; i < text.size(); ++i) {
-    char32_t point = text[i];
-    if (IsSurrogate(point)) {
-      const bool pair = point < 0xDC00 && i + 1 < text.size() && text[i + 1] >= 0xDC00 && text[i + 1] < 0xE000;
-      point = pair ? 0x10000 + ((point - 0xD800) << 10) + (text[++i] - 0xDC00u) : char32_t{kReplacement};
+    const char32_t point = text[i];
+    if (!IsSurrogate(point)) {
+      AppendUtf8(out, point);
+    } else if (point < 0xDC00 && i + 1 < text.size() && text[i + 1] >= 0xDC00 && text[i + 1] < 0xE000) {
+      AppendUtf8(out, 0x10000 + ((point - 0xD800) << 10) + (text[++i] - 0xDC00u));
+    } else {
+      alone(out, text[i]);
     }
-    AppendUtf8(out, point);
   }
   return out;
 }
 
-std::u16string Utf8ToWide(std::string_view text) {
+// `broken(out, bytes)` writes what stands for bytes that are no UTF-8.
+template <class Broken>
+std::u16string ToWide(std::string_view text, Broken broken) {
   std::u16string out;
   out.reserve(text.size());
   while (!text.empty()) {
     const Utf8Sequence sequence = FirstSequence(text);
-    AppendUtf16(out, sequence.point);
+    if (sequence.isBroken) {
+      broken(out, text.substr(0, sequence.size));
+    } else {
+      AppendUtf16(out, sequence.point);
+    }
     text.remove_prefix(sequence.size);
   }
   return out;
+}
+
+constexpr char16_t kByte = 0xDC00;
+constexpr bool IsByte(char16_t unit) { return unit >= kByte + 0x80 && unit <= kByte + 0xFF; }
+
+}  // namespace
+
+std::string WideToUtf8(std::u16string_view text) {
+  return FromWide(text, [](std::string& out, char16_t) { AppendUtf8(out, kReplacement); });
+}
+
+std::u16string Utf8ToWide(std::string_view text) {
+  return ToWide(text, [](std::u16string& out, std::string_view) { out += kReplacement; });
+}
+
+std::string WideToBytes(std::u16string_view name) {
+  return FromWide(name, [](std::string& out, char16_t unit) {
+    IsByte(unit) ? out.push_back(static_cast<char>(unit - kByte)) : AppendUtf8(out, kReplacement);
+  });
+}
+
+std::u16string BytesToWide(std::string_view name) {
+  return ToWide(name, [](std::u16string& out, std::string_view bytes) {
+    for (const char byte : bytes) out += static_cast<char16_t>(kByte + static_cast<unsigned char>(byte));
+  });
 }
 
 }  // namespace nvx::platform

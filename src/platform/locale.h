@@ -43,4 +43,9 @@ std::string WideToAnsi(std::u16string_view text);
 std::string WideToUtf8(std::u16string_view text);
 std::u16string Utf8ToWide(std::string_view text);
 
+// The same of names that may be any bytes: one that is no UTF-8 is the unit 0xDC00 and the byte, half a surrogate pair
+// that no text holds, and that becomes the byte again.
+std::string WideToBytes(std::u16string_view name);
+std::u16string BytesToWide(std::string_view name);
+
 }  // namespace nvx::platform

@@ -104,7 +104,7 @@ class IniSearch {
 }  // namespace
 
 IniFile::IniFile(const std::string& path) {
-  const ScopedFile file(OpenFile(Utf8ToWide(path), kGenericRead, kShareReadAndWrite, kOpenExisting));
+  const ScopedFile file(OpenFile(PathToWide(path), kGenericRead, kShareReadAndWrite, kOpenExisting));
   if (!file.IsOpen()) return;
   constexpr std::size_t kStep = std::size_t{1} << 16;
   for (std::size_t got = kStep; got == kStep;) {

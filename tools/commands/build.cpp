@@ -3,11 +3,11 @@
 #include "document.h"
 #include "files.h"
 #include "loading.h"
+#include "paths.h"
 #include "terminal.h"
 
 #include <fmt/format.h>
 
-#include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
@@ -22,13 +22,13 @@ struct BuildOptions {
 
 // The name by which the profile describes itself.
 std::string OwnNameOf(const std::string& output) {
-  const std::string name = std::filesystem::path(output).filename().string();
+  const std::string name = FileNameOf(output);
   return output == kStandardStream || name.empty() ? "profile" : name;
 }
 
 int Run(const BuildOptions& options) {
   const bool isStandard = options.document == kStandardStream;
-  const std::string folder = isStandard ? "" : std::filesystem::path(options.document).parent_path().string();
+  const std::string folder = isStandard ? "" : TextOf(PathOf(options.document).parent_path());
   try {
     const Json document = ParseDocument(ReadInput(options.document));
     WriteOutput(options.output, BuildProfile(document, folder, OwnNameOf(options.output)));

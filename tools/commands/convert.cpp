@@ -3,6 +3,7 @@
 #include "files.h"
 #include "interruption.h"
 #include "loading.h"
+#include "paths.h"
 #include "progress.h"
 #include "terminal.h"
 
@@ -51,7 +52,7 @@ struct Job {
   bool isNamed = false;  // the target by the user, and not after its source
 };
 
-std::u16string Wide(const fs::path& path) { return Utf8ToWide(path.string()); }
+std::u16string Wide(const fs::path& path) { return PathToWide(TextOf(path)); }
 
 // The database record of a conversion: the caller's values, or none and the halftone method of the old profile.
 _tagDBDeviceProfileInfo DatabaseRecord(const ConvertOptions& options, const _tagDeviceProfileInfo& source) {
@@ -76,7 +77,7 @@ bool IsComplete(const fs::path& path, CConvertV2ToV3Profile& converter) {
 
 // Why the conversion failed; empty if it did not. The result is made and looked at before it takes the target's place.
 std::string Convert(const Job& job, const ConvertOptions& options, std::string& made) {
-  const InputFile input(job.source.string());
+  const InputFile input(TextOf(job.source));
   if (!input.Failure().empty()) return input.Failure();
   const std::u16string& source = input.Path();
   const std::unique_ptr<CProfileFile> format(CProfileFile::CreateProfileFile(source.c_str(), true));
@@ -97,11 +98,11 @@ std::string Convert(const Job& job, const ConvertOptions& options, std::string& 
   // Its name goes into the profile as its description, so it is the target's from the start.
   const WorkFolder folder;
   const bool isStandard = job.target == kStandardStream;
-  const fs::path file = folder.File(isStandard ? "profile" : job.target.filename().string());
+  const fs::path file = PathOf(folder.File(isStandard ? "profile" : TextOf(job.target.filename())));
   if (!converter.SaveV3Profile(Wide(file).c_str()))
     return "cannot be saved: the ICC profile entry is no usable profile, or the disk is full";
   if (!IsComplete(file, converter)) return "the result does not load: " + WhyNotLoaded(Wide(file));
-  made = ReadInput(file.string());
+  made = ReadInput(TextOf(file));
   return {};
 }
 
@@ -109,7 +110,7 @@ std::string ConvertAndWrite(const Job& job, const ConvertOptions& options) {
   std::string made;
   if (std::string failure = Convert(job, options, made); !failure.empty()) return failure;
   const std::span bytes(reinterpret_cast<const std::uint8_t*>(made.data()), made.size());
-  job.isNamed ? WriteOutput(job.target.string(), bytes) : WriteFile(job.target.string(), bytes);
+  job.isNamed ? WriteOutput(TextOf(job.target), bytes) : WriteFile(TextOf(job.target), bytes);
   return {};
 }
 
@@ -166,12 +167,12 @@ class Workers {
 std::string CanonicalName(const fs::path& path) {
   std::error_code error;
   const fs::path name = fs::weakly_canonical(path, error);
-  return error ? path.string() : name.string();
+  return TextOf(error ? path : name);
 }
 
 // What goes where; nothing, with the reason told, if two files would meet.
 std::optional<std::vector<Job>> Plan(const ConvertOptions& options) {
-  const fs::path output(options.output);
+  const fs::path output = PathOf(options.output);
   std::error_code error;
   const bool isFolder = fs::is_directory(output, error);
   const bool toStandard = options.output == kStandardStream;
@@ -179,7 +180,7 @@ std::optional<std::vector<Job>> Plan(const ConvertOptions& options) {
     PrintError("only one profile can go to standard output");
     return std::nullopt;
   }
-  if (toStandard) return std::vector<Job>{{options.files.front(), output, true}};
+  if (toStandard) return std::vector<Job>{{PathOf(options.files.front()), output, true}};
   const bool toFolder = isFolder || options.files.size() > 1 || !output.has_filename();
   if (toFolder && !isFolder && !fs::create_directories(output, error)) {
     PrintError(fmt::format("{}: {}", options.output, error ? error.message() : "cannot be created"));
@@ -188,15 +189,15 @@ std::optional<std::vector<Job>> Plan(const ConvertOptions& options) {
   std::vector<Job> jobs;
   // What each name is taken for, so that no file is lost to another one.
   std::map<std::string, std::string> taken;
-  for (const std::string& file : options.files) taken.emplace(CanonicalName(file), "a source");
+  for (const std::string& file : options.files) taken.emplace(CanonicalName(PathOf(file)), "a source");
   for (const std::string& file : options.files) {
-    const fs::path target = toFolder ? output / fs::path(file).filename().replace_extension(".icc") : output;
+    const fs::path target = toFolder ? output / PathOf(file).filename().replace_extension(".icc") : output;
     const auto [place, isFree] = taken.emplace(CanonicalName(target), "the target of " + file);
     if (!isFree) {
-      PrintError(fmt::format("{}: would go to {}, which is {}", file, target.string(), place->second));
+      PrintError(fmt::format("{}: would go to {}, which is {}", file, TextOf(target), place->second));
       return std::nullopt;
     }
-    jobs.push_back({file, target, !toFolder});
+    jobs.push_back({PathOf(file), target, !toFolder});
   }
   return jobs;
 }
@@ -213,7 +214,7 @@ int Run(const ConvertOptions& options) {
       if (!outcome.failure.empty()) {
         ++failures;
         bar.Clear();
-        PrintError(fmt::format("{}: {}", (*jobs)[outcome.job].source.string(), outcome.failure));
+        PrintError(fmt::format("{}: {}", TextOf((*jobs)[outcome.job].source), outcome.failure));
       }
       bar.Show(done);
     }

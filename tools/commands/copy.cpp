@@ -2,6 +2,7 @@
 #include "command.h"
 #include "files.h"
 #include "loading.h"
+#include "paths.h"
 #include "profile_values.h"
 #include "terminal.h"
 #include "value_changes.h"
@@ -11,7 +12,6 @@
 #include <fmt/format.h>
 
 #include <charconv>
-#include <filesystem>
 #include <map>
 #include <memory>
 #include <optional>
@@ -90,8 +90,8 @@ int Run(const CopyOptions& options) {
     SetModelRecord(values, options);
     Assign(values, options.assignments);
     const bool hasName = options.output != kStandardStream;
-    const std::string name = std::filesystem::path(options.output).filename().string();
-    WriteOutput(options.output, values.Image(hasName ? Utf8ToWide(name) : std::u16string()));
+    const std::string name = FileNameOf(options.output);
+    WriteOutput(options.output, values.Image(hasName ? PathToWide(name) : std::u16string()));
     return kSuccess;
   });
 }

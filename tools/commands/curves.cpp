@@ -4,6 +4,7 @@
 #include "curve_view.h"
 #include "files.h"
 #include "loading.h"
+#include "paths.h"
 #include "saving.h"
 #include "terminal.h"
 
@@ -11,7 +12,6 @@
 
 #include <fmt/format.h>
 
-#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
@@ -116,7 +116,7 @@ int WriteCalFile(const std::vector<Selection>& selections, const CurvesOptions& 
   }
   try {
     CalFile cal = CurvesToCal(selections.front().curves, InkTable(options.inks));
-    cal.description = std::filesystem::path(options.file).filename().string();
+    cal.description = FileNameOf(options.file);
     WriteText(options.cal, WriteCal(cal));
     return kSuccess;
   } catch (const std::runtime_error& error) {

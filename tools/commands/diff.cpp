@@ -3,6 +3,7 @@
 #include "comparison.h"
 #include "files.h"
 #include "loading.h"
+#include "paths.h"
 #include "terminal.h"
 
 #include <fmt/format.h>
@@ -74,8 +75,8 @@ int CompareFiles(const DiffOptions& options) {
 // The paths of the files below a folder, seen from the folder.
 std::set<std::string> FilesBelow(const std::string& folder) {
   std::set<std::string> files;
-  for (const fs::directory_entry& entry : fs::recursive_directory_iterator(folder)) {
-    if (entry.is_regular_file()) files.insert(entry.path().lexically_relative(folder).string());
+  for (const fs::directory_entry& entry : fs::recursive_directory_iterator(PathOf(folder))) {
+    if (entry.is_regular_file()) files.insert(TextOf(entry.path().lexically_relative(PathOf(folder))));
   }
   return files;
 }
@@ -113,9 +114,9 @@ class FolderComparison {
 
   // Files of the same bytes are the same, also where they are no profiles.
   void CompareBoth(const std::string& file) {
-    const std::string a = (fs::path(options_.a) / file).string();
-    const std::string b = (fs::path(options_.b) / file).string();
-    if (fs::file_size(a) == fs::file_size(b) && ReadInput(a) == ReadInput(b)) return;
+    const std::string a = TextOf(PathOf(options_.a) / PathOf(file));
+    const std::string b = TextOf(PathOf(options_.b) / PathOf(file));
+    if (fs::file_size(PathOf(a)) == fs::file_size(PathOf(b)) && ReadInput(a) == ReadInput(b)) return;
     CProfileAccess left;
     CProfileAccess right;
     if (!LoadProfile(a, left) || !LoadProfile(b, right)) {
@@ -138,8 +139,8 @@ class FolderComparison {
 };
 
 int Run(const DiffOptions& options) {
-  const bool isFolder = fs::is_directory(options.a);
-  if (isFolder != fs::is_directory(options.b)) {
+  const bool isFolder = fs::is_directory(PathOf(options.a));
+  if (isFolder != fs::is_directory(PathOf(options.b))) {
     PrintErrorOf(isFolder ? options.a : options.b, "is a folder, and the other one is not");
     return kFailure;
   }

@@ -2,11 +2,13 @@
 #include "command.h"
 #include "document.h"
 #include "loading.h"
+#include "paths.h"
 #include "saving.h"
 
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <system_error>
 
 namespace nvx::tool {
 
@@ -26,7 +28,7 @@ void AddDumpCommand(CommandLine& line) {
   command.Action([options] {
     CProfileAccess access;
     if (!LoadProfile(options->file, access)) return kFailure;
-    const std::string documentFolder = std::filesystem::path(options->output).parent_path().string();
+    const std::string documentFolder = TextOf(PathOf(options->output).parent_path());
     WriteText(options->output, TextOf(ProfileToDocument(access, {options->folder, documentFolder})));
     if (const std::string why = WhyNotRebuilt(access); !why.empty()) {
       PrintErrorOf(options->file, "warning: build cannot make it again: " + why);

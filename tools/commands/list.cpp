@@ -13,9 +13,11 @@
 #include <chrono>
 #include <cstdlib>
 #include <ctime>
+#include <iomanip>
 #include <map>
 #include <memory>
 #include <optional>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -46,8 +48,8 @@ std::int64_t Now() {
 // The moment that "90d", "2w" or "2024-05-31" means, in seconds since 1970.
 std::int64_t MomentOf(const std::string& option, const std::string& text) {
   std::tm date{};
-  const char* const end = ::strptime(text.c_str(), "%Y-%m-%d", &date);
-  if (end != nullptr && *end == 0) {
+  std::istringstream in(text);
+  if (in >> std::get_time(&date, "%Y-%m-%d") && in.peek() == std::istringstream::traits_type::eof()) {
     date.tm_isdst = -1;
     return std::mktime(&date);
   }

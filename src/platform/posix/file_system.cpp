@@ -19,12 +19,15 @@ int Descriptor(FileHandle file) { return static_cast<int>(file); }
 
 }  // namespace
 
+std::string WideToPath(std::u16string_view path) { return WideToBytes(path); }
+std::u16string PathToWide(std::string_view path) { return BytesToWide(path); }
+
 FileHandle OpenFile(std::u16string_view path, std::uint32_t access, std::uint32_t, std::uint32_t creation) {
   const bool reads = (access & kGenericRead) != 0;
   const bool writes = (access & kGenericWrite) != 0;
   int flags = writes ? (reads ? O_RDWR : O_WRONLY) : O_RDONLY;
   if (creation == kCreateAlways) flags |= O_CREAT | O_TRUNC;
-  const int descriptor = ::open(WideToUtf8(path).c_str(), flags | O_CLOEXEC, 0666);
+  const int descriptor = ::open(WideToPath(path).c_str(), flags | O_CLOEXEC, 0666);
   if (descriptor < 0) return kNoFile;
   struct ::stat status {};
   if (::fstat(descriptor, &status) != 0 || S_ISDIR(status.st_mode)) {
@@ -71,12 +74,12 @@ std::int64_t FileSize(FileHandle file) {
 
 bool FileExists(std::u16string_view path) {
   struct ::stat status {};
-  return ::stat(WideToUtf8(path).c_str(), &status) == 0;
+  return ::stat(WideToPath(path).c_str(), &status) == 0;
 }
 
 std::optional<SYSTEMTIME> FileCreationTime(std::u16string_view path) {
   struct ::statx status {};
-  const std::string name = WideToUtf8(path);
+  const std::string name = WideToPath(path);
   if (::statx(AT_FDCWD, name.c_str(), 0, STATX_BTIME | STATX_MTIME, &status) != 0) return std::nullopt;
   const auto& stamp = (status.stx_mask & STATX_BTIME) != 0 ? status.stx_btime : status.stx_mtime;
   const std::time_t seconds = stamp.tv_sec;

@@ -176,7 +176,7 @@ ReplacementFile::State::~State() {
 }
 
 FileHandle ReplacementFile::State::Create(std::u16string_view target) {
-  const std::string path = ResolveLink(WideToUtf8(target));
+  const std::string path = ResolveLink(WideToPath(target));
   struct ::stat status {};
   const bool exists = ::stat(path.c_str(), &status) == 0;
   if (exists && !S_ISREG(status.st_mode))

@@ -1,5 +1,6 @@
 #include "platform/file_system.h"
 
+#include "platform/locale.h"
 #include "platform/windows/path.h"
 
 #include <nvxprofile/file.h>
@@ -31,6 +32,9 @@ std::size_t Transfer(std::size_t count, Call call) {
 }
 
 }  // namespace
+
+std::string WideToPath(std::u16string_view path) { return WideToUtf8(path); }
+std::u16string PathToWide(std::string_view path) { return Utf8ToWide(path); }
 
 FileHandle OpenFile(std::u16string_view path, std::uint32_t access, std::uint32_t share, std::uint32_t creation) {
   const auto full = FullPath(path);

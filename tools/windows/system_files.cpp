@@ -1,0 +1,193 @@
+#include "system_files.h"
+
+#include "paths.h"
+
+#include <nvxprofile/text_conversion.h>
+
+#include <windows.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <system_error>
+
+namespace nvx::tool {
+namespace {
+
+std::wstring WideOf(const std::string& text) { return PathOf(text).wstring(); }
+
+// The full path. That of a device, such as NUL, starts with kDevice.
+constexpr std::wstring_view kDevice = L"\\\\.\\";
+constexpr std::wstring_view kShare = L"\\\\";
+constexpr std::wstring_view kLong = L"\\\\?\\";
+
+std::wstring FullName(const std::string& path) {
+  const std::wstring name = WideOf(path);
+  std::wstring full(::GetFullPathNameW(name.c_str(), 0, nullptr, nullptr), L'\0');
+  full.resize(::GetFullPathNameW(name.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr));
+  return full;
+}
+
+bool IsDevice(const std::string& path) { return FullName(path).starts_with(kDevice); }
+
+// With the prefix that lets a path be of any length.
+std::wstring NativeName(const std::string& path) {
+  const std::wstring full = FullName(path);
+  if (full.starts_with(kDevice) || full.starts_with(kLong)) return full;
+  return full.starts_with(kShare) ? std::wstring(kLong) + L"UNC" + full.substr(1) : std::wstring(kLong) + full;
+}
+
+class Handle {
+ public:
+  Handle() = default;
+  explicit Handle(HANDLE handle) : handle_(handle) {}
+  Handle(const Handle&) = delete;
+  Handle& operator=(const Handle&) = delete;
+  ~Handle() { Close(); }
+
+  void Hold(HANDLE handle) {
+    Close();
+    handle_ = handle;
+  }
+  bool IsOpen() const { return handle_ != INVALID_HANDLE_VALUE; }
+  HANDLE Get() const { return handle_; }
+  void Close() {
+    if (IsOpen()) ::CloseHandle(handle_);
+    handle_ = INVALID_HANDLE_VALUE;
+  }
+
+ private:
+  HANDLE handle_ = INVALID_HANDLE_VALUE;
+};
+
+constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
+// Why the file that is there does not open with this access; empty if it does.
+std::string WhyNotOpen(const std::wstring& name, DWORD access) {
+  const Handle file(::CreateFileW(name.c_str(), access, kShareAll, nullptr, OPEN_EXISTING, 0, nullptr));
+  return file.IsOpen() ? std::string() : ReasonOf(LastSystemError());
+}
+
+int WriteAll(HANDLE file, std::span<const std::uint8_t> bytes) {
+  constexpr std::size_t kMost = std::size_t{1} << 30;
+  while (!bytes.empty()) {
+    DWORD put = 0;
+    const auto size = static_cast<DWORD>(std::min(bytes.size(), kMost));
+    if (::WriteFile(file, bytes.data(), size, &put, nullptr) == FALSE) return LastSystemError();
+    if (put == 0) return ERROR_WRITE_FAULT;
+    bytes = bytes.subspan(put);
+  }
+  return 0;
+}
+
+// A name that nobody else has: those of one process differ by their number.
+std::string OwnName(const std::string& parent, unsigned number) {
+  return TextOf(PathOf(parent) /
+                PathOf(".nvx-" + std::to_string(::GetCurrentProcessId()) + "-" + std::to_string(number)));
+}
+
+constexpr unsigned kTries = 10000;
+
+}  // namespace
+
+void ClearSystemError() { ::SetLastError(0); }
+int LastSystemError() { return static_cast<int>(::GetLastError()); }
+
+// In the words of the C library, which are the same on every system, as far as it has a word.
+std::string ReasonOf(int error) {
+  switch (error) {
+    case ERROR_SHARING_VIOLATION:
+    case ERROR_LOCK_VIOLATION:
+      return "is in use by another program";
+    case ERROR_INVALID_NAME:
+    case ERROR_BAD_PATHNAME:
+      return "has a name that Windows forbids";
+    case ERROR_FILE_NOT_FOUND:
+    case ERROR_PATH_NOT_FOUND:
+    case ERROR_BAD_NETPATH:
+      return std::generic_category().message(ENOENT);
+    case ERROR_DISK_FULL:
+    case ERROR_HANDLE_DISK_FULL:
+      return std::generic_category().message(ENOSPC);
+    default:
+      break;
+  }
+  const std::error_condition condition = std::system_category().default_error_condition(error);
+  return condition.category() == std::generic_category() ? condition.message()
+                                                         : "error " + std::to_string(error) + " of Windows";
+}
+
+std::string WhyNotReadable(const std::string& path) {
+  if (IsDevice(path)) return "is a device";
+  const std::wstring name = NativeName(path);
+  const DWORD attributes = ::GetFileAttributesW(name.c_str());
+  if (attributes == INVALID_FILE_ATTRIBUTES) return ReasonOf(LastSystemError());
+  if ((attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) return "is a folder";
+  return WhyNotOpen(name, GENERIC_READ);
+}
+
+std::string WhyNotWritable(const std::string& path) {
+  const std::wstring name = NativeName(path);
+  const DWORD attributes = ::GetFileAttributesW(name.c_str());
+  // Into which folders a process may write shows only when it does.
+  if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) return {};
+  if ((attributes & FILE_ATTRIBUTE_READONLY) != 0) return "is read-only";
+  return WhyNotOpen(name, GENERIC_WRITE | DELETE);
+}
+
+bool IsStandardOutput(const std::string&) { return false; }
+
+std::optional<int> WriteIntoStream(const std::string& path, std::span<const std::uint8_t> bytes) {
+  if (!IsDevice(path)) return std::nullopt;
+  const Handle device(
+      ::CreateFileW(FullName(path).c_str(), GENERIC_WRITE, kShareAll, nullptr, OPEN_EXISTING, 0, nullptr));
+  return device.IsOpen() ? WriteAll(device.Get(), bytes) : LastSystemError();
+}
+
+// The library opens it by its name, so that it has one.
+struct TemporaryFile::State {
+  std::string path;
+  Handle file;
+  int error = 0;
+};
+
+TemporaryFile::TemporaryFile() : state_(std::make_unique<State>()) {
+  const std::string folder = TemporaryFolder();
+  for (unsigned i = 0; i < kTries; ++i) {
+    state_->path = OwnName(folder, i);
+    const HANDLE file = ::CreateFileW(NativeName(state_->path).c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr,
+                                      CREATE_NEW, FILE_ATTRIBUTE_TEMPORARY, nullptr);
+    if (file != INVALID_HANDLE_VALUE) {
+      state_->file.Hold(file);
+      return;
+    }
+    state_->error = LastSystemError();
+    if (state_->error != ERROR_FILE_EXISTS && state_->error != ERROR_ALREADY_EXISTS) break;
+  }
+  state_->path.clear();
+}
+
+TemporaryFile::~TemporaryFile() {
+  state_->file.Close();
+  if (!state_->path.empty()) ::DeleteFileW(NativeName(state_->path).c_str());
+}
+
+int TemporaryFile::Append(std::span<const std::uint8_t> bytes) {
+  return state_->file.IsOpen() ? WriteAll(state_->file.Get(), bytes) : state_->error;
+}
+
+std::u16string TemporaryFile::Path() {
+  state_->file.Close();
+  return PathToWide(state_->path);
+}
+
+std::optional<std::string> MakeOwnFolder(const std::string& parent, int& error) {
+  for (unsigned i = 0; i < kTries; ++i) {
+    std::string path = OwnName(parent, i);
+    if (::CreateDirectoryW(NativeName(path).c_str(), nullptr) != FALSE) return path;
+    error = LastSystemError();
+    if (error != ERROR_ALREADY_EXISTS && error != ERROR_FILE_EXISTS) break;
+  }
+  return std::nullopt;
+}
+
+}  // namespace nvx::tool
