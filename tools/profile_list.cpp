@@ -1,5 +1,6 @@
 #include "profile_list.h"
 
+#include "clock.h"
 #include "files.h"
 #include "loading.h"
 #include "paths.h"
@@ -15,6 +16,7 @@
 #include <cctype>
 #include <ctime>
 #include <filesystem>
+#include <optional>
 #include <system_error>
 #include <thread>
 #include <utility>
@@ -26,10 +28,9 @@ namespace fs = std::filesystem;
 
 std::string DateOf(std::int64_t seconds) {
   if (seconds == 0) return {};
-  const std::time_t time = seconds;
-  std::tm parts{};
-  if (::localtime_r(&time, &parts) == nullptr) return std::to_string(seconds);
-  return fmt::format("{:04}-{:02}-{:02}", parts.tm_year + 1900, parts.tm_mon + 1, parts.tm_mday);
+  const std::optional<std::tm> parts = LocalTime(seconds);
+  if (!parts) return std::to_string(seconds);
+  return fmt::format("{:04}-{:02}-{:02}", parts->tm_year + 1900, parts->tm_mon + 1, parts->tm_mday);
 }
 
 constexpr std::array<Column, 12> kColumns{{
@@ -62,7 +63,7 @@ std::int64_t SecondsOf(int year, int month, int day, int hour, int minute, int s
   parts.tm_min = minute;
   parts.tm_sec = second;
   parts.tm_isdst = -1;
-  const std::time_t time = utc ? ::timegm(&parts) : std::mktime(&parts);
+  const std::time_t time = utc ? SecondsOfUtc(parts) : std::mktime(&parts);
   return time < 0 ? 0 : time;
 }
 

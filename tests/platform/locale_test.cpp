@@ -11,10 +11,12 @@ namespace {
 
 using platform::AnsiCodePage;
 using platform::AnsiToWide;
+using platform::BytesToWide;
 using platform::CutAnsi;
 using platform::PrimaryLanguage;
 using platform::Utf8ToWide;
 using platform::WideToAnsi;
+using platform::WideToBytes;
 using platform::WideToUtf8;
 
 TEST(Locale, LanguageAndCodePage) {
@@ -151,6 +153,16 @@ TEST(Locale, Utf8BothWays) {
   EXPECT_EQ(WideToUtf8(u"\xD83Dx\xDE00"), "\xEF\xBF\xBDx\xEF\xBF\xBD");
   EXPECT_EQ(Utf8ToWide("\xC0\x80|\xED\xA0\x80|\xF5|\xE5\x85|\x80|\xE5\x85"),
             u"\xFFFD\xFFFD|\xFFFD|\xFFFD|\xFFFD|\xFFFD|\xFFFD");
+}
+
+TEST(Locale, NamesKeepBytesThatAreNoUtf8) {
+  for (const std::string name : {"plain", "aé光😀", "gl\xE4nzend.icc", "\xC0\x80|\xED\xA0\x80|\xF5|\xE5\x85|\x80",
+                                 "\xEF\xBF\xBD", "\xF0\x9F\x98\xE4"}) {
+    EXPECT_EQ(WideToBytes(BytesToWide(name)), name);
+    EXPECT_EQ(WideToUtf8(BytesToWide(name)).find('\xE4'), std::string::npos) << "a text has none of them";
+  }
+  EXPECT_EQ(BytesToWide("\xE4"), u"\xDCE4");
+  EXPECT_EQ(WideToBytes(u"\xDC7F\xDD00\xD800"), "\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD");
 }
 
 }  // namespace

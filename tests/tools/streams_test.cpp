@@ -127,6 +127,34 @@ TEST(ToolStreams, EveryCommandNamesTheFileAndTheCause) {
   }
 }
 
+// A name is bytes: the file beside it, whose name shows the same in a text, is another one.
+TEST(ToolStreams, NamesThatAreNoUtf8AreKept) {
+  const TempFolder folder;
+  const std::string parts = folder.File("Teile\xFC");
+  std::filesystem::create_directory(parts);
+  const std::string document = parts + "/gl\xE4nzend.json";
+  const std::string profile = folder.File("gl\xE4nzend.icc");
+  const std::string other = folder.File("gl\xEF\xBF\xBDnzend.icc");
+  WriteText(other, "somebody's");
+  std::filesystem::copy_file(kExamples + "/printer_profile.json", document);
+  std::filesystem::copy(kExamples, parts, std::filesystem::copy_options::skip_existing);
+  ASSERT_EQ(RunTool({"build", document, "-o", profile}).status, 0) << RunTool({"build", document, "-o", profile}).err;
+  EXPECT_EQ(RunTool({"get", profile, "media/heater/0"}).out, "45\n");
+  EXPECT_EQ(RunTool({"set", profile, "media/heater/0=50"}).status, 0);
+  EXPECT_EQ(RunTool({"copy", profile, folder.File("satin\xE9.icc"), "--media", "Satin"}).status, 0);
+  EXPECT_EQ(RunTool({"get", folder.File("satin\xE9.icc"), "media/heater/0"}).out, "50\n");
+  EXPECT_EQ(RunTool({"dump", profile, "--files", parts}).status, 0);
+  EXPECT_TRUE(std::filesystem::exists(parts + "/icc.icc"));
+  EXPECT_NE(RunTool({"list", folder.Path().string()}).out.find("gl\xE4nzend.icc"), std::string::npos);
+
+  const ScopedVariable table("NVXPROFILE_PROFILE_DIR", kExamples + "/legacy");
+  const std::string old = folder.File("alt\xE4.qpf");
+  std::filesystem::copy_file(kExamples + "/legacy/glossy.qpf", old);
+  EXPECT_EQ(RunTool({"convert", old, "-o", profile, "--module-version", "1"}).status, 0);
+  EXPECT_NE(RunTool({"info", profile}).out.find("ICC-based printer profile"), std::string::npos);
+  EXPECT_EQ(ReadBytes(other).size(), 10u) << "nobody writes over the name that only looks alike";
+}
+
 TEST(ToolStreams, AMisspeltCommandGetsASuggestion) {
   const ToolResult result = RunTool({"infos", "x"});
   EXPECT_EQ(result.status, 2);

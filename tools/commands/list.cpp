@@ -49,7 +49,9 @@ std::int64_t Now() {
 std::int64_t MomentOf(const std::string& option, const std::string& text) {
   std::tm date{};
   std::istringstream in(text);
-  if (in >> std::get_time(&date, "%Y-%m-%d") && in.peek() == std::istringstream::traits_type::eof()) {
+  const bool isRead = static_cast<bool>(in >> std::get_time(&date, "%Y-%m-%d"));
+  // The end of the text may come early, too.
+  if (isRead && date.tm_mday != 0 && in.peek() == std::istringstream::traits_type::eof()) {
     date.tm_isdst = -1;
     return std::mktime(&date);
   }
