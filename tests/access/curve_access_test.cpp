@@ -121,6 +121,20 @@ TEST(CurveAccess, EachGetterReadsItsEntry) {
   }
 }
 
+TEST(CurveAccess, BytesThatNobodyHasParsedAnswer) {
+  CProfileAccess access;
+  ASSERT_TRUE(InitFromEntries(access, {}));
+  auto* const entry = new CLinearizationEntry;
+  SetBytes(*entry, CurveSet({{3, 0, 1, {42}}}));
+  access.GetProfileData()->SetProfileDataEntry(entry, 4);
+  CError error;
+  int size = 0;
+  int type = 0;
+  const auto* const samples = static_cast<std::uint8_t*>(access.GetLinearization(3, size, type, &error));
+  ASSERT_NE(samples, nullptr);
+  EXPECT_EQ(*samples, 42);
+}
+
 TEST(CurveAccess, TellsWhyACurveIsNotThere) {
   OpenAccess access;
   ASSERT_TRUE(InitFromEntries(access, {{2, 6, CurveSet({{1, 0, 1, {1}}})}, {6, 6, CurveSet({{3, 0, 2, {}}})}}));
