@@ -409,6 +409,7 @@ TEST_F(LegacyFile, TheVersionDecidesTheFormat) {
   EXPECT_EQ(formatOf(kLines + "ProfileVersion_Code:3\n"), 0);
   EXPECT_EQ(formatOf(kLines + "ProfileVersion_Code:\n"), 0) << "no version";
   EXPECT_EQ(formatOf(kLines + "Dpi_Code:1\n"), 0);
+  EXPECT_EQ(Detect(Joined(kLines + "@Binary\r\n", {})), nullptr) << "no section table";
   EXPECT_EQ(formatOf("\r\n" + kLines), 0) << "does not start with the key";
 
   CProfileAccess access;

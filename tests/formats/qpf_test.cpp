@@ -143,6 +143,15 @@ TEST(Qpf, FieldsThatHaveAnotherSource) {
   EXPECT_EQ(std::u16string(info.Binary.StoredRevisionCode), u"FFFF");
   EXPECT_EQ(info.UpdateTime.wYear, 0) << "a time that cannot be broken down";
 
+  // Numbers of the printer are signed, and cut to their fields.
+  Bytes block = With(With(With(HeaderBlock(0), 12, static_cast<std::uint32_t>(-5)), 16, ~0u), 20, 123);
+  CNvxMemFile stream(block.data(), static_cast<std::uint32_t>(block.size()));
+  CProfileData odd;
+  ASSERT_TRUE(Format().LoadHeader(stream, &odd));
+  EXPECT_EQ(std::u16string(odd.GetProfileInfo()->ModelCode), u"-005");
+  EXPECT_EQ(std::u16string(odd.GetProfileInfo()->ModelSubCode), u"-1");
+  EXPECT_EQ(std::u16string(odd.GetProfileInfo()->InternalCode), u"12");
+
   // A record that held text must not be taken for pointers.
   CProfileData text;
   std::memset(&text.GetProfileInfo()->Text, 'x', sizeof text.GetProfileInfo()->Text);
