@@ -156,6 +156,11 @@ TEST(MemoryFile, SeeksInsideItsBlock) {
   EXPECT_EQ(file.Seek(static_cast<std::uint32_t>(-24), kFromPosition), 1000u);
   EXPECT_EQ(file.Seek(static_cast<std::uint32_t>(-1001), kFromPosition), 1024u);
   EXPECT_EQ(file.Seek(3, 7), 1024u);
+  std::uint8_t byte = 0;
+  for (const std::uint32_t beyond : {1024u, 1025u}) {
+    file.Position = beyond;
+    EXPECT_EQ(file.Read(&byte, 1), 0u) << "nothing stands there";
+  }
   file.SeekToBegin();
   EXPECT_EQ(file.Write("ab", 2), 2u);
   EXPECT_EQ(file.Buffer, block.data());

@@ -173,6 +173,7 @@ TEST(Qpf, SavesTheSameBytesAgain) {
   EXPECT_TRUE(data.GetProfileInfo()->HasOutputBlock);
   CICCProfile inner;
   CProfileDataEntry* const icc = data.GetProfileDataEntry(4, 10);
+  EXPECT_EQ(icc->GetPayloadState(), nvx::PayloadState::kWhole);
   ASSERT_TRUE(inner.OpenBuffer(icc->GetRefBuffer(), icc->GetSize(), false));
   for (const char* const tag : kPrivateTags) EXPECT_FALSE(inner.IsTagPresent(tag)) << tag;
 
