@@ -101,6 +101,23 @@ TEST(File, BufferedTransfersAgreeWithAnArray) {
   EXPECT_EQ(ReadBytes(folder.File("mix.bin")), expected);
 }
 
+TEST(File, AWriteGoesToWhereTheReadsEnded) {
+  const TempFolder folder;
+  for (std::uint32_t count = 0; count <= 4; ++count) {
+    WriteBytes(folder.File("a.bin"), Ramp(4));
+    CNvxFile file;
+    ASSERT_TRUE(file.Open(folder.WideFile("a.bin").c_str(), kGenericRead | kGenericWrite, 0, kOpenExisting));
+    std::uint8_t bytes[4];
+    EXPECT_EQ(file.Read(bytes, count), count);
+    EXPECT_EQ(file.Write("x", 1), 1u);
+    file.Close();
+    Bytes expected = Ramp(4);
+    expected.resize(std::max<std::size_t>(4, count + 1));
+    expected[count] = 'x';
+    EXPECT_EQ(ReadBytes(folder.File("a.bin")), expected) << count;
+  }
+}
+
 TEST(File, SeekFromEndGoesForwardsAndStopsAtTheStart) {
   const TempFolder folder;
   WriteBytes(folder.File("a.bin"), Ramp(10));

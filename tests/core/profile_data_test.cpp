@@ -106,6 +106,10 @@ TEST(ProfileData, ContentsGoAndTheRecordStays) {
   EXPECT_EQ(data.GetNextRoute(more), nullptr);
   EXPECT_FALSE(more);
   EXPECT_FALSE(data.GetEntryStartPos());
+  data.SetProfileDataEntry(new TestEntry(6), 4);
+  ASSERT_TRUE(data.GetRouteStartPos());
+  data.RemoveProfileDataEntry(6, 4)->Delete();
+  EXPECT_EQ(data.GetNextRoute(more), nullptr) << "the route went with its last entry";
 
   info.LayoutNumber = nvx::kTextView;
   std::memset(&info.Text, 'x', sizeof info.Text);

@@ -436,6 +436,9 @@ TEST(CalibrationHistory, AddCalibrationTakesAFreeCodeAndStartsTheHistory) {
   ASSERT_TRUE(history.DataToBuffer() && history.BufferToData());
   EXPECT_THAT(CodesOf(history), ElementsAre(1, 2));
   EXPECT_EQ(history.GetNextID(), 3u);
+  delete history.RemoveProfileDataEntry(0);
+  AddCalibration(history, {});
+  EXPECT_EQ(history.GetProfileDataEntry(0)->GetUsedType(), 21u) << "the target stands in front";
 }
 
 TEST(CalibrationHistory, ImportWithFreshCodesLosesNothing) {
@@ -453,6 +456,7 @@ TEST(CalibrationHistory, ImportWithFreshCodesLosesNothing) {
   EXPECT_EQ((*imported)[1].code, 2u);
   EXPECT_EQ((*imported)[2].sourceCode, 2u);
   EXPECT_EQ((*imported)[2].code, 4u);
+  EXPECT_EQ(TargetTime(own), 2);
   ASSERT_TRUE(own.DataToBuffer() && own.BufferToData());
   EXPECT_THAT(CodesOf(own), ElementsAre(3, 2, 4, 0, 1));
   EXPECT_EQ(FirstSample(own, 3), 100u);

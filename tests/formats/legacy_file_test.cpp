@@ -172,7 +172,10 @@ TEST_F(LegacyFile, SavesTheExactBytesOfBothVersions) {
   for (std::size_t at = 0; (at = text.find("Pass_Code:", at)) != text.npos; ++at) ++codes;
   EXPECT_EQ(codes, std::size(data.GetProfileInfo()->Text.Pass_Code));
   data.GetProfileInfo()->Text.Pass_Support = 2;
+  data.GetProfileInfo()->LayoutNumber = kNoView;
   ASSERT_TRUE(CProfileFileQPFv2().SaveData(path_.c_str(), &data, 0));
+  EXPECT_EQ(data.GetProfileInfo()->LayoutNumber, kTextView) << "the view that was written is the one that holds";
+  EXPECT_EQ(ReadBytes(folder_.File("a.qpf")), saved);
 
   CProfileAccess access;
   CError error;
