@@ -124,9 +124,11 @@ TEST(Curve, AnOddRawByteStopsTheConversion) {
   raw.SetDataType(CCurveDataEntry::kSamples16);
   raw.SetMax(5);
   CCurveDataEntry16 target;
-  EXPECT_FALSE(raw.CopyData16BitTo16BitCurve(&target));
+  EXPECT_FALSE(raw.CopyData16BitTo16BitCurve(&target)) << "half a sample is left";
   EXPECT_THAT(SamplesOf(target), ElementsAre(0x1234));
   EXPECT_EQ(target.GetMax(), 0u);
+  EXPECT_TRUE(raw.CopyDataTo16BitCurve(&target));
+  EXPECT_THAT(SamplesOf(target), ElementsAre(0x3434, 0x1212, 0x5656));
   CCurveDataEntry8 narrow;
   EXPECT_FALSE(raw.CopyData16BitTo16BitCurve(&narrow));
   EXPECT_FALSE(raw.CopyDataTo16BitCurve(&narrow));
