@@ -49,12 +49,6 @@ Bytes Words(std::initializer_list<std::uint32_t> words) {
   return bytes;
 }
 
-void ExpectError(const CError& error, std::uint32_t reason, std::u16string_view comment) {
-  EXPECT_EQ(error.GetErrorReason(), reason);
-  EXPECT_EQ(error.GetSystemErrorCode(), 0u);
-  EXPECT_EQ(std::u16string_view(error.GetErrorCommentW()), comment);
-}
-
 // One getter under one signature.
 struct Getter {
   std::uint32_t usedType;

@@ -46,6 +46,8 @@ TEST(Diagnose, SaysWhyAFileIsNoProfile) {
   };
   EXPECT_THAT(FoundIn(folder, "none", false), testing::ElementsAre("file: cannot be opened"));
   EXPECT_THAT(reasons(Bytes(500, 'x')), testing::ElementsAre("ICC header: signature is not acsp"));
+  EXPECT_THAT(reasons(First(IccFile({{"wtpt", Bytes(20, 1)}}), 140)),
+              testing::ElementsAre("ICC header: size beyond the end"));
   EXPECT_THAT(reasons(ByteBuilder().Text("Printer_Label:")), testing::ElementsAre("text header: no line \"@Binary\""));
   EXPECT_THAT(reasons(ByteBuilder().Text("Printer_Label;")),
               testing::ElementsAre("ICC profile: ends inside the header or the tag count"));

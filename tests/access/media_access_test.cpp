@@ -24,12 +24,6 @@ bool InitWith(CProfileAccess& access, const std::vector<MediaBlock>& blocks) {
   return InitFromEntries(access, {{16, 8, MediaForm(blocks)}});
 }
 
-void ExpectError(const CError& error, std::uint32_t reason, std::u16string_view comment) {
-  EXPECT_EQ(error.GetErrorReason(), reason);
-  EXPECT_EQ(error.GetSystemErrorCode(), 0u);
-  EXPECT_EQ(std::u16string_view(error.GetErrorCommentW()), comment);
-}
-
 TEST(MediaAccess, FillsAsManyHeatersAsTheBlockHas) {
   const auto heaters = [](const std::vector<MediaBlock>& blocks, bool& found, CError& error) {
     CProfileAccess access;

@@ -227,12 +227,11 @@ TEST(Queries, FailuresLeaveStartValuesAndAMessage) {
   ASSERT_TRUE(InitFromEntries(withoutBlocks, {{16, 8, MediaForm({{12, 1, {1}}})}, {27, 12, OutputBlockAlone()}}));
   EXPECT_EQ(withoutBlocks.GetProfileInfo()->WaveFormParam, 0);
   for (const Query& query : kQueries) {
+    SCOPED_TRACE(query.name);
     const auto expectFailure = [&](CProfileAccess& access, const char16_t* message) {
       CError error;
-      EXPECT_EQ(query.ask(access, &error), query.failure) << query.name;
-      EXPECT_EQ(error.GetErrorReason(), message != nullptr ? std::uint32_t{kReasonNotFound} : 0) << query.name;
-      EXPECT_EQ(error.GetSystemErrorCode(), 0u);
-      EXPECT_EQ(std::u16string_view(error.GetErrorCommentW()), TextOf(message)) << query.name;
+      EXPECT_EQ(query.ask(access, &error), query.failure);
+      ExpectError(error, message != nullptr ? std::uint32_t{kReasonNotFound} : 0, TextOf(message));
     };
     expectFailure(none, nullptr);
     if (query.withoutEntry != nullptr) expectFailure(withoutEntries, query.withoutEntry);

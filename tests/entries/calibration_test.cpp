@@ -308,27 +308,6 @@ TEST(CalibrationEntries, RecordsOfTargetAndInfo) {
   EXPECT_EQ(info.GetCalibrationInfoEx()->Data[511], 2);
 }
 
-TEST(CalibrationEntries, TheTableKnowsThemAll) {
-  for (const auto& [type, format, display] : {std::tuple(19u, 10u, false),
-                                              {20u, 10u, true},
-                                              {21u, 9u, true},
-                                              {22u, 11u, true},
-                                              {23u, 6u, true},
-                                              {24u, 6u, true},
-                                              {25u, 6u, true},
-                                              {26u, 9u, true}}) {
-    const std::unique_ptr<CProfileDataEntry> entry(
-        CProfileDataEntry::CreateDataEntry(static_cast<CProfileDataEntry::UsedType>(type)));
-    ASSERT_NE(entry, nullptr);
-    EXPECT_EQ(entry->GetUsedType(), type);
-    EXPECT_EQ(entry->GetFormatType(), format);
-    EXPECT_EQ(entry->IsDisplayEnable(), display);
-  }
-  CContainerEntry plain;
-  EXPECT_EQ(plain.GetFormatType(), 10u);
-  EXPECT_FALSE(plain.IsDisplayEnable());
-}
-
 TEST(CalibrationHistory, ImportReplacesAHistoryOfEqualCount) {
   CCalibrationHistoryEntry own;
   CCalibrationHistoryEntry source;

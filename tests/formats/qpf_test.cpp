@@ -322,6 +322,13 @@ TEST(Qpf, LaterTagsBecomeOneEntryEach) {
   EXPECT_FALSE(info.HasOutputBlock);
   EXPECT_EQ(info.SeparateWayCode, 3) << "special colours of type 1";
 
+  for (const std::uint32_t flag : {0u, nvx::kSaveReplaceProfile, nvx::kSaveCalibration}) {
+    const auto some = Save(data, flag);
+    ASSERT_TRUE(some);
+    EXPECT_EQ(QpfReader(*some).Has("NVX3"), flag == nvx::kSaveReplaceProfile);
+    EXPECT_EQ(QpfReader(*some).Has("NVX4"), flag == nvx::kSaveCalibration);
+  }
+
   // One block of type 5 is the other class, whatever follows; too short a tag is the first.
   CProfileData patterns;
   const Bytes type5 = ByteBuilder().U32(2, 0, 1).Zero(8).Text("TFEW").U32(24, 5).Zero(12);

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -32,6 +33,33 @@ TEST(Locale, LanguageAndCodePage) {
     EXPECT_EQ(PrimaryLanguage(), item.language) << item.locale;
     EXPECT_EQ(AnsiCodePage(), item.page) << item.locale;
   }
+}
+
+// The published primary language numbers: codes whose numbers follow each other, from the first one's on.
+TEST(Locale, LanguagesHaveTheirNumbers) {
+  const std::pair<std::uint16_t, const char*> kRuns[] = {
+      {1,
+       "ar bg ca zh cs da de el en es fi fr he hu is it ja ko nl nb pl pt rm ro ru hr sk sq sv th tr ur id uk be sl "
+       "et lv lt tg fa vi hy az eu"},
+      {13, "iw"},
+      {20, "nn"},
+      {20, "no"},
+      {26, "sr"},
+      {26, "bs"},
+      {47, "mk"},
+      {54, "af ka fo hi mt"},
+      {62, "ms kk ky sw"},
+      {67, "uz"},
+      {69, "bn pa gu"},
+      {73, "ta te kn"},
+      {78, "mr"},
+      {80, "mn"},
+      {82, "cy"}};
+  for (auto [number, codes] : kRuns) {
+    std::istringstream words(codes);
+    for (std::string code; words >> code; ++number) EXPECT_EQ(platform::LanguageNumber(code + "_XX"), number) << code;
+  }
+  EXPECT_EQ(platform::LanguageNumber("xx"), std::nullopt);
 }
 
 TEST(Locale, FirstVariableThatIsSetDecides) {

@@ -61,4 +61,11 @@ inline bool InitFromEntries(CProfileAccess& access, const std::vector<EntryBytes
   return access.Init(folder.WideFile("profile.qct").c_str(), &error);
 }
 
+// That a query failed for this reason, 0 for one without a word.
+inline void ExpectError(const CError& error, std::uint32_t reason, std::u16string_view comment) {
+  EXPECT_EQ(error.GetErrorReason(), reason);
+  EXPECT_EQ(error.GetSystemErrorCode(), 0u);
+  EXPECT_EQ(std::u16string_view(error.GetErrorCommentW()), comment);
+}
+
 }  // namespace nvx::test

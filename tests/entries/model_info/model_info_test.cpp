@@ -25,7 +25,6 @@ CInfoData& InfoOf(CInfoEntry& entry) { return dynamic_cast<CInfoData&>(*entry.Ge
 TEST(ModelEntry, ReadsARecordAndSavesItInOneStep) {
   CModelEntry entry;
   EXPECT_EQ(entry.GetUsedType(), 1u);
-  EXPECT_EQ(entry.GetFormatType(), 2u);
   EXPECT_FALSE(entry.IsDisplayEnable());
   EXPECT_TRUE(entry.GetModelData()->IsCmykMode());
 
@@ -108,7 +107,6 @@ TEST(ModelEntry, CutsNamesWithoutHarmToTheirNeighbours) {
 TEST(InfoEntry, ReadsARecordAndSavesItInOneStep) {
   CInfoEntry entry;
   EXPECT_EQ(entry.GetUsedType(), 14u);
-  EXPECT_EQ(entry.GetFormatType(), 7u);
   EXPECT_TRUE(entry.IsDisplayEnable());
   EXPECT_TRUE(entry.IsComplete());
   CInfoData& data = InfoOf(entry);
