@@ -116,6 +116,8 @@ TEST(Locale, NoByteIsLost) {
     std::string_view privates;  // bytes that stand for private characters, which follow each other
     char16_t firstPrivate = 0;
   } kPages[] = {
+      {857, "", "\xD5\xE7\xF2", 0xF8BB},
+      {864, "", "\xA6\xA7\xFF", 0xF8BE},
       {874, "\x81\x82\x83\x84\x86\x90\x98\x9F", "\xDB\xDC\xDD\xDE\xFC\xFD\xFE\xFF", 0xF8C1},
       {932, "\x80", "\xA0\xFD\xFE\xFF", 0xF8F0},
       {936, "", "\xFF", 0xF8F5},
