@@ -1,5 +1,5 @@
 #include "core/text.h"
-#include "support/byte_builder.h"
+#include "support/entry_bytes.h"
 #include "support/legacy_profile.h"
 
 #include <nvxprofile/diagnosis.h>
@@ -29,12 +29,8 @@ const std::string kLines =
     "Printer_Label:PX\r\nInkSet_Label:SetA\r\nMedia_Code:0815\r\nMedia_Label:Film\r\nMedia_Eng:%11%Glossy Film\r\n"
     "Media_Jpn:%6%Kotaku\r\nDpi_Code:7201080\r\nProfileVersion_Code:1\r\n";
 
-// A container of one entry of type 6 with the given bytes on a route.
 Bytes Container(std::uint32_t route, const Bytes& bytes, std::uint32_t usedType = 6) {
-  ByteBuilder file;
-  file.U32(0x51435420, 32, 0x10000, 0, route, 0, 1, 0);
-  file.Text("IHEP").U32(292, usedType, 6, static_cast<std::uint32_t>(bytes.size() + 4), 1, 0);
-  return file.Zero(264).Text("SDEP").Append(bytes);
+  return ContainerOf({{usedType, 6, bytes}}, route);
 }
 
 Bytes Section(std::uint32_t size, std::string_view name) {
