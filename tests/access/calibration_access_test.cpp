@@ -127,6 +127,9 @@ TEST_F(CalibrationAccess, NoTimeAboveZeroIsNoNewest) {
   std::int32_t newest = 8;
   EXPECT_TRUE(access_.GetNewestCalibrationCode(newest, &error_));
   EXPECT_EQ(newest, -1);
+  Load({0, 1});
+  EXPECT_TRUE(access_.GetNewestCalibrationCode(newest, &error_));
+  EXPECT_EQ(newest, 1);
 }
 
 TEST_F(CalibrationAccess, CurvesByCode) {

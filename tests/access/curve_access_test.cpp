@@ -49,12 +49,6 @@ Bytes Words(std::initializer_list<std::uint32_t> words) {
   return bytes;
 }
 
-void ExpectError(const CError& error, std::uint32_t reason, std::u16string_view comment) {
-  EXPECT_EQ(error.GetErrorReason(), reason);
-  EXPECT_EQ(error.GetSystemErrorCode(), 0u);
-  EXPECT_EQ(std::u16string_view(error.GetErrorCommentW()), comment);
-}
-
 // One getter under one signature.
 struct Getter {
   std::uint32_t usedType;
@@ -119,6 +113,20 @@ TEST(CurveAccess, EachGetterReadsItsEntry) {
     samples = static_cast<const std::uint8_t*>(getter.get(access, 2, size, type, &error));
     EXPECT_EQ(samples[0], takesExtendInfo ? 2 : 8);
   }
+}
+
+TEST(CurveAccess, BytesThatNobodyHasParsedAnswer) {
+  CProfileAccess access;
+  ASSERT_TRUE(InitFromEntries(access, {}));
+  auto* const entry = new CLinearizationEntry;
+  SetBytes(*entry, CurveSet({{3, 0, 1, {42}}}));
+  access.GetProfileData()->SetProfileDataEntry(entry, 4);
+  CError error;
+  int size = 0;
+  int type = 0;
+  const auto* const samples = static_cast<std::uint8_t*>(access.GetLinearization(3, size, type, &error));
+  ASSERT_NE(samples, nullptr);
+  EXPECT_EQ(*samples, 42);
 }
 
 TEST(CurveAccess, TellsWhyACurveIsNotThere) {

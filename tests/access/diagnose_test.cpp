@@ -1,6 +1,8 @@
-// What loads and is odd all the same.
+// Why a profile does not load, and what is odd in one that does.
 #include "support/curve_builder.h"
 #include "support/entry_bytes.h"
+#include "support/legacy_profile.h"
+#include "support/qpf_builder.h"
 
 #include <nvxprofile/diagnosis.h>
 
@@ -10,16 +12,23 @@
 namespace nvx::test {
 namespace {
 
-// Warnings about a container of these entries, each behind its place.
+// What is found in a file, each behind its place if it has one.
+std::vector<std::string> FoundIn(const TempFolder& folder, const std::string& name, bool loads) {
+  Diagnosis diagnosis;
+  EXPECT_EQ(DiagnoseProfile(folder.WideFile(name).c_str(), diagnosis), loads) << name;
+  EXPECT_EQ(diagnosis.HasErrors(), !loads) << name;
+  std::vector<std::string> found;
+  for (const Finding& finding : diagnosis.Findings()) {
+    found.push_back(finding.place.empty() ? finding.rule : finding.place + ": " + finding.rule);
+  }
+  return found;
+}
+
+// Warnings about a container of these entries.
 std::vector<std::string> Oddities(const std::vector<EntryBytes>& entries) {
   const TempFolder folder;
   WriteBytes(folder.File("p.qct"), ContainerOf(entries));
-  Diagnosis diagnosis;
-  EXPECT_TRUE(DiagnoseProfile(folder.WideFile("p.qct").c_str(), diagnosis));
-  EXPECT_FALSE(diagnosis.HasErrors());
-  std::vector<std::string> found;
-  for (const Finding& finding : diagnosis.Findings()) found.push_back(finding.place + ": " + finding.rule);
-  return found;
+  return FoundIn(folder, "p.qct", true);
 }
 
 Bytes Curves(const std::vector<CurveFields>& curves) {
@@ -27,6 +36,45 @@ Bytes Curves(const std::vector<CurveFields>& curves) {
   for (const CurveFields& curve : curves) form.Append(CurveHeader(curve));
   for (const CurveFields& curve : curves) form.Text("SDEC").Fill(7, curve.size);
   return form;
+}
+
+TEST(Diagnose, SaysWhyAFileIsNoProfile) {
+  const LegacyFolder folder;
+  const auto reasons = [&](const Bytes& bytes) {
+    WriteBytes(folder.File("p"), bytes);
+    return FoundIn(folder, "p", false);
+  };
+  EXPECT_THAT(FoundIn(folder, "none", false), testing::ElementsAre("file: cannot be opened"));
+  EXPECT_THAT(reasons(Bytes(500, 'x')), testing::ElementsAre("ICC header: signature is not acsp"));
+  EXPECT_THAT(reasons(First(IccFile({{"wtpt", Bytes(20, 1)}}), 140)),
+              testing::ElementsAre("ICC header: size beyond the end"));
+  EXPECT_THAT(reasons(ByteBuilder().Text("Printer_Label:")), testing::ElementsAre("text header: no line \"@Binary\""));
+  EXPECT_THAT(reasons(ByteBuilder().Text("Printer_Label;")),
+              testing::ElementsAre("ICC profile: ends inside the header or the tag count"));
+  const std::string lines =
+      "Printer_Label:PX\nInkSet_Label:SetA\nMedia_Code:1\nMedia_Label:Film\nDpi_Code:7201080\nProfileVersion_Code:3\n"
+      "@Binary\n";
+  EXPECT_THAT(reasons(ByteBuilder().Text(lines).Zero(8)),
+              testing::ElementsAre("text header: ProfileVersion_Code is neither 1 nor 2"));
+  std::filesystem::resize_file(folder.File("p"), std::uint64_t{1} << 32);
+  EXPECT_THAT(FoundIn(folder, "p", false), testing::ElementsAre("file: 4 GiB or longer"));
+}
+
+TEST(Diagnose, NotesVersionsAndMissingProfiles) {
+  constexpr const char* kVersion = "profile version is none of the known ones";
+  constexpr const char* kNoIcc = "no ICC profile entry";
+  const LegacyFolder folder;
+  const auto oddities = [&](std::uint32_t version) {
+    const StoredHeader header{.version = version};
+    WriteBytes(folder.File("p.icc"), IccFile({{"NVX1", EntryTag({Placeholder()}, header)}, {"NVX2", MediaTag({})}}));
+    return FoundIn(folder, "p.icc", true);
+  };
+  EXPECT_THAT(oddities(0x00090003), testing::Contains(kVersion));
+  EXPECT_THAT(oddities(0x00040003),
+              testing::AllOf(testing::Not(testing::Contains(kVersion)), testing::Not(testing::Contains(kNoIcc))));
+  ASSERT_TRUE(WriteLegacyProfile(folder.File("p.qpf"), {6}, {7}));
+  EXPECT_THAT(FoundIn(folder, "p.qpf", true), testing::Contains(kNoIcc));
+  EXPECT_THAT(Oddities({}), testing::IsEmpty()) << "a container has no record";
 }
 
 TEST(Diagnose, NotesOddCurves) {

@@ -101,6 +101,23 @@ TEST(File, BufferedTransfersAgreeWithAnArray) {
   EXPECT_EQ(ReadBytes(folder.File("mix.bin")), expected);
 }
 
+TEST(File, AWriteGoesToWhereTheReadsEnded) {
+  const TempFolder folder;
+  for (std::uint32_t count = 0; count <= 4; ++count) {
+    WriteBytes(folder.File("a.bin"), Ramp(4));
+    CNvxFile file;
+    ASSERT_TRUE(file.Open(folder.WideFile("a.bin").c_str(), kGenericRead | kGenericWrite, 0, kOpenExisting));
+    std::uint8_t bytes[4];
+    EXPECT_EQ(file.Read(bytes, count), count);
+    EXPECT_EQ(file.Write("x", 1), 1u);
+    file.Close();
+    Bytes expected = Ramp(4);
+    expected.resize(std::max<std::size_t>(4, count + 1));
+    expected[count] = 'x';
+    EXPECT_EQ(ReadBytes(folder.File("a.bin")), expected) << count;
+  }
+}
+
 TEST(File, SeekFromEndGoesForwardsAndStopsAtTheStart) {
   const TempFolder folder;
   WriteBytes(folder.File("a.bin"), Ramp(10));
@@ -156,6 +173,11 @@ TEST(MemoryFile, SeeksInsideItsBlock) {
   EXPECT_EQ(file.Seek(static_cast<std::uint32_t>(-24), kFromPosition), 1000u);
   EXPECT_EQ(file.Seek(static_cast<std::uint32_t>(-1001), kFromPosition), 1024u);
   EXPECT_EQ(file.Seek(3, 7), 1024u);
+  std::uint8_t byte = 0;
+  for (const std::uint32_t beyond : {1024u, 1025u}) {
+    file.Position = beyond;
+    EXPECT_EQ(file.Read(&byte, 1), 0u) << "nothing stands there";
+  }
   file.SeekToBegin();
   EXPECT_EQ(file.Write("ab", 2), 2u);
   EXPECT_EQ(file.Buffer, block.data());

@@ -7,6 +7,7 @@
 
 #include <cstring>
 #include <memory>
+#include <vector>
 
 namespace {
 
@@ -87,6 +88,34 @@ TEST(ProfileData, WalksEntriesByArrivalAndRoutesByNumber) {
     EXPECT_EQ(destroyed, 1);
   }
   EXPECT_EQ(destroyed, 3);
+}
+
+TEST(ProfileData, ContentsGoAndTheRecordStays) {
+  CProfileData data;
+  data.SetProfileDataEntry(new TestEntry(6), 4);
+  ASSERT_TRUE(data.GetRouteStartPos());
+  _tagDeviceProfileInfo& info = *data.GetProfileInfo();
+  info.LayoutNumber = nvx::kBinaryView;
+  info.Binary = {};
+  info.Binary.ModelNumber = 5;
+  data.SetMediaInfo(std::vector<tagMedia>(2));
+  data.DeleteContents();
+  EXPECT_EQ(info.Binary.MediaInfo, nullptr) << "the names were the model's";
+  EXPECT_EQ(info.Binary.ModelNumber, 5u);
+  bool more = true;
+  EXPECT_EQ(data.GetNextRoute(more), nullptr);
+  EXPECT_FALSE(more);
+  EXPECT_FALSE(data.GetEntryStartPos());
+  data.SetProfileDataEntry(new TestEntry(6), 4);
+  ASSERT_TRUE(data.GetRouteStartPos());
+  data.RemoveProfileDataEntry(6, 4)->Delete();
+  EXPECT_EQ(data.GetNextRoute(more), nullptr) << "the route went with its last entry";
+
+  info.LayoutNumber = nvx::kTextView;
+  std::memset(&info.Text, 'x', sizeof info.Text);
+  const auto before = info.Text;
+  data.DeleteContents();
+  EXPECT_EQ(std::memcmp(&info.Text, &before, sizeof before), 0) << "text has no names to lose";
 }
 
 TEST(ProfileData, InnerNamesOfRoutes) {

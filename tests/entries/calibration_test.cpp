@@ -308,27 +308,6 @@ TEST(CalibrationEntries, RecordsOfTargetAndInfo) {
   EXPECT_EQ(info.GetCalibrationInfoEx()->Data[511], 2);
 }
 
-TEST(CalibrationEntries, TheTableKnowsThemAll) {
-  for (const auto& [type, format, display] : {std::tuple(19u, 10u, false),
-                                              {20u, 10u, true},
-                                              {21u, 9u, true},
-                                              {22u, 11u, true},
-                                              {23u, 6u, true},
-                                              {24u, 6u, true},
-                                              {25u, 6u, true},
-                                              {26u, 9u, true}}) {
-    const std::unique_ptr<CProfileDataEntry> entry(
-        CProfileDataEntry::CreateDataEntry(static_cast<CProfileDataEntry::UsedType>(type)));
-    ASSERT_NE(entry, nullptr);
-    EXPECT_EQ(entry->GetUsedType(), type);
-    EXPECT_EQ(entry->GetFormatType(), format);
-    EXPECT_EQ(entry->IsDisplayEnable(), display);
-  }
-  CContainerEntry plain;
-  EXPECT_EQ(plain.GetFormatType(), 10u);
-  EXPECT_FALSE(plain.IsDisplayEnable());
-}
-
 TEST(CalibrationHistory, ImportReplacesAHistoryOfEqualCount) {
   CCalibrationHistoryEntry own;
   CCalibrationHistoryEntry source;
@@ -436,6 +415,9 @@ TEST(CalibrationHistory, AddCalibrationTakesAFreeCodeAndStartsTheHistory) {
   ASSERT_TRUE(history.DataToBuffer() && history.BufferToData());
   EXPECT_THAT(CodesOf(history), ElementsAre(1, 2));
   EXPECT_EQ(history.GetNextID(), 3u);
+  delete history.RemoveProfileDataEntry(0);
+  AddCalibration(history, {});
+  EXPECT_EQ(history.GetProfileDataEntry(0)->GetUsedType(), 21u) << "the target stands in front";
 }
 
 TEST(CalibrationHistory, ImportWithFreshCodesLosesNothing) {
@@ -453,6 +435,7 @@ TEST(CalibrationHistory, ImportWithFreshCodesLosesNothing) {
   EXPECT_EQ((*imported)[1].code, 2u);
   EXPECT_EQ((*imported)[2].sourceCode, 2u);
   EXPECT_EQ((*imported)[2].code, 4u);
+  EXPECT_EQ(TargetTime(own), 2);
   ASSERT_TRUE(own.DataToBuffer() && own.BufferToData());
   EXPECT_THAT(CodesOf(own), ElementsAre(3, 2, 4, 0, 1));
   EXPECT_EQ(FirstSample(own, 3), 100u);

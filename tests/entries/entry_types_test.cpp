@@ -58,7 +58,14 @@ TEST(FormatTypes, SayWhatTheClassesSay) {
   EXPECT_EQ(nvx::FindFormatType("text-2")->format, CProfileFileQPFv2().GetMyFormat());
   EXPECT_EQ(nvx::FindFormatType("printer-profile")->format, CProfileFileQPFv4().GetMyFormat());
   EXPECT_EQ(nvx::FindFormatType("icc")->format, CProfileFileICC().GetMyFormat());
-  for (const nvx::FormatType& type : nvx::FormatTypes()) EXPECT_EQ(nvx::FindFormatType(type.format), &type);
+  for (const nvx::FormatType& type : nvx::FormatTypes()) {
+    EXPECT_EQ(nvx::FindFormatType(type.format), &type);
+    const bool isText = type.extension == ".qpf";
+    EXPECT_EQ(isText, type.format == nvx::kText1 || type.format == nvx::kText2) << type.name;
+    EXPECT_EQ(type.isConverted, isText) << type.name;
+    EXPECT_EQ(type.hasRoutes, type.format == nvx::kPrinterProfile) << type.name;
+    EXPECT_EQ(type.hasRecord, type.isConverted || type.hasRoutes) << type.name;
+  }
   EXPECT_EQ(nvx::FindFormatType(5), nullptr);
   EXPECT_EQ(nvx::FindFormatType("none"), nullptr);
 }

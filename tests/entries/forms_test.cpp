@@ -80,7 +80,6 @@ std::vector<Family> Families() {
            {8, 0x10001, "media property: wrong version", 0},
            {12, 5, "data block: wrong signature", 5},
            {12, kHuge, "media property: entry count beyond the end", 0},
-
            {76 + 68, 'x', "data block: wrong signature", 3},
        },
        16 + 3 * 20 + 2 * 68 + 4},
@@ -186,7 +185,6 @@ std::vector<Family> Families() {
            {28, 4, "mask download with patterns: block type is not 5", 0},
            {44, 'x', "mask download block: wrong magic", 0},
            {48, 'x', "mask header: wrong magic", 0},
-
            {48 + 16, kHuge, "mask records: count beyond the end", 0},
            {88 + 24, 11, "mask parameter record: more than 10 layer colours", 0},
            {88 + 72, 16, "mask parameter record: more than 15 pattern IDs", 0},

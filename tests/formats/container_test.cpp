@@ -1,5 +1,4 @@
-#include "support/byte_builder.h"
-#include "support/files.h"
+#include "support/entry_bytes.h"
 
 #include <nvxprofile/diagnosis.h>
 #include <nvxprofile/profile_access.h>
@@ -13,26 +12,9 @@
 namespace nvx::test {
 namespace {
 
-struct Entry {
-  std::uint32_t usedType = 6;
-  std::uint32_t formatType = 6;
-  Bytes bytes;
-  std::uint32_t complete = 1;
-  std::uint32_t optionInfo = 0;
-  std::string label;
-};
-
-Bytes Container(const std::vector<Entry>& entries, std::uint32_t route = 4, std::uint32_t version = 0x00010000) {
-  ByteBuilder file;
-  file.U8(0x20, 0x54, 0x43, 0x51).U32(32, version, 11, route, 22);
-  file.U32(static_cast<std::uint32_t>(entries.size()), 0);
-  for (const Entry& entry : entries) {
-    file.Text("IHEP").U32(292, entry.usedType, entry.formatType);
-    file.U32(static_cast<std::uint32_t>(entry.bytes.size() + 4), entry.complete, entry.optionInfo);
-    file.Text(entry.label, 264);
-  }
-  for (const Entry& entry : entries) file.Text("SDEP").Append(entry.bytes);
-  return file;
+// For target type 11 and device type 22.
+Bytes Container(const std::vector<EntryBytes>& entries, std::uint32_t route = 4) {
+  return With(With(ContainerOf(entries, route), 12, 11), 20, 22);
 }
 
 bool Load(Bytes bytes, CProfileData& data, Diagnosis* diagnosis = nullptr) {
@@ -42,8 +24,7 @@ bool Load(Bytes bytes, CProfileData& data, Diagnosis* diagnosis = nullptr) {
 }
 
 TEST(Container, LoadsEntriesWithTheirFlagsAndSavesTheSameBytes) {
-  const std::vector<Entry> entries{
-      {6, 6, {1, 2, 3}, 1, 0x01020304, "first"}, {14, 7, {}, 1, 0, ""}, {3, 6, {9}, 0, 5, ""}};
+  const std::vector<EntryBytes> entries{{6, 6, {1, 2, 3}, 1, 0x01020304, "first"}, {14, 7, {}}, {3, 6, {9}, 0, 5, ""}};
   const Bytes bytes = Container(entries);
   EXPECT_EQ(bytes.size(), 32u + 3 * 292 + 3 * 4 + 4);
   CProfileData data;
@@ -72,7 +53,7 @@ TEST(Container, LoadsEntriesWithTheirFlagsAndSavesTheSameBytes) {
 
 TEST(Container, StartsAtItsLoadPoint) {
   Bytes bytes(100, 0xEE);
-  const Bytes container = Container({{6, 6, {1, 2, 3}, 1, 0, ""}});
+  const Bytes container = Container({{6, 6, {1, 2, 3}}});
   EXPECT_EQ(container.size(), 331u);
   bytes.insert(bytes.end(), container.begin(), container.end());
   CNvxMemFile stream(bytes.data(), static_cast<std::uint32_t>(bytes.size()));
@@ -100,25 +81,20 @@ TEST(Container, RefusesWhatIsBrokenAndSaysWhere) {
     std::uint64_t offset;
     std::string rule;
   };
-  const Bytes good = Container({{6, 6, {1, 2, 3}, 1, 0, ""}});
-  const auto patched = [&](std::size_t offset, std::uint32_t value) {
-    Bytes bytes = good;
-    std::memcpy(bytes.data() + offset, &value, 4);
-    return bytes;
-  };
+  const Bytes good = Container({{6, 6, {1, 2, 3}}});
   const std::vector<Case> cases{
-      {patched(0, 1), 32, "container header: wrong magic"},
-      {Container({}, 4, 0x00020000), 32, "container header: wrong version"},
-      {patched(24, 2), 324, "entry header: wrong magic"},
-      {patched(24, 0xFFFFFFFF), 32, "entry table: count beyond the end"},
-      {patched(32, 0), 32, "entry header: wrong magic"},
-      {patched(324, 0), 328, "entry body: wrong magic"},
-      {patched(40, 11), 328, "entry header: unknown used type"},
-      {patched(40, 0xFFFFFFFF), 328, "entry header: unknown used type"},
-      {patched(44, 5), 328, "entry header: format type does not belong to the used type"},
-      {patched(48, 3), 328, "entry header: body size below 4"},
-      {patched(48, 8), 328, "entry header: body size beyond the end"},
-      {patched(48, 0xFFFFFFFF), 328, "entry header: body size beyond the end"},
+      {With(good, 0, 1), 32, "container header: wrong magic"},
+      {With(Container({}), 8, 0x00020000), 32, "container header: wrong version"},
+      {With(good, 24, 2), 324, "entry header: wrong magic"},
+      {With(good, 24, 0xFFFFFFFF), 32, "entry table: count beyond the end"},
+      {With(good, 32, 0), 32, "entry header: wrong magic"},
+      {With(good, 324, 0), 328, "entry body: wrong magic"},
+      {With(good, 40, 11), 328, "entry header: unknown used type"},
+      {With(good, 40, 0xFFFFFFFF), 328, "entry header: unknown used type"},
+      {With(good, 44, 5), 328, "entry header: format type does not belong to the used type"},
+      {With(good, 48, 3), 328, "entry header: body size below 4"},
+      {With(good, 48, 8), 328, "entry header: body size beyond the end"},
+      {With(good, 48, 0xFFFFFFFF), 328, "entry header: body size beyond the end"},
   };
   for (const Case& c : cases) {
     CProfileData data;
@@ -141,9 +117,9 @@ TEST(Container, RefusesWhatIsBrokenAndSaysWhere) {
 
 TEST(ProfileAccess, InitLoadsReplacesAndWordsItsFailures) {
   const TempFolder folder;
-  WriteBytes(folder.File("a.QCT"), Container({{6, 6, {1}, 1, 0, ""}}, 1));
-  WriteBytes(folder.File("bad.qct"), Container({{11, 6, {1}, 1, 0, ""}}));
-  WriteBytes(folder.File("a.icc"), Container({{6, 6, {1}, 1, 0, ""}}));
+  WriteBytes(folder.File("a.QCT"), Container({{6, 6, {1}}}, 1));
+  WriteBytes(folder.File("bad.qct"), Container({{11, 6, {1}}}));
+  WriteBytes(folder.File("a.icc"), Container({{6, 6, {1}}}));
   CProfileAccess access;
   CError error;
   EXPECT_EQ(access.GetProfileInfo(), nullptr);
@@ -155,24 +131,12 @@ TEST(ProfileAccess, InitLoadsReplacesAndWordsItsFailures) {
   EXPECT_TRUE(access.IsICCRoot());
   EXPECT_FALSE(access.IsV3Route());
   EXPECT_EQ(std::u16string(access.GetProfileInfo()->FileName), u"a.QCT");
-  EXPECT_EQ(access.GetProfileInfo()->OutputFourthValue, -1);
-  EXPECT_EQ(access.GetProfileInfo()->OutputCodeB, 255);
-  EXPECT_FALSE(access.GetOutputInfo(nullptr));
-  access.GetProfileInfo()->ScanResolution = 720;
-  access.GetProfileInfo()->DotType = 2;
-  _tagOutputInfo info;
-  EXPECT_TRUE(access.GetOutputInfo(&info));
-  EXPECT_EQ(info.ScanResolution, 720u);
-  EXPECT_EQ(info.DotType, 2);
 
   EXPECT_FALSE(access.Init(folder.WideFile("bad.qct").c_str(), &error));
   EXPECT_EQ(error.GetErrorReason(), 0x08008001u);
   EXPECT_EQ(std::u16string(error.GetErrorCommentW()),
             u"Profile: Load Error (file name:" + folder.WideFile("bad.qct") + u")");
   EXPECT_EQ(access.GetProfileData(), nullptr);
-  std::uint32_t scan = 1, feed = 2, third = 3, fourth = 4;
-  EXPECT_FALSE(access.GetOutputResolution(scan, feed, third, fourth));
-  EXPECT_EQ(scan + feed + third + fourth, 10u);
 
   for (const std::u16string& path : {folder.WideFile("none"), folder.WideFile("a.icc"), std::u16string(u"/")}) {
     EXPECT_FALSE(access.Init(path.c_str(), &error));

@@ -17,6 +17,8 @@
 #include <memory>
 #include <random>
 
+#include <unistd.h>
+
 namespace nvx::test {
 namespace {
 
@@ -104,6 +106,24 @@ TEST_P(FailingWrite, LeavesTheFileThatWasToBeReplaced) {
   const ScopedFileSizeLimit exact(saved.size());
   EXPECT_TRUE(Save(folder.WideFile("p")));
   EXPECT_EQ(ReadBytes(path), saved);
+}
+
+TEST(ProtectedFile, IsOpenedForReadingAlone) {
+  const TempFolder folder;
+  CProfileData data;
+  FillLegacyProfile(data, {6}, {});
+  ASSERT_TRUE(CProfileFileQCT().SaveData(folder.WideFile("p").c_str(), &data, 1));
+  std::filesystem::permissions(folder.File("p"), static_cast<std::filesystem::perms>(0444));
+  const bool isRoot = ::geteuid() == 0;  // who may write to it all the same
+  if (isRoot && ::seteuid(65534) != 0) GTEST_SKIP() << "there is no other user to be";
+  const auto opens = [&](bool readOnly) {
+    return std::unique_ptr<CProfileFile>(CProfileFile::CreateProfileFile(folder.WideFile("p").c_str(), readOnly)) !=
+           nullptr;
+  };
+  const bool reading = opens(true), writing = opens(false);
+  ASSERT_TRUE(!isRoot || ::seteuid(0) == 0);
+  EXPECT_TRUE(reading);
+  EXPECT_FALSE(writing);
 }
 
 INSTANTIATE_TEST_SUITE_P(Formats, FailingWrite,

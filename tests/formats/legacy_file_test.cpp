@@ -1,5 +1,5 @@
 #include "core/text.h"
-#include "support/byte_builder.h"
+#include "support/entry_bytes.h"
 #include "support/legacy_profile.h"
 
 #include <nvxprofile/diagnosis.h>
@@ -29,12 +29,8 @@ const std::string kLines =
     "Printer_Label:PX\r\nInkSet_Label:SetA\r\nMedia_Code:0815\r\nMedia_Label:Film\r\nMedia_Eng:%11%Glossy Film\r\n"
     "Media_Jpn:%6%Kotaku\r\nDpi_Code:7201080\r\nProfileVersion_Code:1\r\n";
 
-// A container of one entry of type 6 with the given bytes on a route.
 Bytes Container(std::uint32_t route, const Bytes& bytes, std::uint32_t usedType = 6) {
-  ByteBuilder file;
-  file.U32(0x51435420, 32, 0x10000, 0, route, 0, 1, 0);
-  file.Text("IHEP").U32(292, usedType, 6, static_cast<std::uint32_t>(bytes.size() + 4), 1, 0);
-  return file.Zero(264).Text("SDEP").Append(bytes);
+  return ContainerOf({{usedType, 6, bytes}}, route);
 }
 
 Bytes Section(std::uint32_t size, std::string_view name) {
@@ -172,7 +168,10 @@ TEST_F(LegacyFile, SavesTheExactBytesOfBothVersions) {
   for (std::size_t at = 0; (at = text.find("Pass_Code:", at)) != text.npos; ++at) ++codes;
   EXPECT_EQ(codes, std::size(data.GetProfileInfo()->Text.Pass_Code));
   data.GetProfileInfo()->Text.Pass_Support = 2;
+  data.GetProfileInfo()->LayoutNumber = kNoView;
   ASSERT_TRUE(CProfileFileQPFv2().SaveData(path_.c_str(), &data, 0));
+  EXPECT_EQ(data.GetProfileInfo()->LayoutNumber, kTextView) << "the view that was written is the one that holds";
+  EXPECT_EQ(ReadBytes(folder_.File("a.qpf")), saved);
 
   CProfileAccess access;
   CError error;
@@ -409,6 +408,7 @@ TEST_F(LegacyFile, TheVersionDecidesTheFormat) {
   EXPECT_EQ(formatOf(kLines + "ProfileVersion_Code:3\n"), 0);
   EXPECT_EQ(formatOf(kLines + "ProfileVersion_Code:\n"), 0) << "no version";
   EXPECT_EQ(formatOf(kLines + "Dpi_Code:1\n"), 0);
+  EXPECT_EQ(Detect(Joined(kLines + "@Binary\r\n", {})), nullptr) << "no section table";
   EXPECT_EQ(formatOf("\r\n" + kLines), 0) << "does not start with the key";
 
   CProfileAccess access;

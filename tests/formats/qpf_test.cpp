@@ -1,5 +1,5 @@
+#include "support/entry_bytes.h"
 #include "support/environment.h"
-#include "support/files.h"
 #include "support/qpf_builder.h"
 #include "support/qpf_reader.h"
 
@@ -42,7 +42,7 @@ std::optional<Bytes> Save(CProfileData& data, std::uint32_t flags = 0) {
 CProfileDataEntry* Add(CProfileData& data, std::uint32_t usedType, const Bytes& bytes, std::uint32_t route = 4) {
   CProfileDataEntry* const entry =
       CProfileDataEntry::CreateDataEntry(static_cast<CProfileDataEntry::UsedType>(usedType));
-  std::copy(bytes.begin(), bytes.end(), entry->GetBuffer(static_cast<std::uint32_t>(bytes.size())));
+  SetBytes(*entry, bytes);
   data.SetProfileDataEntry(entry, route);
   return entry;
 }
@@ -52,10 +52,6 @@ void AddFrame(CProfileData& data, std::uint32_t route = 4) {
       Add(data, 10, IccFile({{"desc", DescriptionTag("old")}, {"wtpt", Bytes(20, 1)}}), route);
   entry->SetComplete(true);
   entry->SetLabelString("icc");
-}
-
-Bytes BufferOf(CProfileDataEntry* entry) {
-  return Bytes(entry->GetRefBuffer(), entry->GetRefBuffer() + entry->GetSize());
 }
 
 std::vector<std::uint32_t> TypesOn(CProfileData& data, std::uint32_t route) {
@@ -143,6 +139,15 @@ TEST(Qpf, FieldsThatHaveAnotherSource) {
   EXPECT_EQ(std::u16string(info.Binary.StoredRevisionCode), u"FFFF");
   EXPECT_EQ(info.UpdateTime.wYear, 0) << "a time that cannot be broken down";
 
+  // Numbers of the printer are signed, and cut to their fields.
+  Bytes block = With(With(With(HeaderBlock(0), 12, static_cast<std::uint32_t>(-5)), 16, ~0u), 20, 123);
+  CNvxMemFile stream(block.data(), static_cast<std::uint32_t>(block.size()));
+  CProfileData odd;
+  ASSERT_TRUE(Format().LoadHeader(stream, &odd));
+  EXPECT_EQ(std::u16string(odd.GetProfileInfo()->ModelCode), u"-005");
+  EXPECT_EQ(std::u16string(odd.GetProfileInfo()->ModelSubCode), u"-1");
+  EXPECT_EQ(std::u16string(odd.GetProfileInfo()->InternalCode), u"12");
+
   // A record that held text must not be taken for pointers.
   CProfileData text;
   std::memset(&text.GetProfileInfo()->Text, 'x', sizeof text.GetProfileInfo()->Text);
@@ -164,6 +169,7 @@ TEST(Qpf, SavesTheSameBytesAgain) {
   EXPECT_TRUE(data.GetProfileInfo()->HasOutputBlock);
   CICCProfile inner;
   CProfileDataEntry* const icc = data.GetProfileDataEntry(4, 10);
+  EXPECT_EQ(icc->GetPayloadState(), nvx::PayloadState::kWhole);
   ASSERT_TRUE(inner.OpenBuffer(icc->GetRefBuffer(), icc->GetSize(), false));
   for (const char* const tag : kPrivateTags) EXPECT_FALSE(inner.IsTagPresent(tag)) << tag;
 
@@ -302,15 +308,22 @@ TEST(Qpf, LaterTagsBecomeOneEntryEach) {
                                           {"NVX6", RouteTag({4})},
                                           {"NVX7", RouteTag(special)}}),
                    data));
-  EXPECT_EQ(BufferOf(data.GetProfileDataEntry(256, 18)), Bytes({7}));
-  EXPECT_EQ(BufferOf(data.GetProfileDataEntry(512, 19)), Bytes({1, 2, 3})) << "does not parse, stays";
-  EXPECT_EQ(BufferOf(data.GetProfileDataEntry(8, 27)), MaskStream(3));
-  EXPECT_EQ(BufferOf(data.GetProfileDataEntry(1024, 28)), Bytes({4}));
+  EXPECT_EQ(BytesOf(*data.GetProfileDataEntry(256, 18)), Bytes({7}));
+  EXPECT_EQ(BytesOf(*data.GetProfileDataEntry(512, 19)), Bytes({1, 2, 3})) << "does not parse, stays";
+  EXPECT_EQ(BytesOf(*data.GetProfileDataEntry(8, 27)), MaskStream(3));
+  EXPECT_EQ(BytesOf(*data.GetProfileDataEntry(1024, 28)), Bytes({4}));
   EXPECT_TRUE(data.GetProfileDataEntry(2048, 30)->IsComplete());
   const _tagDeviceProfileInfo& info = *data.GetProfileInfo();
   EXPECT_TRUE(info.HasMaskDownload && info.HasLargeParameter && info.HasSpecialColor);
   EXPECT_FALSE(info.HasOutputBlock);
   EXPECT_EQ(info.SeparateWayCode, 3) << "special colours of type 1";
+
+  for (const std::uint32_t flag : {0u, nvx::kSaveReplaceProfile, nvx::kSaveCalibration}) {
+    const auto some = Save(data, flag);
+    ASSERT_TRUE(some);
+    EXPECT_EQ(QpfReader(*some).Has("NVX3"), flag == nvx::kSaveReplaceProfile);
+    EXPECT_EQ(QpfReader(*some).Has("NVX4"), flag == nvx::kSaveCalibration);
+  }
 
   // One block of type 5 is the other class, whatever follows; too short a tag is the first.
   CProfileData patterns;
@@ -348,9 +361,9 @@ TEST(Qpf, CurvesBecome16BitAndWhatDoesNotParseStays) {
   auto* const parsed = dynamic_cast<CProfileCurveEntry*>(data.GetProfileDataEntry(4, 6));
   EXPECT_EQ(parsed->GetCurveData()->GetCurveDataSizeType(), 2u);
   EXPECT_EQ(parsed->GetCurveData()->FindInkIDEntry(1)->GetDataType(), 2u);
-  EXPECT_EQ(BufferOf(parsed), CurveSet(2, {1, 2, 3, 4}));
-  EXPECT_EQ(BufferOf(data.GetProfileDataEntry(4, 7)), cut);
-  EXPECT_EQ(BufferOf(data.GetProfileDataEntry(4, 5)), Bytes({9}));
+  EXPECT_EQ(BytesOf(*parsed), CurveSet(2, {1, 2, 3, 4}));
+  EXPECT_EQ(BytesOf(*data.GetProfileDataEntry(4, 7)), cut);
+  EXPECT_EQ(BytesOf(*data.GetProfileDataEntry(4, 5)), Bytes({9}));
 }
 
 TEST(Qpf, AnEntryMayStandTwiceAndTheIccEntryElsewhereToo) {
@@ -360,13 +373,13 @@ TEST(Qpf, AnEntryMayStandTwiceAndTheIccEntryElsewhereToo) {
   ASSERT_TRUE(Load(File({{6, 6, curves}, Placeholder(), {6, 6, {5}}, {10, 3, {6}}}), data));
   EXPECT_THAT(TypesOn(data, 4), ElementsAre(6, 10, 6, 10));
   data.SetProfileDataEntry(data.GetProfileDataEntryFromList(10), 1);  // gives the same entry a second route
-  const Bytes bytes = BufferOf(data.GetProfileDataEntryFromList(10));
+  const Bytes bytes = BytesOf(*data.GetProfileDataEntryFromList(10));
   const auto saved = Save(data);
   ASSERT_TRUE(saved);
   EXPECT_EQ(QpfReader(*saved).Tag("NVX1"), EntryTag({{6, 6, curves}, {6, 6, curves}, Placeholder()}, {3, 720, 1440}));
   EXPECT_THAT(TypesOn(data, 4), ElementsAre(6, 6, 10));
   EXPECT_THAT(TypesOn(data, 1), ElementsAre(10));
-  EXPECT_EQ(BufferOf(data.GetProfileDataEntryFromList(10)), bytes);
+  EXPECT_EQ(BytesOf(*data.GetProfileDataEntryFromList(10)), bytes);
 }
 
 TEST(Qpf, RefusesPrivateTagsCutAtEveryLength) {

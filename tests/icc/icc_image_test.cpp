@@ -228,19 +228,74 @@ Bytes RandomProfile(std::mt19937& random, std::uint32_t tagCount) {
   return Patched(IccBytes(parts, data), 84, below(2));
 }
 
+// Reads run forwards, whatever the places of the tags; only a profile that is taken whole starts anew.
+class ForwardStream : public CNvxMemFile {
+ public:
+  explicit ForwardStream(Bytes& bytes, std::uint32_t readable = ~0u)
+      : CNvxMemFile(bytes.data(), static_cast<std::uint32_t>(bytes.size())), readable_(readable) {}
+
+  std::uint32_t Read(void* buffer, std::uint32_t count) override {
+    EXPECT_TRUE(Position == 0 || Position >= end_) << "a byte is read twice, or behind a later one";
+    const std::uint32_t done = Position + count <= readable_ ? CNvxMemFile::Read(buffer, count) : 0;
+    end_ = Position;
+    return done;
+  }
+
+ private:
+  std::uint32_t readable_;
+  std::uint32_t end_ = 0;
+};
+
+TEST(IccImage, BytesThatCannotBeReadAreToldAsSuch) {
+  Bytes bytes = IccWithTags({"aaaa", "bbbb"});
+  const std::uint32_t wanted[] = {Signature("bbbb")};
+  const auto size = static_cast<std::uint32_t>(bytes.size());
+  for (const std::size_t count : {0, 1}) {
+    const auto apart = std::span<const std::uint32_t>(wanted).first(count);
+    ForwardStream good(bytes, size);
+    EXPECT_NE(IccImage::Open(good, apart), nullptr);
+    ForwardStream bad(bytes, size - 1);
+    Diagnosis diagnosis;
+    bad.SetDiagnosis(&diagnosis);
+    EXPECT_EQ(IccImage::Open(bad, apart), nullptr);
+    ASSERT_EQ(diagnosis.Findings().size(), 1u);
+    EXPECT_EQ(diagnosis.Findings()[0].rule, "ICC profile: unreadable");
+  }
+}
+
+// Whether the bytes of a tag are named by no other tag.
+bool StandsAlone(const IccImage& image, std::uint32_t signature) {
+  const auto range = [&](std::uint32_t tag) {
+    const std::uint64_t start = image.OpenedOffset(tag);
+    return std::pair(start, start + image.Tag(tag)->size());
+  };
+  const auto [start, end] = range(signature);
+  for (const std::uint32_t other : image.Signatures()) {
+    const auto [otherStart, otherEnd] = range(other);
+    if (other != signature && otherStart != otherEnd && start < otherEnd && otherStart < end) return false;
+  }
+  return true;
+}
+
 TEST(IccImage, TagsThatAreOpenedApartLeaveTheSameImage) {
   std::mt19937 random(11);
   const std::uint32_t wanted[] = {Signature("bbbb"), Signature("dddd"), Signature("gggg")};
   for (int round = 0; round < 2000; ++round) {
     Bytes bytes = RandomProfile(random, 1 + static_cast<std::uint32_t>(random() % 6));
     const auto whole = IccImage::Open(bytes);
-    CNvxMemFile stream(bytes.data(), static_cast<std::uint32_t>(bytes.size()));
+    ForwardStream stream(bytes);
     const auto apart = IccImage::Open(stream, wanted);
     ASSERT_EQ(whole == nullptr, apart == nullptr);
     if (!whole) continue;
     for (const std::uint32_t signature : {Signature("aaaa"), Signature("bbbb"), Signature("dddd"), Signature("ffff")}) {
       EXPECT_EQ(TagText(*apart, signature), TagText(*whole, signature));
       EXPECT_EQ(apart->OpenedOffset(signature), whole->OpenedOffset(signature));
+    }
+    for (const std::uint32_t signature : wanted) {
+      const auto tag = apart->Tag(signature);
+      if (!tag || tag->empty()) continue;
+      EXPECT_EQ(apart->ShareTag(signature).Data() == tag->data(), StandsAlone(*whole, signature))
+          << "has its own block";
     }
     for (const std::uint32_t signature : wanted) {
       const auto taken = apart->ShareTag(signature);

@@ -4,7 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include <sstream>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace nvx::test {
 namespace {
@@ -32,6 +35,33 @@ TEST(Locale, LanguageAndCodePage) {
     EXPECT_EQ(PrimaryLanguage(), item.language) << item.locale;
     EXPECT_EQ(AnsiCodePage(), item.page) << item.locale;
   }
+}
+
+// The published primary language numbers: codes whose numbers follow each other, from the first one's on.
+TEST(Locale, LanguagesHaveTheirNumbers) {
+  const std::pair<std::uint16_t, const char*> kRuns[] = {
+      {1,
+       "ar bg ca zh cs da de el en es fi fr he hu is it ja ko nl nb pl pt rm ro ru hr sk sq sv th tr ur id uk be sl "
+       "et lv lt tg fa vi hy az eu"},
+      {13, "iw"},
+      {20, "nn"},
+      {20, "no"},
+      {26, "sr"},
+      {26, "bs"},
+      {47, "mk"},
+      {54, "af ka fo hi mt"},
+      {62, "ms kk ky sw"},
+      {67, "uz"},
+      {69, "bn pa gu"},
+      {73, "ta te kn"},
+      {78, "mr"},
+      {80, "mn"},
+      {82, "cy"}};
+  for (auto [number, codes] : kRuns) {
+    std::istringstream words(codes);
+    for (std::string code; words >> code; ++number) EXPECT_EQ(platform::LanguageNumber(code + "_XX"), number) << code;
+  }
+  EXPECT_EQ(platform::LanguageNumber("xx"), std::nullopt);
 }
 
 TEST(Locale, FirstVariableThatIsSetDecides) {
@@ -85,21 +115,24 @@ TEST(Locale, NoByteIsLost) {
   const struct {
     std::uint32_t page;
     std::string_view controls;  // bytes that stand for the control of the same number
-    std::string_view privates;  // bytes that stand for private characters
+    std::string_view privates;  // bytes that stand for private characters, which follow each other
+    char16_t firstPrivate = 0;
   } kPages[] = {
-      {874, "\x81\x82\x83\x84\x86\x90\x98\x9F", "\xDB\xDC\xDD\xDE\xFC\xFD\xFE\xFF"},
-      {932, "\x80", "\xA0\xFD\xFE\xFF"},
-      {936, "", "\xFF"},
-      {949, "\x80", "\xFF"},
-      {950, "\x80", "\xFF"},
+      {857, "", "\xD5\xE7\xF2", 0xF8BB},
+      {864, "", "\xA6\xA7\xFF", 0xF8BE},
+      {874, "\x81\x82\x83\x84\x86\x90\x98\x9F", "\xDB\xDC\xDD\xDE\xFC\xFD\xFE\xFF", 0xF8C1},
+      {932, "\x80", "\xA0\xFD\xFE\xFF", 0xF8F0},
+      {936, "", "\xFF", 0xF8F5},
+      {949, "\x80", "\xFF", 0xF8F7},
+      {950, "\x80", "\xFF", 0xF8F8},
       {1250, "\x81\x83\x88\x90\x98", ""},
       {1251, "\x98", ""},
       {1252, "\x81\x8D\x8F\x90\x9D", ""},
-      {1253, "\x81\x88\x8A\x8C\x8D\x8E\x8F\x90\x98\x9A\x9C\x9D\x9E\x9F", "\xAA\xD2\xFF"},
+      {1253, "\x81\x88\x8A\x8C\x8D\x8E\x8F\x90\x98\x9A\x9C\x9D\x9E\x9F", "\xAA\xD2\xFF", 0xF8F9},
       {1254, "\x81\x8D\x8E\x8F\x90\x9D\x9E", ""},
-      {1255, "\x81\x8A\x8C\x8D\x8E\x8F\x90\x9A\x9C\x9D\x9E\x9F", "\xD9\xDA\xDB\xDC\xDD\xDE\xDF\xFB\xFC\xFF"},
+      {1255, "\x81\x8A\x8C\x8D\x8E\x8F\x90\x9A\x9C\x9D\x9E\x9F", "\xD9\xDA\xDB\xDC\xDD\xDE\xDF\xFB\xFC\xFF", 0xF88D},
       {1256, "", ""},
-      {1257, "\x81\x83\x88\x8A\x8C\x90\x98\x9A\x9C\x9F", "\xA1\xA5"},
+      {1257, "\x81\x83\x88\x8A\x8C\x90\x98\x9A\x9C\x9F", "\xA1\xA5", 0xF8FC},
       {1258, "\x81\x8A\x8D\x8E\x8F\x90\x9A\x9D\x9E", ""},
   };
   for (const auto& item : kPages) {
@@ -111,7 +144,11 @@ TEST(Locale, NoByteIsLost) {
       ASSERT_EQ(wide.size(), 1u) << item.page << ' ' << value;
       EXPECT_EQ(WideToAnsi(wide), std::string(1, byte)) << item.page << ' ' << value;
       const bool isPrivate = wide[0] >= 0xE000 && wide[0] < 0xF900;
-      EXPECT_EQ(isPrivate, item.privates.find(byte) != item.privates.npos) << item.page << ' ' << value;
+      const std::size_t index = item.privates.find(byte);
+      ASSERT_EQ(isPrivate, index != item.privates.npos) << item.page << ' ' << value;
+      if (isPrivate) {
+        EXPECT_EQ(wide[0], item.firstPrivate + index) << item.page << ' ' << value;
+      }
       const bool isControl = wide[0] >= 0x80 && wide[0] < 0xA0;
       if (item.controls.find(byte) != item.controls.npos) {
         EXPECT_EQ(wide[0], value) << item.page;
@@ -122,6 +159,30 @@ TEST(Locale, NoByteIsLost) {
   }
   const ScopedVariable euro("NVXPROFILE_CODEPAGE", "936");
   EXPECT_EQ(AnsiToWide("\x80"), u"€");
+}
+
+// The areas of pairs for characters of the user's own leave no gap in the private characters.
+TEST(Locale, AreasOfTheUserComeBack) {
+  const struct {
+    std::uint32_t page;
+    char16_t last;
+    std::vector<std::pair<std::string, char16_t>> starts;
+  } kPages[] = {
+      {936, 0xE864, {{"\xAA\xA1", 0xE000}, {"\xF8\xA1", 0xE234}, {"\xA1\x40", 0xE4C6}}},
+      {949, 0xE0BB, {{"\xC9\xA1", 0xE000}, {"\xFE\xA1", 0xE05E}}},
+      {950, 0xF6B0, {{"\xFA\x40", 0xE000}, {"\x8E\x40", 0xE311}, {"\x81\x40", 0xEEB8}}},
+  };
+  for (const auto& item : kPages) {
+    const ScopedVariable page("NVXPROFILE_CODEPAGE", std::to_string(item.page));
+    std::u16string all;
+    for (char16_t character = 0xE000; character <= item.last; ++character) all += character;
+    const std::string narrow = WideToAnsi(all);
+    EXPECT_EQ(narrow.size(), 2 * all.size()) << item.page;
+    EXPECT_EQ(AnsiToWide(narrow), all) << item.page;
+    for (const auto& [bytes, character] : item.starts) {
+      EXPECT_EQ(AnsiToWide(bytes), std::u16string(1, character)) << item.page;
+    }
+  }
 }
 
 TEST(Locale, CutsBetweenCharacters) {

@@ -39,6 +39,9 @@ struct EntryBytes {
   std::uint32_t usedType;
   std::uint32_t formatType;
   Bytes bytes;
+  std::uint32_t complete = 1;
+  std::uint32_t optionInfo = 0;
+  std::string label = {};
 };
 
 // An entry-table container of these entries.
@@ -48,7 +51,8 @@ inline Bytes ContainerOf(const std::vector<EntryBytes>& entries, std::uint32_t r
   file.U32(static_cast<std::uint32_t>(entries.size()), 0);
   for (const EntryBytes& entry : entries) {
     file.Text("IHEP").U32(292, entry.usedType, entry.formatType);
-    file.U32(static_cast<std::uint32_t>(entry.bytes.size() + 4), 1, 0).Zero(264);
+    file.U32(static_cast<std::uint32_t>(entry.bytes.size() + 4), entry.complete, entry.optionInfo);
+    file.Text(entry.label, 264);
   }
   for (const EntryBytes& entry : entries) file.Text("SDEP").Append(entry.bytes);
   return file;
@@ -59,6 +63,13 @@ inline bool InitFromEntries(CProfileAccess& access, const std::vector<EntryBytes
   WriteBytes(folder.File("profile.qct"), ContainerOf(entries, route));
   CError error;
   return access.Init(folder.WideFile("profile.qct").c_str(), &error);
+}
+
+// That a query failed for this reason, 0 for one without a word.
+inline void ExpectError(const CError& error, std::uint32_t reason, std::u16string_view comment) {
+  EXPECT_EQ(error.GetErrorReason(), reason);
+  EXPECT_EQ(error.GetSystemErrorCode(), 0u);
+  EXPECT_EQ(std::u16string_view(error.GetErrorCommentW()), comment);
 }
 
 }  // namespace nvx::test

@@ -29,27 +29,6 @@ void Add(Entry& entry, std::unique_ptr<CCurveDataEntry> curve) {
   entry.GetCurveData()->AddTail(curve.release());
 }
 
-TEST(CurveEntry, TheFactoryKnowsTheClasses) {
-  for (const std::uint32_t type : {2u, 3u, 4u, 5u, 6u, 7u, 9u, 17u}) {
-    const std::unique_ptr<CProfileDataEntry> entry(
-        CProfileDataEntry::CreateDataEntry(static_cast<CProfileDataEntry::UsedType>(type)));
-    ASSERT_NE(dynamic_cast<CProfileCurveEntry*>(entry.get()), nullptr) << type;
-    EXPECT_EQ(entry->GetUsedType(), type);
-    EXPECT_EQ(entry->GetFormatType(), 6u);
-    EXPECT_TRUE(entry->IsDisplayEnable());
-    EXPECT_FALSE(entry->BufferToData());
-    EXPECT_EQ(dynamic_cast<CCurveData*>(entry->GetFormatData())->GetCount(), 0);
-  }
-}
-
-TEST(CurveEntry, BufferAndSetConvertWithoutLoss) {
-  CLinearizationEntry entry;
-  ASSERT_TRUE(Parse(entry, TwoCurves()));
-  entry.GetCurveData()->SetUsedType(6);
-  ASSERT_TRUE(entry.DataToBuffer());
-  EXPECT_EQ(BytesOf(entry), TwoCurves());
-}
-
 TEST(CurveEntry, AFailedParseLeavesWhatCameBefore) {
   CLinearizationEntry entry;
   ASSERT_TRUE(Parse(entry, TwoCurves()));

@@ -48,6 +48,17 @@ TEST(Curve, KeepsTheLowBitsOfSamplesAndBoundsTheIndex) {
   EXPECT_EQ(value, 77u);
 }
 
+TEST(Curve, WithoutAWidthThereAreNoSamples) {
+  struct Plain : CCurveDataEntry {
+    float GetMaxBitValue() override { return 1.0f; }
+  } plain;
+  std::uint32_t value = 77;
+  EXPECT_EQ(plain.Add(5), 0u);
+  EXPECT_EQ(plain.GetCount() + plain.GetSize(), 0u);
+  EXPECT_FALSE(plain.GetAt(0, value) || plain.SetAt(0, 5));
+  EXPECT_EQ(plain.GetBuffer(4), nullptr);
+}
+
 TEST(Curve, GetBufferCountsInBytesAndClears) {
   CCurveDataEntry8 narrow;
   CCurveDataEntry16 wide;
@@ -82,6 +93,8 @@ TEST(Curve, AttributesAreCutWhereTheyAreShownAndWholeWhereTheyAreCopied) {
   EXPECT_EQ(std::string(curve.GetInkName()), std::string(255, 'x'));
   curve.SetInkName(curve.GetInkName() + 250);
   EXPECT_STREQ(curve.GetInkName(), "xxxxx");
+  curve.SetInkName("K");
+  EXPECT_STREQ(curve.GetInkName(), "K");
   curve.SetInkName(nullptr);
   EXPECT_STREQ(curve.GetInkName(), "");
   EXPECT_EQ(CCurveDataEntry::CreateCurveDataEntry(static_cast<CCurveDataEntry::typeData>(3)), nullptr);
@@ -111,9 +124,11 @@ TEST(Curve, AnOddRawByteStopsTheConversion) {
   raw.SetDataType(CCurveDataEntry::kSamples16);
   raw.SetMax(5);
   CCurveDataEntry16 target;
-  EXPECT_FALSE(raw.CopyData16BitTo16BitCurve(&target));
+  EXPECT_FALSE(raw.CopyData16BitTo16BitCurve(&target)) << "half a sample is left";
   EXPECT_THAT(SamplesOf(target), ElementsAre(0x1234));
   EXPECT_EQ(target.GetMax(), 0u);
+  EXPECT_TRUE(raw.CopyDataTo16BitCurve(&target));
+  EXPECT_THAT(SamplesOf(target), ElementsAre(0x3434, 0x1212, 0x5656));
   CCurveDataEntry8 narrow;
   EXPECT_FALSE(raw.CopyData16BitTo16BitCurve(&narrow));
   EXPECT_FALSE(raw.CopyDataTo16BitCurve(&narrow));

@@ -1,6 +1,7 @@
 #include "support/entry_bytes.h"
 #include "support/entry_forms.h"
 
+#include <nvxprofile/diagnosis.h>
 #include <nvxprofile/large_parameter.h>
 
 #include <gtest/gtest.h>
@@ -193,7 +194,7 @@ TEST(LargeParameter, RefusesToSaveWhatCannotBeReadBack) {
   EXPECT_FALSE(isSaved(std::move(strange)));
 }
 
-TEST(LargeParameter, AWrongBlockMagicSparesTheOtherTables) {
+TEST(LargeParameter, ABrokenBlockSparesTheOtherTables) {
   Bytes bytes = LargeParameterForm();
   bytes[16 + 3 * 20] = 'X';
   CLargeParameterEntry entry;
@@ -204,6 +205,11 @@ TEST(LargeParameter, AWrongBlockMagicSparesTheOtherTables) {
   EXPECT_EQ(ArrayOf(*data.Entries().At(2), 1), kParameterStore);
   EXPECT_FALSE(Parse(entry, Bytes(20, 'M')));
   EXPECT_EQ(data.GetPropertyCount(), 0) << "a form that is none still empties the list";
+
+  Diagnosis diagnosis;
+  entry.SetDiagnosis(&diagnosis);
+  EXPECT_FALSE(Parse(entry, First(LargeParameterForm(), 16 + 3 * 20 + 4 + 3)));
+  EXPECT_EQ(diagnosis.Findings().at(0).rule, "array 0: no length, the block is cut short");
 }
 
 }  // namespace

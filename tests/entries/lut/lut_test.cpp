@@ -134,9 +134,6 @@ TEST(LutData, TakesOverNodesThatAreAdded) {
 
 TEST(ChromaEntry, ReadsAndSavesItsForm) {
   CSeparateChromaEntry entry;
-  EXPECT_EQ(entry.GetUsedType(), 8u);
-  EXPECT_EQ(entry.GetFormatType(), 5u);
-  EXPECT_TRUE(entry.IsDisplayEnable());
   EXPECT_EQ(entry.GetOptionInfo(), 6u);
   ASSERT_TRUE(Parse(entry, LutForm()));
   CLutData3D& table = *entry.GetLutData();

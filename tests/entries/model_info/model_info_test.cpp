@@ -24,9 +24,6 @@ CInfoData& InfoOf(CInfoEntry& entry) { return dynamic_cast<CInfoData&>(*entry.Ge
 
 TEST(ModelEntry, ReadsARecordAndSavesItInOneStep) {
   CModelEntry entry;
-  EXPECT_EQ(entry.GetUsedType(), 1u);
-  EXPECT_EQ(entry.GetFormatType(), 2u);
-  EXPECT_FALSE(entry.IsDisplayEnable());
   EXPECT_TRUE(entry.GetModelData()->IsCmykMode());
 
   ASSERT_TRUE(Parse(entry, ModelRecord(0x00010002, 2).U32(7)));
@@ -107,9 +104,6 @@ TEST(ModelEntry, CutsNamesWithoutHarmToTheirNeighbours) {
 
 TEST(InfoEntry, ReadsARecordAndSavesItInOneStep) {
   CInfoEntry entry;
-  EXPECT_EQ(entry.GetUsedType(), 14u);
-  EXPECT_EQ(entry.GetFormatType(), 7u);
-  EXPECT_TRUE(entry.IsDisplayEnable());
   EXPECT_TRUE(entry.IsComplete());
   CInfoData& data = InfoOf(entry);
   std::uint32_t size = 0;
