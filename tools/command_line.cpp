@@ -154,6 +154,8 @@ void Command::Action(std::function<int()> action) {
 CommandLine::CommandLine(const std::string& description, const std::string& name)
     : app_(std::make_unique<CLI::App>(description, name)) {
   app_->require_subcommand(1);
+  // On Windows the parser would take a path or a place that starts with a slash for an option.
+  app_->allow_windows_style_options(false);
 }
 
 CommandLine::~CommandLine() = default;

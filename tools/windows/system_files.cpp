@@ -38,22 +38,15 @@ std::wstring NativeName(const std::string& path) {
 
 class Handle {
  public:
-  Handle() = default;
   explicit Handle(HANDLE handle) : handle_(handle) {}
   Handle(const Handle&) = delete;
   Handle& operator=(const Handle&) = delete;
-  ~Handle() { Close(); }
-
-  void Hold(HANDLE handle) {
-    Close();
-    handle_ = handle;
+  ~Handle() {
+    if (IsOpen()) ::CloseHandle(handle_);
   }
+
   bool IsOpen() const { return handle_ != INVALID_HANDLE_VALUE; }
   HANDLE Get() const { return handle_; }
-  void Close() {
-    if (IsOpen()) ::CloseHandle(handle_);
-    handle_ = INVALID_HANDLE_VALUE;
-  }
 
  private:
   HANDLE handle_ = INVALID_HANDLE_VALUE;
@@ -122,7 +115,18 @@ std::string WhyNotReadable(const std::string& path) {
   const DWORD attributes = ::GetFileAttributesW(name.c_str());
   if (attributes == INVALID_FILE_ATTRIBUTES) return ReasonOf(LastSystemError());
   if ((attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) return "is a folder";
+  WIN32_FILE_ATTRIBUTE_DATA data;
+  if (::GetFileAttributesExW(name.c_str(), GetFileExInfoStandard, &data) != FALSE && data.nFileSizeHigh != 0) {
+    return kTooLong;
+  }
   return WhyNotOpen(name, GENERIC_READ);
+}
+
+std::string WhyNotReplaced(const std::string& path) {
+  if (IsDevice(path)) return "is a device";
+  const DWORD attributes = ::GetFileAttributesW(NativeName(path).c_str());
+  const bool isFolder = attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+  return isFolder ? "is a folder" : "";
 }
 
 std::string WhyNotWritable(const std::string& path) {
@@ -146,20 +150,23 @@ std::optional<int> WriteIntoStream(const std::string& path, std::span<const std:
 // The library opens it by its name, so that it has one.
 struct TemporaryFile::State {
   std::string path;
-  Handle file;
+  HANDLE file = INVALID_HANDLE_VALUE;
   int error = 0;
+
+  bool IsOpen() const { return file != INVALID_HANDLE_VALUE; }
+  void Close() {
+    if (IsOpen()) ::CloseHandle(file);
+    file = INVALID_HANDLE_VALUE;
+  }
 };
 
 TemporaryFile::TemporaryFile() : state_(std::make_unique<State>()) {
   const std::string folder = TemporaryFolder();
   for (unsigned i = 0; i < kTries; ++i) {
     state_->path = OwnName(folder, i);
-    const HANDLE file = ::CreateFileW(NativeName(state_->path).c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr,
-                                      CREATE_NEW, FILE_ATTRIBUTE_TEMPORARY, nullptr);
-    if (file != INVALID_HANDLE_VALUE) {
-      state_->file.Hold(file);
-      return;
-    }
+    state_->file = ::CreateFileW(NativeName(state_->path).c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, CREATE_NEW,
+                                 FILE_ATTRIBUTE_TEMPORARY, nullptr);
+    if (state_->IsOpen()) return;
     state_->error = LastSystemError();
     if (state_->error != ERROR_FILE_EXISTS && state_->error != ERROR_ALREADY_EXISTS) break;
   }
@@ -167,16 +174,16 @@ TemporaryFile::TemporaryFile() : state_(std::make_unique<State>()) {
 }
 
 TemporaryFile::~TemporaryFile() {
-  state_->file.Close();
+  state_->Close();
   if (!state_->path.empty()) ::DeleteFileW(NativeName(state_->path).c_str());
 }
 
 int TemporaryFile::Append(std::span<const std::uint8_t> bytes) {
-  return state_->file.IsOpen() ? WriteAll(state_->file.Get(), bytes) : state_->error;
+  return state_->IsOpen() ? WriteAll(state_->file, bytes) : state_->error;
 }
 
 std::u16string TemporaryFile::Path() {
-  state_->file.Close();
+  state_->Close();
   return PathToWide(state_->path);
 }
 
