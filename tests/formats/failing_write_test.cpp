@@ -1,13 +1,20 @@
 // A save that cannot write all of its bytes says so, wherever it is cut off, and a file that it was to replace stays.
+#include "support/entry_bytes.h"
+#include "support/entry_forms.h"
 #include "support/environment.h"
-#include "support/files.h"
 #include "support/legacy_profile.h"
 #include "support/random_model.h"
 
+#include <nvxprofile/curve_entry.h>
+#include <nvxprofile/large_parameter.h>
+#include <nvxprofile/lut.h>
+#include <nvxprofile/mask_download.h>
+#include <nvxprofile/media_property.h>
 #include <nvxprofile/profile_file.h>
 #include <nvxprofile/profile_file_icc.h>
 #include <nvxprofile/profile_file_qpf.h>
 #include <nvxprofile/profile_file_text.h>
+#include <nvxprofile/special_color.h>
 
 #include <gtest/gtest.h>
 
@@ -106,6 +113,38 @@ TEST_P(FailingWrite, LeavesTheFileThatWasToBeReplaced) {
   const ScopedFileSizeLimit exact(saved.size());
   EXPECT_TRUE(Save(folder.WideFile("p")));
   EXPECT_EQ(ReadBytes(path), saved);
+}
+
+// Each form by itself, and a stream that holds all but its last bytes.
+template <class File, class Data>
+void ExpectSavedWholeOrNotAtAll(Data* data) {
+  CNvxMemFile whole;
+  ASSERT_TRUE(File().SaveFile(whole, data));
+  const std::uint32_t size = whole.Position;
+  std::free(whole.Buffer);
+  for (std::uint32_t room = 0; room < size; ++room) {
+    FullStream full(room);
+    ASSERT_FALSE(File().SaveFile(full, data)) << room << " of " << size;
+  }
+}
+
+TEST(FailingForm, IsSavedWholeOrNotAtAll) {
+  CLinearizationEntry curves;
+  CMediaPropertyEntry media;
+  CSpecialColorInfoEntry colors;
+  CLargeParameterEntry parameters;
+  CSeparateChromaEntry chroma;
+  CMaskDownloadIncludePatternEntry masks;
+  ASSERT_TRUE(Parse(curves, TwoCurves()) && Parse(media, MediaForm({{1, 1, {3}}, {7, 16, {4}}})));
+  ASSERT_TRUE(Parse(colors, SpecialColorForm()) && Parse(parameters, LargeParameterForm()));
+  ASSERT_TRUE(Parse(chroma, LutForm()) && Parse(masks, MaskPatternsForm()));
+  ExpectSavedWholeOrNotAtAll<CCurveFile>(curves.GetCurveData());
+  ExpectSavedWholeOrNotAtAll<CMediaPropertyFile>(media.GetMediaPropertyData());
+  ExpectSavedWholeOrNotAtAll<CSpecialColorInfoFile>(colors.GetSpecialColorInfoData());
+  ExpectSavedWholeOrNotAtAll<CLargeParameterFile>(parameters.GetLargeParameterData());
+  ExpectSavedWholeOrNotAtAll<CLutFile>(chroma.GetLutData());
+  ExpectSavedWholeOrNotAtAll<CMaskParameterFile>(masks.GetMaskParameterData());
+  ExpectSavedWholeOrNotAtAll<CMaskPatternFile>(masks.GetMaskPatternData());
 }
 
 TEST(ProtectedFile, IsOpenedForReadingAlone) {
