@@ -2,7 +2,7 @@
 // one that lacks what is asked for, and of none.
 #include "core/text.h"
 #include "support/entry_bytes.h"
-#include "support/media_builder.h"
+#include "support/entry_forms.h"
 
 #include <nvxprofile/profile_access.h>
 
@@ -143,36 +143,10 @@ const Query kQueries[] = {
     {"GetMaskParamCount", Counts<&CProfileAccess::GetMaskParamCount>, {true, 1, 0}, {false, 77, 77}, kNoMasks, u"Profile:Mask DownLoad Param Count - none"},
     {"GetMaskParameter", Parameters<&CProfileAccess::GetMaskParameter>, {true, 31, 77, 77, 77, 77}, {false, 77, 77, 77, 77, 77}, kNoMasks, u"Profile:Mask DownLoad Param - none"},
     {"GetPrinterMaskParamCount", Counts<&CProfileAccess::GetPrinterMaskParamCount>, {true, 3, 0}, {false, 77, 77}, kNoMasks, u"Profile:Printer Mask Param Count - none"},
-    {"GetPrinterMaskParameter", Parameters<&CProfileAccess::GetPrinterMaskParameter>, {true, 41, 42, 43, 77, 77}, {false, 77, 77, 77, 77, 77}, kNoMasks, u"Profile:Printer Mask Param - none"},
+    {"GetPrinterMaskParameter", Parameters<&CProfileAccess::GetPrinterMaskParameter>, {true, 1, 2, 0xFFFFFFFF, 77, 77}, {false, 77, 77, 77, 77, 77}, kNoMasks, u"Profile:Printer Mask Param - none"},
     {"IsSupportWeftVersion", WeftVersion, {true}, {false}, kNoMasks},
 };
 // clang-format on
-
-ByteBuilder MaskForm(std::uint32_t count) { return ByteBuilder().U32(3, 0, count).Zero(8); }
-
-ByteBuilder& AddMaskHeader(ByteBuilder& form, std::uint32_t type, std::uint32_t values, std::uint32_t bytes) {
-  return form.Text("TFEW").U32(24, type, 4 + 4 * values + bytes, values, bytes);
-}
-
-void AddOutputBody(ByteBuilder& form) { form.Text("DFEW").U16(61).U8(62, 63).Text("output", 160); }
-
-// Blocks of types 4, 3 and 6.
-Bytes Masks() {
-  ByteBuilder form = MaskForm(3);
-  AddMaskHeader(form, 4, 3, 0);
-  AddMaskHeader(form, 3, 1, 0);
-  AddMaskHeader(form, 6, 0, 164);
-  form.Text("DFEW").U32(41, 42, 43).Text("DFEW").U32(31);
-  AddOutputBody(form);
-  return form;
-}
-
-Bytes OutputBlockAlone() {
-  ByteBuilder form = MaskForm(1);
-  AddMaskHeader(form, 6, 0, 164);
-  AddOutputBody(form);
-  return form;
-}
 
 // All blocks, from the last to the first.
 Bytes Media() {
@@ -206,12 +180,13 @@ void NumberTheRecord(_tagDeviceProfileInfo& info) {
 
 TEST(Queries, EachAnswersFromItsOwnField) {
   CProfileAccess access;
-  ASSERT_TRUE(InitFromEntries(access, {{16, 8, Media()}, {27, 12, Masks()}}));
+  constexpr std::size_t kOutput = 120;  // where the block of the output starts
+  const Bytes masks = With(MaskDownloadForm(31), kOutput, 61 | 62 << 16 | 63 << 24);
+  ASSERT_TRUE(InitFromEntries(access, {{16, 8, Media()}, {27, 12, masks}}));
   // What the load takes over from the entries.
   _tagDeviceProfileInfo& info = *access.GetProfileInfo();
   EXPECT_EQ((Answer{info.WaveFormParam, info.OutputFourthValue, info.OutputCodeA, info.OutputCodeB}),
             (Answer{-500, 61, 62, 63}));
-  EXPECT_EQ(std::u16string(info.OutputText), u"output");
   NumberTheRecord(info);
   for (const Query& query : kQueries) {
     CError error;
@@ -224,7 +199,8 @@ TEST(Queries, EachAnswersFromItsOwnField) {
 TEST(Queries, FailuresLeaveStartValuesAndAMessage) {
   CProfileAccess none, withoutEntries, withoutBlocks;
   ASSERT_TRUE(InitFromEntries(withoutEntries, {{14, 7, {}}}));
-  ASSERT_TRUE(InitFromEntries(withoutBlocks, {{16, 8, MediaForm({{12, 1, {1}}})}, {27, 12, OutputBlockAlone()}}));
+  ASSERT_TRUE(
+      InitFromEntries(withoutBlocks, {{16, 8, MediaForm({{12, 1, {1}}})}, {27, 12, MaskStreamHeader(3, 0, 0)}}));
   EXPECT_EQ(withoutBlocks.GetProfileInfo()->WaveFormParam, 0);
   for (const Query& query : kQueries) {
     SCOPED_TRACE(query.name);

@@ -1,8 +1,8 @@
 // What a true result must not hide, and what a false one must leave alone: one test for each way in which bytes were
 // once lost.
 #include "core/replacing_file.h"
-#include "support/curve_builder.h"
 #include "support/entry_bytes.h"
+#include "support/entry_forms.h"
 #include "support/environment.h"
 #include "support/qpf_builder.h"
 
@@ -37,17 +37,11 @@ Bytes DamagedCurves() {
 
 TEST(PayloadState, WhatAReaderPassesOverStaysInTheBuffer) {
   CMaskDownloadIncludePatternEntry entry;
-  const Bytes form = ByteBuilder()
-                         .U32(2, 0, 1, 0, 0)
-                         .Text("TFEW")
-                         .U32(24, 5, 124, 0, 2)
+  const Bytes form = MaskStreamHeader(2, 0, 1)
+                         .Append(MaskBlockHeader(5, 124, 0, 2))
                          .Text("DFEW")
-                         .Text("HPPM")
-                         .U32(40, 1, 0, 0)
-                         .Zero(20)
-                         .Text("HTPM")
-                         .U32(40, 1, 0, 1)
-                         .Zero(20)
+                         .Append(MaskTableHeader("HPPM", 0))
+                         .Append(MaskTableHeader("HTPM", 1))
                          .Text("XXXX")
                          .Zero(36);
   ASSERT_TRUE(Parse(entry, form));
@@ -71,18 +65,12 @@ TEST(PayloadState, CopyHandsOnNoOldBytes) {
 
 // A form with one calibration that holds one linearization.
 Bytes CalibrationForm(const Bytes& curves) {
-  const auto form = [](std::uint32_t count) { return ByteBuilder().Text("ILAC").U32(20, 0x00010000, count, 0); };
-  const auto header = [](std::uint32_t type, std::uint32_t format, std::size_t size) {
-    return ByteBuilder().Text("HEAC").U32(88, static_cast<std::uint32_t>(size + 4), type, format, 1).Zero(64);
-  };
-  const Bytes calibration = form(1).Append(header(24, 6, curves.size())).Text("DEAC").Append(curves);
-  return form(2)
-      .Append(header(21, 9, 8))
-      .Append(header(20, 10, calibration.size()))
-      .Text("DEAC")
-      .U64(5)
-      .Text("DEAC")
-      .Append(calibration);
+  ByteBuilder calibration = CalibrationFileHeader(1);
+  AddHeader(calibration, {static_cast<std::uint32_t>(curves.size()), 24, 6, 1}).Text("DEAC").Append(curves);
+  ByteBuilder form = CalibrationFileHeader(2);
+  AddHeader(form, {8, 21, 9, 1});
+  AddHeader(form, {static_cast<std::uint32_t>(calibration.Size()), 20, 10, 1});
+  return form.Text("DEAC").U64(5).Text("DEAC").Append(calibration);
 }
 
 NewCalibration Named(std::u16string_view name) {
@@ -186,16 +174,9 @@ TEST(Calibrations, TreesThatMoveBetweenLevelsLoseNothing) {
 TEST(Calibrations, ContainersThatAreTooDeepKeepTheirBytes) {
   Bytes form(8, 3);
   for (int i = 0; i < 12; ++i) {
-    const std::uint32_t size = static_cast<std::uint32_t>(form.size() + 4);
-    const std::uint32_t type = i == 0 ? 21 : 20;
-    form = ByteBuilder()
-               .Text("ILAC")
-               .U32(20, 0x00010000, 1, 0)
-               .Text("HEAC")
-               .U32(88, size, type, i == 0 ? 9 : 10, 1)
-               .Zero(64)
-               .Text("DEAC")
-               .Append(form);
+    ByteBuilder outer = CalibrationFileHeader(1);
+    AddHeader(outer, {static_cast<std::uint32_t>(form.size()), i == 0 ? 21u : 20u, i == 0 ? 9u : 10u, 1});
+    form = outer.Text("DEAC").Append(form);
   }
   CCalibrationHistoryEntry history;
   ASSERT_TRUE(Parse(history, form));
