@@ -340,9 +340,9 @@ TEST(Qpf, LaterTagsBecomeOneEntryEach) {
   ASSERT_TRUE(saved);
   EXPECT_EQ(QpfReader(*saved).Body("NVX3"), Bytes({7, 8, 9, 0}));
 
-  // And one without bytes has no tag, so that the file loads.
+  // And one without bytes has no tag, whatever stood in the frame, so that the file loads.
   CProfileData empty;
-  AddFrame(empty);
+  Add(empty, 10, IccFile({{"NVX3", RouteTag({1})}, {"wtpt", Bytes(20, 1)}}));
   Add(empty, 18, {}, 256);
   Add(empty, 28, {}, 1024);
   empty.GetProfileInfo()->HasLargeParameter = true;
