@@ -16,7 +16,7 @@ class Console {
   ~Console();
 
  private:
-  unsigned codePage_ = 0;  // that the console had before
+  [[maybe_unused]] unsigned codePage_ = 0;  // that the console of Windows had before
 };
 
 // The arguments as UTF-8 on Windows, as bytes elsewhere; the program's name first. Throws std::runtime_error for one

@@ -105,12 +105,12 @@ class NVX_EXPORT CCurveDataEntry : public CDataEntryObject {
   void SetInkName(const char* name);
 
  protected:
-  explicit CCurveDataEntry(typeData type) : dataType_(type) { inkName_[0] = 0; }
+  explicit CCurveDataEntry(typeData type) : dataType_(type) {}
 
  private:
   friend class nvx::CurveSetRefill;
 
-  char inkName_[kInkNameLength];  // nobody looks behind its end, and a load makes thousands
+  char inkName_[kInkNameLength] = {};
   std::uint32_t max_ = 0;
   std::uint32_t min_ = 0;
   std::uint32_t inkId_ = 0;

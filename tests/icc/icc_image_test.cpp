@@ -250,7 +250,7 @@ TEST(IccImage, BytesThatCannotBeReadAreToldAsSuch) {
   Bytes bytes = IccWithTags({"aaaa", "bbbb"});
   const std::uint32_t wanted[] = {Signature("bbbb")};
   const auto size = static_cast<std::uint32_t>(bytes.size());
-  for (const std::size_t count : {0, 1}) {
+  for (const std::size_t count : {std::size_t{0}, std::size_t{1}}) {
     const auto apart = std::span<const std::uint32_t>(wanted).first(count);
     ForwardStream good(bytes, size);
     EXPECT_NE(IccImage::Open(good, apart), nullptr);

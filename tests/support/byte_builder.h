@@ -11,9 +11,9 @@ namespace nvx::test {
 class ByteBuilder {
  public:
   // One number after another.
-  ByteBuilder& U8(std::uint32_t value, auto... more) { return Words(1, value, more...); }
-  ByteBuilder& U16(std::uint32_t value, auto... more) { return Words(2, value, more...); }
-  ByteBuilder& U32(std::uint32_t value, auto... more) { return Words(4, value, more...); }
+  ByteBuilder& U8(std::uint32_t value, auto... more) { return Words(1, value, static_cast<std::uint32_t>(more)...); }
+  ByteBuilder& U16(std::uint32_t value, auto... more) { return Words(2, value, static_cast<std::uint32_t>(more)...); }
+  ByteBuilder& U32(std::uint32_t value, auto... more) { return Words(4, value, static_cast<std::uint32_t>(more)...); }
   ByteBuilder& I32(std::int32_t value, auto... more) {
     U32(static_cast<std::uint32_t>(value));
     if constexpr (sizeof...(more) > 0) I32(more...);

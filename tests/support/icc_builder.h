@@ -14,9 +14,9 @@ namespace nvx::test {
 // Numbers most significant byte first.
 class BigBuilder {
  public:
-  BigBuilder& U8(std::uint32_t value, auto... more) { return Big(1, value, more...); }
-  BigBuilder& U16(std::uint32_t value, auto... more) { return Big(2, value, more...); }
-  BigBuilder& U32(std::uint32_t value, auto... more) { return Big(4, value, more...); }
+  BigBuilder& U8(std::uint32_t value, auto... more) { return Big(1, value, static_cast<std::uint32_t>(more)...); }
+  BigBuilder& U16(std::uint32_t value, auto... more) { return Big(2, value, static_cast<std::uint32_t>(more)...); }
+  BigBuilder& U32(std::uint32_t value, auto... more) { return Big(4, value, static_cast<std::uint32_t>(more)...); }
   BigBuilder& Text(std::string_view text) {
     bytes_.insert(bytes_.end(), text.begin(), text.end());
     return *this;
@@ -39,7 +39,7 @@ class BigBuilder {
  private:
   BigBuilder& Big(int size, std::uint32_t value, auto... more) {
     for (int i = size - 1; i >= 0; --i) bytes_.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
-    if constexpr (sizeof...(more) > 0) Big(size, more...);
+    if constexpr (sizeof...(more) > 0) Big(size, static_cast<std::uint32_t>(more)...);
     return *this;
   }
 
