@@ -126,7 +126,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
   if (!access.Init(folder.WideFile("p").c_str(), &error)) return 0;
   std::vector<char> files[2];
   for (std::vector<char>& file : files) {
-    Check(Builds(nvx::tool::ProfileToDocument(access, ""), folder));
+    Check(Builds(nvx::tool::ProfileToDocument(access, {}), folder));
     file = BytesOf(folder.File("p"));
     Check(access.Init(folder.WideFile("p").c_str(), &error));
   }
