@@ -69,6 +69,8 @@ class ItemList {
     items_.insert(items_.begin() + static_cast<std::ptrdiff_t>(std::min(index, items_.size())), item);
   }
 
+  void Swap(const T* item, T* other) { std::replace(items_.begin(), items_.end(), const_cast<T*>(item), other); }
+
   // Null if there is none.
   T* Take(std::size_t index) {
     T* const item = At(index);
@@ -101,6 +103,8 @@ class ReferenceList : public ItemList<T> {
   void Append(T* item) { this->Put(this->Count(), item); }
   // Takes every occurrence of the item out.
   void Remove(const T* item) { std::erase(this->items_, item); }
+  // Refers to the other one wherever it refers to the item.
+  void Exchange(const T* item, T* other) { this->Swap(item, other); }
   void Clear() { this->TakeAll(); }
   void Become(std::vector<T*> items) { this->items_ = std::move(items); }
 };
@@ -134,6 +138,12 @@ class CursorList : public ItemList<T> {
     std::unique_ptr<T> taken(found != this->items_.end() ? *found : nullptr);
     std::erase(this->items_, item);
     return taken;
+  }
+
+  // Puts the other one where the item stands, which must be in the list once; gives the item.
+  std::unique_ptr<T> Exchange(T* item, std::unique_ptr<T> other) {
+    this->Swap(item, other.release());
+    return std::unique_ptr<T>(item);
   }
 
   // The list is emptied before anything is destroyed, so that a destructor that looks back finds nothing.

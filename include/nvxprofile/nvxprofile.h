@@ -25,6 +25,7 @@
 #include <nvxprofile/mask_download.h>
 #include <nvxprofile/media_property.h>
 #include <nvxprofile/model_info.h>
+#include <nvxprofile/profile.h>
 #include <nvxprofile/profile_access.h>
 #include <nvxprofile/profile_data.h>
 #include <nvxprofile/profile_edit.h>
@@ -39,4 +40,5 @@
 #include <nvxprofile/special_color.h>
 #include <nvxprofile/system_time.h>
 #include <nvxprofile/text_conversion.h>
+#include <nvxprofile/version.h>
 #include <nvxprofile/word_arrays.h>

@@ -10,6 +10,7 @@
 
 class CCurveData;
 class CLutData;
+class CNvxFile;
 
 // Owns the loaded profile, from a successful Init until the next Init or its own end. Getters hand out pointers into
 // the profile, which the caller never frees and does not write to. `error` is always a valid record; an operation fills
@@ -169,6 +170,11 @@ class NVX_EXPORT CProfileAccess {
   void* GetCalibrationGrayBalance(std::uint32_t inkColorCode, int code, int& size, int& dataType, CError* error);
 
  protected:
+  // Init from an open stream.
+  bool Load(CNvxFile& file, CError* error);
+  // Answers for a profile that was made or loaded elsewhere, of that format number.
+  void Serve(std::unique_ptr<CProfileData> profile, int format);
+
   // Completes the information record with what only the entries know; runs after each load.
   void SetupProfileInfoStructure();
 

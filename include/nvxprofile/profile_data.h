@@ -52,6 +52,8 @@ class NVX_EXPORT CProfileRoute {
   bool IsExistEntry(CProfileDataEntry* entry) const;
   // Removes every occurrence of the first entry of that type and returns it; null if none.
   CProfileDataEntry* RemoveEntry(std::uint32_t usedType);
+  // Refers to another entry wherever it refers to this one.
+  void Exchange(const CProfileDataEntry* entry, CProfileDataEntry* other) { entries_.Exchange(entry, other); }
   // Refers to these entries in the place of its own.
   void SetEntries(std::vector<CProfileDataEntry*> entries) { entries_.Become(std::move(entries)); }
 
@@ -93,6 +95,10 @@ class NVX_EXPORT CProfileData {
   // Takes an entry off a route; an emptied route goes. Null if there is no such route or entry. The caller owns the
   // result, unless it stands on another route and so stays in the profile.
   CProfileDataEntry* RemoveProfileDataEntry(std::uint32_t usedType, std::uint32_t route);
+
+  // Puts an entry in the place of the one of its type, wherever that stands, and destroys the former one. The entry
+  // comes back if there is none of its type; null if the profile has taken it over.
+  std::unique_ptr<CProfileDataEntry> ReplaceProfileDataEntry(std::unique_ptr<CProfileDataEntry> entry);
 
   // Cursors over all entries in order of arrival, and over all routes by ascending number. Nothing else moves them.
   bool GetEntryStartPos() { return entries_.Head(); }

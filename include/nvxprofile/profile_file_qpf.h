@@ -115,6 +115,7 @@ class NVX_EXPORT CProfileFileQPFv3 : public CProfileFileQCT {
   bool SaveTags(CICCProfile& profile, CProfileData* data, std::uint32_t flags);
 
   nvx::Diagnosis* diagnosis_ = nullptr;  // of the stream that is being loaded
+  bool passedOver_ = false;              // something of the entry table is not in the model
 };
 
 // The same form from version 3.5 on; the version word alone tells the two apart.

@@ -15,8 +15,10 @@ namespace {
 
 constexpr const char* kSource = "ProfileAccess";
 
-bool FailWithPath(CError* error, int line, std::u16string_view format, const char16_t* path) {
-  return nvx::Fail(error, nvx::kReasonNotFound, kSource, line, nvx::Message(format).Put(nvx::TextOf(path)));
+constexpr std::u16string_view kNoFormat = u"Profile: File Format Error (file name:%s)";
+
+bool FailWithPath(CError* error, int line, std::u16string_view format, std::u16string_view path) {
+  return nvx::Fail(error, nvx::kReasonNotFound, kSource, line, nvx::Message(format).Put(path));
 }
 
 // The bytes of the first output block of the mask download entry; null if there are none.
@@ -49,15 +51,26 @@ CProfileAccess::~CProfileAccess() = default;
 bool CProfileAccess::Init(const char16_t* path, CError* error) {
   profile_.reset();
   CNvxFile file;
-  const bool isOpen = file.Open(path, nvx::kGenericRead, nvx::kShareRead, nvx::kOpenExisting);
+  if (file.Open(path, nvx::kGenericRead, nvx::kShareRead, nvx::kOpenExisting)) return Load(file, error);
+  return FailWithPath(error, __LINE__, kNoFormat, nvx::TextOf(path));
+}
+
+bool CProfileAccess::Load(CNvxFile& file, CError* error) {
+  profile_.reset();
   auto profile = std::make_unique<CProfileData>();
-  const nvx::LoadedFormat loaded = isOpen ? nvx::LoadProfile(file, *profile) : nvx::LoadedFormat();
-  if (!loaded.format) return FailWithPath(error, __LINE__, u"Profile: File Format Error (file name:%s)", path);
-  if (!loaded.isLoaded) return FailWithPath(error, __LINE__, u"Profile: Load Error (file name:%s)", path);
-  profile_ = std::move(profile);
-  format_ = loaded.format->GetMyFormat();
-  SetupProfileInfoStructure();
+  const nvx::LoadedFormat loaded = nvx::LoadProfile(file, *profile);
+  if (!loaded.format) return FailWithPath(error, __LINE__, kNoFormat, file.GetPath());
+  if (!loaded.isLoaded) {
+    return FailWithPath(error, __LINE__, u"Profile: Load Error (file name:%s)", file.GetPath());
+  }
+  Serve(std::move(profile), loaded.format->GetMyFormat());
   return true;
+}
+
+void CProfileAccess::Serve(std::unique_ptr<CProfileData> profile, int format) {
+  profile_ = std::move(profile);
+  format_ = format;
+  SetupProfileInfoStructure();
 }
 
 void CProfileAccess::SetupProfileInfoStructure() {

@@ -90,6 +90,14 @@ CProfileDataEntry* CProfileData::RemoveProfileDataEntry(std::uint32_t usedType, 
   return elsewhere ? entry : entries_.Remove(entry).release();
 }
 
+std::unique_ptr<CProfileDataEntry> CProfileData::ReplaceProfileDataEntry(std::unique_ptr<CProfileDataEntry> entry) {
+  CProfileDataEntry* const former = entry ? GetProfileDataEntryFromList(entry->GetUsedType()) : nullptr;
+  if (former == nullptr) return entry;
+  for (const auto& item : routes_) item.second->Exchange(former, entry.get());
+  entries_.Exchange(former, std::move(entry)).reset();
+  return nullptr;
+}
+
 bool CProfileData::GetRouteStartPos() {
   routeCursor_ = routes_.begin();
   return !routes_.empty();

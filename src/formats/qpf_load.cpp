@@ -153,6 +153,7 @@ bool CProfileFileQPFv3::LoadProfile(CICCProfile& profile, CNvxFile& file, CProfi
   diagnosis_ = file.GetDiagnosis();
   const bool loaded = LoadTags(profile, data);
   diagnosis_ = nullptr;
+  if (passedOver_) file.NotePassedOver();
   const bool taken = loaded && TakeIccProfile(profile, *data);
   profile.Close();
   if (!taken) return false;
@@ -214,6 +215,7 @@ bool CProfileFileQPFv3::LoadEntries(CNvxFile& stream, CProfileData* data) {
 bool CProfileFileQPFv3::LoadNVX1Tag(CICCProfile& profile, CProfileData* data) {
   PrivateTag tag(profile, nvx::kEntryTag, diagnosis_);
   if (!tag.IsPresent() || !LoadHeader(tag.Stream(), data) || !LoadEntries(tag.Stream(), data)) return false;
+  passedOver_ = tag.Stream().HasPassedOver();
   if (const CProfileRoute* const route = data->GetProfileRoute(nvx::kRouteMain)) {
     for (CProfileDataEntry* const entry : route->Entries()) RebuildAs16Bit(*entry);
   }

@@ -1,0 +1,482 @@
+// Opening and saving, and what all changes have in common.
+#include "modern/profile_state.h"
+
+#include "core/replacing_file.h"
+#include "entries/mask/mask_download_records.h"
+#include "formats/qpf_tags.h"
+#include "formats/record_views.h"
+#include "icc/icc_directory.h"
+
+#include <nvxprofile/curve_entry.h>
+#include <nvxprofile/icc_profile.h>
+#include <nvxprofile/mask_download.h>
+#include <nvxprofile/profile_file_qpf.h>
+#include <nvxprofile/text_conversion.h>
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+#include <type_traits>
+
+namespace nvx {
+namespace {
+
+namespace fs = std::filesystem;
+
+// The paths of the standard library are bytes on a POSIX system and UTF-16 on Windows.
+template <class Unit>
+std::u16string WideOfPath(const std::basic_string<Unit>& path) {
+  if constexpr (std::is_same_v<Unit, char>) {
+    return PathToWide(path);
+  } else {
+    return std::u16string(path.begin(), path.end());
+  }
+}
+
+// A block of memory that is written and read as the file of a name.
+class NamedMemory : public CNvxMemFile {
+ public:
+  explicit NamedMemory(std::string_view name) { Attach(-1, PathToWide(name)); }
+  NamedMemory(std::span<const std::uint8_t> bytes, std::string_view name) : NamedMemory(name) {
+    Buffer = const_cast<std::uint8_t*>(bytes.data());
+    Length = static_cast<std::uint32_t>(bytes.size());
+  }
+};
+
+// The faults come before what is merely odd.
+std::vector<Finding> FaultsFirst(const Diagnosis& diagnosis) {
+  std::vector<Finding> findings = diagnosis.Findings();
+  std::stable_partition(findings.begin(), findings.end(),
+                        [](const Finding& finding) { return finding.severity == Severity::kError; });
+  return findings;
+}
+
+std::string WithPlace(const std::string& message, const std::vector<Finding>& findings) {
+  if (findings.empty()) return message;
+  const Finding& first = findings.front();
+  return message + ": " + (first.place.empty() ? "" : first.place + ": ") + first.rule;
+}
+
+// Loads what open(stream) has opened, or says why that does not work.
+std::optional<ProfileError> Load(CNvxFile& file, ModelAccess& access) {
+  CError error;
+  if (access.Load(file, &error)) return std::nullopt;
+  Diagnosis diagnosis;
+  file.SetDiagnosis(&diagnosis);
+  file.SeekToBegin();
+  ModelAccess again;
+  again.Load(file, &error);
+  return ProfileError(WideToUtf8(error.GetErrorCommentW()), FaultsFirst(diagnosis));
+}
+
+ProfileError NotOpened(const std::u16string& path) {
+  CError error;
+  Diagnosis diagnosis;
+  CProfileAccess().Init(path.c_str(), &error);
+  DiagnoseProfile(path.c_str(), diagnosis);
+  return ProfileError(WideToUtf8(error.GetErrorCommentW()), FaultsFirst(diagnosis));
+}
+
+// Throws for bytes that are no ICC profile.
+IccDirectory DirectoryOf(std::span<const std::uint8_t> bytes) {
+  Diagnosis diagnosis;
+  IccDirectory directory;
+  if (!ReadIccDirectory(bytes.data(), static_cast<std::uint32_t>(bytes.size()), directory, &diagnosis)) {
+    throw ProfileError("no ICC profile", diagnosis.Findings());
+  }
+  return directory;
+}
+
+// The profile of a file that a load would take for more than that.
+void RefusePrivateTags(std::span<const std::uint8_t> bytes) {
+  const IccDirectory directory = DirectoryOf(bytes);
+  for (const char* const tag : kPrivateTags) {
+    if (directory.Find(CICCProfile::MakeTagSignature(tag)) != nullptr) {
+      Fail(std::string("the ICC profile has the tag ") + tag + " of a printer profile");
+    }
+  }
+}
+
+std::unique_ptr<CProfileDataEntry> NewEntry(std::uint32_t usedType) {
+  const EntryType* const type = FindEntryType(usedType);
+  std::unique_ptr<CProfileDataEntry> entry(type != nullptr ? type->create() : nullptr);
+  if (!entry) Fail("no kind of entry has the number " + std::to_string(usedType));
+  entry->SetComplete(true);
+  return entry;
+}
+
+bool IsIcc(const CProfileDataEntry& entry) { return entry.GetFormatType() == CProfileDataEntry::kFormatIcc; }
+
+bool IsUnderstood(const CProfileDataEntry& entry) {
+  return IsIcc(entry) || entry.Bytes().empty() || entry.GetPayloadState() == PayloadState::kWhole ||
+         entry.GetPayloadState() == PayloadState::kEdited;
+}
+
+void CopyHeader(CProfileDataEntry& from, CProfileDataEntry& to) {
+  to.SetComplete(from.IsComplete());
+  to.SetDisplay(from.IsDisplayEnable());
+  to.SetOptionInfo(from.GetOptionInfo());
+  to.SetLabelString(from.GetLabelString());
+}
+
+// Loads count all samples of a printer profile's own curves as 16 bits.
+void CheckSampleWidth(const CProfileCurveEntry& entry) {
+  for (const CCurveDataEntry* const curve : entry.GetCurveData()->Curves()) {
+    if (curve->GetDataType() != CCurveDataEntry::kSamples16) {
+      Fail(TitleOf(entry.GetUsedType()) + ": curves of a printer profile have samples of 16 bits");
+    }
+  }
+}
+
+// --- What a save of a printer profile needs ---
+
+struct KeptRoute {
+  std::uint32_t route;
+  bool holdsMany;
+};
+constexpr KeptRoute kKeptRoutes[] = {
+    {kRouteMain, true},         {kRouteMaskDownload, false},   {kRouteReplaceProfile, false},
+    {kRouteCalibration, false}, {kRouteLargeParameter, false}, {kRouteSpecialColor, false}};
+
+void CheckRoutes(const CProfileData& model) {
+  for (const auto& [number, route] : model.Routes()) {
+    const auto* const kept = std::find_if(std::begin(kKeptRoutes), std::end(kKeptRoutes),
+                                          [n = number](const KeptRoute& item) { return item.route == n; });
+    if (kept == std::end(kKeptRoutes)) {
+      Fail("files of this format do not keep route " + std::to_string(number));
+    }
+    if (!kept->holdsMany && route->GetEntryCount() > 1) {
+      Fail("files of this format keep one entry on route " + std::to_string(number));
+    }
+  }
+}
+
+void CheckFrame(ProfileState& state) {
+  CProfileDataEntry* const icc = state.Find(EntryKind::kIcc);
+  const CProfileRoute* const route = state.Model().GetProfileRoute(kRouteMain);
+  if (icc == nullptr || route == nullptr || !route->IsExistEntry(icc)) Fail("there is no ICC profile");
+  DirectoryOf(icc->Bytes());
+}
+
+// Changes that were made through the published classes reach the buffers here.
+void RenewBuffers(CProfileData& model) {
+  for (CProfileDataEntry* const entry : model.Entries()) {
+    const bool mayBeChanged = PayloadKeeper::IsStale(*entry) && entry->GetPayloadState() != PayloadState::kUnread;
+    if (mayBeChanged && !entry->RenewBuffer()) {
+      Fail(TitleOf(entry->GetUsedType()) + ": what was changed cannot be written");
+    }
+  }
+}
+
+std::uint32_t OnlyRoute(const CProfileData& model) {
+  if (model.Routes().size() != 1) Fail("a container holds the entries of exactly one route");
+  return model.Routes().begin()->first;
+}
+
+// Everything that keeps the profile from being saved whole.
+void Prepare(ProfileState& state) {
+  if (!state.isWhole) Fail("the file held more than the profile does");
+  RenewBuffers(state.Model());
+  switch (state.access.GetProfileLoadFormat()) {
+    case kPrinterProfile:
+      CheckFrame(state);
+      CheckRoutes(state.Model());
+      state.RenewRecord();
+      state.Record().SaveVersion5 |= state.Record().ProfileMinorVersion == 5;
+      return;
+    case kContainer:
+      OnlyRoute(state.Model());
+      return;
+    case kPlainIcc:
+      if (state.Find(EntryKind::kIcc) == nullptr) Fail("there is no ICC profile");
+      return;
+    default:
+      Fail("text-headed profiles are not written here");
+  }
+}
+
+// To a stream or a path.
+template <class Target>
+bool Write(ProfileState& state, Target& target) {
+  CProfileData& model = state.Model();
+  if (state.IsPrinterProfile()) {
+    return CProfileFileQPFv3().SaveData(target, &model, kSaveReplaceProfile | kSaveCalibration);
+  }
+  return CProfileFileQCT().SaveData(target, &model, OnlyRoute(model));
+}
+
+}  // namespace
+
+ProfileError::ProfileError(const std::string& message, std::vector<Finding> findings)
+    : std::runtime_error(WithPlace(message, findings)),
+      findings_(std::make_shared<const std::vector<Finding>>(std::move(findings))) {}
+ProfileError::~ProfileError() = default;
+
+void Fail(const std::string& message) { throw ProfileError(message); }
+
+std::string TitleOf(std::uint32_t usedType) {
+  const EntryType* const type = FindEntryType(usedType);
+  return "entry " + (type != nullptr ? std::string(type->name) : std::to_string(usedType));
+}
+
+std::unique_ptr<CProfileDataEntry> EntryOf(EntryKind kind, SharedBytes bytes) {
+  std::unique_ptr<CProfileDataEntry> entry = NewEntry(static_cast<std::uint32_t>(kind));
+  PayloadKeeper::Give(*entry, std::move(bytes));
+  if (IsIcc(*entry)) {
+    DirectoryOf(entry->Bytes());
+    entry->BufferToData();
+    return entry;
+  }
+  Diagnosis diagnosis;
+  entry->SetDiagnosis(&diagnosis);
+  const bool isParsed = entry->BufferToData();
+  entry->SetDiagnosis(nullptr);
+  if (!isParsed || entry->GetPayloadState() == PayloadState::kPart) {
+    throw ProfileError(TitleOf(kind) + ": no whole form of it", FaultsFirst(diagnosis));
+  }
+  return entry;
+}
+
+std::unique_ptr<CProfileDataEntry> ProfileState::EditableCopy(EntryKind kind) {
+  CProfileDataEntry* const entry = Find(kind);
+  if (entry == nullptr) return NewEntry(static_cast<std::uint32_t>(kind));
+  if (PayloadKeeper::IsStale(*entry) && !entry->RenewBuffer()) {
+    Fail(TitleOf(kind) + ": what was changed before cannot be written");
+  }
+  std::unique_ptr<CProfileDataEntry> copy =
+      entry->Bytes().empty() ? NewEntry(entry->GetUsedType()) : EntryOf(kind, SharedBytes(entry->Bytes()));
+  CopyHeader(*entry, *copy);
+  return copy;
+}
+
+void ProfileState::Store(CProfileDataEntry& changed) {
+  const auto kind = static_cast<EntryKind>(changed.GetUsedType());
+  if (!changed.DataToBuffer()) Fail(TitleOf(kind) + ": its form cannot hold this");
+  // What nobody holds is parsed once and answers from then on.
+  std::unique_ptr<CProfileDataEntry> entry = EntryOf(kind, std::move(PayloadKeeper::BufferOf(changed)));
+  CopyHeader(changed, *entry);
+  Take(std::move(entry));
+}
+
+void ProfileState::Take(std::unique_ptr<CProfileDataEntry> entry) {
+  const EntryType& type = *FindEntryType(entry->GetUsedType());
+  const bool isFrame = type.usedType == CProfileDataEntry::kIcm && access.GetProfileLoadFormat() != kContainer;
+  if (isFrame) RefusePrivateTags(entry->Bytes());
+  if (auto* const curves = dynamic_cast<CProfileCurveEntry*>(entry.get());
+      curves != nullptr && IsPrinterProfile() && type.route == kRouteMain) {
+    CheckSampleWidth(*curves);
+  }
+  if (CProfileData& model = Model(); Find(static_cast<EntryKind>(type.usedType)) != nullptr) {
+    model.ReplaceProfileDataEntry(std::move(entry));
+  } else if (IsPrinterProfile()) {
+    if (type.route != kRouteMain && model.IsSpecifiedRoute(type.route)) {
+      Fail(TitleOf(type.usedType) + ": another entry stands where files keep it");
+    }
+    model.SetProfileDataEntry(entry.release(), type.route);
+  } else if (access.GetProfileLoadFormat() == kPlainIcc) {
+    Fail(TitleOf(type.usedType) + ": a plain ICC profile has no place for it");
+  } else {
+    model.SetProfileDataEntry(entry.release(), model.Routes().empty() ? kRouteIccRoot : model.Routes().begin()->first);
+  }
+  RenewRecord();
+}
+
+void ProfileState::RenewRecord() {
+  _tagDeviceProfileInfo& record = Record();
+  record.WaveFormParam = 0;
+  if (IsPrinterProfile()) {
+    record.HasMaskDownload = Model().IsSpecifiedRoute(kRouteMaskDownload);
+    record.HasLargeParameter = Model().IsSpecifiedRoute(kRouteLargeParameter);
+    record.HasSpecialColor = Model().IsSpecifiedRoute(kRouteSpecialColor);
+    const auto* const blocks = Payload<CMaskDownLoadEntry>(EntryKind::kMaskBlocks);
+    record.HasOutputBlock = blocks != nullptr && !blocks->GetWeftBlocks().empty() &&
+                            blocks->GetWeftBlocks().front().BlockType == WeftOutputRecord::kBlockType;
+  }
+  access.SetupProfileInfoStructure();
+}
+
+Profile::Profile(std::unique_ptr<ProfileState> state) : state_(std::move(state)) {}
+Profile::Profile(Profile&& other) noexcept = default;
+Profile& Profile::operator=(Profile&& other) noexcept = default;
+Profile::~Profile() = default;
+
+namespace {
+
+// The state of a loaded file, or why there is none.
+std::variant<std::unique_ptr<ProfileState>, ProfileError> StateOf(CNvxFile& file) {
+  auto state = std::make_unique<ProfileState>();
+  if (std::optional<ProfileError> why = Load(file, state->access)) return *std::move(why);
+  state->isWhole = !file.HasPassedOver();
+  return state;
+}
+
+std::variant<std::unique_ptr<ProfileState>, ProfileError> StateOf(const fs::path& path) {
+  const std::u16string wide = WideOfPath(path.native());
+  CNvxFile file;
+  if (!file.Open(wide.c_str(), kGenericRead, kShareRead, kOpenExisting)) return NotOpened(wide);
+  return StateOf(file);
+}
+
+}  // namespace
+
+Profile Profile::Open(const fs::path& path) {
+  auto state = StateOf(path);
+  if (const auto* const why = std::get_if<ProfileError>(&state)) throw *why;
+  return Profile(std::get<0>(std::move(state)));
+}
+
+std::optional<Profile> Profile::TryOpen(const fs::path& path, ProfileError* why) {
+  auto state = StateOf(path);
+  if (auto* const opened = std::get_if<0>(&state)) return Profile(std::move(*opened));
+  if (why != nullptr) *why = std::get<ProfileError>(state);
+  return std::nullopt;
+}
+
+Profile Profile::FromBytes(std::span<const std::uint8_t> bytes, std::string_view name) {
+  if (bytes.size() > UINT32_MAX) Fail("4 GiB or longer");
+  NamedMemory file(bytes, name);
+  auto state = StateOf(file);
+  if (const auto* const why = std::get_if<ProfileError>(&state)) throw *why;
+  return Profile(std::get<0>(std::move(state)));
+}
+
+Profile Profile::Create(std::span<const std::uint8_t> iccProfile) {
+  auto state = std::make_unique<ProfileState>();
+  auto model = std::make_unique<CProfileData>();
+  SelectBinaryView(*model->GetProfileInfo());
+  model->GetProfileInfo()->ProfileMajorVersion = 3;
+  state->access.Serve(std::move(model), kPrinterProfile);
+  Profile profile(std::move(state));
+  profile.SetIccProfile(iccProfile);
+  return profile;
+}
+
+void Profile::Save(const fs::path& path) {
+  Prepare(*state_);
+  const std::u16string wide = WideOfPath(path.native());
+  const char16_t* const target = wide.c_str();
+  const auto writeIcc = [&](CNvxFile& file) {
+    const auto bytes = state_->Find(EntryKind::kIcc)->Bytes();
+    return WriteExact(file, bytes.data(), static_cast<std::uint32_t>(bytes.size()));
+  };
+  const bool isPlain = Format() == kPlainIcc;
+  if (!(isPlain ? SaveByReplacing(target, writeIcc) : Write(*state_, target))) {
+    Fail(WideToUtf8(wide) + ": cannot be written");
+  }
+}
+
+bool Profile::TrySave(const fs::path& path, ProfileError* why) {
+  try {
+    Save(path);
+    return true;
+  } catch (const ProfileError& error) {
+    if (why != nullptr) *why = error;
+    return false;
+  }
+}
+
+std::vector<std::uint8_t> Profile::ToBytes(std::string_view name) {
+  Prepare(*state_);
+  if (Format() == kPlainIcc) {
+    const auto bytes = state_->Find(EntryKind::kIcc)->Bytes();
+    return {bytes.begin(), bytes.end()};
+  }
+  NamedMemory file(name);
+  CNvxFile& stream = file;
+  const bool isWritten = Write(*state_, stream);
+  const Block block(file.Buffer);
+  const std::uint32_t size = file.Position;
+  file.Buffer = nullptr;
+  file.Length = 0;
+  if (!isWritten) Fail("4 GiB or longer");
+  return {block.get(), block.get() + size};
+}
+
+bool Profile::IsWhole() const { return state_->isWhole; }
+void Profile::AcceptLoss() { state_->isWhole = true; }
+
+ProfileFormat Profile::Format() const { return static_cast<ProfileFormat>(state_->access.GetProfileLoadFormat()); }
+bool Profile::HasRoute(Route route) const {
+  return state_->Model().IsSpecifiedRoute(static_cast<std::uint32_t>(route));
+}
+bool Profile::Has(EntryKind kind) const { return state_->Find(kind) != nullptr; }
+CProfileAccess& Profile::Access() { return state_->access; }
+
+std::vector<Entry> Profile::Entries() const {
+  const CProfileData& model = state_->Model();
+  std::vector<Entry> entries;
+  for (CProfileDataEntry* const entry : model.Entries()) {
+    const EntryType* const type = FindEntryType(entry->GetUsedType());
+    Entry found;
+    found.kind = static_cast<EntryKind>(entry->GetUsedType());
+    if (type != nullptr) found.name = type->name;
+    for (const auto& [number, route] : model.Routes()) {
+      if (route->IsExistEntry(entry)) found.routes.push_back(static_cast<Route>(number));
+    }
+    found.bytes = entry->Bytes();
+    found.complete = entry->IsComplete();
+    found.optionInfo = entry->GetOptionInfo();
+    found.label = Utf8OfAnsi(entry->GetLabelString());
+    found.isUnderstood = IsUnderstood(*entry);
+    entries.push_back(std::move(found));
+  }
+  return entries;
+}
+
+std::optional<Entry> Profile::FindEntry(EntryKind kind) const {
+  for (Entry& entry : Entries()) {
+    if (entry.kind == kind) return std::move(entry);
+  }
+  return std::nullopt;
+}
+
+void Profile::SetEntryBytes(EntryKind kind, std::span<const std::uint8_t> bytes) {
+  if (bytes.size() > UINT32_MAX) Fail(TitleOf(kind) + ": 4 GiB or longer");
+  std::unique_ptr<CProfileDataEntry> entry = EntryOf(kind, SharedBytes(bytes));
+  if (CProfileDataEntry* const former = state_->Find(kind)) {
+    const std::uint32_t optionInfo = entry->GetOptionInfo();
+    CopyHeader(*former, *entry);
+    if (IsIcc(*entry)) entry->SetOptionInfo(optionInfo);  // a view of the bytes
+  }
+  state_->Take(std::move(entry));
+}
+
+bool Profile::RemoveEntry(EntryKind kind) {
+  CProfileDataEntry* const entry = state_->Find(kind);
+  if (entry == nullptr) return false;
+  CProfileData& model = state_->Model();
+  std::vector<std::uint32_t> routes;
+  for (const auto& [number, route] : model.Routes()) {
+    if (route->IsExistEntry(entry)) routes.push_back(number);
+  }
+  for (const std::uint32_t route : routes) {
+    CProfileDataEntry* const taken = model.RemoveProfileDataEntry(static_cast<std::uint32_t>(kind), route);
+    if (route == routes.back()) delete taken;
+  }
+  state_->RenewRecord();
+  return true;
+}
+
+std::optional<std::span<const std::uint8_t>> Profile::IccProfile() const {
+  const CProfileDataEntry* const entry = state_->Find(EntryKind::kIcc);
+  return entry != nullptr ? std::optional(entry->Bytes()) : std::nullopt;
+}
+
+std::optional<std::span<const std::uint8_t>> Profile::ReplaceIccProfile() const {
+  const CProfileDataEntry* const entry = state_->Find(EntryKind::kReplaceIcc);
+  return entry != nullptr ? std::optional(entry->Bytes()) : std::nullopt;
+}
+
+void Profile::SetIccProfile(std::span<const std::uint8_t> bytes) { SetEntryBytes(EntryKind::kIcc, bytes); }
+void Profile::SetReplaceIccProfile(std::span<const std::uint8_t> bytes) {
+  SetEntryBytes(EntryKind::kReplaceIcc, bytes);
+}
+
+const char* Version() {
+  static const std::string kVersion = std::to_string(NVXPROFILE_VERSION_MAJOR) + "." +
+                                      std::to_string(NVXPROFILE_VERSION_MINOR) + "." +
+                                      std::to_string(NVXPROFILE_VERSION_PATCH);
+  return kVersion.c_str();
+}
+
+}  // namespace nvx

@@ -1,0 +1,551 @@
+// Settings of the medium, print masks, lamp tables and special colours.
+#include "modern/profile_state.h"
+
+#include <nvxprofile/large_parameter.h>
+#include <nvxprofile/mask_download.h>
+#include <nvxprofile/media_property.h>
+#include <nvxprofile/special_color.h>
+
+#include <algorithm>
+#include <cstring>
+
+namespace nvx {
+
+// --- Device settings ---
+
+namespace {
+
+using Words = std::span<const std::int32_t>;
+
+CMediaPropertyDataEntry* FindBlock(const CMediaPropertyData& data, MediaSetting setting) {
+  return data.Entries().First([type = static_cast<std::uint32_t>(setting)](const CMediaPropertyDataEntry& block) {
+    return block.GetUsedType() == type;
+  });
+}
+
+Words ValuesOf(CMediaPropertyDataEntry& block) {
+  return {block.GetRefBuffer(), static_cast<std::size_t>(block.GetParameterMax())};
+}
+
+std::unique_ptr<CMediaPropertyDataEntry> NewBlock(std::uint32_t type, Words values) {
+  std::unique_ptr<CMediaPropertyDataEntry> block(
+      CMediaPropertyDataEntry::CreateMediaPropertyDataEntry(type, static_cast<std::uint32_t>(values.size())));
+  if (values.empty() || static_cast<std::size_t>(block->GetParameterMax()) != values.size()) {
+    Fail("media setting " + std::to_string(type) + ": not " + std::to_string(values.size()) + " values");
+  }
+  std::copy(values.begin(), values.end(), block->GetRefBuffer());
+  return block;
+}
+
+// The first block of the type becomes this one, or goes for null; all others stay.
+bool ChangeBlock(CMediaPropertyData& data, MediaSetting setting, std::unique_ptr<CMediaPropertyDataEntry> changed) {
+  const CMediaPropertyDataEntry* const former = FindBlock(data, setting);
+  if (former == nullptr) return changed != nullptr && data.AddTail(changed.release());
+  std::vector<std::unique_ptr<CMediaPropertyDataEntry>> blocks;
+  for (CMediaPropertyDataEntry* const block : data.Entries()) {
+    if (block != former) blocks.push_back(NewBlock(block->GetUsedType(), ValuesOf(*block)));
+    if (block == former && changed) blocks.push_back(std::move(changed));
+  }
+  data.DeleteMediaProperty();
+  for (std::unique_ptr<CMediaPropertyDataEntry>& block : blocks) data.AddTail(block.release());
+  return true;
+}
+
+}  // namespace
+
+std::optional<Words> Profile::Media(MediaSetting setting) const {
+  const auto* const entry = state_->Payload<CMediaPropertyEntry>(EntryKind::kMedia);
+  CMediaPropertyDataEntry* const block =
+      entry != nullptr ? FindBlock(*entry->GetMediaPropertyData(), setting) : nullptr;
+  return block != nullptr ? std::optional(ValuesOf(*block)) : std::nullopt;
+}
+
+void Profile::SetMedia(MediaSetting setting, Words values) {
+  std::unique_ptr<CMediaPropertyDataEntry> block = NewBlock(static_cast<std::uint32_t>(setting), values);
+  const auto entry = state_->EditableCopy<CMediaPropertyEntry>(EntryKind::kMedia);
+  ChangeBlock(*entry->GetMediaPropertyData(), setting, std::move(block));
+  state_->Store(*entry);
+}
+
+bool Profile::RemoveMedia(MediaSetting setting) {
+  if (!Media(setting)) return false;
+  const auto entry = state_->EditableCopy<CMediaPropertyEntry>(EntryKind::kMedia);
+  ChangeBlock(*entry->GetMediaPropertyData(), setting, nullptr);
+  state_->Store(*entry);
+  return true;
+}
+
+// --- Print masks ---
+
+namespace {
+
+MaskBlock BlockOf(const tagWeftDatas& block) {
+  return {
+      block.BlockType, {block.Values, block.Values + block.ValueCount}, {block.Bytes, block.Bytes + block.ByteCount}};
+}
+
+std::vector<std::uint32_t> LayerColorsOf(const CMaskParameterDataEntry& entry) {
+  std::vector<std::uint32_t> colors;
+  for (std::uint32_t i = 0; i < entry.GetLayerColorCount(); ++i) {
+    colors.push_back(entry.GetLeyerColor(static_cast<int>(i)));
+  }
+  return colors;
+}
+
+MaskRule RuleOf(const CMaskParameterDataEntry& entry) {
+  MaskRule rule;
+  rule.condition = {entry.GetPass(), entry.GetSpecialColorsetCode(), entry.GetPrintMethod(), LayerColorsOf(entry)};
+  const std::uint8_t* const bytes = entry.GetParamDataBuffer();
+  rule.parameters.assign(bytes, bytes + entry.GetParamDataSize());
+  for (std::uint32_t i = 0; i < entry.GetUsePatternIDCount(); ++i) {
+    rule.patterns.push_back(entry.GetUsePatternID(static_cast<int>(i)));
+  }
+  return rule;
+}
+
+std::unique_ptr<CMaskParameterDataEntry> NewRule(const MaskRule& rule, const MaskSet& masks) {
+  auto entry = std::make_unique<CMaskParameterDataEntry>();
+  entry->SetPass(rule.condition.pass);
+  entry->SetSpecialColorsetCode(rule.condition.specialColorset);
+  entry->SetPrintMethod(rule.condition.printMethod);
+  for (const std::uint32_t color : rule.condition.layerColors) entry->AddLayerColor(color);
+  for (const std::uint32_t id : rule.patterns) {
+    if (!masks.patterns.contains(id)) Fail("masks: there is no pattern " + std::to_string(id));
+    entry->AddUsePatternID(id);
+  }
+  entry->SetParamDataBuffer(rule.parameters.data(), static_cast<std::uint32_t>(rule.parameters.size()));
+  return entry;
+}
+
+}  // namespace
+
+std::vector<MaskBlock> Profile::MaskBlocks() const {
+  std::vector<MaskBlock> blocks;
+  const auto* const entry = state_->Payload<CMaskDownLoadEntry>(EntryKind::kMaskBlocks);
+  if (entry == nullptr) return blocks;
+  for (const tagWeftDatas& block : entry->GetWeftBlocks()) blocks.push_back(BlockOf(block));
+  return blocks;
+}
+
+std::optional<MaskBlock> Profile::FindMaskBlock(std::uint32_t type) const {
+  const auto* const entry = state_->Payload<CMaskDownLoadEntry>(EntryKind::kMaskBlocks);
+  const tagWeftDatas* const block = entry != nullptr ? entry->GetWeftData(type) : nullptr;
+  return block != nullptr ? std::optional(BlockOf(*block)) : std::nullopt;
+}
+
+void Profile::SetMaskBlocks(std::span<const MaskBlock> blocks) {
+  constexpr std::uint32_t kGreatestType = 6;
+  CMaskDownLoadEntry entry;
+  entry.SetComplete(true);
+  entry.Initialize(static_cast<std::uint32_t>(blocks.size()));
+  for (std::uint32_t i = 0; i < blocks.size(); ++i) {
+    const MaskBlock& block = blocks[i];
+    const std::string title = "mask block of type " + std::to_string(block.type);
+    if (block.type == 0 || block.type > kGreatestType) Fail(title + ": no such type");
+    entry.SetWeftDataParameter(i, block.type);
+    tagWeftDatas& stored = entry.GetWeftBlocks()[i];
+    if (block.values.size() != stored.ValueCount || block.bytes.size() != stored.ByteCount) {
+      Fail(title + ": has " + std::to_string(stored.ValueCount) + " values and " + std::to_string(stored.ByteCount) +
+           " bytes");
+    }
+    std::copy(block.values.begin(), block.values.end(), stored.Values);
+    std::copy(block.bytes.begin(), block.bytes.end(), stored.Bytes);
+  }
+  state_->Store(entry);
+}
+
+std::optional<MaskSet> Profile::Masks() const {
+  const auto* const entry = state_->Payload<CMaskDownloadIncludePatternEntry>(EntryKind::kMasks);
+  if (entry == nullptr) return std::nullopt;
+  MaskSet masks;
+  for (const CMaskParameterDataEntry* const rule : entry->GetMaskParameterData()->Entries()) {
+    masks.rules.push_back(RuleOf(*rule));
+  }
+  for (const CMaskPatternDataEntry* const pattern : entry->GetMaskPatternData()->Entries()) {
+    const std::uint8_t* const bytes = pattern->GetMaskPatternBuffer();
+    masks.patterns[pattern->GetMaskPatternID()].assign(bytes, bytes + pattern->GetMaskPatternSize());
+  }
+  return masks;
+}
+
+void Profile::SetMasks(const MaskSet& masks) {
+  CMaskDownloadIncludePatternEntry entry;
+  entry.SetComplete(true);
+  for (const MaskRule& rule : masks.rules) entry.GetMaskParameterData()->AddTail(NewRule(rule, masks).release());
+  for (const auto& [id, bytes] : masks.patterns) {
+    auto pattern = std::make_unique<CMaskPatternDataEntry>();
+    pattern->SetMaskPatternID(id);
+    pattern->SetMaskPatternBuffer(bytes.data(), static_cast<std::uint32_t>(bytes.size()));
+    entry.GetMaskPatternData()->Add(pattern.release());
+  }
+  state_->Store(entry);
+}
+
+std::optional<std::vector<std::uint8_t>> Profile::PackedMask(const MaskCondition& condition) const {
+  std::vector<std::uint32_t> colors = condition.layerColors;
+  CError ignored;
+  const auto pack = [&](std::uint8_t* buffer) {
+    return state_->access.GetMaskParameterAndPatternBuffer(
+        buffer, condition.pass, condition.specialColorset, condition.printMethod,
+        static_cast<std::uint32_t>(colors.size()), colors.data(), &ignored);
+  };
+  std::vector<std::uint8_t> packed(pack(nullptr));
+  if (packed.empty() || pack(packed.data()) != packed.size()) return std::nullopt;
+  return packed;
+}
+
+bool Profile::SupportsMaskVersion() const {
+  CError ignored;
+  return state_->access.IsSupportWeftVersion(&ignored);
+}
+
+// --- Lamp ---
+
+namespace {
+
+constexpr std::size_t kLampHead = 2;     // head words of the pattern table, and of the block of a pattern
+constexpr std::size_t kLampRecord = 12;  // words of a record before its splits
+constexpr std::size_t kLampConditions = 2;
+constexpr std::size_t kLampCount = 10;
+constexpr std::size_t kLampSplits = 11;
+constexpr std::int32_t kHundred = 100;
+
+std::int32_t CountOf(std::size_t count) { return static_cast<std::int32_t>(count); }
+
+// Takes the words of a pattern apart. Splits that lead beyond them end where they do.
+LampSettings SettingsOf(Words words, std::span<const std::int32_t> splitSizes) {
+  LampSettings settings;
+  const auto take = [&](std::size_t count) {
+    const Words taken = words.first(std::min(count, words.size()));
+    words = words.subspan(taken.size());
+    return taken;
+  };
+  const Words head = take(settings.head.size());
+  std::copy(head.begin(), head.end(), settings.head.begin());
+  for (const std::int32_t size : splitSizes) {
+    const Words split = take(static_cast<std::size_t>(std::max(size, 0)));
+    settings.splits.emplace_back(split.begin(), split.end());
+  }
+  settings.rest.assign(words.begin(), words.end());
+  return settings;
+}
+
+// Views of the pattern table: its arrays taken apart by the rules of its form.
+class LampTableView {
+ public:
+  explicit LampTableView(CLargeParameterDataEntry& table) : table_(table) {}
+
+  std::int32_t Count() const {
+    // A count of records that the array has no room for says nothing.
+    const auto room = static_cast<std::int32_t>(table_.Arrays().Words(0).size());
+    return std::clamp(table_.GetPatternCount(), 0, room);
+  }
+
+  LampPattern At(std::int32_t pattern) const {
+    LampPattern result;
+    const Words array = table_.Arrays().Words(0);
+    const std::size_t width = (array.size() - std::min(array.size(), kLampHead)) / static_cast<std::size_t>(Count());
+    const std::size_t start = kLampHead + width * static_cast<std::size_t>(pattern) + kLampConditions;
+    for (std::size_t i = 0; i < result.conditions.size(); ++i) {
+      const std::int32_t word = start + i < array.size() ? array[start + i] : 0;
+      result.conditions[i] = Condition::Is(word);
+    }
+    std::vector<std::int32_t> splits;
+    const auto most = CountOf(width - std::min(width, kLampRecord));
+    for (std::int32_t i = 0; i < std::min(table_.SeekPatternSplitCount(pattern), most); ++i) {
+      splits.push_back(table_.SeekPatternSplitParamCount(pattern, i));
+    }
+    result.settings = SettingsOf(WordsOf(pattern), splits);
+    return result;
+  }
+
+ private:
+  Words WordsOf(std::int32_t pattern) const {
+    const Words array = table_.Arrays().Words(1);
+    const std::int32_t* const first = table_.GetRefBufferByPatternIndex(pattern);
+    if (first == nullptr) return {};
+    const Words rest = array.subspan(static_cast<std::size_t>(first - array.data()));
+    return rest.first(std::min(rest.size(), static_cast<std::size_t>(table_.SeekPatternParamCount(pattern))));
+  }
+
+  CLargeParameterDataEntry& table_;
+};
+
+CLargeParameterDataEntry* LampTable(const CLargeParameterEntry* entry, std::uint32_t usedType) {
+  if (entry == nullptr) return nullptr;
+  return entry->GetLargeParameterData()->Entries().First(
+      [=](const CLargeParameterDataEntry& table) { return table.GetUsedType() == usedType; });
+}
+
+LampSettings FixedSettings(CLargeParameterDataEntry& table) {
+  const std::vector<std::int32_t> splits(CLargeParameterID001Entry::kSplitCount,
+                                         CLargeParameterID001Entry::kSplitWords);
+  return SettingsOf(table.Arrays().Words(0), splits);
+}
+
+void CheckLampPattern(const LampPattern& pattern) {
+  for (std::size_t i = 0; i + 1 < pattern.conditions.size(); ++i) {
+    // The first three know no hundreds, so that every number but -1 is itself.
+    if (pattern.conditions[i].Value() < -1) Fail("lamp pattern: a condition below 0");
+  }
+}
+
+std::vector<std::int32_t> BlockOf(const LampSettings& settings) {
+  std::vector<std::int32_t> block(settings.head.begin(), settings.head.end());
+  for (const std::vector<std::int32_t>& split : settings.splits) block.insert(block.end(), split.begin(), split.end());
+  return block;
+}
+
+// Fills the two arrays of a table; `first` gets its byte length into word 0.
+template <class Table>
+void FillArrays(Table& table, std::vector<std::int32_t> first, const std::vector<std::int32_t>& second) {
+  first[0] = CountOf(first.size() * sizeof(std::int32_t));
+  const auto fill = [&](std::int64_t array, const std::vector<std::int32_t>& words) {
+    std::copy(words.begin(), words.end(), table.Arrays().Words(array).begin());
+  };
+  fill(0, first);
+  fill(1, second);
+}
+
+void CheckWordCount(std::size_t words, const char* what) {
+  constexpr std::size_t kMostWords = INT32_MAX / sizeof(std::int32_t);
+  if (words > kMostWords) Fail(std::string(what) + ": too large");
+}
+
+}  // namespace
+
+std::vector<LampPattern> Profile::LampPatterns() const {
+  std::vector<LampPattern> patterns;
+  const auto* const entry = state_->Payload<CLargeParameterEntry>(EntryKind::kLamp);
+  CLargeParameterDataEntry* const table = LampTable(entry, 1) == nullptr ? LampTable(entry, 2) : nullptr;
+  if (table == nullptr) return patterns;
+  const LampTableView view(*table);
+  for (std::int32_t i = 0; i < view.Count(); ++i) patterns.push_back(view.At(i));
+  return patterns;
+}
+
+std::optional<LampSettings> Profile::Lamp(const std::array<std::int32_t, 4>& c) const {
+  const auto* const entry = state_->Payload<CLargeParameterEntry>(EntryKind::kLamp);
+  if (CLargeParameterDataEntry* const fixed = LampTable(entry, 1)) return FixedSettings(*fixed);
+  CLargeParameterDataEntry* const table = LampTable(entry, 2);
+  const std::int32_t pattern = table != nullptr ? table->SeekPatternIndexByCondition(c[0], c[1], c[2], c[3]) : -1;
+  if (pattern == -1) return std::nullopt;
+  return LampTableView(*table).At(pattern).settings;
+}
+
+void Profile::SetLampPatterns(std::span<const LampPattern> patterns) {
+  std::size_t splits = 0;
+  for (const LampPattern& pattern : patterns) splits = std::max(splits, pattern.settings.splits.size());
+  const std::size_t width = kLampRecord + splits;
+  CheckWordCount(kLampHead + width * patterns.size(), "lamp table");
+  std::vector<std::int32_t> records(kLampHead + width * patterns.size());
+  std::vector<std::int32_t> blocks;
+  auto record = records.begin() + CountOf(kLampHead);
+  for (const LampPattern& pattern : patterns) {
+    CheckLampPattern(pattern);
+    const std::vector<std::int32_t> block = BlockOf(pattern.settings);
+    for (std::size_t i = 0; i < pattern.conditions.size(); ++i) {
+      record[CountOf(kLampConditions + i)] = pattern.conditions[i].Value();
+    }
+    record[kLampCount] = CountOf(block.size() - kLampHead);
+    record[kLampSplits] = CountOf(pattern.settings.splits.size());
+    for (std::size_t i = 0; i < pattern.settings.splits.size(); ++i) {
+      record[CountOf(kLampRecord + i)] = CountOf(pattern.settings.splits[i].size());
+    }
+    blocks.insert(blocks.end(), block.begin(), block.end());
+    CheckWordCount(blocks.size(), "lamp table");
+    record += CountOf(width);
+  }
+  const std::uint32_t sizes[] = {static_cast<std::uint32_t>(records.size()), static_cast<std::uint32_t>(blocks.size())};
+  CLargeParameterEntry entry;
+  entry.SetComplete(true);
+  std::unique_ptr<CLargeParameterDataEntry> table(CLargeParameterDataEntry::CreateLargeParameterDataEntry(2, sizes));
+  FillArrays(*table, std::move(records), blocks);
+  table->SetPatternCount(CountOf(patterns.size()));
+  entry.GetLargeParameterData()->AddTail(table.release());
+  state_->Store(entry);
+}
+
+void Profile::SetFixedLamp(const LampSettings& settings) {
+  const std::vector<std::int32_t> block = BlockOf(settings);
+  const auto isWhole = [](const std::vector<std::int32_t>& split) {
+    return split.size() == static_cast<std::size_t>(CLargeParameterID001Entry::kSplitWords);
+  };
+  if (block.size() != CLargeParameterID001Entry::kWordCount ||
+      !std::all_of(settings.splits.begin(), settings.splits.end(), isWhole)) {
+    Fail("fixed lamp table: not two splits of 131 values");
+  }
+  CLargeParameterEntry entry;
+  entry.SetComplete(true);
+  std::unique_ptr<CLargeParameterDataEntry> table(CLargeParameterDataEntry::CreateLargeParameterDataEntry(1, nullptr));
+  std::copy(block.begin(), block.end(), table->Arrays().Words(0).begin());
+  entry.GetLargeParameterData()->AddTail(table.release());
+  state_->Store(entry);
+}
+
+// --- Special colours ---
+
+namespace {
+
+constexpr std::size_t kColorHead = 4;     // head words of the patterns
+constexpr std::size_t kColorRecord = 5;   // words of a pattern before its slots
+constexpr std::size_t kAdviceRecord = 5;  // words of a recommendation
+constexpr std::uint32_t kColorTable = 1;
+constexpr std::size_t kCurveSetHeader = 32;
+constexpr std::size_t kCurveRecord = 132;
+
+CSpecialColorInfoDataEntry* ColorTable(const CSpecialColorInfoEntry* entry) {
+  if (entry == nullptr) return nullptr;
+  return entry->GetSpecialColorInfoData()->Entries().First(
+      [](const CSpecialColorInfoDataEntry& table) { return table.GetUsedType() == kColorTable; });
+}
+
+// A record of an array of `count` equal ones behind `head` words; empty where it has no room.
+Words RecordAt(Words array, std::size_t head, std::int32_t count, std::int32_t index) {
+  if (array.size() < head || count <= 0) return {};
+  const std::size_t width = (array.size() - head) / static_cast<std::size_t>(count);
+  return array.subspan(head + width * static_cast<std::size_t>(index), width);
+}
+
+std::int32_t WordAt(Words words, std::size_t index) { return index < words.size() ? words[index] : 0; }
+
+// Stored levels count from 1, and a hostile one must not overflow.
+std::int32_t LevelOf(std::int32_t stored) { return static_cast<std::int32_t>(static_cast<std::uint32_t>(stored) - 1); }
+
+SpecialColorPattern PatternAt(CSpecialColorInfoDataEntry& table, std::int32_t count, std::int32_t index) {
+  SpecialColorPattern pattern;
+  const Words array = table.Arrays().Words(0);
+  const Words record = RecordAt(array, kColorHead, count, index);
+  for (std::size_t i = 0; i < pattern.conditions.size(); ++i) {
+    pattern.conditions[i] = Condition::Is(WordAt(record, 2 + i));
+  }
+  // The number of slots of the first record holds for all.
+  const std::int32_t slots = WordAt(RecordAt(array, kColorHead, count, 0), 4);
+  for (std::size_t i = 0; i < static_cast<std::size_t>(std::max(slots, 0)) && kColorRecord + i < record.size(); ++i) {
+    if (record[kColorRecord + i] != 0) pattern.colors.push_back(Condition::Is(record[kColorRecord + i]));
+  }
+  pattern.level = LevelOf(table.SeekPatternRecommendLevel(index));
+  pattern.density = table.SeekPatternRecommendDensity(index);
+  const std::int32_t set = table.SeekPatternVDCurveIndex(index);
+  if (set >= 1) pattern.curveSet = static_cast<std::size_t>(set) - 1;
+  return pattern;
+}
+
+// Codes ascending, then any.
+std::vector<std::int32_t> SlotsOf(const SpecialColorPattern& pattern) {
+  std::vector<std::int32_t> slots;
+  for (const Condition color : pattern.colors) {
+    if (color.Value() < -1 || color.Value() == 0) Fail("special colours: no ink has the code of a colour");
+    slots.push_back(color.Value());
+  }
+  std::sort(slots.begin(), slots.end(), [](std::int32_t a, std::int32_t b) {
+    return static_cast<std::uint32_t>(a) < static_cast<std::uint32_t>(b);
+  });
+  return slots;
+}
+
+// A reader finds the end of a set by its first curve.
+std::size_t SizeOfSet(const std::vector<Curve>& curves) {
+  const auto bytes = [](const Curve& curve) {
+    return std::visit([](auto samples) { return samples.size_bytes(); }, curve.samples);
+  };
+  for (const Curve& curve : curves) {
+    if (bytes(curve) != bytes(curves.front())) Fail("special colours: curves of a set differ in their size");
+  }
+  return kCurveSetHeader + (curves.empty() ? 0 : curves.size() * (4 + kCurveRecord + bytes(curves.front())));
+}
+
+}  // namespace
+
+std::optional<std::int32_t> Profile::RecommendedDensity(const std::array<std::int32_t, 2>& conditions,
+                                                        std::int32_t ink) const {
+  CError ignored;
+  std::int32_t density = 0;
+  if (!state_->access.GetSpecialColorRecommendDensity(density, conditions[0], conditions[1], ink, &ignored)) return {};
+  return density;
+}
+
+std::optional<std::int32_t> Profile::RecommendedLevel(const std::array<std::int32_t, 2>& conditions,
+                                                      std::span<const std::int32_t> colors) const {
+  std::vector<std::int32_t> wanted(colors.begin(), colors.end());
+  CError ignored;
+  std::int32_t level = 0;
+  if (!state_->access.GetSpecialColorRecommendLevel(level, conditions[0], conditions[1], CountOf(wanted.size()),
+                                                    wanted.data(), &ignored)) {
+    return {};
+  }
+  return level;
+}
+
+std::optional<Samples> Profile::VariableDotCurve(const std::array<std::int32_t, 2>& conditions, std::int32_t ink,
+                                                 std::int32_t extendInfo) const {
+  std::int32_t size = 0;
+  std::int32_t dataType = 0;
+  CError ignored;
+  const void* const samples =
+      state_->access.GetSpecialColorVDCurve(size, dataType, extendInfo, conditions[0], conditions[1], ink, &ignored);
+  return SamplesAt(samples, size, dataType);
+}
+
+std::optional<SpecialColorTable> Profile::SpecialColors() const {
+  const auto* const entry = state_->Payload<CSpecialColorInfoEntry>(EntryKind::kSpecialColors);
+  CSpecialColorInfoDataEntry* const table = ColorTable(entry);
+  if (table == nullptr) return std::nullopt;
+  SpecialColorTable result;
+  result.profileColorType = entry->GetSpecialColorInfoData()->GetProfileColorType();
+  // A count of records that the array has no room for says nothing.
+  const std::int32_t count = std::clamp(table->GetPatternCount(), 0, CountOf(table->Arrays().Words(0).size()));
+  for (std::int32_t i = 0; i < count; ++i) result.patterns.push_back(PatternAt(*table, count, i));
+  for (const CCurveData* const set : table->CurvesVD()) result.curveSets.push_back(CurvesOf(*set));
+  return result;
+}
+
+void Profile::SetSpecialColors(const SpecialColorTable& wanted) {
+  std::size_t slots = 0;
+  for (const SpecialColorPattern& pattern : wanted.patterns) slots = std::max(slots, pattern.colors.size());
+  const std::size_t width = kColorRecord + slots;
+  CheckWordCount(kColorHead + width * wanted.patterns.size(), "special colours");
+  std::vector<std::int32_t> patterns(kColorHead + width * wanted.patterns.size());
+  std::vector<std::int32_t> advice(kAdviceRecord * wanted.patterns.size());
+  for (std::size_t i = 0; i < wanted.patterns.size(); ++i) {
+    const SpecialColorPattern& pattern = wanted.patterns[i];
+    if (pattern.curveSet && *pattern.curveSet >= wanted.curveSets.size()) Fail("special colours: no such curve set");
+    if (pattern.level == INT32_MAX) Fail("special colours: level too great");
+    std::int32_t* const record = patterns.data() + kColorHead + i * width;
+    record[2] = pattern.conditions[0].Value();
+    record[3] = pattern.conditions[1].Value();
+    record[4] = CountOf(slots);
+    const std::vector<std::int32_t> colors = SlotsOf(pattern);
+    std::copy(colors.begin(), colors.end(), record + kColorRecord);
+    std::int32_t* const recommendation = advice.data() + i * kAdviceRecord;
+    recommendation[2] = pattern.level + 1;
+    recommendation[3] = pattern.density;
+    recommendation[4] = pattern.curveSet ? CountOf(*pattern.curveSet) + 1 : 0;
+  }
+  std::size_t curveBytes = 0;
+  for (const std::vector<Curve>& set : wanted.curveSets) curveBytes += SizeOfSet(set);
+  CheckWordCount(curveBytes / sizeof(std::int32_t) + 1, "special colours");
+  patterns[2] = CountOf(wanted.curveSets.size());
+  patterns[3] = CountOf(curveBytes);
+
+  const std::uint32_t sizes[] = {static_cast<std::uint32_t>(patterns.size()),
+                                 static_cast<std::uint32_t>(advice.size())};
+  auto table = std::make_unique<CSpecialColorInfoDataEntry>();
+  table->SetUsedType(kColorTable, sizes);
+  FillArrays(*table, std::move(patterns), advice);
+  table->SetPatternCount(CountOf(wanted.patterns.size()));
+  for (const std::vector<Curve>& curves : wanted.curveSets) {
+    auto set = std::make_unique<CCurveData>();
+    FillCurves(*set, curves);
+    table->AddTailVD(set.release());
+  }
+  CSpecialColorInfoEntry entry;
+  entry.SetComplete(true);
+  entry.GetSpecialColorInfoData()->SetProfileColorType(wanted.profileColorType);
+  entry.GetSpecialColorInfoData()->AddTail(table.release());
+  state_->Store(entry);
+  // As a load does.
+  if (wanted.profileColorType == 1) state_->Record().SeparateWayCode = 3;
+}
+
+}  // namespace nvx
