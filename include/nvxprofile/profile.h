@@ -378,7 +378,8 @@ class NVX_EXPORT Profile {
   void SetTable(const SeparationTable& table);
 
   std::optional<std::span<const std::uint8_t>> IccProfile() const;
-  // The replacement alone: it does not fall back on the ordinary one.
+  // The replacement alone: it does not fall back on the ordinary one. Files keep it, as all that stands in a tag of its
+  // own, with zeros up to a multiple of 4 bytes behind it.
   std::optional<std::span<const std::uint8_t>> ReplaceIccProfile() const;
   void SetIccProfile(std::span<const std::uint8_t> bytes);
   void SetReplaceIccProfile(std::span<const std::uint8_t> bytes);

@@ -43,11 +43,12 @@ class NamedMemory : public CNvxMemFile {
   }
 };
 
-// The faults come before what is merely odd.
-std::vector<Finding> FaultsFirst(const Diagnosis& diagnosis) {
+// The fault that ended a load is the last that it recorded, and comes first here: those before it stop no load.
+std::vector<Finding> DecisiveFirst(const Diagnosis& diagnosis) {
   std::vector<Finding> findings = diagnosis.Findings();
-  std::stable_partition(findings.begin(), findings.end(),
-                        [](const Finding& finding) { return finding.severity == Severity::kError; });
+  const auto last = std::find_if(findings.rbegin(), findings.rend(),
+                                 [](const Finding& finding) { return finding.severity == Severity::kError; });
+  if (last != findings.rend()) std::rotate(findings.begin(), last.base() - 1, last.base());
   return findings;
 }
 
@@ -66,7 +67,7 @@ std::optional<ProfileError> Load(CNvxFile& file, ModelAccess& access) {
   file.SeekToBegin();
   ModelAccess again;
   again.Load(file, &error);
-  return ProfileError(WideToUtf8(error.GetErrorCommentW()), FaultsFirst(diagnosis));
+  return ProfileError(WideToUtf8(error.GetErrorCommentW()), DecisiveFirst(diagnosis));
 }
 
 ProfileError NotOpened(const std::u16string& path) {
@@ -74,7 +75,7 @@ ProfileError NotOpened(const std::u16string& path) {
   Diagnosis diagnosis;
   CProfileAccess().Init(path.c_str(), &error);
   DiagnoseProfile(path.c_str(), diagnosis);
-  return ProfileError(WideToUtf8(error.GetErrorCommentW()), FaultsFirst(diagnosis));
+  return ProfileError(WideToUtf8(error.GetErrorCommentW()), DecisiveFirst(diagnosis));
 }
 
 // Throws for bytes that are no ICC profile.
@@ -232,7 +233,7 @@ std::unique_ptr<CProfileDataEntry> EntryOf(EntryKind kind, SharedBytes bytes) {
   const bool isParsed = entry->BufferToData();
   entry->SetDiagnosis(nullptr);
   if (!isParsed || entry->GetPayloadState() == PayloadState::kPart) {
-    throw ProfileError(TitleOf(kind) + ": no whole form of it", FaultsFirst(diagnosis));
+    throw ProfileError(TitleOf(kind) + ": no whole form of it", DecisiveFirst(diagnosis));
   }
   return entry;
 }

@@ -5,6 +5,7 @@
 #include "support/random_model.h"
 
 #include <nvxprofile/convert.h>
+#include <nvxprofile/profile.h>
 #include <nvxprofile/profile_access.h>
 #include <nvxprofile/profile_file.h>
 #include <nvxprofile/profile_file_qpf.h>
@@ -12,7 +13,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <atomic>
+#include <chrono>
+#include <cstdlib>
 #include <string>
 #include <thread>
 #include <vector>
@@ -172,6 +176,33 @@ TEST(Threads, AskOneProfileEverything) {
     });
     EXPECT_EQ(wrong, 0) << seed;
   }
+}
+
+// Changes leave nothing behind that a query would have to bring up to date.
+TEST(Threads, AskAnEditedProfile) {
+  std::mt19937 random(11);
+  CProfileData data;
+  nvx::test::FillRandomProfile(data, random);
+  CNvxMemFile file;
+  ASSERT_TRUE(CProfileFileQPFv3().SaveData(file, &data, nvx::kRouteCalibration));
+  auto profile = nvx::Profile::FromBytes({file.Buffer, file.Position}, "p.icc");
+  std::free(file.Buffer);
+  const std::vector<std::uint16_t> samples(256, 7);
+  nvx::Curve curve;
+  curve.ink = 1;
+  curve.samples = nvx::Samples16(samples);
+  profile.SetCurve(nvx::CurveKind::kLinearization, curve);
+  profile.SetMedia(nvx::MediaSetting::kWave, std::array{3});
+  profile.AddCalibration({"new", 1, std::chrono::sys_seconds(std::chrono::seconds(5)), {}, {curve}, {}});
+  profile.ToBytes();
+  const std::string expected = AskEverything(profile.Access());
+  std::atomic<int> wrong{0};
+  RunOnThreads(8, [&](int) {
+    wrong += AskEverything(profile.Access()) == expected ? 0 : 1;
+    wrong += profile.Linearization(1) && profile.NewestCalibration() && profile.Media(nvx::MediaSetting::kWave) ? 0 : 1;
+    wrong += profile.Entries().empty() || profile.Info().fileName != "p.icc" ? 1 : 0;
+  });
+  EXPECT_EQ(wrong, 0);
 }
 
 // One table, one source, and a target for each conversion.

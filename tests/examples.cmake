@@ -1,0 +1,18 @@
+# Runs the example programs one after the other: each reads what the one before has written.
+set(profile ${WORK}/example.icc)
+file(MAKE_DIRECTORY ${WORK})
+function(run expected)
+  execute_process(COMMAND ${ARGN} OUTPUT_VARIABLE said ERROR_VARIABLE complaint RESULT_VARIABLE result)
+  if(NOT result EQUAL 0 OR NOT said MATCHES "${expected}")
+    message(FATAL_ERROR "${ARGN}: ${result}\n${said}${complaint}")
+  endif()
+endfunction()
+run("" ${NEW_PROFILE} ${ICC} ${profile})
+run("calibration 0 of 1" ${ADD_CALIBRATION} ${profile} today)
+run("calibration 1 of 2" ${ADD_CALIBRATION} ${profile} tomorrow)
+run("720 x 720 dpi.*ink 4: linearization 256, limit 256.*heater: 45.*mask for 4 passes.*lamp: 2 splits.*newest calibration: (today|tomorrow), 256"
+    ${JOB} ${profile})
+execute_process(COMMAND ${JOB} ${WORK}/none.icc ERROR_VARIABLE complaint RESULT_VARIABLE result)
+if(NOT result EQUAL 1 OR NOT complaint MATCHES "none.icc")
+  message(FATAL_ERROR "A missing profile was read: ${complaint}")
+endif()
