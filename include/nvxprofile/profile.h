@@ -199,7 +199,8 @@ class Condition {
  public:
   static constexpr Condition Any() { return Condition(-1); }
   static constexpr Condition Is(std::int32_t value) { return Condition(value); }
-  // Where tables know hundreds: the fourth condition of lamp tables, the first of special colours.
+  // Where tables know hundreds: the fourth condition of lamp tables, the first of special colours. A multiple of 100
+  // always stands for its hundred there, by Is too.
   static constexpr Condition Hundred(std::int32_t hundred) { return Condition(hundred * 100); }
 
   // As it is stored.

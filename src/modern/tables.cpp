@@ -208,7 +208,6 @@ constexpr std::size_t kLampRecord = 12;  // words of a record before its splits
 constexpr std::size_t kLampConditions = 2;
 constexpr std::size_t kLampCount = 10;
 constexpr std::size_t kLampSplits = 11;
-constexpr std::int32_t kHundred = 100;
 
 std::int32_t CountOf(std::size_t count) { return static_cast<std::int32_t>(count); }
 
