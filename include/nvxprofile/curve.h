@@ -32,7 +32,7 @@ class NVX_EXPORT CCurveDataEntry : public CDataEntryObject {
   // that owns its curves.
   static CCurveDataEntry* CreateCurveDataEntry(typeData type);
 
-  CCurveDataEntry() = default;
+  CCurveDataEntry() { inkName_[0] = 0; }
   CCurveDataEntry(const CCurveDataEntry&) = delete;
   CCurveDataEntry& operator=(const CCurveDataEntry&) = delete;
   ~CCurveDataEntry() override;
@@ -105,12 +105,12 @@ class NVX_EXPORT CCurveDataEntry : public CDataEntryObject {
   void SetInkName(const char* name);
 
  protected:
-  explicit CCurveDataEntry(typeData type) : dataType_(type) {}
+  explicit CCurveDataEntry(typeData type) : dataType_(type) { inkName_[0] = 0; }
 
  private:
   friend class nvx::CurveSetRefill;
 
-  char inkName_[kInkNameLength] = {};
+  char inkName_[kInkNameLength];  // nobody's concern behind its terminator: histories have thousands of curves
   std::uint32_t max_ = 0;
   std::uint32_t min_ = 0;
   std::uint32_t inkId_ = 0;
