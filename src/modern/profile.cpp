@@ -390,7 +390,7 @@ std::vector<std::uint8_t> Profile::ToBytes(std::string_view name) {
   file.Buffer = nullptr;
   file.Length = 0;
   if (!isWritten) Fail("4 GiB or longer");
-  return {block.get(), block.get() + size};
+  return std::vector<std::uint8_t>(block.get(), block.get() + size);
 }
 
 bool Profile::IsWhole() const { return state_->isWhole; }
@@ -425,10 +425,10 @@ std::vector<Entry> Profile::Entries() const {
 }
 
 std::optional<Entry> Profile::FindEntry(EntryKind kind) const {
-  for (Entry& entry : Entries()) {
-    if (entry.kind == kind) return std::move(entry);
-  }
-  return std::nullopt;
+  std::vector<Entry> entries = Entries();
+  const auto found =
+      std::find_if(entries.begin(), entries.end(), [kind](const Entry& entry) { return entry.kind == kind; });
+  return found != entries.end() ? std::optional(std::move(*found)) : std::nullopt;
 }
 
 void Profile::SetEntryBytes(EntryKind kind, std::span<const std::uint8_t> bytes) {

@@ -43,8 +43,11 @@ bool ChangeBlock(CMediaPropertyData& data, MediaSetting setting, std::unique_ptr
   if (former == nullptr) return changed != nullptr && data.AddTail(changed.release());
   std::vector<std::unique_ptr<CMediaPropertyDataEntry>> blocks;
   for (CMediaPropertyDataEntry* const block : data.Entries()) {
-    if (block != former) blocks.push_back(NewBlock(block->GetUsedType(), ValuesOf(*block)));
-    if (block == former && changed) blocks.push_back(std::move(changed));
+    if (block == former) {
+      if (changed) blocks.push_back(std::move(changed));
+    } else {
+      blocks.push_back(NewBlock(block->GetUsedType(), ValuesOf(*block)));
+    }
   }
   data.DeleteMediaProperty();
   for (std::unique_ptr<CMediaPropertyDataEntry>& block : blocks) data.AddTail(block.release());

@@ -1,6 +1,7 @@
 #include "support/legacy_profile.h"
 
 #include <nvxprofile/profile_access.h>
+#include <nvxprofile/profile_file_text.h>
 
 #include <gtest/gtest.h>
 
@@ -16,8 +17,14 @@ TEST(LegacyExample, IsWhatTheWritersWrite) {
   const nvx::test::ScopedLanguage language("en_US.UTF-8");
   const std::string examples = std::string(NVXPROFILE_SOURCE_FOLDER) + "/examples/legacy/";
   const nvx::test::LegacyFolder folder;
-  ASSERT_TRUE(nvx::test::WriteLegacyProfile(folder.File("glossy.qpf"), {1, 2, 4, 5, 6, 10, 14, 16}, {2, 6, 7, 10}));
-  EXPECT_EQ(ReadBytes(folder.File("glossy.qpf")), ReadBytes(examples + "glossy.qpf"));
+  const std::vector<std::uint32_t> route1{1, 2, 4, 5, 6, 10, 14, 16};
+  const std::vector<std::uint32_t> route2{2, 6, 7, 10};
+  CProfileData data;
+  nvx::test::FillLegacyProfile(data, route1, route2);
+  ASSERT_TRUE(CProfileFileQPFv2().SaveData(folder.WideFile("saved.qpf").c_str(), &data, 0));
+  EXPECT_EQ(ReadBytes(folder.File("saved.qpf")), ReadBytes(examples + "glossy.qpf"));
+  ASSERT_TRUE(nvx::test::WriteLegacyProfile(folder.File("stored.qpf"), route1, route2));
+  EXPECT_EQ(ReadBytes(folder.File("stored.qpf")), ReadBytes(examples + "glossy.qpf"));
 
   const ScopedVariable table("NVXPROFILE_PROFILE_DIR", examples);
   CProfileAccess access;

@@ -1,15 +1,16 @@
 #include "support/legacy_profile.h"
 
+#include "core/byte_order.h"
 #include "core/text.h"
 #include "platform/locale.h"
+#include "support/byte_builder.h"
 #include "support/icc_builder.h"
 
-#include <nvxprofile/curve_entry.h>
-#include <nvxprofile/model_info.h>
-#include <nvxprofile/profile_file_text.h>
+#include <nvxprofile/profile_entry.h>
 
 #include <cmath>
 #include <cstring>
+#include <map>
 #include <memory>
 
 namespace nvx::test {
@@ -24,42 +25,67 @@ void Put(BigBuilder& data, std::vector<IccPart>& table, const std::string& signa
 
 Bytes Xyz(std::uint32_t x, std::uint32_t y, std::uint32_t z) { return BigBuilder().Text("XYZ ").U32(0, x, y, z); }
 
-void AddCurve(CCurveData& curves, std::uint32_t ink, std::uint32_t extendInfo) {
-  std::unique_ptr<CCurveDataEntry> curve(CCurveDataEntry::CreateCurveDataEntry(CCurveDataEntry::kSamples8));
-  const std::vector<std::uint8_t> samples = CurveSamples(ink);
-  std::memcpy(curve->GetBuffer(256), samples.data(), samples.size());
-  curve->SetInkID(ink);
-  curve->SetInkName(ink == 1 ? "Cyan" : "Magenta");
-  curve->SetSlotNo(ink + 10);
-  curve->SetDisplayRGB(0x00FF00FF + ink);
-  curve->SetMax(200);
-  curve->SetMin(1);
-  curve->SetExtendInfo(extendInfo);
-  curves.AddTail(curve.release());
-}
+// The entries that legacy profiles of tests are put together from, as a container keeps them: what the readers make of
+// them cannot follow a change of the writers. tests/data/README.md says what is in it.
+class StoredEntries {
+ public:
+  static const StoredEntries& Get() {
+    static const StoredEntries entries;
+    return entries;
+  }
+
+  struct Stored {
+    Bytes header;
+    Bytes body;  // with its magic
+  };
+  const Stored& Of(std::uint32_t type) const { return entries_.at(type); }
+
+ private:
+  static constexpr std::size_t kContainerHeader = 32;
+  static constexpr std::size_t kEntryHeader = 292;
+
+  StoredEntries() {
+    const Bytes file = ReadBytes(std::string(NVXPROFILE_SOURCE_FOLDER) + "/tests/data/legacy_entries.qct");
+    const auto word = [&](std::size_t offset) { return LoadLittle<std::uint32_t>(file.data() + offset); };
+    const std::size_t count = word(24);
+    std::size_t body = kContainerHeader + count * kEntryHeader;
+    for (std::size_t i = 0; i < count; ++i) {
+      const std::size_t header = kContainerHeader + i * kEntryHeader;
+      const std::size_t size = word(header + 16);
+      entries_[word(header + 8)] = {Slice(file, header, kEntryHeader), Slice(file, body, size)};
+      body += size;
+    }
+  }
+
+  static Bytes Slice(const Bytes& bytes, std::size_t start, std::size_t size) {
+    return Bytes(bytes.data() + start, bytes.data() + start + size);
+  }
+
+  std::map<std::uint32_t, Stored> entries_;
+};
 
 std::unique_ptr<CProfileDataEntry> MakeEntry(std::uint32_t type) {
+  const StoredEntries::Stored& stored = StoredEntries::Get().Of(type);
   std::unique_ptr<CProfileDataEntry> entry(
       CProfileDataEntry::CreateDataEntry(static_cast<CProfileDataEntry::UsedType>(type)));
   entry->SetComplete(true);
   entry->SetLabelString(("entry " + std::to_string(type)).c_str());
-  if (auto* const curves = dynamic_cast<CProfileCurveEntry*>(entry.get())) {
-    AddCurve(*curves->GetCurveData(), 1, type == CProfileDataEntry::kVariableInkLimit ? 5 : 7);
-    AddCurve(*curves->GetCurveData(), 2, 3);
-  } else if (auto* const model = dynamic_cast<CModelEntry*>(entry.get())) {
-    model->GetModelData()->SetModelName("PX");
-    model->GetModelData()->SetMediaName("Glossy Film");
-    model->GetModelData()->SetInksetName("SetA");
-  } else if (auto* const info = dynamic_cast<CInfoData*>(entry->GetFormatData()); info != nullptr) {
-    info->SetComment("measured twice");
-    info->SetUserName("A. User");
-  } else if (type == CProfileDataEntry::kIcm) {
-    const Bytes icc = SmallIccProfile();
-    std::memcpy(entry->GetBuffer(static_cast<std::uint32_t>(icc.size())), icc.data(), icc.size());
-  }
-  entry->DataToBuffer();
+  const std::size_t size = stored.body.size() - 4;
+  if (size != 0) std::memcpy(entry->GetBuffer(static_cast<std::uint32_t>(size)), stored.body.data() + 4, size);
+  entry->BufferToData();
   return entry;
 }
+
+// One container with the entries of a route.
+Bytes Container(std::uint32_t route, const std::vector<std::uint32_t>& types) {
+  ByteBuilder container;
+  container.Text(" TCQ").U32(32, 0x00010000, 0, route, 0, static_cast<std::uint32_t>(types.size()), 0);
+  for (const std::uint32_t type : types) container.Append(StoredEntries::Get().Of(type).header);
+  for (const std::uint32_t type : types) container.Append(StoredEntries::Get().Of(type).body);
+  return container;
+}
+
+std::string JapaneseName() { return platform::AnsiCodePage() == 932 ? "\x8C\xF5\x91\xF2\x83\x5C" : "Kotaku"; }
 
 }  // namespace
 
@@ -119,7 +145,7 @@ void FillLegacyProfile(CProfileData& data, const std::vector<std::uint32_t>& rou
   set(info.Text.Media_Code, "0000000815");
   set(info.Text.Media_Label, "Glossy Film");
   set(info.Text.Media_Eng, "Glossy Film");
-  set(info.Text.Media_Jpn, platform::AnsiCodePage() == 932 ? "\x8C\xF5\x91\xF2\x83\x5C" : "Kotaku");
+  set(info.Text.Media_Jpn, JapaneseName());
   set(info.Text.Dpi_Code, "107201080");
   info.Text.Pass_Support = 2;
   info.Text.Pass_Code[0] = 4;
@@ -130,9 +156,23 @@ void FillLegacyProfile(CProfileData& data, const std::vector<std::uint32_t>& rou
 
 bool WriteLegacyProfile(const std::string& path, const std::vector<std::uint32_t>& route1,
                         const std::vector<std::uint32_t>& route2) {
-  CProfileData data;
-  FillLegacyProfile(data, route1, route2);
-  return CProfileFileQPFv2().SaveData(platform::Utf8ToWide(path).c_str(), &data, 0);
+  ByteBuilder file;
+  file.Text("Printer_Label:PX\r\nInkSet_Label:SetA\r\nMedia_Code:0000000815\r\nMedia_Label:Glossy Film\r\n")
+      .Text("Media_Eng:%11%Glossy Film\r\nMedia_Jpn:%6%" + JapaneseName() + "\r\nDpi_Code:107201080\r\n")
+      .Text("Halftone_Code:3\r\nPass_Support:2\r\nPass_Code:4\r\nPass_Code:8\r\nRipVersion_Code:1\r\n")
+      .Text("ProfileVersion_Code:2\r\nSeparateWay_Code:0\r\nCreateTime_String:13:24:05 02/29/100\r\n@Binary\r\n");
+  const Bytes first = Container(kRouteIccRoot, route1);
+  const Bytes second = Container(kRouteGrayBalance, route2);
+  const auto section = [&](const Bytes& container, std::string_view name) {
+    file.U32(static_cast<std::uint32_t>(container.size()), static_cast<std::uint32_t>(name.size() + 1))
+        .Text(name)
+        .U8(0);
+  };
+  section(first, "QctIcmForUse.qct");
+  section(second, "QctGryForUse.qct");
+  file.Zero(8).Append(first).Append(second);
+  WriteBytes(path, file);
+  return true;
 }
 
 }  // namespace nvx::test

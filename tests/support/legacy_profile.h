@@ -1,4 +1,5 @@
-// Text-headed profiles and their conversion table, made with the library's own writers and of invented names.
+// Text-headed profiles and their conversion table, of invented names. Files are put together from stored bytes, without
+// the library's own writers.
 #pragma once
 
 #include "support/environment.h"
@@ -41,7 +42,7 @@ std::vector<std::uint8_t> CurveSamples(std::uint32_t ink);
 void FillLegacyProfile(CProfileData& data, const std::vector<std::uint32_t>& route1,
                        const std::vector<std::uint32_t>& route2);
 
-// Writes such a profile in version 2.
+// Writes such a profile in version 2, made at 13:24:05 on 29 February 2000.
 bool WriteLegacyProfile(const std::string& path, const std::vector<std::uint32_t>& route1,
                         const std::vector<std::uint32_t>& route2);
 
