@@ -341,9 +341,9 @@ class NVX_EXPORT Profile {
   // --- What a profile says about itself ---
 
   ProfileInfo Info() const;
-  // Printer profiles alone. File name, versions, update time, the language's media name, rendering resolutions, printer
-  // comment and fourth output value are not stored and are passed over; so is mediaName, which follows from the names.
-  // Throws for a text that its field does not hold whole.
+  // Printer profiles alone. What their files do not store or a save works out is passed over: file name, versions,
+  // update time, mediaName (which follows from the names), rendering resolutions, expand, printer comment and the
+  // fourth output value. Throws for a text that its field does not hold whole.
   void SetInfo(const ProfileInfo& info);
 
   // --- Curves ---
@@ -396,7 +396,8 @@ class NVX_EXPORT Profile {
   // The first block of a type.
   std::optional<MaskBlock> FindMaskBlock(std::uint32_t type) const;
   std::vector<MaskBlock> MaskBlocks() const;
-  // A printer profile holds blocks or masks with patterns, so that these refuse what the other is there for.
+  // Each replaces all that its entry holds. A printer profile holds blocks or masks with patterns: whichever comes
+  // second is refused.
   void SetMaskBlocks(std::span<const MaskBlock> blocks);
   std::optional<MaskSet> Masks() const;
   void SetMasks(const MaskSet& masks);
@@ -422,6 +423,7 @@ class NVX_EXPORT Profile {
   std::optional<Samples> VariableDotCurve(const std::array<std::int32_t, 2>& conditions, std::int32_t ink,
                                           std::int32_t extendInfo) const;
   std::optional<SpecialColorTable> SpecialColors() const;
+  // Replaces all tables by this one.
   void SetSpecialColors(const SpecialColorTable& table);
 
   // --- Calibration history ---

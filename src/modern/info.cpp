@@ -108,7 +108,6 @@ class RecordChange {
     }
     record_.ScanResolution = after_.scanResolution;
     record_.FeedResolution = after_.feedResolution;
-    record_.Expand = after_.expand;
     record_.ColorsetCode = after_.colorsetCode;
     record_.InkTypeCode = after_.inkTypeCode;
     record_.InkMakerCode = after_.inkMakerCode;

@@ -113,10 +113,11 @@ bool IsUnderstood(const CProfileDataEntry& entry) {
          entry.GetPayloadState() == PayloadState::kEdited;
 }
 
+// The option info of an ICC entry tells of its bytes, and stays.
 void CopyHeader(CProfileDataEntry& from, CProfileDataEntry& to) {
   to.SetComplete(from.IsComplete());
   to.SetDisplay(from.IsDisplayEnable());
-  to.SetOptionInfo(from.GetOptionInfo());
+  if (!IsIcc(to)) to.SetOptionInfo(from.GetOptionInfo());
   to.SetLabelString(from.GetLabelString());
 }
 
@@ -244,19 +245,14 @@ std::unique_ptr<CProfileDataEntry> ProfileState::EditableCopy(EntryKind kind) {
   if (PayloadKeeper::IsStale(*entry) && !entry->RenewBuffer()) {
     Fail(TitleOf(kind) + ": what was changed before cannot be written");
   }
-  std::unique_ptr<CProfileDataEntry> copy =
-      entry->Bytes().empty() ? NewEntry(entry->GetUsedType()) : EntryOf(kind, SharedBytes(entry->Bytes()));
-  CopyHeader(*entry, *copy);
-  return copy;
+  return entry->Bytes().empty() ? NewEntry(entry->GetUsedType()) : EntryOf(kind, SharedBytes(entry->Bytes()));
 }
 
 void ProfileState::Store(CProfileDataEntry& changed) {
   const auto kind = static_cast<EntryKind>(changed.GetUsedType());
   if (!changed.DataToBuffer()) Fail(TitleOf(kind) + ": its form cannot hold this");
   // What nobody holds is parsed once and answers from then on.
-  std::unique_ptr<CProfileDataEntry> entry = EntryOf(kind, std::move(PayloadKeeper::BufferOf(changed)));
-  CopyHeader(changed, *entry);
-  Take(std::move(entry));
+  Take(EntryOf(kind, std::move(PayloadKeeper::BufferOf(changed))));
 }
 
 void ProfileState::Take(std::unique_ptr<CProfileDataEntry> entry) {
@@ -267,7 +263,9 @@ void ProfileState::Take(std::unique_ptr<CProfileDataEntry> entry) {
       curves != nullptr && IsPrinterProfile() && type.route == kRouteMain) {
     CheckSampleWidth(*curves);
   }
-  if (CProfileData& model = Model(); Find(static_cast<EntryKind>(type.usedType)) != nullptr) {
+  CProfileData& model = Model();
+  if (CProfileDataEntry* const former = Find(static_cast<EntryKind>(type.usedType))) {
+    CopyHeader(*former, *entry);
     model.ReplaceProfileDataEntry(std::move(entry));
   } else if (IsPrinterProfile()) {
     if (type.route != kRouteMain && model.IsSpecifiedRoute(type.route)) {
@@ -389,7 +387,7 @@ std::vector<std::uint8_t> Profile::ToBytes(std::string_view name) {
   const std::uint32_t size = file.Position;
   file.Buffer = nullptr;
   file.Length = 0;
-  if (!isWritten) Fail("4 GiB or longer");
+  if (!isWritten) Fail("no memory for it, or 4 GiB or longer");
   return std::vector<std::uint8_t>(block.get(), block.get() + size);
 }
 
@@ -433,13 +431,7 @@ std::optional<Entry> Profile::FindEntry(EntryKind kind) const {
 
 void Profile::SetEntryBytes(EntryKind kind, std::span<const std::uint8_t> bytes) {
   if (bytes.size() > UINT32_MAX) Fail(TitleOf(kind) + ": 4 GiB or longer");
-  std::unique_ptr<CProfileDataEntry> entry = EntryOf(kind, SharedBytes(bytes));
-  if (CProfileDataEntry* const former = state_->Find(kind)) {
-    const std::uint32_t optionInfo = entry->GetOptionInfo();
-    CopyHeader(*former, *entry);
-    if (IsIcc(*entry)) entry->SetOptionInfo(optionInfo);  // a view of the bytes
-  }
-  state_->Take(std::move(entry));
+  state_->Take(EntryOf(kind, SharedBytes(bytes)));
 }
 
 bool Profile::RemoveEntry(EntryKind kind) {

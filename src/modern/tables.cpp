@@ -139,7 +139,6 @@ std::optional<MaskBlock> Profile::FindMaskBlock(std::uint32_t type) const {
 void Profile::SetMaskBlocks(std::span<const MaskBlock> blocks) {
   constexpr std::uint32_t kGreatestType = 6;
   CMaskDownLoadEntry entry;
-  entry.SetComplete(true);
   entry.Initialize(static_cast<std::uint32_t>(blocks.size()));
   for (std::uint32_t i = 0; i < blocks.size(); ++i) {
     const MaskBlock& block = blocks[i];
@@ -173,7 +172,6 @@ std::optional<MaskSet> Profile::Masks() const {
 
 void Profile::SetMasks(const MaskSet& masks) {
   CMaskDownloadIncludePatternEntry entry;
-  entry.SetComplete(true);
   for (const MaskRule& rule : masks.rules) entry.GetMaskParameterData()->AddTail(NewRule(rule, masks).release());
   for (const auto& [id, bytes] : masks.patterns) {
     auto pattern = std::make_unique<CMaskPatternDataEntry>();
@@ -232,45 +230,60 @@ LampSettings SettingsOf(Words words, std::span<const std::int32_t> splitSizes) {
   return settings;
 }
 
-// Views of the pattern table: its arrays taken apart by the rules of its form.
+// The pattern table, its arrays taken apart by the rules of its form.
 class LampTableView {
  public:
-  explicit LampTableView(CLargeParameterDataEntry& table) : table_(table) {}
-
-  std::int32_t Count() const {
-    // A count of records that the array has no room for says nothing.
-    const auto room = static_cast<std::int32_t>(table_.Arrays().Words(0).size());
-    return std::clamp(table_.GetPatternCount(), 0, room);
+  explicit LampTableView(CLargeParameterDataEntry& table)
+      : table_(table), records_(table.Arrays().Words(0)), blocks_(table.Arrays().Words(1)) {
+    const std::size_t words = records_.size() - std::min(records_.size(), kLampHead);
+    width_ = words / static_cast<std::size_t>(std::max(table.GetPatternCount(), 1));
   }
 
-  LampPattern At(std::int32_t pattern) const {
+  // A count of records that the array has no room for says nothing.
+  std::int32_t Count() const { return std::clamp(table_.GetPatternCount(), 0, CountOf(records_.size())); }
+
+  // The blocks of the patterns before it take `offset` words.
+  LampPattern At(std::int32_t pattern, std::size_t offset) const {
     LampPattern result;
-    const Words array = table_.Arrays().Words(0);
-    const std::size_t width = (array.size() - std::min(array.size(), kLampHead)) / static_cast<std::size_t>(Count());
-    const std::size_t start = kLampHead + width * static_cast<std::size_t>(pattern) + kLampConditions;
+    const std::size_t start = kLampHead + width_ * static_cast<std::size_t>(pattern) + kLampConditions;
     for (std::size_t i = 0; i < result.conditions.size(); ++i) {
-      const std::int32_t word = start + i < array.size() ? array[start + i] : 0;
-      result.conditions[i] = Condition::Is(word);
+      result.conditions[i] = Condition::Is(start + i < records_.size() ? records_[start + i] : 0);
     }
     std::vector<std::int32_t> splits;
-    const auto most = CountOf(width - std::min(width, kLampRecord));
+    const std::int32_t most = CountOf(width_ - std::min(width_, kLampRecord));
     for (std::int32_t i = 0; i < std::min(table_.SeekPatternSplitCount(pattern), most); ++i) {
       splits.push_back(table_.SeekPatternSplitParamCount(pattern, i));
     }
-    result.settings = SettingsOf(WordsOf(pattern), splits);
+    const Words rest = blocks_.subspan(std::min(offset, blocks_.size()));
+    result.settings = SettingsOf(rest.first(std::min(rest.size(), Size(pattern))), splits);
     return result;
   }
 
- private:
-  Words WordsOf(std::int32_t pattern) const {
-    const Words array = table_.Arrays().Words(1);
+  LampPattern Find(std::int32_t pattern) const {
     const std::int32_t* const first = table_.GetRefBufferByPatternIndex(pattern);
-    if (first == nullptr) return {};
-    const Words rest = array.subspan(static_cast<std::size_t>(first - array.data()));
-    return rest.first(std::min(rest.size(), static_cast<std::size_t>(table_.SeekPatternParamCount(pattern))));
+    return At(pattern, first != nullptr ? static_cast<std::size_t>(first - blocks_.data()) : blocks_.size());
+  }
+
+  // In one walk: a search for each block would take time by the square of their number.
+  std::vector<LampPattern> All() const {
+    std::vector<LampPattern> patterns;
+    std::size_t offset = 0;
+    for (std::int32_t i = 0; i < Count(); ++i) {
+      patterns.push_back(At(i, offset));
+      offset += Size(i);
+    }
+    return patterns;
+  }
+
+ private:
+  std::size_t Size(std::int32_t pattern) const {
+    return static_cast<std::size_t>(table_.SeekPatternParamCount(pattern));
   }
 
   CLargeParameterDataEntry& table_;
+  Words records_;
+  Words blocks_;
+  std::size_t width_ = 0;
 };
 
 CLargeParameterDataEntry* LampTable(const CLargeParameterEntry* entry, std::uint32_t usedType) {
@@ -317,13 +330,9 @@ void CheckWordCount(std::size_t words, const char* what) {
 }  // namespace
 
 std::vector<LampPattern> Profile::LampPatterns() const {
-  std::vector<LampPattern> patterns;
   const auto* const entry = state_->Payload<CLargeParameterEntry>(EntryKind::kLamp);
   CLargeParameterDataEntry* const table = LampTable(entry, 1) == nullptr ? LampTable(entry, 2) : nullptr;
-  if (table == nullptr) return patterns;
-  const LampTableView view(*table);
-  for (std::int32_t i = 0; i < view.Count(); ++i) patterns.push_back(view.At(i));
-  return patterns;
+  return table != nullptr ? LampTableView(*table).All() : std::vector<LampPattern>();
 }
 
 std::optional<LampSettings> Profile::Lamp(const std::array<std::int32_t, 4>& c) const {
@@ -332,7 +341,7 @@ std::optional<LampSettings> Profile::Lamp(const std::array<std::int32_t, 4>& c) 
   CLargeParameterDataEntry* const table = LampTable(entry, 2);
   const std::int32_t pattern = table != nullptr ? table->SeekPatternIndexByCondition(c[0], c[1], c[2], c[3]) : -1;
   if (pattern == -1) return std::nullopt;
-  return LampTableView(*table).At(pattern).settings;
+  return LampTableView(*table).Find(pattern).settings;
 }
 
 void Profile::SetLampPatterns(std::span<const LampPattern> patterns) {
@@ -360,7 +369,6 @@ void Profile::SetLampPatterns(std::span<const LampPattern> patterns) {
   }
   const std::uint32_t sizes[] = {static_cast<std::uint32_t>(records.size()), static_cast<std::uint32_t>(blocks.size())};
   CLargeParameterEntry entry;
-  entry.SetComplete(true);
   std::unique_ptr<CLargeParameterDataEntry> table(CLargeParameterDataEntry::CreateLargeParameterDataEntry(2, sizes));
   FillArrays(*table, std::move(records), blocks);
   table->SetPatternCount(CountOf(patterns.size()));
@@ -378,7 +386,6 @@ void Profile::SetFixedLamp(const LampSettings& settings) {
     Fail("fixed lamp table: not two splits of 131 values");
   }
   CLargeParameterEntry entry;
-  entry.SetComplete(true);
   std::unique_ptr<CLargeParameterDataEntry> table(CLargeParameterDataEntry::CreateLargeParameterDataEntry(1, nullptr));
   std::copy(block.begin(), block.end(), table->Arrays().Words(0).begin());
   entry.GetLargeParameterData()->AddTail(table.release());
@@ -542,7 +549,6 @@ void Profile::SetSpecialColors(const SpecialColorTable& wanted) {
     table->AddTailVD(set.release());
   }
   CSpecialColorInfoEntry entry;
-  entry.SetComplete(true);
   entry.GetSpecialColorInfoData()->SetProfileColorType(wanted.profileColorType);
   entry.GetSpecialColorInfoData()->AddTail(table.release());
   state_->Store(entry);

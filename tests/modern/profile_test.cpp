@@ -182,6 +182,18 @@ TEST(ModernProfile, OtherFormats) {
   EXPECT_EQ(nvx::test::ReadBytes(folder.File("b.qct")), nvx::test::ReadBytes(folder.File("a.qct")));
   container.SetMedia(nvx::MediaSetting::kWave, std::array{1});
   EXPECT_EQ(container.FindEntry(EntryKind::kMedia)->routes, std::vector{Route::kGrayBalance});
+  // A table that is replaced whole keeps what the container says of its entry.
+  container.SetLampPatterns({});
+  CProfileDataEntry& lamp =
+      *container.Access().GetProfileData()->GetProfileDataEntryFromList(CProfileDataEntry::kLargeParameter);
+  lamp.SetLabelString("lamp");
+  lamp.SetOptionInfo(9);
+  lamp.SetComplete(false);
+  container.SetLampPatterns(std::array{nvx::LampPattern()});
+  const nvx::Entry entry = *Profile::FromBytes(container.ToBytes()).FindEntry(EntryKind::kLamp);
+  EXPECT_EQ(entry.label, "lamp");
+  EXPECT_EQ(entry.optionInfo, 9u);
+  EXPECT_FALSE(entry.complete);
 
   const nvx::test::LegacyFolder legacy;
   ASSERT_TRUE(nvx::test::WriteLegacyProfile(legacy.File("old.qpf"), {1, 10}, {6, 7}));

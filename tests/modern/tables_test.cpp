@@ -1,5 +1,6 @@
 // Lamp tables, special colours and masks, built from conditions and values and asked as a print job asks.
 #include "made_profile.h"
+#include "support/byte_builder.h"
 
 #include <nvxprofile/profile_access.h>
 #include <nvxprofile/profile_data.h>
@@ -64,6 +65,19 @@ TEST(ModernLamp, PatternsAnswerByCondition) {
               }),
               HasSubstr("condition"));
   EXPECT_EQ(profile.LampPatterns().size(), 3u);
+}
+
+// A form that claims as many patterns as it has words: the blocks before each are not walked again and again.
+TEST(ModernLamp, HostileTable) {
+  constexpr std::uint32_t kWords = 300'000;
+  nvx::test::ByteBuilder form;
+  form.Text("MRAP").U32(16, 1, 0).Text("HMRP").U32(20, 2, 8 + 8 * kWords, kWords);
+  form.Text("HERP").U32(4 * kWords).Zero(4 * kWords - 4).Text("EMRP").Zero(4 * kWords);
+  Profile profile = NewProfile();
+  profile.SetEntryBytes(nvx::EntryKind::kLamp, form.Take());
+  const std::vector<nvx::LampPattern> patterns = profile.LampPatterns();
+  EXPECT_EQ(patterns.size(), kWords);
+  EXPECT_THAT(patterns[1].settings.head, ElementsAre(0, 0));
 }
 
 TEST(ModernLamp, FixedTable) {
