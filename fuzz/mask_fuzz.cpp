@@ -1,6 +1,7 @@
 // The mask parameter list and the mask pattern table, chosen by the first magic: what loads saves, and loads again as
 // the same.
 #include "check.h"
+#include "core/stream.h"
 #include "forms.h"
 
 #include <nvxprofile/diagnosis.h>
@@ -17,7 +18,7 @@ using Bytes = std::vector<std::uint8_t>;
 
 template <class File, class Data>
 Bytes Save(Data& data) {
-  Bytes bytes(static_cast<std::size_t>(File::GetSavedSize(data)));
+  Bytes bytes(*nvx::SizeOf([&](CNvxFile& file) { return File().SaveFile(file, &data); }));
   CNvxMemFile stream(bytes.data(), static_cast<std::uint32_t>(bytes.size()));
   Check(File().SaveFile(stream, &data) && stream.Position == bytes.size());
   return bytes;

@@ -304,9 +304,6 @@ class NVX_EXPORT CProfileFileCalibration {
   // True if magic and version fit; the header read is kept only then.
   virtual bool LoadHeader(CNvxFile& file, CContainerData* data);
 
-  // Bytes that a save writes.
-  static std::uint64_t GetSavedSize(const CContainerData& data);
-
   // Where the form starts in the stream that is loaded; 0 at first.
   std::uint32_t GetOffsetLoadPoint() const { return offsetLoadPoint_; }
   void SetOffsetLoadPoint(std::uint32_t offset) { offsetLoadPoint_ = offset; }

@@ -195,8 +195,6 @@ class NVX_EXPORT CMaskParameterFile : public CDataFile {
   // stream takes fewer bytes than it is given.
   virtual bool SaveFile(CNvxFile& file, CMaskParameterData* data);
 
-  // Bytes that a save writes.
-  static std::uint64_t GetSavedSize(const CMaskParameterData& data);
   // Whether the form has room for every record.
   static bool CanSave(const CMaskParameterData& data);
 
@@ -219,9 +217,6 @@ class NVX_EXPORT CMaskPatternFile : public CDataFile {
 
   // False if the stream takes fewer bytes than it is given.
   virtual bool SaveFile(CNvxFile& file, CMaskPatternData* data);
-
-  // Bytes that a save writes.
-  static std::uint64_t GetSavedSize(const CMaskPatternData& data);
 
  private:
   std::uint32_t recordCount_ = 0;

@@ -109,7 +109,7 @@ class NVX_EXPORT CMaskDownLoadEntry : public CProfileDataEntry {
   virtual std::uint32_t SaveWeftData(CNvxFile& file);
 
   // Bytes that SaveWeftData writes; nothing if the form cannot carry what there is.
-  virtual std::optional<std::uint64_t> GetWeftDataSize() const;
+  virtual std::optional<std::uint64_t> GetWeftDataSize();
 
   std::uint32_t GetDataCount() const { return header_.DataCount; }
   void SetHeader(const tagWeftHeader& header) { header_ = header; }
@@ -153,9 +153,12 @@ class NVX_EXPORT CMaskDownloadIncludePatternEntry : public CMaskDownLoadEntry {
   bool LoadWeftData(CNvxFile& file) override;
   std::uint32_t SaveWeftDataHeader(CNvxFile& file) override;
   std::uint32_t SaveWeftData(CNvxFile& file) override;
-  std::optional<std::uint64_t> GetWeftDataSize() const override;
+  std::optional<std::uint64_t> GetWeftDataSize() override;
 
  private:
+  // The body of the one block.
+  bool WriteLists(CNvxFile& file);
+
   CMaskParameterData parameters_;
   CMaskPatternData patterns_;
 };

@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <cstring>
 #include <limits>
+#include <optional>
 #include <span>
 #include <utility>
 
@@ -64,31 +65,30 @@ class PayloadKeeper {
     return entry.isOpen_ || (entry.state_ == PayloadState::kUnread && !entry.buffer_.IsEmpty());
   }
 
-  // Runs save(stream) into a new block made for a form of `size` bytes and gives the block to the entry. On false the
-  // entry's buffer stays as it was, and so it does if it says the same already: most renewals change nothing, and
-  // memory costs more than looking.
+  // Runs save(stream) into a new block and gives that to the entry. On false the entry's buffer stays as it was, and so
+  // it does if it says the same already: most renewals change nothing, and memory costs more than looking. The writer
+  // itself tells how long the block has to be.
   template <class Save>
-  static bool Replace(CProfileDataEntry& entry, std::uint64_t size, BufferLength length, Save&& save) {
-    constexpr std::uint64_t kStep = 1024;
-    const std::uint64_t rounded = size == 0 ? kStep : (size + kStep - 1) / kStep * kStep;
-    const std::uint64_t capacity = length == BufferLength::kExact ? size : rounded;
+  static bool Replace(CProfileDataEntry& entry, BufferLength length, Save&& save) {
+    if (Says(entry.Bytes(), length, save)) return true;
+    const std::optional<std::uint64_t> size = SizeOf(save);
+    const std::uint64_t capacity = size ? CapacityFor(*size, length) : std::numeric_limits<std::uint64_t>::max();
     if (capacity > std::numeric_limits<std::uint32_t>::max()) return false;
-    if (Says(entry.Bytes(), size, capacity, save)) return true;
     Block block = AllocateBlock(static_cast<std::size_t>(capacity));
-    std::memset(block.get() + size, 0, static_cast<std::size_t>(capacity - size));
+    std::memset(block.get() + *size, 0, static_cast<std::size_t>(capacity - *size));
     CNvxMemFile stream(block.get(), static_cast<std::uint32_t>(capacity));
-    if (!save(stream) || stream.GetPosition() != size) return false;
+    if (!save(stream) || stream.GetPosition() != *size) return false;
     entry.AttachBuffer(block.release(), static_cast<std::uint32_t>(capacity));
     return true;
   }
 
   // True if the buffer is what Replace would make.
   template <class Save>
-  static bool Says(std::span<const std::uint8_t> buffer, std::uint64_t size, std::uint64_t capacity, Save& save) {
-    if (buffer.empty() || buffer.size() != capacity) return false;
+  static bool Says(std::span<const std::uint8_t> buffer, BufferLength length, Save& save) {
+    if (buffer.empty()) return false;
     ComparingStream stream(buffer);
-    if (!save(stream) || stream.Position != size) return false;
-    const auto rest = buffer.subspan(static_cast<std::size_t>(size));
+    if (!save(stream) || CapacityFor(stream.Position, length) != buffer.size()) return false;
+    const auto rest = buffer.subspan(stream.Position);
     return std::all_of(rest.begin(), rest.end(), [](std::uint8_t byte) { return byte == 0; });
   }
 
@@ -128,6 +128,13 @@ class PayloadKeeper {
   // The form of the payload as DataToBuffer makes it, whatever the buffer holds; buffer and state stay. Empty if the
   // form cannot carry the payload.
   static SharedBytes FormOf(CProfileDataEntry& entry);
+
+ private:
+  static std::uint64_t CapacityFor(std::uint64_t size, BufferLength length) {
+    constexpr std::uint64_t kStep = 1024;
+    if (length == BufferLength::kExact) return size;
+    return size == 0 ? kStep : (size + kStep - 1) / kStep * kStep;
+  }
 };
 
 inline EntryStream::EntryStream(CProfileDataEntry& entry)
@@ -142,8 +149,8 @@ bool ParseBuffer(CProfileDataEntry& entry, Load&& load) {
 
 // The buffer anew from the payload, unless it holds bytes that the payload does not say.
 template <class Save>
-bool RebuildBuffer(CProfileDataEntry& entry, std::uint64_t size, BufferLength length, Save&& save) {
-  if (!PayloadKeeper::SaysAll(entry) || !PayloadKeeper::Replace(entry, size, length, save)) return false;
+bool RebuildBuffer(CProfileDataEntry& entry, BufferLength length, Save&& save) {
+  if (!PayloadKeeper::SaysAll(entry) || !PayloadKeeper::Replace(entry, length, save)) return false;
   PayloadKeeper::SetInStep(entry);
   return true;
 }

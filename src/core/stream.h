@@ -9,6 +9,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string_view>
 
 namespace nvx {
@@ -53,6 +54,26 @@ void Warn(CNvxFile& file, std::uint64_t offset, std::string_view rule);
 
 // The same for what a reader leaves out of what it makes of the form.
 void PassOver(CNvxFile& file, std::string_view rule);
+
+// A stream that takes everything and keeps nothing but how much that was.
+class CountingStream : public CNvxMemFile {
+ public:
+  std::uint32_t Write(const void*, std::uint32_t count) override {
+    size_ += count;
+    return count;
+  }
+  std::uint64_t Size() const { return size_; }
+
+ private:
+  std::uint64_t size_ = 0;
+};
+
+// Bytes that save(stream) writes; nothing if it gives false.
+template <class Save>
+std::optional<std::uint64_t> SizeOf(Save&& save) {
+  CountingStream stream;
+  return save(static_cast<CNvxFile&>(stream)) ? std::optional(stream.Size()) : std::nullopt;
+}
 
 // The next `count` bytes of a stream: a view of the block of a memory stream, or a copy of a file's bytes. The stream
 // moves behind them. Empty with `count` above 0 if the stream holds fewer.

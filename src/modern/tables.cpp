@@ -400,8 +400,6 @@ constexpr std::size_t kColorHead = 4;     // head words of the patterns
 constexpr std::size_t kColorRecord = 5;   // words of a pattern before its slots
 constexpr std::size_t kAdviceRecord = 5;  // words of a recommendation
 constexpr std::uint32_t kColorTable = 1;
-constexpr std::size_t kCurveSetHeader = 32;
-constexpr std::size_t kCurveRecord = 132;
 
 CSpecialColorInfoDataEntry* ColorTable(const CSpecialColorInfoEntry* entry) {
   if (entry == nullptr) return nullptr;
@@ -453,15 +451,17 @@ std::vector<std::int32_t> SlotsOf(const SpecialColorPattern& pattern) {
   return slots;
 }
 
-// A reader finds the end of a set by its first curve.
-std::size_t SizeOfSet(const std::vector<Curve>& curves) {
+std::unique_ptr<CCurveData> NewCurveSet(const std::vector<Curve>& curves) {
   const auto bytes = [](const Curve& curve) {
     return std::visit([](auto samples) { return samples.size_bytes(); }, curve.samples);
   };
+  // A reader finds the end of a set by its first curve.
   for (const Curve& curve : curves) {
     if (bytes(curve) != bytes(curves.front())) Fail("special colours: curves of a set differ in their size");
   }
-  return kCurveSetHeader + (curves.empty() ? 0 : curves.size() * (4 + kCurveRecord + bytes(curves.front())));
+  auto set = std::make_unique<CCurveData>();
+  FillCurves(*set, curves);
+  return set;
 }
 
 }  // namespace
@@ -531,8 +531,12 @@ void Profile::SetSpecialColors(const SpecialColorTable& wanted) {
     recommendation[3] = pattern.density;
     recommendation[4] = pattern.curveSet ? CountOf(*pattern.curveSet) + 1 : 0;
   }
-  std::size_t curveBytes = 0;
-  for (const std::vector<Curve>& set : wanted.curveSets) curveBytes += SizeOfSet(set);
+  std::vector<std::unique_ptr<CCurveData>> curveSets;
+  std::uint64_t curveBytes = 0;
+  for (const std::vector<Curve>& curves : wanted.curveSets) {
+    CCurveData& set = *curveSets.emplace_back(NewCurveSet(curves));
+    curveBytes += SizeOf([&](CNvxFile& file) { return CCurveFile().SaveFile(file, &set); }).value_or(0);
+  }
   CheckWordCount(curveBytes / sizeof(std::int32_t) + 1, "special colours");
   patterns[2] = CountOf(wanted.curveSets.size());
   patterns[3] = CountOf(curveBytes);
@@ -543,11 +547,7 @@ void Profile::SetSpecialColors(const SpecialColorTable& wanted) {
   table->SetUsedType(kColorTable, sizes);
   FillArrays(*table, std::move(patterns), advice);
   table->SetPatternCount(CountOf(wanted.patterns.size()));
-  for (const std::vector<Curve>& curves : wanted.curveSets) {
-    auto set = std::make_unique<CCurveData>();
-    FillCurves(*set, curves);
-    table->AddTailVD(set.release());
-  }
+  for (std::unique_ptr<CCurveData>& set : curveSets) table->AddTailVD(set.release());
   CSpecialColorInfoEntry entry;
   entry.GetSpecialColorInfoData()->SetProfileColorType(wanted.profileColorType);
   entry.GetSpecialColorInfoData()->AddTail(table.release());

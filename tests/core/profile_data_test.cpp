@@ -173,26 +173,28 @@ TEST(ProfileDataEntry, ARebuiltBufferHasTheAskedLengthOrStaysAsItWas) {
       return nvx::WriteExact(file, bytes.data(), count);
     };
   };
-  EXPECT_TRUE(nvx::RebuildBuffer(entry, 276, nvx::BufferLength::kCapacity, write(276)));
+  EXPECT_TRUE(nvx::RebuildBuffer(entry, nvx::BufferLength::kCapacity, write(276)));
   EXPECT_EQ(entry.GetSize(), 1024u);
   EXPECT_EQ(entry.GetRefBuffer()[275], 'x');
   EXPECT_EQ(entry.GetRefBuffer()[276], 0);
   EXPECT_EQ(entry.GetRefBuffer()[1023], 0);
   const std::uint8_t* const place = entry.Bytes().data();
-  EXPECT_TRUE(nvx::RebuildBuffer(entry, 276, nvx::BufferLength::kCapacity, write(276)));
+  EXPECT_TRUE(nvx::RebuildBuffer(entry, nvx::BufferLength::kCapacity, write(276)));
   EXPECT_EQ(entry.Bytes().data(), place) << "it says the same already";
   for (const std::size_t at : {0u, 275u, 276u, 1023u}) {
     entry.GetRefBuffer()[at] = 'y';
-    EXPECT_TRUE(nvx::RebuildBuffer(entry, 276, nvx::BufferLength::kCapacity, write(276)));
+    EXPECT_TRUE(nvx::RebuildBuffer(entry, nvx::BufferLength::kCapacity, write(276)));
     EXPECT_EQ(entry.Bytes()[at], at < 276 ? 'x' : 0);
   }
-  EXPECT_TRUE(nvx::RebuildBuffer(entry, 1024, nvx::BufferLength::kCapacity, write(1024)));
+  EXPECT_TRUE(nvx::RebuildBuffer(entry, nvx::BufferLength::kCapacity, write(1024)));
   EXPECT_EQ(entry.GetSize(), 1024u);
-  EXPECT_TRUE(nvx::RebuildBuffer(entry, 1025, nvx::BufferLength::kExact, write(1025)));
+  EXPECT_TRUE(nvx::RebuildBuffer(entry, nvx::BufferLength::kExact, write(1025)));
   EXPECT_EQ(entry.GetSize(), 1025u);
-  EXPECT_FALSE(nvx::RebuildBuffer(entry, 10, nvx::BufferLength::kExact, write(9)));
-  EXPECT_FALSE(nvx::RebuildBuffer(entry, 10, nvx::BufferLength::kExact, [](CNvxFile&) { return false; }));
-  EXPECT_FALSE(nvx::RebuildBuffer(entry, 0x1'0000'0000, nvx::BufferLength::kExact, write(0)));
+  EXPECT_FALSE(nvx::RebuildBuffer(entry, nvx::BufferLength::kExact, [](CNvxFile&) { return false; }));
+  // Whoever writes 4 GiB is refused before there is a block for them.
+  EXPECT_FALSE(nvx::RebuildBuffer(entry, nvx::BufferLength::kExact, [](CNvxFile& file) {
+    return file.Write("", 0xFFFFFFFFu) == 0xFFFFFFFFu && file.Write("", 1) == 1;
+  }));
   EXPECT_EQ(entry.GetSize(), 1025u);
 }
 

@@ -116,7 +116,7 @@ bool CCalibrationInfoEntry::BufferToData() {
 }
 
 bool CCalibrationInfoEntry::DataToBuffer() {
-  return nvx::RebuildBuffer(*this, kInfoSize, nvx::BufferLength::kExact, [this](CNvxFile& stream) {
+  return nvx::RebuildBuffer(*this, nvx::BufferLength::kExact, [this](CNvxFile& stream) {
     const Records& records = UseRecords();
     return nvx::WriteExact(stream, records.base.Data, kRecordLength) &&
            nvx::WriteExact(stream, records.extended.Data, kRecordLength);

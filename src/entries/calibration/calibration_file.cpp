@@ -145,14 +145,6 @@ CProfileFileCalibration::~CProfileFileCalibration() = default;
 
 void CProfileFileCalibration::DeleteContents() { entryHeaders_.clear(); }
 
-std::uint64_t CProfileFileCalibration::GetSavedSize(const CContainerData& data) {
-  std::uint64_t size = kHeaderSize;
-  for (CProfileDataEntry* const child : data.Children()) {
-    size += std::uint64_t{kEntryHeaderSize} + CalibrationEntryHeader::kBodyMagicSize + child->GetSize();
-  }
-  return size;
-}
-
 bool CProfileFileCalibration::LoadData(CNvxFile& file, CContainerData* data, bool headerOnly) {
   if (data == nullptr || !LoadHeader(file, data)) return false;
   return headerOnly || LoadEntries(file, data);

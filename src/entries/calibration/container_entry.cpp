@@ -149,7 +149,7 @@ bool CContainerEntry::RebuildForm(std::uint32_t optionValue) {
   }
   CProfileFileCalibration form;
   form.SetOptionValue(optionValue);
-  return nvx::RebuildBuffer(*this, CProfileFileCalibration::GetSavedSize(data_), nvx::BufferLength::kExact,
+  return nvx::RebuildBuffer(*this, nvx::BufferLength::kExact,
                             [&](CNvxFile& stream) { return form.SaveData(stream, &data_); });
 }
 

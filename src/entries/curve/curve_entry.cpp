@@ -55,7 +55,7 @@ bool CProfileCurveEntry::BufferToData() {
 }
 
 bool CProfileCurveEntry::DataToBuffer() {
-  return nvx::RebuildBuffer(*this, nvx::CurveSetSize(curves_), nvx::BufferLength::kExact,
+  return nvx::RebuildBuffer(*this, nvx::BufferLength::kExact,
                             [this](CNvxFile& file) { return CCurveFile().SaveFile(file, &curves_); });
 }
 

@@ -66,14 +66,6 @@ class CurveSetRefill {
   std::size_t taken_ = 0;
 };
 
-std::uint64_t CurveSetSize(const CCurveData& set) {
-  std::uint64_t size = kRecordSize<tagCurveFileHeader>;
-  for (CCurveDataEntry* const curve : set.Curves()) {
-    size += std::uint64_t{kRecordSize<CurveRecord>} + kCurveBlockMagicSize + curve->GetSize();
-  }
-  return size;
-}
-
 bool ReloadCurveSet(CNvxMemFile& file, CCurveData& set) {
   CurveSetRefill curves(set);
   tagCurveFileHeader header;

@@ -49,9 +49,6 @@ inline constexpr std::uint32_t kCurveBlockMagicSize = 4;
 // Bytes of the name in a record.
 inline constexpr std::uint32_t kCurveNameSize = sizeof(CurveRecord::InkName);
 
-// Bytes of the form of a set.
-std::uint64_t CurveSetSize(const CCurveData& set);
-
 // Makes the set what the form at the start of the block says, as emptying it and loading the form would; false in the
 // same cases. Curves of an owned set that have the class and size that the form asks for are filled again where they
 // are, so that a form of the same shape costs no allocation.

@@ -18,9 +18,7 @@ CDataObject* CLargeParameterEntry::GetFormatData() { return GetLargeParameterDat
 bool CLargeParameterEntry::DoImport(CProfileDataEntry* source) {
   auto* const other = dynamic_cast<CLargeParameterEntry*>(source);
   if (other == nullptr || !nvx::PayloadKeeper::SaysAll(*other)) return false;
-  const auto size = nvx::LargeParameterFormSize(other->data_);
-  return size && nvx::PayloadKeeper::Replace(*this, *size, nvx::BufferLength::kCapacity, Writer(other->data_)) &&
-         BufferToData();
+  return nvx::PayloadKeeper::Replace(*this, nvx::BufferLength::kCapacity, Writer(other->data_)) && BufferToData();
 }
 
 bool CLargeParameterEntry::BufferToData() {
@@ -32,6 +30,5 @@ bool CLargeParameterEntry::BufferToData() {
 }
 
 bool CLargeParameterEntry::DataToBuffer() {
-  const auto size = nvx::LargeParameterFormSize(data_);
-  return size && nvx::RebuildBuffer(*this, *size, nvx::BufferLength::kCapacity, Writer(data_));
+  return nvx::RebuildBuffer(*this, nvx::BufferLength::kCapacity, Writer(data_));
 }

@@ -2,6 +2,7 @@
 #include "core/stream.h"
 #include "entries/large_parameter/large_parameter_records.h"
 
+#include <algorithm>
 #include <limits>
 #include <memory>
 #include <vector>
@@ -87,21 +88,20 @@ bool WriteBlock(CNvxFile& file, const CLargeParameterDataEntry& table) {
                                             : nvx::WriteTwoArrays(file, LargeParameterHeader::kPatternMagics, arrays);
 }
 
-}  // namespace
+constexpr std::uint64_t kLargestForm = std::numeric_limits<std::uint32_t>::max();
 
-namespace nvx {
-
-std::optional<std::uint64_t> LargeParameterFormSize(const CLargeParameterData& data) {
-  std::uint64_t size = kRecordSize<LargeParameterHeader>;
-  for (const CLargeParameterDataEntry* const table : data.Entries()) {
-    if (!IsCarried(*table)) return std::nullopt;
-    size += kRecordSize<WordTableRecord> + ArraysSize(table->Arrays());
-  }
-  if (size > std::numeric_limits<std::uint32_t>::max()) return std::nullopt;
-  return size;
+bool WriteForm(CNvxFile& file, const CLargeParameterData& data) {
+  LargeParameterHeader header;
+  header.recordCount = data.GetPropertyCount();
+  const auto& tables = data.Entries();
+  return nvx::WriteRecord(file, header) &&
+         std::all_of(tables.begin(), tables.end(),
+                     [&](CLargeParameterDataEntry* table) { return nvx::WriteRecord(file, RecordOf(*table)); }) &&
+         std::all_of(tables.begin(), tables.end(),
+                     [&](const CLargeParameterDataEntry* table) { return WriteBlock(file, *table); });
 }
 
-}  // namespace nvx
+}  // namespace
 
 CLargeParameterFile* CLargeParameterFile::CreateLargeParameterFile(CNvxFile& file) {
   auto reader = std::make_unique<CLargeParameterFile>();
@@ -145,15 +145,9 @@ bool CLargeParameterFile::LoadFile(CNvxFile& file, CLargeParameterData* data) {
 }
 
 bool CLargeParameterFile::SaveFile(CNvxFile& file, CLargeParameterData* data) {
-  if (data == nullptr || !nvx::LargeParameterFormSize(*data)) return false;
-  LargeParameterHeader header;
-  header.recordCount = data->GetPropertyCount();
-  if (!nvx::WriteRecord(file, header)) return false;
-  for (CLargeParameterDataEntry* const table : data->Entries()) {
-    if (!nvx::WriteRecord(file, RecordOf(*table))) return false;
-  }
-  for (const CLargeParameterDataEntry* const table : data->Entries()) {
-    if (!WriteBlock(file, *table)) return false;
-  }
-  return true;
+  if (data == nullptr) return false;
+  const auto& tables = data->Entries();
+  return std::all_of(tables.begin(), tables.end(), [](const auto* table) { return IsCarried(*table); }) &&
+         nvx::SizeOf([&](CNvxFile& counter) { return WriteForm(counter, *data); }) <= kLargestForm &&
+         WriteForm(file, *data);
 }

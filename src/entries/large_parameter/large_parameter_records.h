@@ -33,7 +33,4 @@ static_assert(kRecordSize<LargeParameterHeader> == 16);
 inline constexpr std::uint32_t kFixedTable = 1;
 inline constexpr std::uint32_t kPatternTable = 2;
 
-// Bytes of the form, nothing for what it cannot carry.
-std::optional<std::uint64_t> LargeParameterFormSize(const CLargeParameterData& data);
-
 }  // namespace nvx

@@ -42,7 +42,6 @@ bool CSeparateChromaEntry::BufferToData() {
 }
 
 bool CSeparateChromaEntry::DataToBuffer() {
-  const auto size = nvx::LutFormSize(data_);
-  return size && nvx::RebuildBuffer(*this, *size, nvx::BufferLength::kCapacity,
-                                    [&](CNvxFile& stream) { return CLutFile().SaveFile(stream, &data_); });
+  return nvx::RebuildBuffer(*this, nvx::BufferLength::kCapacity,
+                            [&](CNvxFile& stream) { return CLutFile().SaveFile(stream, &data_); });
 }

@@ -80,21 +80,22 @@ bool ForEachView(const CLutData& data, Visit visit) {
   return true;
 }
 
-}  // namespace
-
-std::optional<std::uint64_t> nvx::LutFormSize(const CLutData& table) {
-  const std::uint64_t inputs = table.GetInputChannelCount();
+// False for a table that would not load again: its nodes or channels are not those that its counts tell of.
+bool FitsItsCounts(const CLutData& table) {
   const std::uint64_t outputs = table.GetOutputChannelCount();
-  if (table.InputChannels().size() != inputs || table.OutputChannels().size() != outputs) return std::nullopt;
+  if (table.InputChannels().size() != table.GetInputChannelCount() || table.OutputChannels().size() != outputs) {
+    return false;
+  }
   std::uint64_t samples = 0;
-  const bool even = ForEachView(table, [&](const SampleView& run) {
+  const bool even = ForEachView(table, [&](const nvx::SampleView& run) {
     samples += run.size;
     return run.size == static_cast<std::uint64_t>(run.nodes) * outputs;
   });
   const std::uint64_t nodes = CLutData::CountNodes(table.GetInputChannelCount(), table.GetGridCount());
-  if (!even || (outputs != 0 && samples / outputs != nodes)) return std::nullopt;
-  return kRecordSize<LutHeader> + (inputs + outputs) * kRecordSize<LutChannelHeader> + samples;
+  return even && (outputs == 0 || samples / outputs == nodes);
 }
+
+}  // namespace
 
 CLutFile::~CLutFile() = default;
 
@@ -122,7 +123,7 @@ bool CLutFile::LoadFile(CNvxFile& file, CLutData* data) {
 }
 
 bool CLutFile::SaveFile(CNvxFile& file, CLutData* data) {
-  if (data == nullptr || !nvx::LutFormSize(*data)) return false;
+  if (data == nullptr || !FitsItsCounts(*data)) return false;
   LutHeader header;
   header.inputChannels = data->GetInputChannelCount();
   header.outputChannels = data->GetOutputChannelCount();

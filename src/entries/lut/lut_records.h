@@ -56,8 +56,4 @@ struct LutChannelHeader {
 static_assert(kRecordSize<LutHeader> == 280);
 static_assert(kRecordSize<LutChannelHeader> == 336);
 
-// Bytes of the form of a table; nothing for one that would not load again: its nodes or channels are not those that its
-// counts tell of.
-std::optional<std::uint64_t> LutFormSize(const CLutData& table);
-
 }  // namespace nvx

@@ -201,11 +201,8 @@ bool CMaskDownLoadEntry::LoadBlock(CNvxFile& file, std::uint32_t index) {
 }
 
 bool CMaskDownLoadEntry::DataToBuffer() {
-  const std::optional<std::uint64_t> dataSize = GetWeftDataSize();
-  if (!dataSize) return false;
-  const std::uint64_t size = nvx::kRecordSize<WeftHeaderRecord> +
-                             std::uint64_t{header_.DataCount} * nvx::kRecordSize<WeftBlockHeader> + *dataSize;
-  const bool rebuilt = nvx::RebuildBuffer(*this, size, nvx::BufferLength::kExact, [this](CNvxFile& file) {
+  if (!GetWeftDataSize()) return false;
+  const bool rebuilt = nvx::RebuildBuffer(*this, nvx::BufferLength::kExact, [this](CNvxFile& file) {
     if (!nvx::WriteRecord(file, WeftHeaderRecord{header_})) return false;
     return (header_.DataCount == 0 || SaveWeftDataHeader(file) != 0) &&
            (header_.DataCount == 0 || SaveWeftData(file) != 0);
@@ -214,7 +211,7 @@ bool CMaskDownLoadEntry::DataToBuffer() {
   return rebuilt;
 }
 
-std::optional<std::uint64_t> CMaskDownLoadEntry::GetWeftDataSize() const {
+std::optional<std::uint64_t> CMaskDownLoadEntry::GetWeftDataSize() {
   if (header_.DataCount > blocks_.size()) return std::nullopt;
   const auto end = blocks_.begin() + header_.DataCount;
   if (!std::all_of(blocks_.begin(), end, IsSound)) return std::nullopt;
@@ -270,12 +267,15 @@ bool CMaskDownloadIncludePatternEntry::LoadWeftData(CNvxFile& file) {
   return CMaskParameterFile().LoadFile(file, &parameters_) && CMaskPatternFile().LoadFile(file, &patterns_);
 }
 
-std::optional<std::uint64_t> CMaskDownloadIncludePatternEntry::GetWeftDataSize() const {
+bool CMaskDownloadIncludePatternEntry::WriteLists(CNvxFile& file) {
+  return nvx::WriteMagic(file, WeftBlockHeader::kBodyMagic) && CMaskParameterFile().SaveFile(file, &parameters_) &&
+         CMaskPatternFile().SaveFile(file, &patterns_);
+}
+
+std::optional<std::uint64_t> CMaskDownloadIncludePatternEntry::GetWeftDataSize() {
   if (GetDataCount() != 1 || !CMaskParameterFile::CanSave(parameters_)) return std::nullopt;
-  const std::uint64_t size = WeftBlockHeader::kBodyMagicSize + CMaskParameterFile::GetSavedSize(parameters_) +
-                             CMaskPatternFile::GetSavedSize(patterns_);
-  if (size > UINT32_MAX) return std::nullopt;
-  return size;
+  const auto size = nvx::SizeOf([this](CNvxFile& file) { return WriteLists(file); });
+  return size && *size <= UINT32_MAX ? size : std::nullopt;
 }
 
 std::uint32_t CMaskDownloadIncludePatternEntry::SaveWeftDataHeader(CNvxFile& file) {
@@ -292,7 +292,5 @@ std::uint32_t CMaskDownloadIncludePatternEntry::SaveWeftDataHeader(CNvxFile& fil
 
 std::uint32_t CMaskDownloadIncludePatternEntry::SaveWeftData(CNvxFile& file) {
   const std::optional<std::uint64_t> size = GetWeftDataSize();
-  const bool saved = size && nvx::WriteMagic(file, WeftBlockHeader::kBodyMagic) &&
-                     CMaskParameterFile().SaveFile(file, &parameters_) && CMaskPatternFile().SaveFile(file, &patterns_);
-  return saved ? static_cast<std::uint32_t>(*size) : 0;
+  return size && WriteLists(file) ? static_cast<std::uint32_t>(*size) : 0;
 }

@@ -198,14 +198,6 @@ bool CMaskParameterFile::SaveFile(CNvxFile& file, CMaskParameterData* data) {
          });
 }
 
-std::uint64_t CMaskParameterFile::GetSavedSize(const CMaskParameterData& data) {
-  std::uint64_t size = nvx::kRecordSize<MaskFileHeader>;
-  for (const CMaskParameterDataEntry* entry : data.Entries()) {
-    size += std::uint64_t{nvx::kRecordSize<MaskParameterRecord>} + nvx::kMaskBlockMagicSize + entry->GetParamDataSize();
-  }
-  return size;
-}
-
 bool CMaskParameterFile::CanSave(const CMaskParameterData& data) {
   return std::all_of(data.Entries().begin(), data.Entries().end(), [](const CMaskParameterDataEntry* entry) {
     return entry->GetLayerColorCount() <= kMostLayerColors && entry->GetUsePatternIDCount() <= kMostUsePatternIDs;
@@ -243,12 +235,4 @@ bool CMaskPatternFile::SaveFile(CNvxFile& file, CMaskPatternData* data) {
            return WriteBlock(file, nvx::kMaskPatternBlockMagic, entry->GetMaskPatternBuffer(),
                              entry->GetMaskPatternSize());
          });
-}
-
-std::uint64_t CMaskPatternFile::GetSavedSize(const CMaskPatternData& data) {
-  std::uint64_t size = nvx::kRecordSize<MaskFileHeader>;
-  for (const CMaskPatternDataEntry* entry : data.Entries()) {
-    size += std::uint64_t{nvx::kRecordSize<MaskPatternRecord>} + nvx::kMaskBlockMagicSize + entry->GetMaskPatternSize();
-  }
-  return size;
 }

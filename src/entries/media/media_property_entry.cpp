@@ -1,17 +1,6 @@
 #include "core/payload.h"
-#include "entries/media/media_property_records.h"
 
 #include <nvxprofile/media_property.h>
-
-namespace {
-
-std::uint64_t FormSize(const CMediaPropertyData& data) {
-  constexpr std::uint64_t kBlockSize =
-      nvx::kRecordSize<nvx::MediaPropertyEntryHeader> + nvx::kRecordSize<nvx::MediaPropertyBlock>;
-  return nvx::kRecordSize<nvx::MediaPropertyHeader> + kBlockSize * static_cast<std::uint64_t>(data.GetPropertyCount());
-}
-
-}  // namespace
 
 CMediaPropertyEntry::CMediaPropertyEntry() : CProfileDataEntry(kMediaProperty, kFormatKeyed, true) {}
 CMediaPropertyEntry::~CMediaPropertyEntry() = default;
@@ -26,6 +15,6 @@ bool CMediaPropertyEntry::BufferToData() {
 }
 
 bool CMediaPropertyEntry::DataToBuffer() {
-  return nvx::RebuildBuffer(*this, FormSize(data_), nvx::BufferLength::kCapacity,
+  return nvx::RebuildBuffer(*this, nvx::BufferLength::kCapacity,
                             [&](CNvxFile& stream) { return CMediaPropertyFile().SaveFile(stream, &data_); });
 }

@@ -12,7 +12,7 @@ bool CModelEntry::BufferToData() {
 }
 
 bool CModelEntry::DataToBuffer() {
-  return nvx::RebuildBuffer(*this, CModelFile::kRecordSize, nvx::BufferLength::kCapacity,
+  return nvx::RebuildBuffer(*this, nvx::BufferLength::kCapacity,
                             [&](CNvxFile& stream) { return CModelFile().SaveFile(stream, &data_); });
 }
 
@@ -29,6 +29,6 @@ bool CInfoEntry::BufferToData() {
 }
 
 bool CInfoEntry::DataToBuffer() {
-  return nvx::RebuildBuffer(*this, CInfoFile::kRecordSize, nvx::BufferLength::kCapacity,
+  return nvx::RebuildBuffer(*this, nvx::BufferLength::kCapacity,
                             [&](CNvxFile& stream) { return CInfoFile().SaveFile(stream, &data_); });
 }

@@ -56,14 +56,14 @@ bool ReadCurveSets(CNvxFile& file, std::uint32_t count, std::uint32_t size,
   return true;
 }
 
-std::optional<std::uint64_t> ListedCurveSetSize(const CCurveData& set) {
+std::optional<std::uint64_t> ListedCurveSetSize(CCurveData& set) {
   std::optional<std::uint32_t> curveSize;
   for (CCurveDataEntry* const curve : set.Curves()) {
     const std::uint32_t size = curve->GetSize();
     if (!HasKnownType(curve) || size != curveSize.value_or(size)) return std::nullopt;
     curveSize = size;
   }
-  return CurveSetSize(set);
+  return SizeOf([&](CNvxFile& file) { return CCurveFile().SaveFile(file, &set); });
 }
 
 }  // namespace nvx

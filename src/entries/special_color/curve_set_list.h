@@ -20,6 +20,6 @@ bool ReadCurveSets(CNvxFile& file, std::uint32_t count, std::uint32_t size,
 
 // Bytes of a set that ReadCurveSets finds whole again; nothing for curves that differ in data size or that the curve
 // form cannot carry.
-std::optional<std::uint64_t> ListedCurveSetSize(const CCurveData& set);
+std::optional<std::uint64_t> ListedCurveSetSize(CCurveData& set);
 
 }  // namespace nvx

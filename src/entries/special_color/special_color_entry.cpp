@@ -19,9 +19,7 @@ bool CSpecialColorInfoEntry::DoImport(CProfileDataEntry* source) {
   auto* const other = dynamic_cast<CSpecialColorInfoEntry*>(source);
   if (other == nullptr || !nvx::PayloadKeeper::SaysAll(*other)) return false;
   try {
-    const auto size = nvx::SpecialColorFormSize(other->data_);
-    return size && nvx::PayloadKeeper::Replace(*this, *size, nvx::BufferLength::kCapacity, Writer(other->data_)) &&
-           BufferToData();
+    return nvx::PayloadKeeper::Replace(*this, nvx::BufferLength::kCapacity, Writer(other->data_)) && BufferToData();
   } catch (...) {
     return false;
   }
@@ -36,6 +34,5 @@ bool CSpecialColorInfoEntry::BufferToData() {
 }
 
 bool CSpecialColorInfoEntry::DataToBuffer() {
-  const auto size = nvx::SpecialColorFormSize(data_);
-  return size && nvx::RebuildBuffer(*this, *size, nvx::BufferLength::kCapacity, Writer(data_));
+  return nvx::RebuildBuffer(*this, nvx::BufferLength::kCapacity, Writer(data_));
 }

@@ -83,18 +83,16 @@ struct Placed {
   std::uint64_t start;
 };
 
-// Bytes of a table's data block; nothing for what the form cannot carry.
-std::optional<std::uint64_t> BlockSize(const CSpecialColorInfoDataEntry& table) {
-  if (table.GetUsedType() != kSpecialColorTable || !nvx::SaysItsLength(table.Arrays())) return std::nullopt;
+bool IsCarried(const CSpecialColorInfoDataEntry& table) {
+  if (table.GetUsedType() != kSpecialColorTable || !nvx::SaysItsLength(table.Arrays())) return false;
   std::uint64_t curveBytes = 0;
   for (CCurveData* const set : table.CurvesVD()) {
     const auto size = nvx::ListedCurveSetSize(*set);
-    if (!size) return std::nullopt;
+    if (!size) return false;
     curveBytes += *size;
   }
   const CurveSets stated = CurveSetsOf(table.Arrays());
-  if (stated.count != table.CurvesVD().Count() || stated.bytes != curveBytes) return std::nullopt;
-  return nvx::ArraysSize(table.Arrays()) + curveBytes;
+  return stated.count == table.CurvesVD().Count() && stated.bytes == curveBytes;
 }
 
 WordTableRecord RecordOf(CSpecialColorInfoDataEntry& table) {
@@ -114,22 +112,21 @@ bool WriteBlock(CNvxFile& file, const CSpecialColorInfoDataEntry& table) {
   return true;
 }
 
-}  // namespace
+constexpr std::uint64_t kLargestForm = std::numeric_limits<std::uint32_t>::max();
 
-namespace nvx {
-
-std::optional<std::uint64_t> SpecialColorFormSize(const CSpecialColorInfoData& data) {
-  std::uint64_t size = kRecordSize<SpecialColorHeader>;
-  for (const CSpecialColorInfoDataEntry* const table : data.Entries()) {
-    const auto blockSize = BlockSize(*table);
-    if (!blockSize) return std::nullopt;
-    size += kRecordSize<WordTableRecord> + *blockSize;
-  }
-  if (size > std::numeric_limits<std::uint32_t>::max()) return std::nullopt;
-  return size;
+bool WriteForm(CNvxFile& file, const CSpecialColorInfoData& data) {
+  SpecialColorHeader header;
+  header.profileColorType = data.GetProfileColorType();
+  header.recordCount = data.GetPropertyCount();
+  const auto& tables = data.Entries();
+  return nvx::WriteRecord(file, header) &&
+         std::all_of(tables.begin(), tables.end(),
+                     [&](CSpecialColorInfoDataEntry* table) { return nvx::WriteRecord(file, RecordOf(*table)); }) &&
+         std::all_of(tables.begin(), tables.end(),
+                     [&](const CSpecialColorInfoDataEntry* table) { return WriteBlock(file, *table); });
 }
 
-}  // namespace nvx
+}  // namespace
 
 CSpecialColorInfoFile* CSpecialColorInfoFile::CreateSpecialColorInfoFile(CNvxFile& file) {
   auto reader = std::make_unique<CSpecialColorInfoFile>();
@@ -180,16 +177,9 @@ bool CSpecialColorInfoFile::LoadFile(CNvxFile& file, CSpecialColorInfoData* data
 }
 
 bool CSpecialColorInfoFile::SaveFile(CNvxFile& file, CSpecialColorInfoData* data) {
-  if (data == nullptr || !nvx::SpecialColorFormSize(*data)) return false;
-  SpecialColorHeader header;
-  header.profileColorType = data->GetProfileColorType();
-  header.recordCount = data->GetPropertyCount();
-  if (!nvx::WriteRecord(file, header)) return false;
-  for (CSpecialColorInfoDataEntry* const table : data->Entries()) {
-    if (!nvx::WriteRecord(file, RecordOf(*table))) return false;
-  }
-  for (const CSpecialColorInfoDataEntry* const table : data->Entries()) {
-    if (!WriteBlock(file, *table)) return false;
-  }
-  return true;
+  if (data == nullptr) return false;
+  const auto& tables = data->Entries();
+  return std::all_of(tables.begin(), tables.end(), [](const auto* table) { return IsCarried(*table); }) &&
+         nvx::SizeOf([&](CNvxFile& counter) { return WriteForm(counter, *data); }) <= kLargestForm &&
+         WriteForm(file, *data);
 }

@@ -40,7 +40,4 @@ inline constexpr std::uint32_t kSpecialColorTable = 1;
 inline constexpr std::int64_t kCurveSetCountWord = 2;
 inline constexpr std::int64_t kCurveSetBytesWord = 3;
 
-// Bytes of the form, nothing for what it cannot carry.
-std::optional<std::uint64_t> SpecialColorFormSize(const CSpecialColorInfoData& data);
-
 }  // namespace nvx
