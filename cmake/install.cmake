@@ -1,4 +1,4 @@
-# Headers, both libraries, the tool, a CMake package and a pkg-config file.
+# Headers, both libraries, the tool, a CMake package, a pkg-config file, documentation and examples.
 include(CMakePackageConfigHelpers)
 
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/nvxprofile DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
@@ -28,3 +28,11 @@ install(EXPORT nvxprofileTargets NAMESPACE nvxprofile:: DESTINATION ${CMAKE_INST
 install(FILES ${PROJECT_BINARY_DIR}/nvxprofileConfig.cmake ${PROJECT_BINARY_DIR}/nvxprofileConfigVersion.cmake
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/nvxprofile)
 install(FILES ${PROJECT_BINARY_DIR}/nvxprofile.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+# The page that leads to the others, and what they speak of, lie to each other as they do in the sources.
+install(FILES ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}/CONTRIBUTING.md ${PROJECT_SOURCE_DIR}/LICENSE
+        DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs ${PROJECT_SOURCE_DIR}/examples DESTINATION ${CMAKE_INSTALL_DOCDIR}
+        PATTERN __pycache__ EXCLUDE)
+# Programs that check documents find the form of documents here, whether or not the pages are there.
+install(FILES ${PROJECT_SOURCE_DIR}/docs/profile_document.schema.json DESTINATION ${CMAKE_INSTALL_DATADIR}/nvxprofile)
