@@ -2,7 +2,7 @@
 
 #include "command.h"
 #include "files.h"
-#include "paths.h"
+#include "system_files.h"
 #include "terminal.h"
 
 #include <fmt/format.h>
@@ -11,11 +11,9 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <filesystem>
 #include <numeric>
 #include <sstream>
 #include <string_view>
-#include <system_error>
 #include <utility>
 
 namespace nvx::tool {
@@ -96,10 +94,8 @@ Option& Option::OneOf(const std::vector<std::string>& words) {
 }
 
 Option& Option::ExistingFolder() {
-  option_->check([](const std::string& folder) {
-    std::error_code error;
-    return std::filesystem::is_directory(PathOf(folder), error) ? std::string() : "is no folder: " + folder;
-  });
+  option_->check(
+      [](const std::string& folder) { return IsFolder(folder) ? std::string() : "is no folder: " + folder; });
   return *this;
 }
 
@@ -120,6 +116,17 @@ Option& Option::Excludes(const Option& other) {
 
 Option Command::Add(const std::string& names, OptionTarget target, const std::string& description) {
   return Option(std::visit([&](auto* value) { return app_->add_option(names, *value, description); }, target));
+}
+
+Option Command::AddFiles(const std::string& name, std::vector<std::string>& files, const std::string& description) {
+  const auto take = [&files](const std::vector<std::string>& arguments) {
+    files.clear();
+    for (const std::string& argument : arguments) {
+      const std::vector<std::string> named = FilesNamedBy(argument);
+      files.insert(files.end(), named.begin(), named.end());
+    }
+  };
+  return Option(app_->add_option_function<std::vector<std::string>>(name, take, description));
 }
 
 Option Command::AddFlag(const std::string& names, bool& flag, const std::string& description) {

@@ -64,6 +64,8 @@ class Command {
 
   // Names are those of an option ("-o,--output") or, without a minus, of an argument.
   Option Add(const std::string& names, OptionTarget target, const std::string& description);
+  // An argument of several files, with wildcards where shells leave them to programs.
+  Option AddFiles(const std::string& name, std::vector<std::string>& files, const std::string& description);
   Option AddFlag(const std::string& names, bool& flag, const std::string& description);
   Option AddFlag(const std::string& names, std::function<void()> action, const std::string& description);
   // An option of one of the words, which stand for the values of an enumeration.

@@ -74,11 +74,10 @@ HeldBytes::HeldBytes(std::span<const std::uint8_t> bytes) {
 }
 
 std::string WhyNotWritten(const std::string& path, int error) {
-  std::error_code code;
-  if (fs::is_directory(PathOf(path), code)) return "is a folder";
+  if (IsFolder(path)) return "is a folder";
   const fs::path parent = PathOf(path).parent_path();
   const std::string folder = parent.empty() ? "." : TextOf(parent);
-  if (!fs::is_directory(PathOf(folder), code)) return fmt::format("there is no folder {}", folder);
+  if (!IsFolder(folder)) return fmt::format("there is no folder {}", folder);
   if (std::string why = WhyNotWritable(path); !why.empty()) return why;
   if (const std::string why = WhyNotWritable(folder); !why.empty()) {
     return fmt::format("{} in the folder {}", why, folder);

@@ -17,7 +17,6 @@
 #include <ctime>
 #include <filesystem>
 #include <optional>
-#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -132,21 +131,18 @@ struct Candidate {
 using TellFailure = std::function<void(const std::string&, const std::string&)>;
 
 // The files of a folder by name, then those of the folders in it. A folder that cannot be read is told of, and no more.
-void AddFilesOf(const fs::path& folder, std::size_t origin, bool recursive, std::vector<Candidate>& candidates,
+void AddFilesOf(const std::string& folder, std::size_t origin, bool recursive, std::vector<Candidate>& candidates,
                 const TellFailure& fail) {
-  std::vector<fs::path> files;
-  std::vector<fs::path> folders;
-  std::error_code error;
-  for (fs::directory_iterator item(folder, error), end; !error && item != end; item.increment(error)) {
-    std::error_code ignored;
-    if (item->is_regular_file(ignored)) files.push_back(item->path());
-    if (recursive && item->is_directory(ignored) && !item->is_symlink(ignored)) folders.push_back(item->path());
+  const FolderItems found = ItemsOf(folder);
+  const auto pathOf = [&](const FolderItem& item) { return TextOf(PathOf(folder) / PathOf(item.name)); };
+  if (!found.failure.empty()) fail(folder, found.failure);
+  for (const FolderItem& item : found.items) {
+    if (item.isFile) candidates.push_back({pathOf(item), false, origin});
   }
-  if (error) fail(TextOf(folder), error.message());
-  std::sort(files.begin(), files.end());
-  std::sort(folders.begin(), folders.end());
-  for (const fs::path& file : files) candidates.push_back({TextOf(file), false, origin});
-  for (const fs::path& below : folders) AddFilesOf(below, origin, recursive, candidates, fail);
+  if (!recursive) return;
+  for (const FolderItem& item : found.items) {
+    if (item.isFolder) AddFilesOf(pathOf(item), origin, recursive, candidates, fail);
+  }
 }
 
 std::vector<ProfileLine> ReadAll(const std::vector<Candidate>& candidates, unsigned jobs) {
@@ -198,13 +194,12 @@ std::vector<ProfileLine> ListProfiles(const std::vector<std::string>& paths, boo
   std::vector<Candidate> candidates;
   std::vector<bool> isFolder(paths.size());
   for (std::size_t i = 0; i < paths.size(); ++i) {
-    std::error_code error;
-    isFolder[i] = fs::is_directory(PathOf(paths[i]), error);
+    isFolder[i] = IsFolder(paths[i]);
     if (!isFolder[i]) {
       candidates.push_back({paths[i], true, i});
       continue;
     }
-    AddFilesOf(PathOf(paths[i]), i, recursive, candidates, fail);
+    AddFilesOf(paths[i], i, recursive, candidates, fail);
   }
   std::vector<ProfileLine> lines;
   std::vector<bool> hasProfiles(paths.size());

@@ -8,6 +8,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <vector>
 
 namespace nvx::tool {
 
@@ -18,6 +19,33 @@ inline constexpr const char* kTooLong = "is longer than any profile";
 void ClearSystemError();
 int LastSystemError();
 std::string ReasonOf(int error);
+
+// True for a folder, and for a link to one.
+bool IsFolder(const std::string& path);
+
+struct FolderItem {
+  std::string name;
+  bool isFile = false;
+  bool isFolder = false;  // links to folders are none: they may lead round in circles
+  std::uint64_t size = 0;
+};
+
+// What stands in a folder, by name; if that cannot be told, why.
+struct FolderItems {
+  std::vector<FolderItem> items;
+  std::string failure;
+};
+FolderItems ItemsOf(const std::string& folder);
+
+// Makes a folder, and those above it that are missing. Why there is none now; empty if there is.
+std::string MakeFolders(const std::string& path);
+
+// One name for a file, however the path to it is written.
+std::string CanonicalName(const std::string& path);
+
+// The files and folders that an argument names. Where shells leave wildcards to programs, those that fit what stands
+// behind the last separator, by name; the argument itself where nothing fits, and where shells expand wildcards.
+std::vector<std::string> FilesNamedBy(const std::string& argument);
 
 // Why the file cannot be read as it stands ("No such file or directory", "is a folder", ...); empty if it can. FIFOs
 // and devices are refused without being opened, since a load seeks, and so is what is longer than any profile.

@@ -24,7 +24,7 @@ using nvx::test::TempFolder;
 using nvx::test::ToolResult;
 using nvx::test::WriteText;
 
-const std::string kTool = NVXPROFILE_TOOL;
+const std::string kTool = nvx::test::ToolPath();
 const std::string kExamples = NVXPROFILE_SOURCE_FOLDER "/examples";
 
 ToolResult Shell(const std::string& command) { return RunProgram({"timeout", "60", "bash", "-c", command}); }

@@ -39,8 +39,13 @@ ToolResult RunProgram(std::vector<std::string> words) {
   return result;
 }
 
+std::string ToolPath() {
+  const char* const other = std::getenv("NVXPROFILE_TOOL");
+  return other != nullptr ? other : NVXPROFILE_TOOL;
+}
+
 ToolResult RunTool(const std::vector<std::string>& arguments) {
-  std::vector<std::string> words{NVXPROFILE_TOOL};
+  std::vector<std::string> words{ToolPath()};
   words.insert(words.end(), arguments.begin(), arguments.end());
   return RunProgram(std::move(words));
 }

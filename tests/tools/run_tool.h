@@ -17,6 +17,9 @@ struct ToolResult {
 // Runs a program, found as a shell finds it, and waits for it.
 ToolResult RunProgram(std::vector<std::string> words);
 
+// The tool of this build, or the program that NVXPROFILE_TOOL names: tests/tools/windows/tool runs that for Windows.
+std::string ToolPath();
+
 // Runs the tool with these arguments and waits for it.
 ToolResult RunTool(const std::vector<std::string>& arguments);
 

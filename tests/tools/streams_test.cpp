@@ -25,7 +25,7 @@ using nvx::test::TempFolder;
 using nvx::test::ToolResult;
 using nvx::test::WriteText;
 
-const std::string kTool = NVXPROFILE_TOOL;
+const std::string kTool = nvx::test::ToolPath();
 const std::string kExamples = NVXPROFILE_SOURCE_FOLDER "/examples";
 
 // A shell command, which is stopped if it does not end.

@@ -163,18 +163,10 @@ class Workers {
   std::vector<std::thread> threads_;
 };
 
-// One name for a file, however it is written.
-std::string CanonicalName(const fs::path& path) {
-  std::error_code error;
-  const fs::path name = fs::weakly_canonical(path, error);
-  return TextOf(error ? path : name);
-}
-
 // What goes where; nothing, with the reason told, if two files would meet.
 std::optional<std::vector<Job>> Plan(const ConvertOptions& options) {
   const fs::path output = PathOf(options.output);
-  std::error_code error;
-  const bool isFolder = fs::is_directory(output, error);
+  const bool isFolder = IsFolder(options.output);
   const bool toStandard = options.output == kStandardStream;
   if (toStandard && options.files.size() > 1) {
     PrintError("only one profile can go to standard output");
@@ -182,17 +174,17 @@ std::optional<std::vector<Job>> Plan(const ConvertOptions& options) {
   }
   if (toStandard) return std::vector<Job>{{PathOf(options.files.front()), output, true}};
   const bool toFolder = isFolder || options.files.size() > 1 || !output.has_filename();
-  if (toFolder && !isFolder && !fs::create_directories(output, error)) {
-    PrintError(fmt::format("{}: {}", options.output, error ? error.message() : "cannot be created"));
+  if (const std::string why = toFolder ? MakeFolders(options.output) : ""; !why.empty()) {
+    PrintError(fmt::format("{}: {}", options.output, why));
     return std::nullopt;
   }
   std::vector<Job> jobs;
   // What each name is taken for, so that no file is lost to another one.
   std::map<std::string, std::string> taken;
-  for (const std::string& file : options.files) taken.emplace(CanonicalName(PathOf(file)), "a source");
+  for (const std::string& file : options.files) taken.emplace(CanonicalName(file), "a source");
   for (const std::string& file : options.files) {
     const fs::path target = toFolder ? output / PathOf(file).filename().replace_extension(".icc") : output;
-    const auto [place, isFree] = taken.emplace(CanonicalName(target), "the target of " + file);
+    const auto [place, isFree] = taken.emplace(CanonicalName(TextOf(target)), "the target of " + file);
     if (!isFree) {
       PrintError(fmt::format("{}: would go to {}, which is {}", file, TextOf(target), place->second));
       return std::nullopt;
@@ -230,7 +222,7 @@ int Run(const ConvertOptions& options) {
 void AddConvertCommand(CommandLine& line) {
   Command command = line.AddCommand("convert", "Convert text-headed profiles to the current generation");
   const auto options = std::make_shared<ConvertOptions>();
-  command.Add("OLD", &options->files, "Text-headed profiles, of version 1 or 2").Required();
+  command.AddFiles("OLD", options->files, "Text-headed profiles, of version 1 or 2").Required();
   command
       .Add("-o,--output", &options->output,
            "The new profile; for several, the folder of the new ones, each named after its old one with .icc")

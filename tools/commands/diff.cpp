@@ -9,10 +9,12 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <filesystem>
 #include <iterator>
+#include <map>
 #include <memory>
-#include <set>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -72,12 +74,23 @@ int CompareFiles(const DiffOptions& options) {
   return differences.empty() ? kSuccess : kDifferent;
 }
 
-// The paths of the files below a folder, seen from the folder.
-std::set<std::string> FilesBelow(const std::string& folder) {
-  std::set<std::string> files;
-  for (const fs::directory_entry& entry : fs::recursive_directory_iterator(PathOf(folder))) {
-    if (entry.is_regular_file()) files.insert(TextOf(entry.path().lexically_relative(PathOf(folder))));
+// The paths of the files below a folder, seen from the folder, and their sizes.
+using SizesOfFiles = std::map<std::string, std::uint64_t>;
+
+void AddFilesBelow(const fs::path& root, const fs::path& folder, SizesOfFiles& files) {
+  const std::string path = TextOf(root / folder);
+  const FolderItems found = ItemsOf(path);
+  if (!found.failure.empty()) throw std::runtime_error(path + ": " + found.failure);
+  for (const FolderItem& item : found.items) {
+    const fs::path place = folder / PathOf(item.name);
+    if (item.isFile) files.emplace(TextOf(place), item.size);
+    if (item.isFolder) AddFilesBelow(root, place, files);
   }
+}
+
+SizesOfFiles FilesBelow(const std::string& folder) {
+  SizesOfFiles files;
+  AddFilesBelow(PathOf(folder), {}, files);
   return files;
 }
 
@@ -87,17 +100,17 @@ class FolderComparison {
   explicit FolderComparison(const DiffOptions& options) : options_(options) {}
 
   int Run() {
-    const std::set<std::string> a = FilesBelow(options_.a);
-    const std::set<std::string> b = FilesBelow(options_.b);
-    std::set<std::string> all = a;
+    const SizesOfFiles a = FilesBelow(options_.a);
+    const SizesOfFiles b = FilesBelow(options_.b);
+    SizesOfFiles all = a;
     all.insert(b.begin(), b.end());
-    for (const std::string& file : all) {
+    for (const auto& [file, size] : all) {
       if (b.count(file) == 0) {
         ShowMissing(file, "only in A");
       } else if (a.count(file) == 0) {
         ShowMissing(file, "only in B");
       } else {
-        CompareBoth(file);
+        CompareBoth(file, size == b.at(file));
       }
     }
     if (options_.json) PrintJson({{"a", options_.a}, {"b", options_.b}, {"files", std::move(files_)}});
@@ -113,10 +126,10 @@ class FolderComparison {
   }
 
   // Files of the same bytes are the same, also where they are no profiles.
-  void CompareBoth(const std::string& file) {
+  void CompareBoth(const std::string& file, bool areOfOneSize) {
     const std::string a = TextOf(PathOf(options_.a) / PathOf(file));
     const std::string b = TextOf(PathOf(options_.b) / PathOf(file));
-    if (fs::file_size(PathOf(a)) == fs::file_size(PathOf(b)) && ReadInput(a) == ReadInput(b)) return;
+    if (areOfOneSize && ReadInput(a) == ReadInput(b)) return;
     CProfileAccess left;
     CProfileAccess right;
     if (!LoadProfile(a, left) || !LoadProfile(b, right)) {
@@ -139,8 +152,8 @@ class FolderComparison {
 };
 
 int Run(const DiffOptions& options) {
-  const bool isFolder = fs::is_directory(PathOf(options.a));
-  if (isFolder != fs::is_directory(PathOf(options.b))) {
+  const bool isFolder = IsFolder(options.a);
+  if (isFolder != IsFolder(options.b)) {
     PrintErrorOf(isFolder ? options.a : options.b, "is a folder, and the other one is not");
     return kFailure;
   }

@@ -199,7 +199,7 @@ int Run(const InfoOptions& options) {
 void AddInfoCommand(CommandLine& line) {
   Command command = line.AddCommand("info", "Tell what profiles are and what they hold");
   const auto options = std::make_shared<InfoOptions>();
-  command.Add("FILE", &options->files, "Profiles of any format").Required();
+  command.AddFiles("FILE", options->files, "Profiles of any format").Required();
   const Option json = command.AddFlag("--json", options->json,
                                       "Write a JSON document; of several files, an array of them. Of curves, colour "
                                       "tables and masks it has the sizes, and a dump the samples and bytes");

@@ -158,7 +158,7 @@ int Run(const ListOptions& options) {
 void AddListCommand(CommandLine& line) {
   Command command = line.AddCommand("list", "List profiles, one a line, from their headers alone");
   const auto options = std::make_shared<ListOptions>();
-  command.Add("PATH", &options->paths, "Profiles, and folders of profiles").Required();
+  command.AddFiles("PATH", options->paths, "Profiles, and folders of profiles").Required();
   command.AddFlag("-r,--recursive", options->recursive, "Look into the folders below, too");
   command.Add("--columns", &options->columns, "What to show, joined by commas")
       .Separated()

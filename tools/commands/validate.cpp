@@ -119,7 +119,7 @@ int Run(const ValidateOptions& options) {
 void AddValidateCommand(CommandLine& line) {
   Command command = line.AddCommand("validate", "Tell why profiles do not load, or what is suspicious in them");
   const auto options = std::make_shared<ValidateOptions>();
-  command.Add("FILE", &options->files, "Profiles of any format").Required();
+  command.AddFiles("FILE", options->files, "Profiles of any format").Required();
   command.AddFlag("--semantic", options->semantic,
                   "Look as well for what loads and yet prints wrong: merges that saturate, curves that fall, inks "
                   "without a curve, a table beyond the ink limits");

@@ -6,9 +6,11 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <charconv>
 #include <cstdlib>
+#include <filesystem>
 #include <string_view>
 #include <system_error>
 
@@ -60,6 +62,39 @@ int WriteInto(const std::string& path, std::span<const std::uint8_t> bytes) {
 void ClearSystemError() { errno = 0; }
 int LastSystemError() { return errno; }
 std::string ReasonOf(int error) { return std::system_category().message(error); }
+
+bool IsFolder(const std::string& path) {
+  std::error_code error;
+  return std::filesystem::is_directory(path, error);
+}
+
+FolderItems ItemsOf(const std::string& folder) {
+  FolderItems found;
+  std::error_code error;
+  for (std::filesystem::directory_iterator item(folder, error), end; !error && item != end; item.increment(error)) {
+    std::error_code ignored;
+    const bool isFile = item->is_regular_file(ignored);
+    const bool isFolder = item->is_directory(ignored) && !item->is_symlink(ignored);
+    found.items.push_back({item->path().filename().string(), isFile, isFolder, isFile ? item->file_size(ignored) : 0});
+  }
+  if (error) found.failure = error.message();
+  std::sort(found.items.begin(), found.items.end(), [](const auto& a, const auto& b) { return a.name < b.name; });
+  return found;
+}
+
+std::string MakeFolders(const std::string& path) {
+  std::error_code error;
+  std::filesystem::create_directories(path, error);
+  return error ? error.message() : std::string();
+}
+
+std::string CanonicalName(const std::string& path) {
+  std::error_code error;
+  const std::filesystem::path name = std::filesystem::weakly_canonical(path, error);
+  return error ? path : name.string();
+}
+
+std::vector<std::string> FilesNamedBy(const std::string& argument) { return {argument}; }
 
 std::string WhyNotReadable(const std::string& path) {
   struct ::stat status {};

@@ -65,7 +65,7 @@ void AddReportCommand(CommandLine& line) {
   Command command =
       line.AddCommand("report", "Show what profiles hold as a page for a browser, in one file that needs no network");
   const auto options = std::make_shared<ReportOptions>();
-  command.Add("FILE", &options->files, "Profiles of any format").Required();
+  command.AddFiles("FILE", options->files, "Profiles of any format").Required();
   command.Add("-o,--output", &options->output, "The page to write").Required().Type("HTML");
   command.AddFlag("--compare", options->compare, "Open with two profiles side by side and what they differ in");
   command.Action([options] { return Run(*options); });

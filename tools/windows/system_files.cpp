@@ -1,6 +1,7 @@
 #include "system_files.h"
 
 #include "paths.h"
+#include "profile_list.h"
 
 #include <nvxprofile/text_conversion.h>
 
@@ -8,6 +9,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <filesystem>
 #include <system_error>
 
 namespace nvx::tool {
@@ -29,12 +31,45 @@ std::wstring FullName(const std::string& path) {
 
 bool IsDevice(const std::string& path) { return FullName(path).starts_with(kDevice); }
 
+// A device by its own name, such as NUL or \\.\pipe\x. What a folder or an extension surrounds, such as nul.icc, was
+// meant for a file, and what is written to it would be lost.
+bool IsMeantAsDevice(const std::string& path) {
+  if (!IsDevice(path)) return false;
+  const std::wstring name = WideOf(path);
+  return name.starts_with(kDevice) || name.find_first_of(L"./\\:") == name.npos;
+}
+
+// Characters that no name has, and a colon that stands elsewhere than behind the letter of the drive: it would name a
+// stream inside a file.
+bool IsForbidden(const std::wstring& full) {
+  const std::wstring_view name = std::wstring_view(full).substr(full.starts_with(kLong) ? kLong.size() : 0);
+  constexpr std::size_t kDriveColon = 1;
+  return name.find_first_of(L"<>\"|?*") != name.npos || name.find(L':', kDriveColon + 1) != name.npos;
+}
+
 // With the prefix that lets a path be of any length.
 std::wstring NativeName(const std::string& path) {
   const std::wstring full = FullName(path);
   if (full.starts_with(kDevice) || full.starts_with(kLong)) return full;
   return full.starts_with(kShare) ? std::wstring(kLong) + L"UNC" + full.substr(1) : std::wstring(kLong) + full;
 }
+
+DWORD AttributesOf(const std::string& path) { return ::GetFileAttributesW(NativeName(path).c_str()); }
+
+// Names that differ in case alone name one file.
+std::wstring UpperCase(const std::wstring& text) {
+  const auto map = [&](wchar_t* to, int room) {
+    return ::LCMapStringEx(LOCALE_NAME_INVARIANT, LCMAP_UPPERCASE, text.data(), static_cast<int>(text.size()), to, room,
+                           nullptr, nullptr, 0);
+  };
+  std::wstring upper(static_cast<std::size_t>(text.empty() ? 0 : map(nullptr, 0)), L'\0');
+  if (!upper.empty()) map(upper.data(), static_cast<int>(upper.size()));
+  return upper;
+}
+
+std::string UpperCase(const std::string& text) { return TextOf(std::filesystem::path(UpperCase(WideOf(text)))); }
+
+bool HasWildcards(const std::string& name) { return name.find_first_of("*?") != name.npos; }
 
 class Handle {
  public:
@@ -109,8 +144,63 @@ std::string ReasonOf(int error) {
                                                          : "error " + std::to_string(error) + " of Windows";
 }
 
+bool IsFolder(const std::string& path) {
+  const DWORD attributes = AttributesOf(path);
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
+FolderItems ItemsOf(const std::string& folder) {
+  FolderItems result;
+  WIN32_FIND_DATAW found;
+  const std::wstring all = NativeName(folder + "\\*");
+  const HANDLE search = ::FindFirstFileW(all.c_str(), &found);
+  if (search == INVALID_HANDLE_VALUE) {
+    result.failure = ReasonOf(LastSystemError());
+    return result;
+  }
+  do {
+    const std::wstring_view name = found.cFileName;
+    if (name == L"." || name == L"..") continue;
+    const bool isFolder = (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+    const bool isLink = (found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
+    const std::uint64_t size = (std::uint64_t{found.nFileSizeHigh} << 32) | found.nFileSizeLow;
+    result.items.push_back({TextOf(std::filesystem::path(name)), !isFolder, isFolder && !isLink, size});
+  } while (::FindNextFileW(search, &found) != FALSE);
+  if (LastSystemError() != ERROR_NO_MORE_FILES) result.failure = ReasonOf(LastSystemError());
+  ::FindClose(search);
+  std::sort(result.items.begin(), result.items.end(), [](const auto& a, const auto& b) { return a.name < b.name; });
+  return result;
+}
+
+std::string MakeFolders(const std::string& path) {
+  if (IsFolder(path)) return {};
+  const std::string parent = TextOf(PathOf(path).parent_path());
+  if (!parent.empty() && parent.size() < path.size()) {
+    if (std::string why = MakeFolders(parent); !why.empty()) return why;
+  }
+  // One with a separator at its end has been made as its own parent.
+  if (::CreateDirectoryW(NativeName(path).c_str(), nullptr) != FALSE || IsFolder(path)) return {};
+  return ReasonOf(LastSystemError());
+}
+
+std::string CanonicalName(const std::string& path) { return TextOf(std::filesystem::path(UpperCase(FullName(path)))); }
+
+std::vector<std::string> FilesNamedBy(const std::string& argument) {
+  const std::string pattern = FileNameOf(argument);
+  if (!HasWildcards(pattern)) return {argument};
+  const std::string folder = argument.substr(0, argument.size() - pattern.size());
+  std::vector<std::string> files;
+  for (const FolderItem& item : ItemsOf(folder.empty() ? "." : folder).items) {
+    // The system itself would also look at the short names of old programs.
+    if (MatchesWildcards(UpperCase(item.name), UpperCase(pattern))) files.push_back(folder + item.name);
+  }
+  return files.empty() ? std::vector{argument} : files;
+}
+
 std::string WhyNotReadable(const std::string& path) {
+  if (HasWildcards(FileNameOf(path))) return "no file has such a name";
   if (IsDevice(path)) return "is a device";
+  if (IsForbidden(FullName(path))) return ReasonOf(ERROR_INVALID_NAME);
   const std::wstring name = NativeName(path);
   const DWORD attributes = ::GetFileAttributesW(name.c_str());
   if (attributes == INVALID_FILE_ATTRIBUTES) return ReasonOf(LastSystemError());
@@ -123,10 +213,8 @@ std::string WhyNotReadable(const std::string& path) {
 }
 
 std::string WhyNotReplaced(const std::string& path) {
-  if (IsDevice(path)) return "is a device";
-  const DWORD attributes = ::GetFileAttributesW(NativeName(path).c_str());
-  const bool isFolder = attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
-  return isFolder ? "is a folder" : "";
+  if (IsDevice(path)) return IsMeantAsDevice(path) ? "is a device" : "has the name of a device";
+  return IsFolder(path) ? "is a folder" : "";
 }
 
 std::string WhyNotWritable(const std::string& path) {
@@ -141,7 +229,7 @@ std::string WhyNotWritable(const std::string& path) {
 bool IsStandardOutput(const std::string&) { return false; }
 
 std::optional<int> WriteIntoStream(const std::string& path, std::span<const std::uint8_t> bytes) {
-  if (!IsDevice(path)) return std::nullopt;
+  if (!IsMeantAsDevice(path)) return std::nullopt;
   const Handle device(
       ::CreateFileW(FullName(path).c_str(), GENERIC_WRITE, kShareAll, nullptr, OPEN_EXISTING, 0, nullptr));
   return device.IsOpen() ? WriteAll(device.Get(), bytes) : LastSystemError();
