@@ -12,7 +12,8 @@ set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE BOTH)
 find_program(NVXPROFILE_WINE NAMES wine64 wine PATHS /usr/lib/wine)
 set(CMAKE_CROSSCOMPILING_EMULATOR ${NVXPROFILE_WINE})
 # The runtime goes into what is built, so that nothing but Windows is needed to run it.
-set(CMAKE_EXE_LINKER_FLAGS_INIT -static)
-set(CMAKE_SHARED_LINKER_FLAGS_INIT -static)
+# Without the time at which it was linked, so that the same sources give the same bytes.
+set(CMAKE_EXE_LINKER_FLAGS_INIT "-static -Wl,--no-insert-timestamp")
+set(CMAKE_SHARED_LINKER_FLAGS_INIT "-static -Wl,--no-insert-timestamp")
 # Libraries of this machine that are headers or sources alone.
 list(APPEND CMAKE_MODULE_PATH ${CMAKE_CURRENT_LIST_DIR})
