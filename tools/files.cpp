@@ -117,6 +117,13 @@ void WriteOutput(const std::string& path, std::span<const std::uint8_t> bytes) {
   }
 }
 
+std::string OwnNameOf(const std::string& output) {
+  if (output == kStandardStream || IsDeviceName(output)) return "profile";
+  if (const std::string why = WhyNoFileName(output); !why.empty()) throw std::runtime_error(output + ": " + why);
+  const std::string name = FileNameOf(output);
+  return name.empty() ? "profile" : name;
+}
+
 std::string ReadInput(const std::string& path) {
   const InputFile input(path);
   if (!input.Failure().empty()) throw std::runtime_error(path + ": " + input.Failure());

@@ -60,6 +60,10 @@ void WriteOutput(const std::string& path, std::span<const std::uint8_t> bytes);
 // The bytes of a file. Throws std::runtime_error with path and reason.
 std::string ReadInput(const std::string& path);
 
+// What a profile that is written there calls itself: after the file, and "profile" where there is none. Throws
+// std::runtime_error with path and reason for a name that no file can have.
+std::string OwnNameOf(const std::string& output);
+
 // Why a file could not be written, looked up after a write failed with that error number of the system (0 for none).
 std::string WhyNotWritten(const std::string& path, int error);
 

@@ -46,7 +46,8 @@ std::vector<std::uint8_t> ChangedProfile::SavedModel(const std::string& path) {
   _tagDeviceProfileInfo& info = *access_.GetProfileInfo();
   info.SaveVersion5 = info.ProfileMinorVersion == kVersion5;
   const WorkFolder folder;
-  const std::string name = FileNameOf(path == kStandardStream ? file_ : path);
+  const bool hasName = path != kStandardStream && !IsDeviceName(path);
+  const std::string name = hasName ? OwnNameOf(path) : FileNameOf(file_);
   const std::u16string saved = PathToWide(folder.File(name));
   if (!CProfileFileQPFv3().SaveData(saved.c_str(), &Data(), kSaveReplaceProfile | kSaveCalibration)) {
     Fail(file_, "the changed profile cannot be saved");

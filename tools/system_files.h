@@ -47,6 +47,12 @@ std::string CanonicalName(const std::string& path);
 // behind the last separator, by name; the argument itself where nothing fits, and where shells expand wildcards.
 std::vector<std::string> FilesNamedBy(const std::string& argument);
 
+// True if the name alone says that what is written there goes to a device, as with NUL on Windows.
+bool IsDeviceName(const std::string& path);
+
+// Why no file can have the name; empty if one can.
+std::string WhyNoFileName(const std::string& path);
+
 // Why the file cannot be read as it stands ("No such file or directory", "is a folder", ...); empty if it can. FIFOs
 // and devices are refused without being opened, since a load seeks, and so is what is longer than any profile.
 std::string WhyNotReadable(const std::string& path);

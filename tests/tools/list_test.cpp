@@ -83,7 +83,8 @@ class ToolList : public ::testing::Test {
     std::vector<std::string> names;
     std::istringstream lines(result.out);
     for (std::string line; std::getline(lines, line);) {
-      names.push_back(std::filesystem::path(json::parse(line)["file"].get<std::string>()).filename());
+      const std::string path = json::parse(line)["file"];
+      names.push_back(path.substr(path.find_last_of("/\\") + 1));
     }
     return names;
   }

@@ -20,12 +20,6 @@ struct BuildOptions {
   std::string output;
 };
 
-// The name by which the profile describes itself.
-std::string OwnNameOf(const std::string& output) {
-  const std::string name = FileNameOf(output);
-  return output == kStandardStream || name.empty() ? "profile" : name;
-}
-
 int Run(const BuildOptions& options) {
   const bool isStandard = options.document == kStandardStream;
   const std::string folder = isStandard ? "" : TextOf(PathOf(options.document).parent_path());

@@ -26,7 +26,6 @@
 #include <optional>
 #include <span>
 #include <string>
-#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -97,8 +96,7 @@ std::string Convert(const Job& job, const ConvertOptions& options, std::string& 
 
   // Its name goes into the profile as its description, so it is the target's from the start.
   const WorkFolder folder;
-  const bool isStandard = job.target == kStandardStream;
-  const fs::path file = PathOf(folder.File(isStandard ? "profile" : TextOf(job.target.filename())));
+  const fs::path file = PathOf(folder.File(OwnNameOf(TextOf(job.target))));
   if (!converter.SaveV3Profile(Wide(file).c_str()))
     return "cannot be saved: the ICC profile entry is no usable profile, or the disk is full";
   if (!IsComplete(file, converter)) return "the result does not load: " + WhyNotLoaded(Wide(file));

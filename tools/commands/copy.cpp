@@ -89,7 +89,7 @@ int Run(const CopyOptions& options) {
     if (options.number) values.SetJson("/record/Binary/MediaNumber", *options.number);
     SetModelRecord(values, options);
     Assign(values, options.assignments);
-    const bool hasName = options.output != kStandardStream;
+    const bool hasName = options.output != kStandardStream && !IsDeviceName(options.output);
     const std::string name = FileNameOf(options.output);
     WriteOutput(options.output, values.Image(hasName ? PathToWide(name) : std::u16string()));
     return kSuccess;

@@ -74,7 +74,7 @@ int CompareFiles(const DiffOptions& options) {
   return differences.empty() ? kSuccess : kDifferent;
 }
 
-// The paths of the files below a folder, seen from the folder, and their sizes.
+// The paths of the files below a folder, seen from the folder and the same on every system, and their sizes.
 using SizesOfFiles = std::map<std::string, std::uint64_t>;
 
 void AddFilesBelow(const fs::path& root, const fs::path& folder, SizesOfFiles& files) {
@@ -83,7 +83,7 @@ void AddFilesBelow(const fs::path& root, const fs::path& folder, SizesOfFiles& f
   if (!found.failure.empty()) throw std::runtime_error(path + ": " + found.failure);
   for (const FolderItem& item : found.items) {
     const fs::path place = folder / PathOf(item.name);
-    if (item.isFile) files.emplace(TextOf(place), item.size);
+    if (item.isFile) files.emplace(GenericTextOf(place), item.size);
     if (item.isFolder) AddFilesBelow(root, place, files);
   }
 }

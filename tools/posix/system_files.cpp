@@ -96,6 +96,9 @@ std::string CanonicalName(const std::string& path) {
 
 std::vector<std::string> FilesNamedBy(const std::string& argument) { return {argument}; }
 
+bool IsDeviceName(const std::string&) { return false; }
+std::string WhyNoFileName(const std::string&) { return {}; }
+
 std::string WhyNotReadable(const std::string& path) {
   struct ::stat status {};
   if (::stat(path.c_str(), &status) != 0) return ReasonOf(errno);

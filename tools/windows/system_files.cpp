@@ -31,14 +31,6 @@ std::wstring FullName(const std::string& path) {
 
 bool IsDevice(const std::string& path) { return FullName(path).starts_with(kDevice); }
 
-// A device by its own name, such as NUL or \\.\pipe\x. What a folder or an extension surrounds, such as nul.icc, was
-// meant for a file, and what is written to it would be lost.
-bool IsMeantAsDevice(const std::string& path) {
-  if (!IsDevice(path)) return false;
-  const std::wstring name = WideOf(path);
-  return name.starts_with(kDevice) || name.find_first_of(L"./\\:") == name.npos;
-}
-
 // Characters that no name has, and a colon that stands elsewhere than behind the letter of the drive: it would name a
 // stream inside a file.
 bool IsForbidden(const std::wstring& full) {
@@ -133,6 +125,8 @@ std::string ReasonOf(int error) {
     case ERROR_PATH_NOT_FOUND:
     case ERROR_BAD_NETPATH:
       return std::generic_category().message(ENOENT);
+    case ERROR_CANT_RESOLVE_FILENAME:
+      return std::generic_category().message(ELOOP);
     case ERROR_DISK_FULL:
     case ERROR_HANDLE_DISK_FULL:
       return std::generic_category().message(ENOSPC);
@@ -197,6 +191,19 @@ std::vector<std::string> FilesNamedBy(const std::string& argument) {
   return files.empty() ? std::vector{argument} : files;
 }
 
+// What a folder or an extension surrounds, such as nul.icc, was meant for a file, and what is written to it would be
+// lost.
+bool IsDeviceName(const std::string& path) {
+  if (!IsDevice(path)) return false;
+  const std::wstring name = WideOf(path);
+  return name.starts_with(kDevice) || name.find_first_of(L"./\\:") == name.npos;
+}
+
+std::string WhyNoFileName(const std::string& path) {
+  if (IsDevice(path)) return IsDeviceName(path) ? "is a device" : "has the name of a device";
+  return IsForbidden(FullName(path)) ? ReasonOf(ERROR_INVALID_NAME) : std::string();
+}
+
 std::string WhyNotReadable(const std::string& path) {
   if (HasWildcards(FileNameOf(path))) return "no file has such a name";
   if (IsDevice(path)) return "is a device";
@@ -213,7 +220,7 @@ std::string WhyNotReadable(const std::string& path) {
 }
 
 std::string WhyNotReplaced(const std::string& path) {
-  if (IsDevice(path)) return IsMeantAsDevice(path) ? "is a device" : "has the name of a device";
+  if (std::string why = WhyNoFileName(path); !why.empty()) return why;
   return IsFolder(path) ? "is a folder" : "";
 }
 
@@ -229,7 +236,7 @@ std::string WhyNotWritable(const std::string& path) {
 bool IsStandardOutput(const std::string&) { return false; }
 
 std::optional<int> WriteIntoStream(const std::string& path, std::span<const std::uint8_t> bytes) {
-  if (!IsMeantAsDevice(path)) return std::nullopt;
+  if (!IsDeviceName(path)) return std::nullopt;
   const Handle device(
       ::CreateFileW(FullName(path).c_str(), GENERIC_WRITE, kShareAll, nullptr, OPEN_EXISTING, 0, nullptr));
   return device.IsOpen() ? WriteAll(device.Get(), bytes) : LastSystemError();
