@@ -33,6 +33,6 @@ install(FILES ${PROJECT_BINARY_DIR}/nvxprofile.pc DESTINATION ${CMAKE_INSTALL_LI
 install(FILES ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}/CONTRIBUTING.md ${PROJECT_SOURCE_DIR}/LICENSE
         DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs ${PROJECT_SOURCE_DIR}/examples DESTINATION ${CMAKE_INSTALL_DOCDIR}
-        PATTERN __pycache__ EXCLUDE)
+        PATTERN CMakeLists.txt EXCLUDE PATTERN __pycache__ EXCLUDE)
 # Programs that check documents find the form of documents here, whether or not the pages are there.
 install(FILES ${PROJECT_SOURCE_DIR}/docs/profile_document.schema.json DESTINATION ${CMAKE_INSTALL_DATADIR}/nvxprofile)
