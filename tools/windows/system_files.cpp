@@ -146,7 +146,7 @@ bool IsFolder(const std::string& path) {
 FolderItems ItemsOf(const std::string& folder) {
   FolderItems result;
   WIN32_FIND_DATAW found;
-  const std::wstring all = NativeName(folder + "\\*");
+  const std::wstring all = NativeName(TextOf(PathOf(folder) / "*"));
   const HANDLE search = ::FindFirstFileW(all.c_str(), &found);
   if (search == INVALID_HANDLE_VALUE) {
     result.failure = ReasonOf(LastSystemError());
