@@ -76,7 +76,7 @@ std::string Utf8OfAnsi(std::string_view text);
 
 // Samples that an access query has given; nothing for null and for an unknown type.
 std::optional<Samples> SamplesAt(const void* samples, int size, int dataType);
-Curve CurveOf(CCurveDataEntry& curve);
+Curve CurveOf(CCurveDataEntry& entry);
 std::vector<Curve> CurvesOf(const CCurveData& set);
 // A curve of the published classes with copies of the samples.
 std::unique_ptr<CCurveDataEntry> NewCurve(const Curve& curve);

@@ -509,16 +509,16 @@ std::optional<SpecialColorTable> Profile::SpecialColors() const {
   return result;
 }
 
-void Profile::SetSpecialColors(const SpecialColorTable& wanted) {
+void Profile::SetSpecialColors(const SpecialColorTable& table) {
   std::size_t slots = 0;
-  for (const SpecialColorPattern& pattern : wanted.patterns) slots = std::max(slots, pattern.colors.size());
+  for (const SpecialColorPattern& pattern : table.patterns) slots = std::max(slots, pattern.colors.size());
   const std::size_t width = kColorRecord + slots;
-  CheckWordCount(kColorHead + width * wanted.patterns.size(), "special colours");
-  std::vector<std::int32_t> patterns(kColorHead + width * wanted.patterns.size());
-  std::vector<std::int32_t> advice(kAdviceRecord * wanted.patterns.size());
-  for (std::size_t i = 0; i < wanted.patterns.size(); ++i) {
-    const SpecialColorPattern& pattern = wanted.patterns[i];
-    if (pattern.curveSet && *pattern.curveSet >= wanted.curveSets.size()) Fail("special colours: no such curve set");
+  CheckWordCount(kColorHead + width * table.patterns.size(), "special colours");
+  std::vector<std::int32_t> patterns(kColorHead + width * table.patterns.size());
+  std::vector<std::int32_t> advice(kAdviceRecord * table.patterns.size());
+  for (std::size_t i = 0; i < table.patterns.size(); ++i) {
+    const SpecialColorPattern& pattern = table.patterns[i];
+    if (pattern.curveSet && *pattern.curveSet >= table.curveSets.size()) Fail("special colours: no such curve set");
     if (pattern.level == INT32_MAX) Fail("special colours: level too great");
     std::int32_t* const record = patterns.data() + kColorHead + i * width;
     record[2] = pattern.conditions[0].Value();
@@ -533,27 +533,27 @@ void Profile::SetSpecialColors(const SpecialColorTable& wanted) {
   }
   std::vector<std::unique_ptr<CCurveData>> curveSets;
   std::uint64_t curveBytes = 0;
-  for (const std::vector<Curve>& curves : wanted.curveSets) {
+  for (const std::vector<Curve>& curves : table.curveSets) {
     CCurveData& set = *curveSets.emplace_back(NewCurveSet(curves));
     curveBytes += SizeOf([&](CNvxFile& file) { return CCurveFile().SaveFile(file, &set); }).value_or(0);
   }
   CheckWordCount(curveBytes / sizeof(std::int32_t) + 1, "special colours");
-  patterns[2] = CountOf(wanted.curveSets.size());
+  patterns[2] = CountOf(table.curveSets.size());
   patterns[3] = CountOf(curveBytes);
 
   const std::uint32_t sizes[] = {static_cast<std::uint32_t>(patterns.size()),
                                  static_cast<std::uint32_t>(advice.size())};
-  auto table = std::make_unique<CSpecialColorInfoDataEntry>();
-  table->SetUsedType(kColorTable, sizes);
-  FillArrays(*table, std::move(patterns), advice);
-  table->SetPatternCount(CountOf(wanted.patterns.size()));
-  for (std::unique_ptr<CCurveData>& set : curveSets) table->AddTailVD(set.release());
+  auto stored = std::make_unique<CSpecialColorInfoDataEntry>();
+  stored->SetUsedType(kColorTable, sizes);
+  FillArrays(*stored, std::move(patterns), advice);
+  stored->SetPatternCount(CountOf(table.patterns.size()));
+  for (std::unique_ptr<CCurveData>& set : curveSets) stored->AddTailVD(set.release());
   CSpecialColorInfoEntry entry;
-  entry.GetSpecialColorInfoData()->SetProfileColorType(wanted.profileColorType);
-  entry.GetSpecialColorInfoData()->AddTail(table.release());
+  entry.GetSpecialColorInfoData()->SetProfileColorType(table.profileColorType);
+  entry.GetSpecialColorInfoData()->AddTail(stored.release());
   state_->Store(entry);
   // As a load does.
-  if (wanted.profileColorType == 1) state_->Record().SeparateWayCode = 3;
+  if (table.profileColorType == 1) state_->Record().SeparateWayCode = 3;
 }
 
 }  // namespace nvx
