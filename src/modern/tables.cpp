@@ -1,6 +1,8 @@
 // Settings of the medium, print masks, lamp tables and special colours.
 #include "modern/profile_state.h"
 
+#include "entries/large_parameter/large_parameter_records.h"
+
 #include <nvxprofile/large_parameter.h>
 #include <nvxprofile/mask_download.h>
 #include <nvxprofile/media_property.h>
@@ -327,53 +329,67 @@ void CheckWordCount(std::size_t words, const char* what) {
   if (words > kMostWords) Fail(std::string(what) + ": too large");
 }
 
+// Array 0 of the form of these patterns.
+std::vector<std::int32_t> LampRecords(std::span<const LampPattern> patterns) {
+  std::size_t splits = 0;
+  for (const LampPattern& pattern : patterns) splits = std::max(splits, pattern.settings.splits.size());
+  const std::size_t width = kLampRecord + splits;
+  CheckWordCount(kLampHead + width * patterns.size(), "lamp table");
+  std::vector<std::int32_t> words(kLampHead + width * patterns.size());
+  std::int32_t* record = words.data() + kLampHead;
+  for (const LampPattern& pattern : patterns) {
+    CheckLampPattern(pattern);
+    for (std::size_t i = 0; i < pattern.conditions.size(); ++i) {
+      record[kLampConditions + i] = pattern.conditions[i].Value();
+    }
+    record[kLampCount] = CountOf(BlockOf(pattern.settings).size() - kLampHead);
+    record[kLampSplits] = CountOf(pattern.settings.splits.size());
+    for (std::size_t i = 0; i < pattern.settings.splits.size(); ++i) {
+      record[kLampRecord + i] = CountOf(pattern.settings.splits[i].size());
+    }
+    record += width;
+  }
+  return words;
+}
+
+void StoreLamp(ProfileState& state, std::unique_ptr<CLargeParameterDataEntry> table) {
+  CLargeParameterEntry entry;
+  entry.GetLargeParameterData()->AddTail(table.release());
+  state.Store(entry);
+}
+
 }  // namespace
 
 std::vector<LampPattern> Profile::LampPatterns() const {
   const auto* const entry = state_->Payload<CLargeParameterEntry>(EntryKind::kLamp);
-  CLargeParameterDataEntry* const table = LampTable(entry, 1) == nullptr ? LampTable(entry, 2) : nullptr;
+  CLargeParameterDataEntry* const table =
+      LampTable(entry, kFixedTable) == nullptr ? LampTable(entry, kPatternTable) : nullptr;
   return table != nullptr ? LampTableView(*table).All() : std::vector<LampPattern>();
 }
 
 std::optional<LampSettings> Profile::Lamp(const std::array<std::int32_t, 4>& c) const {
   const auto* const entry = state_->Payload<CLargeParameterEntry>(EntryKind::kLamp);
-  if (CLargeParameterDataEntry* const fixed = LampTable(entry, 1)) return FixedSettings(*fixed);
-  CLargeParameterDataEntry* const table = LampTable(entry, 2);
+  if (CLargeParameterDataEntry* const fixed = LampTable(entry, kFixedTable)) return FixedSettings(*fixed);
+  CLargeParameterDataEntry* const table = LampTable(entry, kPatternTable);
   const std::int32_t pattern = table != nullptr ? table->SeekPatternIndexByCondition(c[0], c[1], c[2], c[3]) : -1;
   if (pattern == -1) return std::nullopt;
   return LampTableView(*table).Find(pattern).settings;
 }
 
 void Profile::SetLampPatterns(std::span<const LampPattern> patterns) {
-  std::size_t splits = 0;
-  for (const LampPattern& pattern : patterns) splits = std::max(splits, pattern.settings.splits.size());
-  const std::size_t width = kLampRecord + splits;
-  CheckWordCount(kLampHead + width * patterns.size(), "lamp table");
-  std::vector<std::int32_t> records(kLampHead + width * patterns.size());
+  std::vector<std::int32_t> records = LampRecords(patterns);
   std::vector<std::int32_t> blocks;
-  auto record = records.begin() + CountOf(kLampHead);
   for (const LampPattern& pattern : patterns) {
-    CheckLampPattern(pattern);
     const std::vector<std::int32_t> block = BlockOf(pattern.settings);
-    for (std::size_t i = 0; i < pattern.conditions.size(); ++i) {
-      record[CountOf(kLampConditions + i)] = pattern.conditions[i].Value();
-    }
-    record[kLampCount] = CountOf(block.size() - kLampHead);
-    record[kLampSplits] = CountOf(pattern.settings.splits.size());
-    for (std::size_t i = 0; i < pattern.settings.splits.size(); ++i) {
-      record[CountOf(kLampRecord + i)] = CountOf(pattern.settings.splits[i].size());
-    }
     blocks.insert(blocks.end(), block.begin(), block.end());
     CheckWordCount(blocks.size(), "lamp table");
-    record += CountOf(width);
   }
   const std::uint32_t sizes[] = {static_cast<std::uint32_t>(records.size()), static_cast<std::uint32_t>(blocks.size())};
-  CLargeParameterEntry entry;
-  std::unique_ptr<CLargeParameterDataEntry> table(CLargeParameterDataEntry::CreateLargeParameterDataEntry(2, sizes));
+  std::unique_ptr<CLargeParameterDataEntry> table(
+      CLargeParameterDataEntry::CreateLargeParameterDataEntry(kPatternTable, sizes));
   FillArrays(*table, std::move(records), blocks);
   table->SetPatternCount(CountOf(patterns.size()));
-  entry.GetLargeParameterData()->AddTail(table.release());
-  state_->Store(entry);
+  StoreLamp(*state_, std::move(table));
 }
 
 void Profile::SetFixedLamp(const LampSettings& settings) {
@@ -385,18 +401,19 @@ void Profile::SetFixedLamp(const LampSettings& settings) {
       !std::all_of(settings.splits.begin(), settings.splits.end(), isWhole)) {
     Fail("fixed lamp table: not two splits of 131 values");
   }
-  CLargeParameterEntry entry;
-  std::unique_ptr<CLargeParameterDataEntry> table(CLargeParameterDataEntry::CreateLargeParameterDataEntry(1, nullptr));
+  std::unique_ptr<CLargeParameterDataEntry> table(
+      CLargeParameterDataEntry::CreateLargeParameterDataEntry(kFixedTable, nullptr));
   std::copy(block.begin(), block.end(), table->Arrays().Words(0).begin());
-  entry.GetLargeParameterData()->AddTail(table.release());
-  state_->Store(entry);
+  StoreLamp(*state_, std::move(table));
 }
 
 // --- Special colours ---
 
 namespace {
 
-constexpr std::size_t kColorHead = 4;     // head words of the patterns
+constexpr std::size_t kColorHead = 4;  // head words of the patterns
+constexpr std::size_t kColorSetCount = 2;
+constexpr std::size_t kColorSetBytes = 3;
 constexpr std::size_t kColorRecord = 5;   // words of a pattern before its slots
 constexpr std::size_t kAdviceRecord = 5;  // words of a recommendation
 constexpr std::uint32_t kColorTable = 1;
@@ -449,6 +466,40 @@ std::vector<std::int32_t> SlotsOf(const SpecialColorPattern& pattern) {
     return static_cast<std::uint32_t>(a) < static_cast<std::uint32_t>(b);
   });
   return slots;
+}
+
+// Array 0 of the form, without what it says of the curve sets.
+std::vector<std::int32_t> PatternWords(const SpecialColorTable& table) {
+  std::size_t slots = 0;
+  for (const SpecialColorPattern& pattern : table.patterns) slots = std::max(slots, pattern.colors.size());
+  const std::size_t width = kColorRecord + slots;
+  CheckWordCount(kColorHead + width * table.patterns.size(), "special colours");
+  std::vector<std::int32_t> words(kColorHead + width * table.patterns.size());
+  std::int32_t* record = words.data() + kColorHead;
+  for (const SpecialColorPattern& pattern : table.patterns) {
+    record[2] = pattern.conditions[0].Value();
+    record[3] = pattern.conditions[1].Value();
+    record[4] = CountOf(slots);
+    const std::vector<std::int32_t> colors = SlotsOf(pattern);
+    std::copy(colors.begin(), colors.end(), record + kColorRecord);
+    record += width;
+  }
+  return words;
+}
+
+// Array 1 of the form.
+std::vector<std::int32_t> AdviceWords(const SpecialColorTable& table) {
+  std::vector<std::int32_t> words(kAdviceRecord * table.patterns.size());
+  std::int32_t* record = words.data();
+  for (const SpecialColorPattern& pattern : table.patterns) {
+    if (pattern.curveSet && *pattern.curveSet >= table.curveSets.size()) Fail("special colours: no such curve set");
+    if (pattern.level == INT32_MAX) Fail("special colours: level too great");
+    record[2] = pattern.level + 1;
+    record[3] = pattern.density;
+    record[4] = pattern.curveSet ? CountOf(*pattern.curveSet) + 1 : 0;
+    record += kAdviceRecord;
+  }
+  return words;
 }
 
 std::unique_ptr<CCurveData> NewCurveSet(const std::vector<Curve>& curves) {
@@ -510,27 +561,6 @@ std::optional<SpecialColorTable> Profile::SpecialColors() const {
 }
 
 void Profile::SetSpecialColors(const SpecialColorTable& table) {
-  std::size_t slots = 0;
-  for (const SpecialColorPattern& pattern : table.patterns) slots = std::max(slots, pattern.colors.size());
-  const std::size_t width = kColorRecord + slots;
-  CheckWordCount(kColorHead + width * table.patterns.size(), "special colours");
-  std::vector<std::int32_t> patterns(kColorHead + width * table.patterns.size());
-  std::vector<std::int32_t> advice(kAdviceRecord * table.patterns.size());
-  for (std::size_t i = 0; i < table.patterns.size(); ++i) {
-    const SpecialColorPattern& pattern = table.patterns[i];
-    if (pattern.curveSet && *pattern.curveSet >= table.curveSets.size()) Fail("special colours: no such curve set");
-    if (pattern.level == INT32_MAX) Fail("special colours: level too great");
-    std::int32_t* const record = patterns.data() + kColorHead + i * width;
-    record[2] = pattern.conditions[0].Value();
-    record[3] = pattern.conditions[1].Value();
-    record[4] = CountOf(slots);
-    const std::vector<std::int32_t> colors = SlotsOf(pattern);
-    std::copy(colors.begin(), colors.end(), record + kColorRecord);
-    std::int32_t* const recommendation = advice.data() + i * kAdviceRecord;
-    recommendation[2] = pattern.level + 1;
-    recommendation[3] = pattern.density;
-    recommendation[4] = pattern.curveSet ? CountOf(*pattern.curveSet) + 1 : 0;
-  }
   std::vector<std::unique_ptr<CCurveData>> curveSets;
   std::uint64_t curveBytes = 0;
   for (const std::vector<Curve>& curves : table.curveSets) {
@@ -538,8 +568,10 @@ void Profile::SetSpecialColors(const SpecialColorTable& table) {
     curveBytes += SizeOf([&](CNvxFile& file) { return CCurveFile().SaveFile(file, &set); }).value_or(0);
   }
   CheckWordCount(curveBytes / sizeof(std::int32_t) + 1, "special colours");
-  patterns[2] = CountOf(table.curveSets.size());
-  patterns[3] = CountOf(curveBytes);
+  std::vector<std::int32_t> patterns = PatternWords(table);
+  patterns[kColorSetCount] = CountOf(curveSets.size());
+  patterns[kColorSetBytes] = CountOf(curveBytes);
+  const std::vector<std::int32_t> advice = AdviceWords(table);
 
   const std::uint32_t sizes[] = {static_cast<std::uint32_t>(patterns.size()),
                                  static_cast<std::uint32_t>(advice.size())};
