@@ -317,6 +317,10 @@ class NVX_EXPORT Profile {
   Profile& operator=(Profile&& other) noexcept;
   ~Profile();
 
+  // A profile of its own that says the same, for changes that leave this one and what it has handed out alone. Throws
+  // for a change made through Access that the forms have no room for.
+  Profile Clone() const;
+
   // Writes all of the profile in its format, beside the target and over it at the end: after an exception the old file
   // is as it was. Printer profiles keep their time of creation, get the present as that of their update, and their ICC
   // profile takes the file's name as description; plain ICC profiles stay as they are byte for byte.

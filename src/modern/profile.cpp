@@ -294,6 +294,68 @@ void ProfileState::RenewRecord() {
   access.SetupProfileInfoStructure();
 }
 
+namespace {
+
+// What an entry says, changes that have not reached its buffer included, without a touch to it.
+SharedBytes PresentBytes(CProfileDataEntry& entry) {
+  if (!PayloadKeeper::IsStale(entry) || entry.GetPayloadState() == PayloadState::kUnread) {
+    return SharedBytes(entry.Bytes());
+  }
+  SharedBytes form = entry.GetPayloadState() == PayloadState::kEdited ? PayloadKeeper::FormOf(entry) : SharedBytes();
+  if (form.IsEmpty()) Fail(TitleOf(entry.GetUsedType()) + ": what was changed cannot be written");
+  return form;
+}
+
+// Parsed as far as the original is, so that reading either writes to nothing.
+std::unique_ptr<CProfileDataEntry> CopyOf(CProfileDataEntry& entry) {
+  const EntryType* const type = FindEntryType(entry.GetUsedType());
+  std::unique_ptr<CProfileDataEntry> copy(type != nullptr ? type->create() : new CProfileDataEntry);
+  copy->SetUsedType(entry.GetUsedType());
+  copy->SetFormatType(entry.GetFormatType());
+  CopyHeader(entry, *copy);
+  PayloadKeeper::Give(*copy, PresentBytes(entry));
+  if (entry.GetPayloadState() != PayloadState::kUnread) copy->BufferToData();
+  return copy;
+}
+
+std::unique_ptr<CProfileData> CopyOf(const CProfileData& model) {
+  auto copy = std::make_unique<CProfileData>();
+  std::map<const CProfileDataEntry*, CProfileDataEntry*> copies;
+  const auto routeOf = [&](CProfileDataEntry* entry) {
+    const auto found = std::find_if(model.Routes().begin(), model.Routes().end(),
+                                    [=](const auto& item) { return item.second->IsExistEntry(entry); });
+    if (found == model.Routes().end()) Fail(TitleOf(entry->GetUsedType()) + ": stands on no route");
+    return found->first;
+  };
+  // In the order of arrival first, then in that of each route.
+  for (CProfileDataEntry* const entry : model.Entries()) {
+    const std::uint32_t route = routeOf(entry);
+    std::unique_ptr<CProfileDataEntry> twin = CopyOf(*entry);
+    copies[entry] = twin.get();
+    copy->SetProfileDataEntry(twin.release(), route);
+  }
+  for (const auto& [number, route] : model.Routes()) {
+    std::vector<CProfileDataEntry*> twins;
+    for (const CProfileDataEntry* const entry : route->Entries()) twins.push_back(copies.at(entry));
+    if (!twins.empty()) copy->SetProfileDataEntry(twins.front(), number);
+    if (CProfileRoute* const place = copy->GetProfileRoute(number)) place->SetEntries(std::move(twins));
+  }
+  copy->CopyProfileInfo(model);
+  copy->SetTargetType(model.GetTargetType());
+  copy->SetDeviceType(model.GetDeviceType());
+  copy->SetProcessDataType(model.GetProcessDataType());
+  return copy;
+}
+
+}  // namespace
+
+Profile Profile::Clone() const {
+  auto state = std::make_unique<ProfileState>();
+  state->access.Serve(CopyOf(state_->Model()), static_cast<int>(Format()));
+  state->isWhole = state_->isWhole;
+  return Profile(std::move(state));
+}
+
 Profile::Profile(std::unique_ptr<ProfileState> state) : state_(std::move(state)) {}
 Profile::Profile(Profile&& other) noexcept = default;
 Profile& Profile::operator=(Profile&& other) noexcept = default;
