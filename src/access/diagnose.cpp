@@ -1,4 +1,5 @@
-// Why a profile does not load, and what is suspicious in one that does.
+#include "access/diagnose.h"
+
 #include "access/curve_samples.h"
 #include "core/stream.h"
 #include "formats/detection.h"
@@ -99,6 +100,11 @@ bool DiagnoseProfile(const char16_t* path, Diagnosis& diagnosis) {
   CNvxFile file;
   file.SetDiagnosis(&diagnosis);
   if (!file.Open(path, kGenericRead, kShareRead, kOpenExisting)) return RefuseAt(file, 0, "file: cannot be opened");
+  return DiagnoseProfile(file, diagnosis);
+}
+
+bool DiagnoseProfile(CNvxFile& file, Diagnosis& diagnosis) {
+  file.SetDiagnosis(&diagnosis);
   CProfileData data;
   const LoadedFormat loaded = LoadProfile(file, data);
   if (!loaded.format && !diagnosis.HasErrors()) {

@@ -1,6 +1,7 @@
 // Opening and saving, and what all changes have in common.
 #include "modern/profile_state.h"
 
+#include "access/diagnose.h"
 #include "core/replacing_file.h"
 #include "entries/mask/mask_download_records.h"
 #include "formats/qpf_tags.h"
@@ -63,10 +64,8 @@ std::optional<ProfileError> Load(CNvxFile& file, ModelAccess& access) {
   CError error;
   if (access.Load(file, &error)) return std::nullopt;
   Diagnosis diagnosis;
-  file.SetDiagnosis(&diagnosis);
   file.SeekToBegin();
-  ModelAccess again;
-  again.Load(file, &error);
+  DiagnoseProfile(file, diagnosis);
   return ProfileError(WideToUtf8(error.GetErrorCommentW()), DecisiveFirst(diagnosis));
 }
 

@@ -93,6 +93,10 @@ TEST(ModernProfile, FailuresNamePlaceAndRule) {
   EXPECT_THAT(what, HasSubstr("NVX2: media names: cut short"));
   EXPECT_THAT(WhatFails([&] { Profile::Open(folder.Path()); }), HasSubstr("cannot be opened"));
   EXPECT_NE(WhatFails([&] { Profile::FromBytes({}); }), "");
+  // Files that are of no known format get a reason too.
+  broken.resize(broken.size() / 2);
+  EXPECT_THAT(WhatFails([&] { Profile::FromBytes(broken, "broken.icc"); }),
+              HasSubstr("ICC header: size beyond the end"));
 
   Profile made = NewProfile();
   EXPECT_FALSE(made.TrySave(folder.Path() / "missing" / "a.icc", &why));
