@@ -1,0 +1,164 @@
+"""Opening, saving and looking at profiles as a whole."""
+
+import copy
+import datetime
+import json
+import pathlib
+import pickle
+from typing import Any, Dict, List
+
+import nvxprofile
+import pytest
+from conftest import FRAME, SOURCES
+from nvxprofile import Profile, ProfileError
+
+CORPUS = sorted(path for path in (SOURCES / "fuzz").glob("*/*/*") if path.is_file())
+
+
+def test_a_saved_profile_says_what_was_written(profile: Profile, tmp_path: pathlib.Path) -> None:
+    path = tmp_path / "Füllung \udcff.icc"  # any bytes make a name
+    created = profile.info.created
+    profile.curves["linearization"][1] = [0, 30000, 65535]
+    profile.info.update(maker="Example", scan_resolution=1440)
+    profile.save(path)
+    assert profile.info.updated is not None and profile.info.updated.year >= 2020
+    with nvxprofile.open(path) as again:
+        assert again.curves["linearization"][1].tolist() == [0, 30000, 65535]
+        assert again.curves["linearization"].curve(1).name == "Cyan"
+        assert (again.info.maker, again.info.scan_resolution, again.info.created) == ("Example", 1440, created)
+        assert again.info.file_name == path.name
+        assert again.format == "printer-profile" and again.is_whole
+    assert again.closed and "closed" in repr(again) and "closed" in again._repr_html_()
+    with pytest.raises(ValueError, match="closed"):
+        again.linearization(1)
+
+
+def test_a_failed_save_leaves_the_file(profile: Profile, tmp_path: pathlib.Path) -> None:
+    path = tmp_path / "glossy.icc"
+    path.write_bytes(b"old")
+    del profile.entries["icc"]
+    with pytest.raises(ProfileError, match="ICC"):
+        profile.save(path)
+    assert path.read_bytes() == b"old" and list(tmp_path.iterdir()) == [path]
+
+
+def test_an_error_tells_place_rule_and_findings(profile_bytes: bytes) -> None:
+    with pytest.raises(ProfileError) as caught:
+        Profile.from_bytes(profile_bytes[: len(profile_bytes) // 2], "half.icc")
+    error = caught.value
+    assert error.rule and error.rule in str(error) and error.findings[0].rule == error.rule
+    assert error.findings[0].severity == "error"
+    twin = pickle.loads(pickle.dumps(error))
+    assert (twin.rule, twin.findings, str(twin)) == (error.rule, error.findings, str(error))
+    with pytest.raises(ProfileError, match="opened"):
+        nvxprofile.open("/nowhere")
+
+
+def test_documents_go_both_ways(document: Dict[str, Any], profile: Profile) -> None:
+    told = profile.to_dict()
+    assert nvxprofile.build(json.loads(json.dumps(told)), name="film.icc").to_dict()["entries"] == told["entries"]
+    wrong = copy.deepcopy(document)
+    wrong["entries"][1]["payload"]["curves"][0]["samples"][3] = -1
+    with pytest.raises(ProfileError) as caught:
+        nvxprofile.build(wrong, SOURCES / "examples")
+    assert caught.value.place == "/entries/1/payload/curves/0/samples/3"
+    for name in ("../outside.icc", "", "..", "a\0b"):
+        with pytest.raises(ValueError):
+            nvxprofile.build(document, SOURCES / "examples", name)
+    with pytest.raises(ValueError):
+        nvxprofile.build({"nvxprofile": float("nan")})
+
+
+@pytest.mark.parametrize("example", ["container.json", "printer_profile.json", "text_headed/glossy.json", "frame"])
+def test_a_copy_says_the_same_in_every_format(
+    example: str, monkeypatch: pytest.MonkeyPatch, tmp_path: pathlib.Path
+) -> None:
+    monkeypatch.setenv("SOURCE_DATE_EPOCH", "1700000000")
+    monkeypatch.setenv("NVXPROFILE_PROFILE_DIR", str(SOURCES / "examples" / "text_headed"))
+    if example == "frame":
+        original = nvxprofile.open(FRAME)
+    else:
+        path = SOURCES / "examples" / example
+        original = nvxprofile.build(json.loads(path.read_text()), path.parent)
+    twin = copy.copy(original)
+    assert twin.to_dict() == original.to_dict() and twin.info.to_dict() == original.info.to_dict()
+    assert repr(twin) == repr(original) and twin.format == original.format
+    if not original.format.startswith("text"):
+        assert twin.to_bytes() == original.to_bytes()
+    if original.format != "icc":
+        twin.curves["linearization"][1] = [0, 1, 2]
+        assert 1 not in original.curves["linearization"] or len(original.curves["linearization"][1]) > 3
+
+
+def look_at_all(profile: Profile) -> List[object]:
+    seen: List[object] = [profile.info.to_dict(), profile.to_dict(), repr(profile), profile._repr_html_()]
+    seen += [(entry.name, entry.data.tobytes()) for entry in profile.entries.values()]
+    seen += [profile.lamp_patterns, profile.masks, profile.mask_blocks, profile.special_colors]
+    seen += [values.tolist() for values in profile.media.values()]
+    seen += [(curve._tuple()[:7], curve.samples.tolist()) for set in profile.curves.values() for curve in set.curves()]
+    for calibration in profile.history:
+        seen += [repr(calibration), [curves.curves() for curves in calibration.curves.values()]]
+    seen.append(None if profile.table is None else profile.table.tobytes())
+    return seen
+
+
+def test_hostile_files_are_refused_or_read_whole() -> None:
+    loaded = 0
+    for path in CORPUS:
+        for name in ("profile", "profile.icc"):
+            try:
+                profile = Profile.from_bytes(path.read_bytes(), name)
+            except ProfileError:
+                continue
+            loaded += 1
+            assert look_at_all(profile) == look_at_all(profile.copy()), path
+    assert loaded > 10
+
+
+def test_a_profile_is_made_by_its_makers_and_not_pickled(profile: Profile) -> None:
+    with pytest.raises(TypeError, match="pickled: send to_bytes"):
+        pickle.dumps(profile)
+    with pytest.raises(TypeError, match="nvxprofile.open"):
+        Profile(object())  # type: ignore[arg-type]
+    made = Profile.create(FRAME.read_bytes())
+    assert made.icc is not None and made.icc.tobytes() == FRAME.read_bytes()
+    assert made.table is None and made.table_inputs == () and made.masks is None and not made.curves
+
+
+def test_info_is_read_and_written_by_name(profile: Profile) -> None:
+    info = profile.info
+    info.media_names = (nvxprofile.MediaName(9, "Film"), nvxprofile.MediaName(17, "光沢"))
+    info.created = datetime.datetime(2020, 1, 2, 3, tzinfo=datetime.timezone.utc)
+    again = Profile.from_bytes(profile.to_bytes(), "film.icc").info
+    assert again.media_names == info.media_names and again.created == info.created
+    with pytest.raises(AttributeError):
+        setattr(info, "file_name", "x")
+    with pytest.raises(AttributeError, match="no_such"):
+        info.update(no_such=1)
+    with pytest.raises(TypeError, match="scan_resolution"):
+        info.scan_resolution = -1
+    with pytest.raises(ValueError, match="time zone"):
+        info.created = datetime.datetime(2020, 1, 1)
+
+
+def test_a_notebook_shows_curves_and_no_foreign_markup(profile: Profile) -> None:
+    profile.info.default_media_name = "<script>"
+    profile.info.media_names = ()
+    profile.curves["linearization"].put(nvxprofile.Curve(1, [0, 65535], name="<b>Cyan"))
+    html = profile._repr_html_()
+    assert "<script>" not in html and "<b>" not in html and "&lt;b&gt;Cyan" in html
+    assert html.count("<polyline") == sum(len(curves) for curves in profile.curves.values())
+    assert 'points="8.0,152.0 212.0,8.0"' in html
+    assert "film.icc" in repr(profile) and "linearization" in repr(profile)
+
+
+def test_plots_show_each_kind(profile: Profile, monkeypatch: pytest.MonkeyPatch) -> None:
+    pyplot = pytest.importorskip("matplotlib.pyplot")
+    pyplot.switch_backend("agg")
+    figure = profile.plot(["linearization", "gray-balance"])
+    assert [axes.get_title() for axes in figure.axes] == ["linearization", "gray-balance"]
+    assert len(figure.axes[0].lines) == len(profile.curves["linearization"])
+    pyplot.close(figure)
+    monkeypatch.setitem(__import__("sys").modules, "matplotlib.pyplot", None)
+    with pytest.raises(ImportError, match="install"):
+        profile.plot()
