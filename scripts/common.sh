@@ -23,6 +23,8 @@ need() {
 build_packages=(g++ cmake ninja-build pkg-config libcli11-dev nlohmann-json3-dev libfmt-dev node-d3)
 profile_packages=(icc-profiles-free colord-data libgs-common)
 test_packages=(libgtest-dev libgmock-dev liblcms2-dev python3-jsonschema argyll)
+python_packages=(python3-dev pybind11-dev python3-numpy python3-pytest python3-pip python3-setuptools python3-wheel mypy
+                 python3-matplotlib)
 report_packages=(chromium chromium-driver python3-selenium liblcms2-utils poppler-utils libgs-common)
 
 # Every real ICC profile of the profile packages.
