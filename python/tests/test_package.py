@@ -15,9 +15,9 @@ EXAMPLES = SOURCES / "examples" / "python"
 
 
 def run(*command: object, **environment: str) -> str:
-    result = subprocess.run(
-        [str(part) for part in command], capture_output=True, text=True, env={**os.environ, **environment}
-    )
+    # Not from here, where another package of the name may lie.
+    parts, environment = [str(part) for part in command], {**os.environ, **environment}
+    result = subprocess.run(parts, capture_output=True, text=True, cwd="/", env=environment)
     assert result.returncode == 0, result.stdout + result.stderr
     return result.stdout
 
