@@ -35,4 +35,11 @@ class BuildByCMake(build_ext):
 
 header = (ROOT / "include" / "nvxprofile" / "version.h").read_text()
 version = ".".join(re.findall(r"#define NVXPROFILE_VERSION_\w+ (\d+)", header))
-setup(version=version, ext_modules=[Extension("nvxprofile._core", [])], cmdclass={"build_ext": BuildByCMake})
+# What it leaves behind lies beside what CMake does.
+(ROOT / "build").mkdir(exist_ok=True)
+setup(
+    version=version,
+    ext_modules=[Extension("nvxprofile._core", [])],
+    cmdclass={"build_ext": BuildByCMake},
+    options={"build": {"build_base": "build/wheel"}, "egg_info": {"egg_base": "build"}},
+)

@@ -7,6 +7,7 @@ import pathlib
 import pickle
 from typing import Any, Dict, List
 
+import numpy as np
 import nvxprofile
 import pytest
 from conftest import FRAME, SOURCES
@@ -86,6 +87,11 @@ def test_a_copy_says_the_same_in_every_format(
     if not original.format.startswith("text"):
         assert twin.to_bytes() == original.to_bytes()
     if original.format != "icc":
+        linearization = original.curves["linearization"]
+        ink = next(iter(linearization))[0]
+        held = linearization[ink]
+        look_at_all(original)
+        assert np.shares_memory(held, linearization[ink])  # reading parses nothing anew
         twin.curves["linearization"][1] = [0, 1, 2]
         assert 1 not in original.curves["linearization"] or len(original.curves["linearization"][1]) > 3
 
@@ -111,7 +117,10 @@ def test_hostile_files_are_refused_or_read_whole() -> None:
             except ProfileError:
                 continue
             loaded += 1
+            held = [curve.samples for set in profile.curves.values() for curve in set.curves()]
+            values = [view.tobytes() for view in held]
             assert look_at_all(profile) == look_at_all(profile.copy()), path
+            assert [view.tobytes() for view in held] == values, path
     assert loaded > 10
 
 

@@ -79,8 +79,20 @@ def test_views_outlive_every_change(
         assert view.tobytes() == before[name], name
 
 
+@pytest.mark.parametrize("state", ["loaded", "saved", "copied", "changed"])
 @pytest.mark.parametrize("name", VIEWS)
-def test_a_view_is_the_memory_itself_and_read_only(profile: Profile, name: str) -> None:
+def test_a_view_is_the_memory_itself_and_read_only(
+    profile: Profile, name: str, state: str, tmp_path: pathlib.Path
+) -> None:
+    if state == "saved":
+        profile.save(tmp_path / "saved.icc")
+    if state == "copied":
+        profile = profile.copy()
+    if state == "changed":
+        profile.history.append("new", NOW, linearization={1: [1, 2]})
+        profile.curves["linearization"][1] = [1, 2]
+        profile.media["heater"] = 5
+        profile.special_colors = profile.special_colors
     view = VIEWS[name](profile)
     assert np.shares_memory(view, VIEWS[name](profile))
     with pytest.raises(ValueError):
