@@ -69,6 +69,7 @@ struct DENSITY_PARAM {
   std::uint8_t MixCurve[256] = {};
 };
 
+// The same with curves of 16 bits.
 struct DENSITY_PARAM_V3 {
   int Contrast = 0;
   int Cyan = 0;
@@ -83,6 +84,7 @@ struct DENSITY_PARAM_V3 {
   std::uint16_t MixCurve[256] = {};
 };
 
+// What a colour adjust file says beside its curves: one block each for the keys with the prefixes v and r.
 struct COLOR_ADJUST {
   int ProfileCode = 0;
   int TotalDensity = 0;
@@ -90,6 +92,7 @@ struct COLOR_ADJUST {
   DENSITY_PARAM R;
 };
 
+// The same with curves of 16 bits.
 struct COLOR_ADJUST_V3 {
   int ProfileCode = 0;
   int TotalDensity = 0;
@@ -115,7 +118,9 @@ struct DEVICE_ADJUST_PARAM {
   int UvModeValue = 0;
 };
 
+// What a file says of special colours: which ink set, and of each ink its code and density.
 struct SPECIAL_COLOR_ADJUST {
+  // One ink.
   struct Ink {
     int InkCode = 0;
     int Density = 0;
@@ -142,6 +147,7 @@ class NVX_EXPORT CColorAdjustFile {
   CColorAdjustFile& operator=(const CColorAdjustFile&) = delete;
   virtual ~CColorAdjustFile();
 
+  // Reads the file, as said above.
   bool Initialize(const char16_t* path, CError& error);
 
   // False if any key is missing; the record then names the last one. The other keys of its block are read all the same;
@@ -151,6 +157,7 @@ class NVX_EXPORT CColorAdjustFile {
   bool GetInkLimitCurve(std::uint8_t* curve, int ink, CError& error);
 
  protected:
+  // The block of the keys with that prefix.
   bool GetDensityParam(DENSITY_PARAM* param, const char* prefix, CError& error);
 
   // 4 and `count` curves of 256 bytes, cleared first; see CAdjustFileAnalyzer::GetCurves8.
@@ -169,6 +176,7 @@ class NVX_EXPORT CColorAdjustFileV3 {
   CColorAdjustFileV3& operator=(const CColorAdjustFileV3&) = delete;
   ~CColorAdjustFileV3();
 
+  // Reads the file, as said above.
   bool Initialize(const char16_t* path, CError& error);
 
   // As in CColorAdjustFile.
@@ -177,12 +185,14 @@ class NVX_EXPORT CColorAdjustFileV3 {
   bool GetMultiInkLimitCurve(std::uint16_t* curve, int ink, int index, CError& error);
 
  protected:
+  // The block of the keys with that prefix.
   bool GetDensityParam(DENSITY_PARAM_V3* param, const char* prefix, CError& error);
 
  private:
   std::unique_ptr<CAdjustFileAnalyzer> analyzer_;
 };
 
+// Files that correct device settings.
 class NVX_EXPORT CDeviceAdjustFile {
  public:
   CDeviceAdjustFile();
@@ -190,6 +200,7 @@ class NVX_EXPORT CDeviceAdjustFile {
   CDeviceAdjustFile& operator=(const CDeviceAdjustFile&) = delete;
   virtual ~CDeviceAdjustFile();
 
+  // Reads the file, as said above.
   bool Initialize(const char16_t* path, CError& error);
 
   // False at the first required key that is missing, with the fields behind it untouched. After a true the record may
@@ -200,6 +211,7 @@ class NVX_EXPORT CDeviceAdjustFile {
   std::unique_ptr<CAdjustFileAnalyzer> analyzer_;
 };
 
+// Files that correct special colours.
 class NVX_EXPORT CSpecialColorAdjustFile {
  public:
   CSpecialColorAdjustFile();
@@ -207,6 +219,7 @@ class NVX_EXPORT CSpecialColorAdjustFile {
   CSpecialColorAdjustFile& operator=(const CSpecialColorAdjustFile&) = delete;
   virtual ~CSpecialColorAdjustFile();
 
+  // Reads the file, as said above.
   bool Initialize(const char16_t* path, CError& error);
 
   // Inkset, ink count and the codes of the inks; inks for which the list has no item get code 0. An ink count above 8
@@ -217,6 +230,7 @@ class NVX_EXPORT CSpecialColorAdjustFile {
   // file is there; the record may name the last density that is missing. No more than 8 inks are looked at.
   bool GetSpecialDensity(SPECIAL_COLOR_ADJUST* data, CError& error);
 
+  // False if the key is missing.
   bool GetInkLimitCurve(std::uint16_t* curve, int ink, CError& error);
 
   // How variable dots apply to the ink; 0 if the key is missing, which the record then says.
@@ -227,6 +241,7 @@ class NVX_EXPORT CSpecialColorAdjustFile {
   bool GetVariableCurve(int ink, std::uint32_t dotSize, std::uint16_t* curve, CError& error);
 
  protected:
+  // What GetVDApplyWay asks.
   int _GetVDApplyWay(int ink, CError& error);
 
  private:

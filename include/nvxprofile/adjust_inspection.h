@@ -28,12 +28,14 @@ struct AdjustKey {
   std::optional<int> ink;
 };
 
+// Something odd about a file.
 struct AdjustRemark {
   std::size_t line = 0;  // as an editor counts, from 1
   std::string key;       // narrow text as in the file; empty where a remark concerns no single key
   std::string text;
 };
 
+// What a reader takes from a file, and what is odd about it.
 struct AdjustInspection {
   std::optional<AdjustKind> kind;  // as asked for, or the one whose reader reads most keys; none if no reader reads any
   std::vector<AdjustKey> keys;     // in the order of the file

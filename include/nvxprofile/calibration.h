@@ -42,6 +42,7 @@ class NVX_EXPORT CContainerData {
   // for null alone. Add tells the two apart.
   virtual bool SetProfileDataEntry(CProfileDataEntry* entry);
 
+  // The description, which stays the container's, and the children.
   tag_ContainerData* GetContainerData() { return &description_; }
   const tag_ContainerData* GetContainerData() const { return &description_; }
   const nvx::CursorList<CProfileDataEntry>& Children() const { return children_; }
@@ -83,6 +84,7 @@ class NVX_EXPORT CContainerData {
 // Asking for a child opens the container as asking for a payload opens other entries: what is below may be changed.
 class NVX_EXPORT CContainerEntry : public CProfileDataEntry {
  public:
+  // How deep containers nest, the outermost counted.
   static constexpr std::uint32_t kMaxLevels = 8;
 
   CContainerEntry();
@@ -93,6 +95,7 @@ class NVX_EXPORT CContainerEntry : public CProfileDataEntry {
   // Copies the description; null changes nothing.
   void SetContainerData(const tag_ContainerData* description);
 
+  // Number of children.
   int GetEntryCount() const;
 
   // The child at a position, null for a position without one; or the first child with that used type and option info,
@@ -135,11 +138,13 @@ class NVX_EXPORT CContainerEntry : public CProfileDataEntry {
   const CContainerData& GetChildData() const { return data_; }
 
  protected:
+  // Whether RemoveProfileDataEntry takes children out.
   enum class Removal { kForbidden, kAllowed };
 
   // For the subclasses: the values of their row in the table of entry types.
   CContainerEntry(UsedType usedType, bool display, Removal removal);
 
+  // Destroys the children.
   void DeleteContents();
 
   // BufferToData and DataToBuffer with the option value of the form, which stays as it is if the form has no header.
@@ -227,6 +232,7 @@ class NVX_EXPORT CCalibrationTargetEntry : public CProfileDataEntry {
 // Two opaque records. A new entry holds zeros, and has a buffer of 1024 zero bytes already.
 class NVX_EXPORT CCalibrationInfoEntry : public CProfileDataEntry {
  public:
+  // Bytes of each record.
   static constexpr std::uint32_t kRecordLength = sizeof(tag_CalibrationInfo);
 
   CCalibrationInfoEntry();
@@ -264,11 +270,13 @@ class NVX_EXPORT CCalibrationInklimitEntry : public CProfileCurveEntry {
   CCalibrationInklimitEntry() : CProfileCurveEntry(kCalibrationInklimit) {}
 };
 
+// Entry type 24.
 class NVX_EXPORT CCalibrationLinearizationEntry : public CProfileCurveEntry {
  public:
   CCalibrationLinearizationEntry() : CProfileCurveEntry(kCalibrationLinearization) {}
 };
 
+// Entry type 25.
 class NVX_EXPORT CCalibrationGrayBalanceEntry : public CProfileCurveEntry {
  public:
   CCalibrationGrayBalanceEntry() : CProfileCurveEntry(kCalibrationGrayBalance) {}
@@ -314,11 +322,13 @@ class NVX_EXPORT CProfileFileCalibration {
   void SetOptionValue(std::uint32_t value) { optionValue_ = value; }
 
  protected:
+  // The steps of a load and of a save; false stops it.
   virtual bool LoadEntryHeader(CNvxFile& file);
   virtual bool LoadEntries(CNvxFile& file, CContainerData* data);
   virtual bool SaveHeader(CNvxFile& file, CContainerData* data);
   virtual bool SaveBody(CNvxFile& file, CContainerData* data);
 
+  // The parts of SaveBody and of LoadEntries, for subclasses.
   bool SaveEntryHeaders(CNvxFile& file, CContainerData* data);
   void SetLoadEntryCount(std::uint32_t count) { entryCount_ = count; }
   void DeleteContents();

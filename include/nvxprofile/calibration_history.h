@@ -43,6 +43,7 @@ NVX_EXPORT CCalibrationContainerEntry* AddCalibration(CCalibrationHistoryEntry& 
 NVX_EXPORT std::vector<std::uint32_t> CollidingCodes(const CCalibrationHistoryEntry& history,
                                                      const CCalibrationHistoryEntry& source);
 
+// Where a calibration of the source has gone.
 struct ImportedCalibration {
   std::uint32_t sourceCode = 0;
   std::uint32_t code = 0;  // in the history; a fresh one where the source's code collided

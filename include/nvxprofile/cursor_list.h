@@ -34,6 +34,7 @@ class ItemList {
   auto begin() const { return items_.begin(); }
   auto end() const { return items_.end(); }
 
+  // Room for that many elements, so that adding them cannot fail.
   void Reserve(std::size_t count) { items_.reserve(count); }
 
   // The cursor: Head puts it on the first element and says whether there is one; Next gives the element at the cursor,
@@ -43,6 +44,7 @@ class ItemList {
     return !items_.empty();
   }
 
+  // See Head.
   T* Next(bool& more) {
     T* const item = At(cursor_);
     if (cursor_ < items_.size()) ++cursor_;
@@ -78,6 +80,7 @@ class ItemList {
     return item;
   }
 
+  // Empties the list.
   std::vector<T*> TakeAll() {
     cursor_ = 0;
     return std::exchange(items_, {});
@@ -100,6 +103,7 @@ class ReferenceList : public ItemList<T> {
  public:
   ReferenceList() = default;
 
+  // Adds the item at the end.
   void Append(T* item) { this->Put(this->Count(), item); }
   // Takes every occurrence of the item out.
   void Remove(const T* item) { std::erase(this->items_, item); }
@@ -119,6 +123,7 @@ class CursorList : public ItemList<T> {
   CursorList() = default;
   ~CursorList() { Clear(); }
 
+  // Add the item at the end, or before the one at `index`.
   void Append(std::unique_ptr<T> item) { Insert(this->Count(), std::move(item)); }
   void AppendBorrowed(T* item) { this->Put(this->Count(), item); }
   void InsertBorrowed(std::size_t index, T* item) { this->Put(index, item); }

@@ -20,6 +20,7 @@ class CurveSetRefill;
 // curve of 8-bit samples with DataType 2 holds 16-bit samples as raw bytes, low byte first.
 class NVX_EXPORT CCurveDataEntry : public CDataEntryObject {
  public:
+  // Values of DataType.
   enum typeData : std::uint32_t {
     kSamples8 = 1,
     kSamples16 = 2,
@@ -53,6 +54,7 @@ class NVX_EXPORT CCurveDataEntry : public CDataEntryObject {
   // Gives the curve as many zero samples as `size` bytes hold whole, and returns them. The samples before are lost.
   virtual void* GetBuffer(std::uint32_t size);
 
+  // Takes all samples out.
   virtual void DeleteAllElement();
 
   // Number of samples.
@@ -231,6 +233,7 @@ struct tagCurveFileHeader {
   std::uint32_t UsedType = 0;
   std::uint32_t EntryCount = 0;
 
+  // What the record is made of, for readers and writers.
   template <class Self, class Codec>
   static constexpr void Describe(Self& record, Codec& codec);
 };
@@ -254,6 +257,7 @@ class NVX_EXPORT CCurveFile : public CDataFile {
     std::uint32_t DataSize = 0;  // bytes
     char InkName[92] = {};       // always terminated
 
+    // What the record is made of, for readers and writers.
     template <class Self, class Codec>
     static constexpr void Describe(Self& record, Codec& codec);
   };

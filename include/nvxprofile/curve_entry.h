@@ -55,16 +55,19 @@ class NVX_EXPORT CProfileCurveEntry : public CProfileDataEntry {
   bool takes16Bit_ = false;
 };
 
+// Entry type 2: how much of an ink the medium takes.
 class NVX_EXPORT CInkLimitEntry : public CProfileCurveEntry {
  public:
   CInkLimitEntry() : CProfileCurveEntry(kInkLimit) {}
 };
 
+// Entry type 6: which amount of ink each tone takes.
 class NVX_EXPORT CLinearizationEntry : public CProfileCurveEntry {
  public:
   CLinearizationEntry() : CProfileCurveEntry(kLinearization) {}
 };
 
+// Entry type 17: curves by ink and ExtendInfo.
 class NVX_EXPORT CMultiInkLimitEntry : public CProfileCurveEntry {
  public:
   CMultiInkLimitEntry() : CProfileCurveEntry(kMultiInkLimit) {}
@@ -76,6 +79,7 @@ class NVX_EXPORT CUcrEntry : public CProfileCurveEntry {
   CUcrEntry() : CProfileCurveEntry(kUcr) {}
 };
 
+// Entry type 5: how a tone is shared between an ink and its light one.
 class NVX_EXPORT CSeparateLightEntry : public CProfileCurveEntry {
  public:
   CSeparateLightEntry() : CProfileCurveEntry(kSeparateLight) {}
@@ -89,6 +93,7 @@ namespace nvx {
 // A curve entry that sees its option info word as four bytes.
 class NVX_EXPORT ByteOptionCurveEntry : public CProfileCurveEntry {
  public:
+  // The bytes, from the highest to the lowest.
   std::uint8_t GetOptionInfoHH() { return OptionByte(24); }
   std::uint8_t GetOptionInfoHL() { return OptionByte(16); }
   std::uint8_t GetOptionInfoLH() { return OptionByte(8); }
@@ -109,21 +114,25 @@ class NVX_EXPORT ByteOptionCurveEntry : public CProfileCurveEntry {
 
 }  // namespace nvx
 
+// Entry type 4: curves of variable dots, by ink and ExtendInfo.
 class NVX_EXPORT CVariableEntry : public nvx::ByteOptionCurveEntry {
  public:
   CVariableEntry() : ByteOptionCurveEntry(kVariable) {}
 };
 
+// Entry type 3: ink limits of variable dots, by ink and ExtendInfo.
 class NVX_EXPORT CVariableInkLimitEntry : public nvx::ByteOptionCurveEntry {
  public:
   CVariableInkLimitEntry() : ByteOptionCurveEntry(kVariableInkLimit) {}
 };
 
+// Entry type 7: at which samples of the linearization the inks together are gray.
 class NVX_EXPORT CGrayBalanceEntry : public CProfileCurveEntry {
  public:
   CGrayBalanceEntry() : CProfileCurveEntry(kGrayBalance) {}
   ~CGrayBalanceEntry() override;
 
+  // The option info as two words, the high and the low one.
   std::uint16_t GetOptionInfoHW() { return static_cast<std::uint16_t>(GetOptionInfo() >> 16); }
   std::uint16_t GetOptionInfoLW() { return static_cast<std::uint16_t>(GetOptionInfo()); }
 

@@ -12,8 +12,10 @@ class NVX_EXPORT CDataObject {
  public:
   ~CDataObject() = default;
 
+  // What the payload stands for, as its form says it.
   virtual std::uint32_t GetUsedType();
   virtual void SetUsedType(std::uint32_t usedType);
+  // Whether the payload owns its children; true at first.
   virtual bool IsAutoDelete();
   virtual void SetAutoDelete(bool autoDelete);
 
@@ -22,6 +24,7 @@ class NVX_EXPORT CDataObject {
   CDataObject(const CDataObject&) = default;
   CDataObject& operator=(const CDataObject&) = default;
 
+  // Empties the payload.
   virtual void DeleteContents();
 
  private:
@@ -39,6 +42,7 @@ class NVX_EXPORT CDataEntryObject {
   CDataEntryObject(const CDataEntryObject&) = default;
   CDataEntryObject& operator=(const CDataEntryObject&) = default;
 
+  // Empties the record.
   virtual void DeleteContents();
 };
 

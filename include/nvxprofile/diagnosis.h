@@ -12,8 +12,10 @@
 
 namespace nvx {
 
+// An error stops the load of what it is about; a warning stops nothing.
 enum class Severity { kWarning, kError };
 
+// One thing that a load found.
 struct Finding {
   Severity severity = Severity::kError;
   std::string place;         // path of the enclosing structures, such as "NVX1/entry 6"; empty at the top
@@ -21,11 +23,15 @@ struct Finding {
   std::string rule;          // what the bytes at that place break
 };
 
+// All that a load found, in the order of the stream.
 class NVX_EXPORT Diagnosis {
  public:
+  // Records a finding at the innermost place; `offset` counts from where that starts.
   void Report(Severity severity, std::uint64_t offset, std::string_view rule);
 
+  // All findings, valid until the next one.
   const std::vector<Finding>& Findings() const { return findings_; }
+  // Whether a finding is an error.
   bool HasErrors() const;
 
   // Opens a nested place whose offset 0 is `base` of the enclosing one; Leave closes the innermost.
@@ -48,6 +54,7 @@ NVX_EXPORT bool DiagnoseProfile(const char16_t* path, Diagnosis& diagnosis);
 // Enters a place for as long as it lives. A null diagnosis is allowed and costs nothing but the test.
 class DiagnosisScope {
  public:
+  // `namePlace` is called for the name of the place if there is a diagnosis.
   template <class NamePlace>
   DiagnosisScope(Diagnosis* diagnosis, std::uint64_t base, NamePlace&& namePlace) : diagnosis_(diagnosis) {
     if (diagnosis_ != nullptr) diagnosis_->Enter(namePlace(), base);

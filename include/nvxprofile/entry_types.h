@@ -11,15 +11,16 @@
 
 namespace nvx {
 
+// One row of the entry types.
 struct EntryType {
   CProfileDataEntry::UsedType usedType;
   CProfileDataEntry::FormatType formatType;
-  bool isDisplayed;            // what IsDisplayEnable says of a new entry
-  std::string_view name;       // as documents and the tool call it, such as "ink-limit"
-  std::string_view className;  // the class that CreateDataEntry makes
-  std::uint32_t route;         // where a profile of the current generation has it
-  const char* tag;             // the private tag that keeps that route
-  CProfileDataEntry* (*create)();
+  bool isDisplayed;                // what IsDisplayEnable says of a new entry
+  std::string_view name;           // as documents and the tool call it, such as "ink-limit"
+  std::string_view className;      // the class that CreateDataEntry makes
+  std::uint32_t route;             // where a profile of the current generation has it
+  const char* tag;                 // the private tag that keeps that route
+  CProfileDataEntry* (*create)();  // makes a new entry, as CreateDataEntry does
 };
 
 // All types in the order of their numbers.
@@ -37,6 +38,7 @@ enum ProfileFormat : int {
   kPlainIcc = 6,
 };
 
+// One row of the file formats.
 struct FormatType {
   ProfileFormat format;
   std::string_view name;       // as documents call it, such as "printer-profile"

@@ -51,6 +51,7 @@ class NVX_EXPORT CError {
   const char* GetErrorFileName() const { return fileName_; }
   const char* GetErrorCommentA() const { return commentA_; }
   const char16_t* GetErrorCommentW() const { return commentW_; }
+  // Whether the wide comment holds.
   bool IsCommentUnicode() const { return (reason_ & 0x8000u) != 0; }
 
  private:

@@ -60,6 +60,7 @@ class NVX_EXPORT CNvxFile {
   // Size of the file in bytes, lower 32 bits; 0 if the stream is closed or the query fails.
   virtual std::uint32_t GetLength();
 
+  // The position, lower 32 bits; 0 if the stream is closed. The seeks give the new one.
   virtual std::uint32_t GetPosition();
   virtual std::uint32_t SeekToEnd();
   virtual std::uint32_t SeekToBegin();

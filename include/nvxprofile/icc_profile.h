@@ -71,6 +71,7 @@ class NVX_EXPORT CICCProfile {
   // Bytes of the image in its present state; 0 without a working copy and for an image beyond 4 GiB.
   std::uint32_t GetProfileSize() const;
 
+  // False without a working copy and for a tag that is not there.
   bool IsTagPresent(const char* tag) const;
 
   // With a null buffer: true, and `size` is the tag's size in bytes, or as it was if there is no such tag. With a
@@ -113,12 +114,14 @@ class NVX_EXPORT CICCProfileBufferAccess : public CNvxMemFile {
   using CNvxMemFile::CNvxMemFile;
   ~CICCProfileBufferAccess() override;
 
+  // Numbers of that size, big-endian; what the block does not hold reads as 0.
   std::uint8_t ReadUInt8();
   std::uint16_t ReadUInt16();
   std::uint32_t ReadUInt32();
   // ICC fixed point: a signed 32-bit number in units of 1/65536.
   double ReadS15Fixed16();
 
+  // Fewer bytes go out where the block cannot take them.
   void WriteUInt8(std::uint8_t value);
   void WriteUInt16(std::uint16_t value);
   void WriteUInt32(std::uint32_t value);

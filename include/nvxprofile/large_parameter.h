@@ -38,6 +38,7 @@ class NVX_EXPORT CLargeParameterDataEntry : public CDataEntryObject {
   // False, with nothing stored, for a word that is not there. All classes store to the array of that index.
   virtual bool SetParameter(std::int32_t index, std::int32_t value, std::int32_t arrayIndex);
 
+  // Number of patterns. Used type 1, which has none, keeps what is set all the same.
   virtual std::int32_t GetPatternCount();
   virtual void SetPatternCount(std::int32_t count);
 

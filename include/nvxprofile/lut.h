@@ -153,6 +153,7 @@ class NVX_EXPORT CLutData : public CDataObject {
   static std::uint64_t CountNodes(std::uint32_t inputChannels, std::uint32_t gridCount);
 
  protected:
+  // Take out all channels; the counts stay.
   virtual void RemoveAllOutputChannelInf();
   virtual void RemoveAllInputChannelInf();
   // Appends a node, which the table takes over; null is ignored.
@@ -185,6 +186,7 @@ class NVX_EXPORT CLutData : public CDataObject {
 class NVX_EXPORT CLutData3D : public CLutData {
  public:
   using CLutData::Initialize;
+  // As in the base, with three input channels.
   void Initialize(std::uint32_t outputChannels, std::uint32_t gridCount);
 };
 

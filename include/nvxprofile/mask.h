@@ -88,6 +88,7 @@ class NVX_EXPORT CMaskParameterData : public CDataObject {
   CMaskParameterDataEntry* GetEntry(std::uint32_t pass, std::uint32_t specialColorsetCode, std::uint32_t printMethod,
                                     std::uint32_t layerColorCount, const std::uint32_t* layerColors) const;
 
+  // Number of entries.
   int GetEntryCount() const { return static_cast<int>(entries_.Count()); }
 
   // Cursor: GetFirstPosition is false for an empty list; GetNextPosition says in `more` whether another entry follows,
@@ -157,6 +158,7 @@ class NVX_EXPORT CMaskPatternData : public CDataObject {
   // The entry with that ID, which stays the table's; null if there is none. Takes logarithmic time.
   CMaskPatternDataEntry* GetEntry(int id) const;
 
+  // Number of entries.
   int GetEntryCount() const { return static_cast<int>(entries_.Count()); }
 
   // Cursor, as in CMaskParameterData.

@@ -14,6 +14,7 @@ namespace nvx {
 struct WeftBlockHeader;
 }
 
+// The header of a stream of data blocks.
 struct tagWeftHeader {
   std::uint32_t VersionMajor = 0;
   std::uint32_t VersionMinor = 0;
@@ -111,6 +112,7 @@ class NVX_EXPORT CMaskDownLoadEntry : public CProfileDataEntry {
   // Bytes that SaveWeftData writes; nothing if the form cannot carry what there is.
   virtual std::optional<std::uint64_t> GetWeftDataSize();
 
+  // For the subclasses: the header, and the block headers as they were read.
   std::uint32_t GetDataCount() const { return header_.DataCount; }
   void SetHeader(const tagWeftHeader& header) { header_ = header; }
   const std::vector<nvx::WeftBlockHeader>& GetLoadedBlockHeaders() const { return blockHeaders_; }

@@ -22,6 +22,7 @@ class NVX_EXPORT CModelData : public CDataObject {
   CModelData() = default;
   virtual ~CModelData();
 
+  // As the class says.
   void GetModelName(char* name) const;
   void SetModelName(const char* name);
   void GetMediaName(char* name) const;
@@ -58,8 +59,10 @@ class NVX_EXPORT CInfoData : public CDataObject {
   virtual ~CInfoData();
 
   const char* GetVersionStr() const { return versionStr_; }
+  // As the class says.
   void SetVersionStr(const char* text);
   const char* GetComment() const { return comment_; }
+  // As the class says.
   void SetComment(const char* text);
   // Narrow, despite its name.
   const char* GetUserNameW() const { return userName_; }

@@ -32,16 +32,19 @@ class NVX_EXPORT CProfileAccess {
   bool Init(const char16_t* path, CError* error);
 
   CProfileData* GetProfileData() { return profile_.get(); }
+  // The record of the loaded profile, which stays the profile's; null without one.
   _tagDeviceProfileInfo* GetProfileInfo();
   CProfileDataInfo* GetProfileInfoObject();
   // Format number of the loaded file (CProfileFile::GetMyFormat); 0 before the first successful Init.
   int GetProfileLoadFormat() const { return format_; }
 
+  // Whether the profile has that route: 1, 2, 4, or any.
   bool IsICCRoot();
   bool IsGrayBalanceRoot();
   bool IsV3Route();
   bool IsSpecifiedRoute(std::uint32_t route);
 
+  // Parts of the information record. False without a profile.
   bool GetOutputInfo(_tagOutputInfo* info);
   bool GetOutputResolution(std::uint32_t& scan, std::uint32_t& feed, std::uint32_t& third, std::uint32_t& fourth);
   bool GetRenderingResolution(std::uint32_t& scan, std::uint32_t& feed, std::uint32_t& expand);
@@ -178,6 +181,7 @@ class NVX_EXPORT CProfileAccess {
   // Completes the information record with what only the entries know; runs after each load.
   void SetupProfileInfoStructure();
 
+  // What the curve queries ask.
   void* GetCurveDataBuffer(CProfileDataEntry* entry, std::uint32_t inkColorCode, std::uint32_t extendInfo, int& size,
                            int& dataType, CError* error);
   // out[i] = second[first[i]] for i below count. `second` has an element for every value in `first`.

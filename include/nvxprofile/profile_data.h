@@ -86,6 +86,7 @@ class NVX_EXPORT CProfileData {
   // Destroys all entries and routes, and the media names of the binary view. The rest of the record stays.
   void DeleteContents();
 
+  // Lookups: the entry of that type on any route, the first one on that route, and the route itself.
   CProfileDataEntry* GetProfileDataEntryFromList(std::uint32_t usedType) const;
   CProfileDataEntry* GetProfileDataEntry(std::uint32_t route, std::uint32_t usedType) const;
   CProfileRoute* GetProfileRoute(std::uint32_t route) const;
@@ -109,6 +110,7 @@ class NVX_EXPORT CProfileData {
   const nvx::CursorList<CProfileDataEntry>& Entries() const { return entries_; }
   const std::map<std::uint32_t, std::unique_ptr<CProfileRoute>>& Routes() const { return routes_; }
 
+  // Whether there is a route: the main one, the ICC path, the gray-balance path, or any by its number.
   bool IsV3() const { return IsSpecifiedRoute(nvx::kRouteMain); }
   bool IsICCRoot() const { return IsSpecifiedRoute(nvx::kRouteIccRoot); }
   bool IsGrayBalance() const { return IsSpecifiedRoute(nvx::kRouteGrayBalance); }

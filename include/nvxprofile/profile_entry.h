@@ -117,6 +117,7 @@ class NVX_EXPORT CProfileDataEntry {
   // Frees the present buffer and takes over a malloc'ed block.
   virtual void AttachBuffer(std::uint8_t* buffer, std::uint32_t size);
 
+  // A number whose meaning belongs to the type of the entry.
   virtual void SetOptionInfo(std::uint32_t optionInfo);
   virtual std::uint32_t GetOptionInfo();
 
@@ -126,9 +127,11 @@ class NVX_EXPORT CProfileDataEntry {
   // Bytes in the buffer.
   virtual std::uint32_t GetSize();
 
+  // Flags that travel with the entry; whoever made the profile says what they are worth.
   virtual void SetComplete(bool complete);
   virtual bool IsComplete();
   virtual bool IsDisplayEnable();
+  // Frees the buffer; the entry is empty then.
   virtual void DeleteBuffer();
 
   // The buffer for reading and writing, which stays the entry's and is valid until it is replaced; null when there is
@@ -139,6 +142,7 @@ class NVX_EXPORT CProfileDataEntry {
   // The buffer for reading, valid until it is replaced or GetRefBuffer is called.
   std::span<const std::uint8_t> Bytes() const { return buffer_.Bytes(); }
 
+  // The numbers that the entry table stores; a FormatType and a UsedType, if the class is known.
   virtual std::uint32_t GetFormatType() const;
   virtual void SetFormatType(std::uint32_t formatType);
   virtual std::uint32_t GetUsedType() const;

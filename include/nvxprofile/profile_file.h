@@ -43,6 +43,7 @@ class NVX_EXPORT CProfileFile {
  protected:
   CProfileFile() = default;
 
+  // The steps of a load and of a save, which each format gives; false stops it.
   virtual bool LoadHeader(CNvxFile& file, CProfileData* data);
   virtual bool LoadEntries(CNvxFile& file, CProfileData* data);
   virtual bool SaveHeader(CNvxFile& file, CProfileData* data, std::uint32_t route);
@@ -53,6 +54,7 @@ class NVX_EXPORT CProfileFile {
 
   void SetMyFormat(int format) { format_ = format; }
 
+  // The two times of a save, seconds since 1970.
   struct SaveTimes {
     std::int64_t created = 0;
     std::int64_t saved = 0;
@@ -90,8 +92,10 @@ class NVX_EXPORT CProfileFileQCT : public CProfileFile {
   bool LoadEntries(CNvxFile& file, CProfileData* data) override;
   bool SaveHeader(CNvxFile& file, CProfileData* data, std::uint32_t route) override;
   bool SaveBody(CNvxFile& file, CProfileData* data, std::uint32_t route) override;
+  // Reads the entry table.
   virtual bool LoadEntryHeader(CNvxFile& file);
 
+  // Parts of SaveBody, and of the next load.
   bool SaveEntryHeaders(CNvxFile& file, CProfileData* data, std::uint32_t route);
   void DeleteContents();
 

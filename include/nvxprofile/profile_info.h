@@ -128,6 +128,7 @@ static_assert(sizeof(_tagDeviceProfileInfo::TextView) >= sizeof(_tagDeviceProfil
 // Base of the records by which lists of profiles are sorted.
 class NVX_EXPORT CProfileInfoObject {
  public:
+  // Whether this record stands before the other one.
   virtual bool IsOrderedBefore(const CProfileInfoObject& other) const;
 
  protected:

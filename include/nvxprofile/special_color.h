@@ -35,6 +35,7 @@ class NVX_EXPORT CSpecialColorInfoDataEntry : public CDataEntryObject {
   // False, with nothing stored, for a word that is not there.
   virtual bool SetParameter(std::int32_t index, std::int32_t value, std::int32_t arrayIndex);
 
+  // Number of patterns.
   virtual std::int32_t GetPatternCount();
   virtual void SetPatternCount(std::int32_t count);
 

@@ -19,6 +19,7 @@
 
 #else
 
+// A date and a time of day, in the local zone.
 struct _SYSTEMTIME {
   std::uint16_t wYear = 0;
   std::uint16_t wMonth = 0;  // 1 to 12
@@ -30,6 +31,7 @@ struct _SYSTEMTIME {
   std::uint16_t wMilliseconds = 0;
 };
 
+// The name that the records use.
 using SYSTEMTIME = _SYSTEMTIME;
 
 #endif

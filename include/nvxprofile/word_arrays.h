@@ -39,11 +39,13 @@ class WordArrays {
     return IsIn(count_, array) ? std::span(arrays_[static_cast<std::size_t>(array)]) : std::span<const std::int32_t>();
   }
 
+  // 0 for a word that is not there.
   std::int32_t Get(std::int64_t array, std::int64_t index) const {
     const auto words = Words(array);
     return IsIn(words.size(), index) ? words[static_cast<std::size_t>(index)] : 0;
   }
 
+  // False, with nothing stored, for a word that is not there.
   bool Set(std::int64_t array, std::int64_t index, std::int32_t value) {
     const auto words = Words(array);
     if (!IsIn(words.size(), index)) return false;
