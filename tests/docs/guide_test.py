@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Runs what the guide shows. The commands of a page (```sh) run one after the other in a folder of their own that has a
-copy of examples/; where a block of ```text follows, it is what they end by saying. Programs (```cpp with a main) are
-compiled against the library, with warnings as errors, and answer for a profile. A block of another language is not
+copy of examples/; where a block of ```text follows, it is what they end by saying. Programs (```cpp) are compiled
+against the library, with warnings as errors; those with a main answer for a profile. A block of another language is not
 looked at. Arguments: the tool, the folder of the sources, that of the library, the compiler, and what it is given
 besides."""
 import os
@@ -52,17 +52,23 @@ def run_commands(name, blocks, folder):
 def run_programs(name, blocks, folder):
     count = 0
     for language, text, line in blocks:
-        if language != "cpp" or "int main(" not in text:
+        if language != "cpp":
             continue
         count += 1
+        runs = "int main(" in text
+        if not runs:
+            head, body = re.match(r"((?:#[^\n]*\n|\n)*)(.*)", text, flags=re.S).groups()
+            text = f"{head}int main() {{\n{body}return 0;\n}}\n"
         program = folder / f"program{line}"
         program.with_suffix(".cpp").write_text(text, encoding="utf-8")
         built = subprocess.run(
-            [compiler, "-std=c++20", "-Wall", "-Wextra", "-Werror", *flags, program.with_suffix(".cpp"), "-o", program,
+            [compiler, "-std=c++20", "-Wall", "-Wextra", "-Werror", *([] if runs else ["-Wno-unused"]), *flags, program.with_suffix(".cpp"), "-o", program,
              f"-I{sources / 'include'}", f"-L{libraries}", "-lnvxprofile", f"-Wl,-rpath,{libraries}"],
             capture_output=True, text=True, check=False)
         if built.returncode != 0:
             faults.append(f"{name}, line {line}: {built.stderr.strip()}")
+            continue
+        if not runs:
             continue
         profile = folder / "given.icc"
         subprocess.run([tool, "build", "examples/printer_profile.json", "-o", profile], cwd=sources, check=True)
