@@ -71,6 +71,7 @@ class ItemList {
     items_.insert(items_.begin() + static_cast<std::ptrdiff_t>(std::min(index, items_.size())), item);
   }
 
+  // Puts the other one wherever the item stands.
   void Swap(const T* item, T* other) { std::replace(items_.begin(), items_.end(), const_cast<T*>(item), other); }
 
   // Null if there is none.

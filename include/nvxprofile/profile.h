@@ -130,6 +130,7 @@ enum class MediaSetting : std::uint32_t {
   kFeedDirection = 11,  // 1
 };
 
+// Samples of a curve that lie somewhere else, in each of the two widths.
 using Samples8 = std::span<const std::uint8_t>;
 using Samples16 = std::span<const std::uint16_t>;
 // Samples in the width that they are stored in.
@@ -149,6 +150,7 @@ struct Curve {
   Samples samples;
 };
 
+// An input or output of a separation table.
 struct TableChannel {
   std::uint8_t code = 0;
   std::uint32_t attribute = 0;
@@ -164,6 +166,7 @@ struct SeparationTable {
   Samples8 samples;
 };
 
+// The name of the medium in one language.
 struct MediaName {
   std::uint16_t language = 0;  // primary language number: 9 English, 17 Japanese
   std::string text;            // at most 64 UTF-16 units
@@ -197,6 +200,7 @@ struct ProfileInfo {
 // A printing condition in a table: a value, any value, or all values of a hundred (301 to 399, for example, and 300).
 class Condition {
  public:
+  // Passes for every value, and for this one.
   static constexpr Condition Any() { return Condition(-1); }
   static constexpr Condition Is(std::int32_t value) { return Condition(value); }
   // Where tables know hundreds: the fourth condition of lamp tables, the first of special colours. A multiple of 100
@@ -220,11 +224,13 @@ struct LampSettings {
   std::vector<std::int32_t> rest;  // what a table holds behind its splits; empty in a sound one, and never written
 };
 
+// Settings of the lamp and the conditions under which they hold.
 struct LampPattern {
   std::array<Condition, 4> conditions{Condition::Any(), Condition::Any(), Condition::Any(), Condition::Any()};
   LampSettings settings;
 };
 
+// What is recommended for special colours that are printed together.
 struct SpecialColorPattern {
   std::array<Condition, 2> conditions{Condition::Any(), Condition::Any()};
   std::vector<Condition> colors;  // ink codes, or any; a hundred does not stand for its values here
@@ -233,6 +239,7 @@ struct SpecialColorPattern {
   std::optional<std::size_t> curveSet;  // index into the curve sets of the table
 };
 
+// All recommendations for special colours.
 struct SpecialColorTable {
   std::uint32_t profileColorType = 0;
   std::vector<SpecialColorPattern> patterns;
@@ -247,6 +254,7 @@ struct MaskCondition {
   std::vector<std::uint32_t> layerColors;  // at most 10; a lookup goes by their number
 };
 
+// What the printer gets under one condition: a block of its own, and patterns of the set by ID.
 struct MaskRule {
   MaskCondition condition;
   std::vector<std::uint8_t> parameters;
@@ -298,6 +306,7 @@ struct Entry {
 
 struct ProfileState;
 
+// One profile, as said at the top: a value that can be moved.
 class NVX_EXPORT Profile {
  public:
   // Loads a file of any format. The file is read once and not kept open.
@@ -338,12 +347,14 @@ class NVX_EXPORT Profile {
   bool IsWhole() const;
   void AcceptLoss();
 
+  // What the file was, and what the profile has.
   ProfileFormat Format() const;
   bool HasRoute(Route route) const;
   bool Has(EntryKind kind) const;
 
   // --- What a profile says about itself ---
 
+  // A copy of the record.
   ProfileInfo Info() const;
   // Printer profiles alone. What their files do not store or a save works out is passed over: file name, versions,
   // update time, mediaName (which follows from the names), rendering resolutions, expand, printer comment and the
@@ -379,9 +390,11 @@ class NVX_EXPORT Profile {
 
   // --- Separation table and ICC profiles ---
 
+  // Nothing without the entry; SetTable makes it if there is none.
   std::optional<SeparationTable> Table() const;
   void SetTable(const SeparationTable& table);
 
+  // The ordinary one; nothing without it.
   std::optional<std::span<const std::uint8_t>> IccProfile() const;
   // The replacement alone: it does not fall back on the ordinary one. Files keep it, as all that stands in a tag of its
   // own, with zeros up to a multiple of 4 bytes behind it.
@@ -391,6 +404,7 @@ class NVX_EXPORT Profile {
 
   // --- Device settings ---
 
+  // The values of a setting; nothing, and false, where the profile does not have it.
   std::optional<std::span<const std::int32_t>> Media(MediaSetting setting) const;
   void SetMedia(MediaSetting setting, std::span<const std::int32_t> values);
   bool RemoveMedia(MediaSetting setting);
@@ -412,6 +426,7 @@ class NVX_EXPORT Profile {
 
   // --- UV lamp and special colours, by printing condition ---
 
+  // Those of the first pattern that fits; nothing without one.
   std::optional<LampSettings> Lamp(const std::array<std::int32_t, 4>& conditions) const;
   // Empty for a fixed table, which answers under all conditions.
   std::vector<LampPattern> LampPatterns() const;
@@ -420,6 +435,7 @@ class NVX_EXPORT Profile {
   // Replaces them by the fixed table: two splits of 131 values.
   void SetFixedLamp(const LampSettings& settings);
 
+  // Of the first pattern that fits; nothing without one.
   std::optional<std::int32_t> RecommendedDensity(const std::array<std::int32_t, 2>& conditions, std::int32_t ink) const;
   // Counts from 0.
   std::optional<std::int32_t> RecommendedLevel(const std::array<std::int32_t, 2>& conditions,
