@@ -34,6 +34,9 @@ need() {
   exit 1
 }
 
+# MAJOR.MINOR.PATCH, out of nvxprofile/version.h on standard input.
+version_of() { sed -n 's/^#define NVXPROFILE_VERSION_[A-Z]* //p' | paste -sd .; }
+
 build_packages=(g++ cmake ninja-build pkg-config libcli11-dev nlohmann-json3-dev libfmt-dev node-d3)
 profile_packages=(icc-profiles-free colord-data libgs-common)
 test_packages=(libgtest-dev libgmock-dev liblcms2-dev python3-jsonschema argyll)
