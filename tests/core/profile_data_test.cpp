@@ -146,13 +146,14 @@ TEST(ProfileDataEntry, CopyTakesFlagsAndBytes) {
   TestEntry source(6);
   source.SetComplete(true);
   source.SetDisplay(true);
-  source.SetFormatType(6);
+  source.SetFormatType(9);
   source.SetOptionInfo(77);
   source.SetLabelString("label");
   std::memcpy(source.GetBuffer(3), "abc", 3);
   TestEntry target(1);
   source.Copy(target);
   EXPECT_EQ(target.GetUsedType(), 6u);
+  EXPECT_EQ(target.GetFormatType(), 9u);
   EXPECT_EQ(target.GetOptionInfo(), 77u);
   EXPECT_TRUE(target.IsComplete());
   EXPECT_TRUE(target.IsDisplayEnable());

@@ -251,6 +251,13 @@ TEST(ModernCalibrations, AddFindAndRemove) {
   EXPECT_TRUE(read.RemoveCalibration(first));
   EXPECT_FALSE(read.RemoveCalibration(first));
   EXPECT_EQ(read.Calibrations().size(), 1u);
+  // Of equal times the first counts, and a time of 0 is none.
+  Profile undated = NewProfile();
+  undated.AddCalibration({"", 0, At(0), {}, {}, {}});
+  EXPECT_FALSE(undated.NewestCalibration());
+  const std::uint32_t early = undated.AddCalibration({"", 0, At(9), {}, {}, {}});
+  undated.AddCalibration({"", 0, At(9), {}, {}, {}});
+  EXPECT_EQ(undated.NewestCalibration()->code, early);
   // A code that was given once is not given again.
   EXPECT_GT(read.AddCalibration({"third", 0, At(1), {}, {}, {}}), second);
 }

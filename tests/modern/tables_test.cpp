@@ -67,6 +67,20 @@ TEST(ModernLamp, PatternsAnswerByCondition) {
   EXPECT_EQ(profile.LampPatterns().size(), 3u);
 }
 
+// A table of the smallest records, byte for byte.
+TEST(ModernLamp, Bytes) {
+  Profile profile = NewProfile();
+  profile.SetLampPatterns(
+      std::array{Pattern({Condition::Is(1), Condition::Any(), Condition::Is(2), Condition::Any()}, {})});
+  nvx::test::ByteBuilder form;
+  form.Text("MRAP").U32(16, 1, 0).Text("HMRP").U32(20, 2, 8 + 4 * (2 + 12 + 2)).I32(1);
+  form.Text("HERP").U32(4 * (2 + 12), 0).U32(0, 0).I32(1, -1, 2, -1).Zero(16).I32(0, 0);
+  form.Text("EMRP").I32(0, -1);
+  const auto bytes = profile.FindEntry(nvx::EntryKind::kLamp)->bytes;
+  ASSERT_EQ(bytes.size(), 1024u);
+  EXPECT_TRUE(std::equal(form.Take().begin(), form.Take().end(), bytes.begin()));
+}
+
 // A form that claims as many patterns as it has words: the blocks before each are not walked again and again.
 TEST(ModernLamp, HostileTable) {
   constexpr std::uint32_t kWords = 300'000;
