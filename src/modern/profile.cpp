@@ -317,7 +317,9 @@ std::unique_ptr<CProfileDataEntry> CopyOf(CProfileDataEntry& entry) {
   return copy;
 }
 
-std::unique_ptr<CProfileData> CopyOf(const CProfileData& model) {
+std::unique_ptr<CProfileData> CopyOf(const CProfileData& model, bool isPrinterProfile) {
+  // As a load does, what was read in part included.
+  const bool countsAs16Bit = isPrinterProfile && model.IsSpecifiedRoute(kRouteMain);
   auto copy = std::make_unique<CProfileData>();
   std::map<const CProfileDataEntry*, CProfileDataEntry*> copies;
   const auto routeOf = [&](CProfileDataEntry* entry) {
@@ -330,6 +332,11 @@ std::unique_ptr<CProfileData> CopyOf(const CProfileData& model) {
   for (CProfileDataEntry* const entry : model.Entries()) {
     const std::uint32_t route = routeOf(entry);
     std::unique_ptr<CProfileDataEntry> twin = CopyOf(*entry);
+    auto* const curves = dynamic_cast<CProfileCurveEntry*>(twin.get());
+    if (curves != nullptr && countsAs16Bit && entry->GetPayloadState() != PayloadState::kUnread &&
+        model.GetProfileRoute(kRouteMain)->IsExistEntry(entry)) {
+      curves->TakeSamplesAs16Bit();
+    }
     copies[entry] = twin.get();
     copy->SetProfileDataEntry(twin.release(), route);
   }
@@ -350,7 +357,7 @@ std::unique_ptr<CProfileData> CopyOf(const CProfileData& model) {
 
 Profile Profile::Clone() const {
   auto state = std::make_unique<ProfileState>();
-  state->access.Serve(CopyOf(state_->Model()), static_cast<int>(Format()));
+  state->access.Serve(CopyOf(state_->Model(), state_->IsPrinterProfile()), static_cast<int>(Format()));
   state->isWhole = state_->isWhole;
   return Profile(std::move(state));
 }

@@ -1,5 +1,6 @@
 // A clone says the same as its original, and neither touches the other.
 #include "modern/made_profile.h"
+#include "support/qpf_builder.h"
 
 #include <gtest/gtest.h>
 #include <nvxprofile/curve_entry.h>
@@ -64,6 +65,23 @@ TEST(ModernClone, SaysTheSameAndIsAnother) {
   const Profile last = gone->Clone();
   gone.reset();
   EXPECT_EQ(Words(last.Linearization(1)), Ramp(2));
+}
+
+// A load counts all samples of a printer profile as 16 bits, those of an entry that it read in part too.
+TEST(ModernClone, CountsSamplesAsTheOriginalDoes) {
+  nvx::test::Bytes set = nvx::test::CurveSet(1, nvx::test::Bytes(8, 3));
+  set[16] = 2;  // curves; the second one is not there
+  set.resize(set.size() + 132);
+  const nvx::test::Bytes file = nvx::test::IccFile(
+      {{"NVX1", nvx::test::EntryTag({{6, 6, set}, nvx::test::Placeholder()})}, {"NVX2", nvx::test::MediaTag({})}});
+  const Profile profile = Profile::FromBytes(file, "a.icc");
+  const auto widths = [](const Profile& one) {
+    std::vector<std::size_t> indices;
+    for (const nvx::Curve& curve : one.Curves(CurveKind::kLinearization)) indices.push_back(curve.samples.index());
+    return indices;
+  };
+  EXPECT_EQ(widths(profile.Clone()), widths(profile));
+  ExpectSameEntries(profile, profile.Clone());
 }
 
 TEST(ModernClone, KeepsWhatWasChangedThroughAccess) {
