@@ -144,7 +144,7 @@ std::vector<CCurveDataEntry*> CurvesInCal(const CalFile& file, const InkTable& i
         fmt::format("the file has no curve of {}; --partial leaves such inks as they are", fmt::join(missing, ", ")));
   }
   for (const CalCurve& curve : file.curves) {
-    if (used.count(curve.colorant) == 0) {
+    if (!used.contains(curve.colorant)) {
       throw std::runtime_error(fmt::format(
           "the file has a curve of {}, and the profile no such ink; --partial leaves it out", curve.colorant));
     }

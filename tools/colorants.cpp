@@ -116,7 +116,7 @@ InkTable::InkTable(const std::vector<std::string>& assignments) {
     const std::string colorant = assignment.substr(sign + 1);
     if (Find(colorant) == nullptr) {
       throw std::runtime_error(
-          fmt::format("\"{}\": there is no colorant \"{}\"; there are {}", assignment, colorant, Letters()));
+          fmt::format(R"("{}": there is no colorant "{}"; there are {})", assignment, colorant, Letters()));
     }
     assigned_[ink] = colorant;
   }

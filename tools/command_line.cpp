@@ -23,10 +23,10 @@ namespace {
 std::size_t Distance(std::string_view a, std::string_view b) {
   std::vector<std::size_t> row(b.size() + 1);
   std::iota(row.begin(), row.end(), std::size_t{0});
-  for (std::size_t i = 0; i < a.size(); ++i) {
+  for (const char letter : a) {
     std::size_t diagonal = row[0]++;
     for (std::size_t j = 0; j < b.size(); ++j) {
-      const std::size_t replaced = diagonal + (a[i] != b[j] ? 1 : 0);
+      const std::size_t replaced = diagonal + (letter != b[j] ? 1 : 0);
       diagonal = row[j + 1];
       row[j + 1] = std::min({replaced, row[j] + 1, row[j + 1] + 1});
     }
@@ -48,7 +48,7 @@ std::string WhyNoCommand(const CLI::App& app, std::string_view word) {
     }
   }
   return nearest.empty() ? fmt::format("there is no command \"{}\"; --help lists them", word)
-                         : fmt::format("there is no command \"{}\"; did you mean \"{}\"?", word, nearest);
+                         : fmt::format(R"(there is no command "{}"; did you mean "{}"?)", word, nearest);
 }
 
 }  // namespace
@@ -137,11 +137,11 @@ Option Command::AddFlag(const std::string& names, std::function<void()> action, 
   return Option(app_->add_flag_callback(names, std::move(action), description));
 }
 
-Option Command::AddNumberedWords(const std::string& names, std::function<void(const int&)> take,
+Option Command::AddNumberedWords(const std::string& names, const std::function<void(const int&)>& take,
                                  const std::map<std::string, int>& words, const std::string& description) {
   std::vector<std::string> list;
   for (const auto& [word, number] : words) list.push_back(word);
-  Option option(app_->add_option_function<int>(names, std::move(take), description)
+  Option option(app_->add_option_function<int>(names, take, description)
                     ->transform(CLI::CheckedTransformer(words).description("")));
   return option.Type(fmt::format("{}", fmt::join(list, "|")));
 }

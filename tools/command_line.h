@@ -84,7 +84,7 @@ class Command {
   void Action(std::function<int()> action);
 
  private:
-  Option AddNumberedWords(const std::string& names, std::function<void(const int&)> take,
+  Option AddNumberedWords(const std::string& names, const std::function<void(const int&)>& take,
                           const std::map<std::string, int>& words, const std::string& description);
 
   CLI::App* app_;

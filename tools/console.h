@@ -13,7 +13,7 @@ class Console {
   Console();
   Console(const Console&) = delete;
   Console& operator=(const Console&) = delete;
-  ~Console();
+  ~Console();  // NOLINT(performance-trivially-destructible): on Windows it has work to do
 
  private:
   [[maybe_unused]] unsigned codePage_ = 0;  // that the console of Windows had before

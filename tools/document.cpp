@@ -97,7 +97,7 @@ EntryPointer EntryFromJson(const Node& node, const std::string& folder) {
   } else if (node.Has("payload")) {
     PayloadFromJson(node.At("payload"), *entry);
   }
-  if (IsIcc(*entry) && !node.Has("file") && !node.Has("bytes")) node.Fail("an ICC entry needs a \"file\" or \"bytes\"");
+  if (IsIcc(*entry) && !node.Has("file") && !node.Has("bytes")) node.Fail(R"(an ICC entry needs a "file" or "bytes")");
   entry->SetComplete(!node.Has("complete") || node.At("complete").Bool());
   if (node.Has("optionInfo")) entry->SetOptionInfo(node.At("optionInfo").U32());
   if (node.Has("label")) {
@@ -137,7 +137,7 @@ void PlaceEntries(const Node& document, std::vector<EntryPointer> entries, int f
     for (const Node& item : route.At("entries").Items()) {
       if (placed.empty()) item.Fail("there are no entries");
       const auto index = static_cast<std::size_t>(item.Integer(0, static_cast<std::int64_t>(placed.size()) - 1));
-      entries[index].release();
+      static_cast<void>(entries[index].release());
       data.SetProfileDataEntry(placed[index], number);
     }
   }
@@ -448,12 +448,12 @@ Json ParseDocument(const std::string& text) {
   }
 }
 
-std::vector<std::uint8_t> BuildProfile(const Json& json, const std::string& folder, const std::string& name) {
+std::vector<std::uint8_t> BuildProfile(const Json& document, const std::string& folder, const std::string& name) {
   ReadLog log;
-  const Node document(json, "", &log);
-  document.At("nvxprofile").Integer(kDocumentVersion, kDocumentVersion);
-  const int format = FormatFromJson(document.At("format"));
-  const std::vector<Node> nodes = document.At("entries").Items();
+  const Node root(document, "", &log);
+  root.At("nvxprofile").Integer(kDocumentVersion, kDocumentVersion);
+  const int format = FormatFromJson(root.At("format"));
+  const std::vector<Node> nodes = root.At("entries").Items();
   std::vector<EntryPointer> entries;
   for (const Node& node : nodes) entries.push_back(EntryFromJson(node, folder));
   CheckTypesAreUnique(nodes, entries);
@@ -462,15 +462,15 @@ std::vector<std::uint8_t> BuildProfile(const Json& json, const std::string& fold
   _tagDeviceProfileInfo& info = *data.GetProfileInfo();
   if (IsTextHeaded(format)) info.LayoutNumber = 1;
   if (format == kPrinterProfile) info.LayoutNumber = 3;
-  if (document.Has("record")) RecordFromJson(document.At("record"), data);
-  SetModelNumbers(document, format, data);
-  PlaceEntries(document, std::move(entries), format, data);
-  document.RefuseUnread();
+  if (root.Has("record")) RecordFromJson(root.At("record"), data);
+  SetModelNumbers(root, format, data);
+  PlaceEntries(root, std::move(entries), format, data);
+  root.RefuseUnread();
 
   const WorkFolder work;
   const std::string path = work.File(name);
-  if (!SaveAs(format, document, data, PathToWide(path))) ExplainFailure(document, format, data);
-  CheckWhatWasBuilt(document, format, data, path);
+  if (!SaveAs(format, root, data, PathToWide(path))) ExplainFailure(root, format, data);
+  CheckWhatWasBuilt(root, format, data, path);
   const std::string bytes = ReadInput(path);
   return {bytes.begin(), bytes.end()};
 }

@@ -96,7 +96,7 @@ class MeasuredCurves {
   void StartCurve(const CsvRow& row) {
     key_ = Key(row);
     const std::uint32_t ink = Number(row, columns_.ink, "ink", 255);
-    if (!inks_.empty() && inks_.count(ink) == 0) {
+    if (!inks_.empty() && !inks_.contains(ink)) {
       throw TextError(row.line, fmt::format("the profile has no ink {}", ink));
     }
     CProfileCurveEntry& entry = EntryFor(row);

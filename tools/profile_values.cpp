@@ -242,46 +242,67 @@ ProfileValues::Target ProfileValues::ResolveShortName(const std::string& path, T
   return {Part::kEntry, usedType, ResolveInside(usedType, std::move(tokens))};
 }
 
+namespace {
+
+// The way to a part of a payload: what stands for the first tokens, and how many those are.
+struct Way {
+  Tokens inside;
+  std::size_t used = 0;
+};
+
+std::optional<Way> WayToSetting(const Json& payload, const std::string& place, const Tokens& tokens) {
+  for (const MediaName& media : kMediaNames) {
+    if (tokens.front() != media.name) continue;
+    const std::string index =
+        IndexOf(payload.value("mediaProperties", Json()), place, "setting \"" + tokens.front() + "\"",
+                [&](const Json& block) { return block["usedType"] == media.block; });
+    return Way{{"mediaProperties", index, "parameters"}, 1};
+  }
+  return std::nullopt;
+}
+
+std::optional<Way> WayToCurve(const Json& payload, const std::string& place, const Tokens& tokens) {
+  if (tokens.front() != "ink" || tokens.size() < 2 || !payload.contains("curves")) return std::nullopt;
+  const bool withExtend = tokens.size() > 3 && tokens[2] == "extend";
+  const auto ink = NumberOf<std::uint32_t>(tokens[1]);
+  const auto extend = withExtend ? NumberOf<std::uint32_t>(tokens[3]) : std::nullopt;
+  const std::string what = "curve of ink " + tokens[1] + (withExtend ? " with ExtendInfo " + tokens[3] : "");
+  const std::string index = IndexOf(payload["curves"], place, what, [&](const Json& curve) {
+    return ink && curve["inkID"] == *ink && (!withExtend || (extend && curve["extendInfo"] == *extend));
+  });
+  return Way{{"curves", index}, withExtend ? std::size_t{4} : std::size_t{2}};
+}
+
+std::optional<Way> WayToCalibration(const Json& payload, const std::string& place, const Tokens& tokens) {
+  if (tokens.front() != "calibration" || tokens.size() < 2 || !payload.contains("entries")) return std::nullopt;
+  const auto code = NumberOf<std::uint32_t>(tokens[1]);
+  const std::string index =
+      IndexOf(payload["entries"], place, "calibration with the code " + tokens[1], [&](const Json& child) {
+        return code && child["usedType"] == CProfileDataEntry::kCalibrationContainer && child["optionInfo"] == *code;
+      });
+  Way way{{"entries", index}, 2};
+  if (tokens.size() > 2 && (tokens[2] == "name" || tokens[2] == "value" || tokens[2] == "time")) {
+    way.inside.emplace_back("containerData");
+  }
+  return way;
+}
+
+}  // namespace
+
 Tokens ProfileValues::ResolveInside(std::uint32_t usedType, Tokens tokens) {
   if (tokens.empty() || (tokens.size() == 1 && IsHeaderField(tokens.front()))) return tokens;
   const Target entry{Part::kEntry, usedType, {}};
   const Json& payload = PartOf(entry).value("payload", Json());
   const std::string place = PlaceOf(entry);
-  const auto take = [&](Tokens way, std::size_t used) {
-    way.insert(way.begin(), "payload");
-    way.insert(way.end(), tokens.begin() + static_cast<std::ptrdiff_t>(used), tokens.end());
-    return way;
-  };
-  if (usedType == CProfileDataEntry::kMediaProperty) {
-    for (const MediaName& media : kMediaNames) {
-      if (tokens.front() != media.name) continue;
-      const std::string index =
-          IndexOf(payload.value("mediaProperties", Json()), place, "setting \"" + tokens.front() + "\"",
-                  [&](const Json& block) { return block["usedType"] == media.block; });
-      return take({"mediaProperties", index, "parameters"}, 1);
-    }
-  }
-  if (tokens.front() == "ink" && tokens.size() > 1 && payload.contains("curves")) {
-    const bool withExtend = tokens.size() > 3 && tokens[2] == "extend";
-    const auto ink = NumberOf<std::uint32_t>(tokens[1]);
-    const auto extend = withExtend ? NumberOf<std::uint32_t>(tokens[3]) : std::nullopt;
-    const std::string what = "curve of ink " + tokens[1] + (withExtend ? " with ExtendInfo " + tokens[3] : "");
-    const std::string index = IndexOf(payload["curves"], place, what, [&](const Json& curve) {
-      return ink && curve["inkID"] == *ink && (!withExtend || (extend && curve["extendInfo"] == *extend));
-    });
-    return take({"curves", index}, withExtend ? 4 : 2);
-  }
-  if (tokens.front() == "calibration" && tokens.size() > 1 && payload.contains("entries")) {
-    const auto code = NumberOf<std::uint32_t>(tokens[1]);
-    const std::string index =
-        IndexOf(payload["entries"], place, "calibration with the code " + tokens[1], [&](const Json& child) {
-          return code && child["usedType"] == CProfileDataEntry::kCalibrationContainer && child["optionInfo"] == *code;
-        });
-    const bool isDescription =
-        tokens.size() > 2 && (tokens[2] == "name" || tokens[2] == "value" || tokens[2] == "time");
-    return take(isDescription ? Tokens{"entries", index, "containerData"} : Tokens{"entries", index}, 2);
-  }
-  return take({}, 0);
+  std::optional<Way> way;
+  if (usedType == CProfileDataEntry::kMediaProperty) way = WayToSetting(payload, place, tokens);
+  if (!way) way = WayToCurve(payload, place, tokens);
+  if (!way) way = WayToCalibration(payload, place, tokens);
+  Tokens inside{"payload"};
+  const std::size_t used = way ? way->used : 0;
+  if (way) inside.insert(inside.end(), way->inside.begin(), way->inside.end());
+  inside.insert(inside.end(), tokens.begin() + static_cast<std::ptrdiff_t>(used), tokens.end());
+  return inside;
 }
 
 std::string ProfileValues::PlaceOf(const Target& target) const {

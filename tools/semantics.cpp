@@ -140,7 +140,7 @@ class Search {
                    const std::string& place, const char* what) {
     if (present.empty()) return;
     for (const std::uint32_t ink : inks) {
-      if (present.count(ink) == 0) Add(severity, place, fmt::format("the ink {} has no {}", ink, what));
+      if (!present.contains(ink)) Add(severity, place, fmt::format("the ink {} has no {}", ink, what));
     }
   }
 

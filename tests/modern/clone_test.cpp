@@ -69,17 +69,24 @@ TEST(ModernClone, SaysTheSameAndIsAnother) {
 
 // A load counts all samples of a printer profile as 16 bits, those of an entry that it read in part too.
 TEST(ModernClone, CountsSamplesAsTheOriginalDoes) {
-  nvx::test::Bytes set = nvx::test::CurveSet(1, nvx::test::Bytes(8, 3));
-  set[16] = 2;  // curves; the second one is not there
-  set.resize(set.size() + 132);
-  const nvx::test::Bytes file = nvx::test::IccFile(
-      {{"NVX1", nvx::test::EntryTag({{6, 6, set}, nvx::test::Placeholder()})}, {"NVX2", nvx::test::MediaTag({})}});
+  // Two curves of 8 samples, of which the second ends early.
+  nvx::test::ByteBuilder set;
+  set.U8(0x20).Text("FCC").U32(32, 0x00010000, 6, 2).Zero(12);
+  for (const std::uint32_t ink : {1u, 2u}) {
+    set.Text("IHEC").U32(132, ink, 2, 3, 4, 255, 0, 1, 8).Text("Ink", 92);
+  }
+  set.Text("SDEC").Fill(3, 8).Text("SDEC").Fill(4, 2);
+  const nvx::test::Bytes file =
+      nvx::test::IccFile({{"NVX1", nvx::test::EntryTag({{6, 6, set.Take()}, nvx::test::Placeholder()})},
+                          {"NVX2", nvx::test::MediaTag({})}});
   const Profile profile = Profile::FromBytes(file, "a.icc");
   const auto widths = [](const Profile& one) {
     std::vector<std::size_t> indices;
     for (const nvx::Curve& curve : one.Curves(CurveKind::kLinearization)) indices.push_back(curve.samples.index());
     return indices;
   };
+  EXPECT_FALSE(profile.FindEntry(nvx::EntryKind::kLinearization)->isUnderstood);
+  EXPECT_EQ(widths(profile), std::vector<std::size_t>{1});
   EXPECT_EQ(widths(profile.Clone()), widths(profile));
   ExpectSameEntries(profile, profile.Clone());
 }

@@ -105,9 +105,9 @@ class FolderComparison {
     SizesOfFiles all = a;
     all.insert(b.begin(), b.end());
     for (const auto& [file, size] : all) {
-      if (b.count(file) == 0) {
+      if (!b.contains(file)) {
         ShowMissing(file, "only in A");
-      } else if (a.count(file) == 0) {
+      } else if (!a.contains(file)) {
         ShowMissing(file, "only in B");
       } else {
         CompareBoth(file, size == b.at(file));

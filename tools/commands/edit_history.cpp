@@ -59,7 +59,7 @@ std::string Rename(CCalibrationHistoryEntry& history, std::uint32_t code, const 
   std::fill(std::begin(description.Name), std::end(description.Name), u'\0');
   wide.copy(description.Name, wide.size());
   calibration.SetContainerData(&description);
-  return fmt::format("calibration {} \"{}\" is now \"{}\"", code, before, name);
+  return fmt::format(R"(calibration {} "{}" is now "{}")", code, before, name);
 }
 
 }  // namespace

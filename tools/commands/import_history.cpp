@@ -33,7 +33,7 @@ std::string FindDamage(CContainerEntry& container) {
     auto* const inner = dynamic_cast<CContainerEntry*>(&child);
     const bool parses = inner != nullptr || dynamic_cast<CProfileCurveEntry*>(&child) != nullptr ||
                         dynamic_cast<CCalibrationInfoEntry*>(&child) != nullptr;
-    const std::string place = fmt::format("{} {}", EntryName(child.GetUsedType()), child.GetOptionInfo());
+    std::string place = fmt::format("{} {}", EntryName(child.GetUsedType()), child.GetOptionInfo());
     if (parses && child.GetSize() != 0 && !child.BufferToData()) return place;
     const std::string below = inner != nullptr ? FindDamage(*inner) : std::string();
     if (!below.empty()) return place + ", " + below;

@@ -1,7 +1,7 @@
 #include "console.h"
 
 #include <langinfo.h>
-#include <locale.h>
+#include <locale.h>  // NOLINT(modernize-deprecated-headers): the one that POSIX names
 #include <unistd.h>
 
 #include <cstdlib>

@@ -1,7 +1,7 @@
 #include "interruption.h"
 
 #include <pthread.h>
-#include <signal.h>
+#include <signal.h>  // NOLINT(modernize-deprecated-headers): the one that POSIX names
 #include <unistd.h>
 
 #include <thread>

@@ -27,7 +27,7 @@ std::string Embeddable(const Json& json) {
 }
 
 std::string DataElement(const std::string& id, const std::string& json) {
-  return "<script type=\"application/json\" id=\"" + id + "\">" + json + "</script>\n";
+  return R"(<script type="application/json" id=")" + id + "\">" + json + "</script>\n";
 }
 
 // A file's hash as a Content-Security-Policy names it.
