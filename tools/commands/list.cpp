@@ -17,7 +17,6 @@
 #include <map>
 #include <memory>
 #include <optional>
-#include <ranges>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -88,9 +87,10 @@ bool IsWanted(const ProfileLine& line, const ListOptions& options, std::optional
 }
 
 void Sort(std::vector<ProfileLine>& lines, const std::vector<std::string>& keys) {
-  for (const std::string& key : std::views::reverse(keys)) {
-    const bool descending = key.starts_with('-');
-    const Column& column = *FindColumn(descending ? key.substr(1) : key);
+  // NOLINTNEXTLINE(modernize-loop-convert): clang++ 14 does not take the views of the standard library of g++ 12.
+  for (auto key = keys.rbegin(); key != keys.rend(); ++key) {
+    const bool descending = key->starts_with('-');
+    const Column& column = *FindColumn(descending ? key->substr(1) : *key);
     std::stable_sort(lines.begin(), lines.end(), [&](const ProfileLine& a, const ProfileLine& b) {
       const int order = CompareNaturally(column.text(a), column.text(b));
       return descending ? order > 0 : order < 0;
