@@ -39,6 +39,18 @@ std::unique_ptr<CMediaPropertyDataEntry> NewBlock(std::uint32_t type, Words valu
   return block;
 }
 
+// Of any type, as long as its count is one that the type can have.
+std::unique_ptr<CMediaPropertyDataEntry> CopyOfBlock(CMediaPropertyDataEntry& block) {
+  const auto count = static_cast<std::uint32_t>(block.GetParameterMax());
+  std::unique_ptr<CMediaPropertyDataEntry> copy(
+      CMediaPropertyDataEntry::CreateMediaPropertyDataEntry(block.GetUsedType(), count));
+  if (copy->GetParameterMax() != block.GetParameterMax()) {
+    Fail("media setting " + std::to_string(block.GetUsedType()) + ": a number of values that would be lost");
+  }
+  std::copy_n(block.GetRefBuffer(), CMediaPropertyDataEntry::kParameterRoom, copy->GetRefBuffer());
+  return copy;
+}
+
 // The first block of the type becomes this one, or goes for null; all others stay.
 bool ChangeBlock(CMediaPropertyData& data, MediaSetting setting, std::unique_ptr<CMediaPropertyDataEntry> changed) {
   const CMediaPropertyDataEntry* const former = FindBlock(data, setting);
@@ -48,7 +60,7 @@ bool ChangeBlock(CMediaPropertyData& data, MediaSetting setting, std::unique_ptr
     if (block == former) {
       if (changed) blocks.push_back(std::move(changed));
     } else {
-      blocks.push_back(NewBlock(block->GetUsedType(), ValuesOf(*block)));
+      blocks.push_back(CopyOfBlock(*block));
     }
   }
   data.DeleteMediaProperty();

@@ -3,6 +3,7 @@
 #include "support/files.h"
 #include "support/qpf_builder.h"
 
+#include <nvxprofile/media_property.h>
 #include <nvxprofile/profile_access.h>
 #include <nvxprofile/profile_data.h>
 
@@ -64,7 +65,7 @@ TEST(ModernCurves, ReplaceAppendAndRemove) {
   profile.SetCurves(CurveKind::kVariable, curves);
   EXPECT_THAT(KeysOf(profile.Curves(CurveKind::kVariable)), ElementsAre(Key(2, 1), Key(4, 2)));
   EXPECT_EQ(Words(profile.Variable(4, 2)), high);
-  const auto twice = {curves[0], curves[0]};
+  const auto twice = {CurveOfInk(2, 1, low), CurveOfInk(2, 1, low)};
   EXPECT_THAT(WhatFails([&] { profile.SetCurves(CurveKind::kVariable, twice); }), HasSubstr("two curves of ink"));
 }
 
@@ -137,7 +138,8 @@ TEST(ModernCurves, AnEntryThatIsNotUnderstoodIsNotChangedInPart) {
   const auto ramp = Ramp(1);
   EXPECT_THAT(WhatFails([&] { profile.SetCurve(CurveKind::kInkLimit, CurveOfInk(2, 0, ramp)); }),
               HasSubstr("entry ink-limit"));
-  const auto bytes = Profile::FromBytes(profile.ToBytes("a.icc"), "a.icc").FindEntry(EntryKind::kInkLimit)->bytes;
+  const Profile saved = Profile::FromBytes(profile.ToBytes("a.icc"), "a.icc");
+  const auto bytes = saved.FindEntry(EntryKind::kInkLimit)->bytes;
   EXPECT_TRUE(std::equal(bytes.begin(), bytes.end(), set.begin(), set.end()));
   EXPECT_NE(WhatFails([&] { profile.SetEntryBytes(EntryKind::kLinearization, set); }), "");
   EXPECT_FALSE(profile.Has(EntryKind::kLinearization));
@@ -209,7 +211,17 @@ TEST(ModernMedia, Settings) {
   EXPECT_THAT(*read.Media(MediaSetting::kWave), ElementsAre(-7));
   EXPECT_EQ(read.Media(MediaSetting::kPassMask)->size(), 8u);
   EXPECT_FALSE(read.Media(MediaSetting::kUvMode));
+  // Blocks of types that nobody knows here stay as they are.
+  CMediaPropertyData& blocks =
+      *dynamic_cast<CMediaPropertyEntry&>(*profile.Access().GetProfileData()->GetProfileDataEntryFromList(16))
+           .GetMediaPropertyData();
+  blocks.AddTail(CMediaPropertyDataEntry::CreateMediaPropertyDataEntry(12, 0));
+  profile.SetMedia(MediaSetting::kFeedSpeed, std::array{9});
   EXPECT_TRUE(profile.RemoveMedia(MediaSetting::kWave));
+  EXPECT_EQ(dynamic_cast<CMediaPropertyEntry&>(*profile.Access().GetProfileData()->GetProfileDataEntryFromList(16))
+                .GetMediaPropertyData()
+                ->GetPropertyCount(),
+            4);
   EXPECT_FALSE(profile.RemoveMedia(MediaSetting::kWave));
   EXPECT_THAT(*profile.Media(MediaSetting::kHeater), ElementsAre(41, 46));
   EXPECT_THAT(WhatFails([&] { profile.SetMedia(MediaSetting::kWave, std::array{1, 2}); }), HasSubstr("not 2 values"));
