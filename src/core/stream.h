@@ -8,6 +8,7 @@
 #include <nvxprofile/shared_bytes.h>
 
 #include <cstdint>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <string_view>
@@ -73,6 +74,13 @@ template <class Save>
 std::optional<std::uint64_t> SizeOf(Save&& save) {
   CountingStream stream;
   return save(static_cast<CNvxFile&>(stream)) ? std::optional(stream.Size()) : std::nullopt;
+}
+
+// Runs save(stream) unless a form of that many bytes cannot be read back; nothing is written then.
+template <class Save>
+bool WriteIfItFits(CNvxFile& file, Save&& save) {
+  const std::optional<std::uint64_t> size = SizeOf(save);
+  return size && *size <= std::numeric_limits<std::uint32_t>::max() && save(file);
 }
 
 // The next `count` bytes of a stream: a view of the block of a memory stream, or a copy of a file's bytes. The stream

@@ -3,9 +3,11 @@
 #pragma once
 
 #include "core/record.h"
+#include "core/stream.h"
 
 #include <nvxprofile/word_arrays.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -66,6 +68,18 @@ bool HoldsBlock(CNvxFile& file, std::uint64_t start, std::uint64_t size);
 
 // Puts the stream at an offset from its start; false beyond the end.
 bool SeekTo(CNvxFile& file, std::uint64_t offset);
+
+// Header, records and data blocks, one of each for each table. Nothing is written of a form that is too long.
+template <class Header, class Tables, class RecordOf, class WriteBlock>
+bool WriteWordTables(CNvxFile& file, const Header& header, const Tables& tables, RecordOf recordOf,
+                     WriteBlock writeBlock) {
+  return WriteIfItFits(file, [&](CNvxFile& stream) {
+    return WriteRecord(stream, header) &&
+           std::all_of(tables.begin(), tables.end(),
+                       [&](auto* table) { return WriteRecord(stream, recordOf(*table)); }) &&
+           std::all_of(tables.begin(), tables.end(), [&](auto* table) { return writeBlock(stream, *table); });
+  });
+}
 
 // Lengths of the arrays in the block at `start`, of which the record says the data size; nothing for lengths that lead
 // out of the stream. The position of the stream afterwards is not said.

@@ -88,19 +88,6 @@ bool WriteBlock(CNvxFile& file, const CLargeParameterDataEntry& table) {
                                             : nvx::WriteTwoArrays(file, LargeParameterHeader::kPatternMagics, arrays);
 }
 
-constexpr std::uint64_t kLargestForm = std::numeric_limits<std::uint32_t>::max();
-
-bool WriteForm(CNvxFile& file, const CLargeParameterData& data) {
-  LargeParameterHeader header;
-  header.recordCount = data.GetPropertyCount();
-  const auto& tables = data.Entries();
-  return nvx::WriteRecord(file, header) &&
-         std::all_of(tables.begin(), tables.end(),
-                     [&](CLargeParameterDataEntry* table) { return nvx::WriteRecord(file, RecordOf(*table)); }) &&
-         std::all_of(tables.begin(), tables.end(),
-                     [&](const CLargeParameterDataEntry* table) { return WriteBlock(file, *table); });
-}
-
 }  // namespace
 
 CLargeParameterFile* CLargeParameterFile::CreateLargeParameterFile(CNvxFile& file) {
@@ -147,7 +134,8 @@ bool CLargeParameterFile::LoadFile(CNvxFile& file, CLargeParameterData* data) {
 bool CLargeParameterFile::SaveFile(CNvxFile& file, CLargeParameterData* data) {
   if (data == nullptr) return false;
   const auto& tables = data->Entries();
-  return std::all_of(tables.begin(), tables.end(), [](const auto* table) { return IsCarried(*table); }) &&
-         nvx::SizeOf([&](CNvxFile& counter) { return WriteForm(counter, *data); }) <= kLargestForm &&
-         WriteForm(file, *data);
+  if (!std::all_of(tables.begin(), tables.end(), [](const auto* table) { return IsCarried(*table); })) return false;
+  LargeParameterHeader header;
+  header.recordCount = data->GetPropertyCount();
+  return nvx::WriteWordTables(file, header, tables, RecordOf, WriteBlock);
 }

@@ -112,20 +112,6 @@ bool WriteBlock(CNvxFile& file, const CSpecialColorInfoDataEntry& table) {
   return true;
 }
 
-constexpr std::uint64_t kLargestForm = std::numeric_limits<std::uint32_t>::max();
-
-bool WriteForm(CNvxFile& file, const CSpecialColorInfoData& data) {
-  SpecialColorHeader header;
-  header.profileColorType = data.GetProfileColorType();
-  header.recordCount = data.GetPropertyCount();
-  const auto& tables = data.Entries();
-  return nvx::WriteRecord(file, header) &&
-         std::all_of(tables.begin(), tables.end(),
-                     [&](CSpecialColorInfoDataEntry* table) { return nvx::WriteRecord(file, RecordOf(*table)); }) &&
-         std::all_of(tables.begin(), tables.end(),
-                     [&](const CSpecialColorInfoDataEntry* table) { return WriteBlock(file, *table); });
-}
-
 }  // namespace
 
 CSpecialColorInfoFile* CSpecialColorInfoFile::CreateSpecialColorInfoFile(CNvxFile& file) {
@@ -179,7 +165,9 @@ bool CSpecialColorInfoFile::LoadFile(CNvxFile& file, CSpecialColorInfoData* data
 bool CSpecialColorInfoFile::SaveFile(CNvxFile& file, CSpecialColorInfoData* data) {
   if (data == nullptr) return false;
   const auto& tables = data->Entries();
-  return std::all_of(tables.begin(), tables.end(), [](const auto* table) { return IsCarried(*table); }) &&
-         nvx::SizeOf([&](CNvxFile& counter) { return WriteForm(counter, *data); }) <= kLargestForm &&
-         WriteForm(file, *data);
+  if (!std::all_of(tables.begin(), tables.end(), [](const auto* table) { return IsCarried(*table); })) return false;
+  SpecialColorHeader header;
+  header.profileColorType = data->GetProfileColorType();
+  header.recordCount = data->GetPropertyCount();
+  return nvx::WriteWordTables(file, header, tables, RecordOf, WriteBlock);
 }
