@@ -60,32 +60,32 @@ class NVX_EXPORT ProfileError : public std::runtime_error {
 
 // The entries that a profile holds, one of each.
 enum class EntryKind : std::uint32_t {
-  kModel = 1,
-  kInkLimit = 2,
-  kVariableInkLimit = 3,
-  kVariable = 4,
-  kLightInk = 5,
-  kLinearization = 6,
-  kGrayBalance = 7,
-  kSeparationTable = 8,
-  kUcr = 9,
-  kIcc = 10,
-  kInfo = 14,
-  kMedia = 16,
-  kMultiInkLimit = 17,
-  kReplaceIcc = 18,
-  kCalibrations = 19,
-  kCalibration = 20,  // this and the next six stand inside of a history
-  kCalibrationTarget = 21,
-  kCalibrationInfo = 22,
-  kCalibrationInkLimit = 23,
-  kCalibrationLinearization = 24,
-  kCalibrationGrayBalance = 25,
-  kCalibrationTarget2 = 26,
-  kMaskBlocks = 27,
-  kLamp = 28,
-  kMasks = 29,
-  kSpecialColors = 30,
+  kModel = CProfileDataEntry::kModel,
+  kInkLimit = CProfileDataEntry::kInkLimit,
+  kVariableInkLimit = CProfileDataEntry::kVariableInkLimit,
+  kVariable = CProfileDataEntry::kVariable,
+  kLightInk = CProfileDataEntry::kSeparateLight,
+  kLinearization = CProfileDataEntry::kLinearization,
+  kGrayBalance = CProfileDataEntry::kGrayBalance,
+  kSeparationTable = CProfileDataEntry::kSeparateChroma,
+  kUcr = CProfileDataEntry::kUcr,
+  kIcc = CProfileDataEntry::kIcm,
+  kInfo = CProfileDataEntry::kInfo,
+  kMedia = CProfileDataEntry::kMediaProperty,
+  kMultiInkLimit = CProfileDataEntry::kMultiInkLimit,
+  kReplaceIcc = CProfileDataEntry::kReplaceProfile,
+  kCalibrations = CProfileDataEntry::kCalibrationHistory,
+  kCalibration = CProfileDataEntry::kCalibrationContainer,  // this and the next six stand inside of a history
+  kCalibrationTarget = CProfileDataEntry::kCalibrationTarget,
+  kCalibrationInfo = CProfileDataEntry::kCalibrationInfo,
+  kCalibrationInkLimit = CProfileDataEntry::kCalibrationInklimit,
+  kCalibrationLinearization = CProfileDataEntry::kCalibrationLinearization,
+  kCalibrationGrayBalance = CProfileDataEntry::kCalibrationGrayBalance,
+  kCalibrationTarget2 = CProfileDataEntry::kCalibrationTarget2,
+  kMaskBlocks = CProfileDataEntry::kMaskDownload,
+  kLamp = CProfileDataEntry::kLargeParameter,
+  kMasks = CProfileDataEntry::kMaskDownloadIncludePattern,
+  kSpecialColors = CProfileDataEntry::kSpecialColorInfo,
 };
 
 // The routes on which entries stand.
@@ -102,18 +102,22 @@ enum class Route : std::uint32_t {
 
 // The entries that are sets of curves.
 enum class CurveKind : std::uint32_t {
-  kInkLimit = 2,
-  kVariableInkLimit = 3,
-  kVariable = 4,
-  kLightInk = 5,
-  kLinearization = 6,
-  kGrayBalance = 7,
-  kUcr = 9,  // of ink 0: ExtendInfo 2 under colour removal, 1 black generation
-  kMultiInkLimit = 17,
+  kInkLimit = CProfileDataEntry::kInkLimit,
+  kVariableInkLimit = CProfileDataEntry::kVariableInkLimit,
+  kVariable = CProfileDataEntry::kVariable,
+  kLightInk = CProfileDataEntry::kSeparateLight,
+  kLinearization = CProfileDataEntry::kLinearization,
+  kGrayBalance = CProfileDataEntry::kGrayBalance,
+  kUcr = CProfileDataEntry::kUcr,  // of ink 0: ExtendInfo 2 under colour removal, 1 black generation
+  kMultiInkLimit = CProfileDataEntry::kMultiInkLimit,
 };
 
 // The curve sets of a calibration.
-enum class CalibrationCurves : std::uint32_t { kInkLimit = 23, kLinearization = 24, kGrayBalance = 25 };
+enum class CalibrationCurves : std::uint32_t {
+  kInkLimit = CProfileDataEntry::kCalibrationInklimit,
+  kLinearization = CProfileDataEntry::kCalibrationLinearization,
+  kGrayBalance = CProfileDataEntry::kCalibrationGrayBalance
+};
 
 // The device settings of a medium, with the number of values that each has.
 enum class MediaSetting : std::uint32_t {
@@ -467,8 +471,9 @@ class NVX_EXPORT Profile {
   void SetEntryBytes(EntryKind kind, std::span<const std::uint8_t> bytes);
   bool RemoveEntry(EntryKind kind);
 
-  // The published classes, for what has no word here. Whoever changes the model through them ends all spans, and has
-  // Save keep the change: it renews the buffers of payloads that were asked for.
+  // The published classes, for what has no word here. Whoever changes the model through them ends all spans. What was
+  // changed shows in all that this object is asked from then on, and Save keeps it, without DataToBuffer; only the
+  // queries of CProfileAccess itself answer from the buffers.
   CProfileAccess& Access();
 
  private:

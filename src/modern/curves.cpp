@@ -120,34 +120,41 @@ void FillCurves(CCurveData& set, std::span<const Curve> curves) {
 }
 
 std::optional<Samples> Profile::InkLimit(std::uint32_t ink) const {
-  return Ask(state_->access, Getter(&CProfileAccess::GetInkLimit), ink);
+  return Ask(state_->Asked(EntryKind::kInkLimit), Getter(&CProfileAccess::GetInkLimit), ink);
 }
 std::optional<Samples> Profile::Linearization(std::uint32_t ink) const {
-  return Ask(state_->access, Getter(&CProfileAccess::GetLinearization), ink);
+  return Ask(state_->Asked(EntryKind::kLinearization), Getter(&CProfileAccess::GetLinearization), ink);
 }
 std::optional<Samples> Profile::GrayBalance(std::uint32_t ink) const {
-  return Ask(state_->access, Getter(&CProfileAccess::GetGrayBalance), ink);
+  return Ask(state_->Asked(EntryKind::kGrayBalance), Getter(&CProfileAccess::GetGrayBalance), ink);
 }
 std::optional<Samples> Profile::LightInk(std::uint32_t ink) const {
-  return Ask(state_->access, Getter(&CProfileAccess::GetLightInk), ink);
+  return Ask(state_->Asked(EntryKind::kLightInk), Getter(&CProfileAccess::GetLightInk), ink);
 }
 std::optional<Samples> Profile::MultiInkLimit(std::uint32_t ink, std::uint32_t extendInfo) const {
-  return Ask(state_->access, ExtendedGetter(&CProfileAccess::GetMultiInkLimit), ink, extendInfo);
+  return Ask(state_->Asked(EntryKind::kMultiInkLimit), ExtendedGetter(&CProfileAccess::GetMultiInkLimit), ink,
+             extendInfo);
 }
 std::optional<Samples> Profile::Variable(std::uint32_t ink, std::uint32_t extendInfo) const {
-  return Ask(state_->access, ExtendedGetter(&CProfileAccess::GetVariable), ink, extendInfo);
+  return Ask(state_->Asked(EntryKind::kVariable), ExtendedGetter(&CProfileAccess::GetVariable), ink, extendInfo);
 }
 std::optional<Samples> Profile::VariableInkLimit(std::uint32_t ink, std::uint32_t extendInfo) const {
-  return Ask(state_->access, ExtendedGetter(&CProfileAccess::GetVariableInkLimit), ink, extendInfo);
+  return Ask(state_->Asked(EntryKind::kVariableInkLimit), ExtendedGetter(&CProfileAccess::GetVariableInkLimit), ink,
+             extendInfo);
 }
-std::optional<Samples> Profile::UnderColorRemoval() const { return Ask(state_->access, &CProfileAccess::GetUCR); }
-std::optional<Samples> Profile::BlackGeneration() const { return Ask(state_->access, &CProfileAccess::GetBG); }
+std::optional<Samples> Profile::UnderColorRemoval() const {
+  return Ask(state_->Asked(EntryKind::kUcr), &CProfileAccess::GetUCR);
+}
+std::optional<Samples> Profile::BlackGeneration() const {
+  return Ask(state_->Asked(EntryKind::kUcr), &CProfileAccess::GetBG);
+}
 
 std::optional<OwnSamples> Profile::MergedGrayBalance(std::uint32_t ink) const {
   int size = 0;
   int dataType = 0;
   CError ignored;
-  CProfileAccess& access = state_->access;
+  state_->Asked(EntryKind::kGrayBalance);
+  CProfileAccess& access = state_->Asked(EntryKind::kLinearization);
   if (!access.GetMergeGrayBalance(ink, nullptr, size, dataType, &ignored) || size <= 0) return std::nullopt;
   const auto merge = [&](auto samples) -> std::optional<OwnSamples> {
     samples.resize(static_cast<std::size_t>(size) / sizeof samples.front());
@@ -306,7 +313,7 @@ std::optional<Samples> Profile::CalibrationCurve(std::uint32_t code, Calibration
   const CodeGetter getter = kind == CalibrationCurves::kInkLimit        ? &CProfileAccess::GetCalibrationInkLimit
                             : kind == CalibrationCurves::kLinearization ? &CProfileAccess::GetCalibrationLinearization
                                                                         : &CProfileAccess::GetCalibrationGrayBalance;
-  return Ask(state_->access, getter, ink, static_cast<int>(code));
+  return Ask(state_->Asked(EntryKind::kCalibrations), getter, ink, static_cast<int>(code));
 }
 
 std::vector<Curve> Profile::CurvesOfCalibration(std::uint32_t code, CalibrationCurves kind) const {

@@ -2,7 +2,6 @@
 #include "modern/profile_state.h"
 
 #include "access/diagnose.h"
-#include "core/replacing_file.h"
 #include "entries/mask/mask_download_records.h"
 #include "formats/qpf_tags.h"
 #include "formats/record_views.h"
@@ -10,13 +9,13 @@
 
 #include <nvxprofile/curve_entry.h>
 #include <nvxprofile/icc_profile.h>
+#include <nvxprofile/icm_entry.h>
 #include <nvxprofile/mask_download.h>
 #include <nvxprofile/profile_file_qpf.h>
 #include <nvxprofile/text_conversion.h>
 
 #include <algorithm>
-#include <cstring>
-#include <limits>
+#include <map>
 #include <type_traits>
 
 namespace nvx {
@@ -59,7 +58,7 @@ std::string WithPlace(const std::string& message, const std::vector<Finding>& fi
   return message + ": " + (first.place.empty() ? "" : first.place + ": ") + first.rule;
 }
 
-// Loads what open(stream) has opened, or says why that does not work.
+// Loads what the stream has opened, or says why that does not work.
 std::optional<ProfileError> Load(CNvxFile& file, ModelAccess& access) {
   CError error;
   if (access.Load(file, &error)) return std::nullopt;
@@ -87,9 +86,8 @@ IccDirectory DirectoryOf(std::span<const std::uint8_t> bytes) {
   return directory;
 }
 
-// The profile of a file that a load would take for more than that.
-void RefusePrivateTags(std::span<const std::uint8_t> bytes) {
-  const IccDirectory directory = DirectoryOf(bytes);
+// A load would take the profile around a file for more than that.
+void RefusePrivateTags(const IccDirectory& directory) {
   for (const char* const tag : kPrivateTags) {
     if (directory.Find(CICCProfile::MakeTagSignature(tag)) != nullptr) {
       Fail(std::string("the ICC profile has the tag ") + tag + " of a printer profile");
@@ -98,8 +96,8 @@ void RefusePrivateTags(std::span<const std::uint8_t> bytes) {
 }
 
 std::unique_ptr<CProfileDataEntry> NewEntry(std::uint32_t usedType) {
-  const EntryType* const type = FindEntryType(usedType);
-  std::unique_ptr<CProfileDataEntry> entry(type != nullptr ? type->create() : nullptr);
+  std::unique_ptr<CProfileDataEntry> entry(
+      CProfileDataEntry::CreateDataEntry(static_cast<CProfileDataEntry::UsedType>(usedType)));
   if (!entry) Fail("no kind of entry has the number " + std::to_string(usedType));
   entry->SetComplete(true);
   return entry;
@@ -120,6 +118,14 @@ void CopyHeader(CProfileDataEntry& from, CProfileDataEntry& to) {
   to.SetLabelString(from.GetLabelString());
 }
 
+std::vector<std::uint32_t> RoutesOf(const CProfileData& model, CProfileDataEntry* entry) {
+  std::vector<std::uint32_t> routes;
+  for (const auto& [number, route] : model.Routes()) {
+    if (route->IsExistEntry(entry)) routes.push_back(number);
+  }
+  return routes;
+}
+
 // Loads count all samples of a printer profile's own curves as 16 bits.
 void CheckSampleWidth(const CProfileCurveEntry& entry) {
   for (const CCurveDataEntry* const curve : entry.GetCurveData()->Curves()) {
@@ -131,22 +137,13 @@ void CheckSampleWidth(const CProfileCurveEntry& entry) {
 
 // --- What a save of a printer profile needs ---
 
-struct KeptRoute {
-  std::uint32_t route;
-  bool holdsMany;
-};
-constexpr KeptRoute kKeptRoutes[] = {
-    {kRouteMain, true},         {kRouteMaskDownload, false},   {kRouteReplaceProfile, false},
-    {kRouteCalibration, false}, {kRouteLargeParameter, false}, {kRouteSpecialColor, false}};
-
 void CheckRoutes(const CProfileData& model) {
   for (const auto& [number, route] : model.Routes()) {
-    const auto* const kept = std::find_if(std::begin(kKeptRoutes), std::end(kKeptRoutes),
-                                          [n = number](const KeptRoute& item) { return item.route == n; });
-    if (kept == std::end(kKeptRoutes)) {
+    const auto types = EntryTypes();
+    if (std::none_of(types.begin(), types.end(), [n = number](const EntryType& type) { return type.route == n; })) {
       Fail("files of this format do not keep route " + std::to_string(number));
     }
-    if (!kept->holdsMany && route->GetEntryCount() > 1) {
+    if (number != kRouteMain && route->GetEntryCount() > 1) {
       Fail("files of this format keep one entry on route " + std::to_string(number));
     }
   }
@@ -160,12 +157,10 @@ void CheckFrame(ProfileState& state) {
 }
 
 // Changes that were made through the published classes reach the buffers here.
-void RenewBuffers(CProfileData& model) {
-  for (CProfileDataEntry* const entry : model.Entries()) {
-    const bool mayBeChanged = PayloadKeeper::IsStale(*entry) && entry->GetPayloadState() != PayloadState::kUnread;
-    if (mayBeChanged && !entry->RenewBuffer()) {
-      Fail(TitleOf(entry->GetUsedType()) + ": what was changed cannot be written");
-    }
+void RenewBytes(CProfileDataEntry& entry) {
+  const bool mayBeChanged = PayloadKeeper::IsStale(entry) && entry.GetPayloadState() != PayloadState::kUnread;
+  if (mayBeChanged && !entry.RenewBuffer()) {
+    Fail(TitleOf(entry.GetUsedType()) + ": what was changed cannot be written");
   }
 }
 
@@ -177,7 +172,7 @@ std::uint32_t OnlyRoute(const CProfileData& model) {
 // Everything that keeps the profile from being saved whole.
 void Prepare(ProfileState& state) {
   if (!state.isWhole) Fail("the file held more than the profile does");
-  RenewBuffers(state.Model());
+  for (CProfileDataEntry* const entry : state.Model().Entries()) RenewBytes(*entry);
   switch (state.access.GetProfileLoadFormat()) {
     case kPrinterProfile:
       CheckFrame(state);
@@ -224,7 +219,6 @@ std::unique_ptr<CProfileDataEntry> EntryOf(EntryKind kind, SharedBytes bytes) {
   std::unique_ptr<CProfileDataEntry> entry = NewEntry(static_cast<std::uint32_t>(kind));
   PayloadKeeper::Give(*entry, std::move(bytes));
   if (IsIcc(*entry)) {
-    DirectoryOf(entry->Bytes());
     entry->BufferToData();
     return entry;
   }
@@ -238,12 +232,15 @@ std::unique_ptr<CProfileDataEntry> EntryOf(EntryKind kind, SharedBytes bytes) {
   return entry;
 }
 
+CProfileAccess& ProfileState::Asked(EntryKind kind) {
+  if (CProfileDataEntry* const entry = Find(kind)) RenewBytes(*entry);
+  return access;
+}
+
 std::unique_ptr<CProfileDataEntry> ProfileState::EditableCopy(EntryKind kind) {
   CProfileDataEntry* const entry = Find(kind);
   if (entry == nullptr) return NewEntry(static_cast<std::uint32_t>(kind));
-  if (PayloadKeeper::IsStale(*entry) && !entry->RenewBuffer()) {
-    Fail(TitleOf(kind) + ": what was changed before cannot be written");
-  }
+  RenewBytes(*entry);
   return entry->Bytes().empty() ? NewEntry(entry->GetUsedType()) : EntryOf(kind, SharedBytes(entry->Bytes()));
 }
 
@@ -256,8 +253,11 @@ void ProfileState::Store(CProfileDataEntry& changed) {
 
 void ProfileState::Take(std::unique_ptr<CProfileDataEntry> entry) {
   const EntryType& type = *FindEntryType(entry->GetUsedType());
-  const bool isFrame = type.usedType == CProfileDataEntry::kIcm && access.GetProfileLoadFormat() != kContainer;
-  if (isFrame) RefusePrivateTags(entry->Bytes());
+  if (IsIcc(*entry)) {
+    const IccDirectory directory = DirectoryOf(entry->Bytes());
+    const bool isFrame = type.usedType == CProfileDataEntry::kIcm && access.GetProfileLoadFormat() != kContainer;
+    if (isFrame) RefusePrivateTags(directory);
+  }
   if (auto* const curves = dynamic_cast<CProfileCurveEntry*>(entry.get());
       curves != nullptr && IsPrinterProfile() && type.route == kRouteMain) {
     CheckSampleWidth(*curves);
@@ -290,6 +290,7 @@ void ProfileState::RenewRecord() {
     record.HasOutputBlock = blocks != nullptr && !blocks->GetWeftBlocks().empty() &&
                             blocks->GetWeftBlocks().front().BlockType == WeftOutputRecord::kBlockType;
   }
+  Asked(EntryKind::kMedia);
   access.SetupProfileInfoStructure();
 }
 
@@ -322,15 +323,10 @@ std::unique_ptr<CProfileData> CopyOf(const CProfileData& model, bool isPrinterPr
   const bool countsAs16Bit = isPrinterProfile && model.IsSpecifiedRoute(kRouteMain);
   auto copy = std::make_unique<CProfileData>();
   std::map<const CProfileDataEntry*, CProfileDataEntry*> copies;
-  const auto routeOf = [&](CProfileDataEntry* entry) {
-    const auto found = std::find_if(model.Routes().begin(), model.Routes().end(),
-                                    [=](const auto& item) { return item.second->IsExistEntry(entry); });
-    if (found == model.Routes().end()) Fail(TitleOf(entry->GetUsedType()) + ": stands on no route");
-    return found->first;
-  };
   // In the order of arrival first, then in that of each route.
   for (CProfileDataEntry* const entry : model.Entries()) {
-    const std::uint32_t route = routeOf(entry);
+    const std::vector<std::uint32_t> routes = RoutesOf(model, entry);
+    if (routes.empty()) Fail(TitleOf(entry->GetUsedType()) + ": stands on no route");
     std::unique_ptr<CProfileDataEntry> twin = CopyOf(*entry);
     auto* const curves = dynamic_cast<CProfileCurveEntry*>(twin.get());
     if (curves != nullptr && countsAs16Bit && entry->GetPayloadState() != PayloadState::kUnread &&
@@ -338,7 +334,7 @@ std::unique_ptr<CProfileData> CopyOf(const CProfileData& model, bool isPrinterPr
       curves->TakeSamplesAs16Bit();
     }
     copies[entry] = twin.get();
-    copy->SetProfileDataEntry(twin.release(), route);
+    copy->SetProfileDataEntry(twin.release(), routes.front());
   }
   for (const auto& [number, route] : model.Routes()) {
     std::vector<CProfileDataEntry*> twins;
@@ -422,12 +418,11 @@ void Profile::Save(const fs::path& path) {
   Prepare(*state_);
   const std::u16string wide = WideOfPath(path.native());
   const char16_t* const target = wide.c_str();
-  const auto writeIcc = [&](CNvxFile& file) {
-    const auto bytes = state_->Find(EntryKind::kIcc)->Bytes();
-    return WriteExact(file, bytes.data(), static_cast<std::uint32_t>(bytes.size()));
-  };
-  const bool isPlain = Format() == kPlainIcc;
-  if (!(isPlain ? SaveByReplacing(target, writeIcc) : Write(*state_, target))) {
+  std::uint32_t ignored = 0;
+  const bool isWritten = Format() == kPlainIcc
+                             ? dynamic_cast<CICMEntry&>(*state_->Find(EntryKind::kIcc)).Save(target, ignored)
+                             : Write(*state_, target);
+  if (!isWritten) {
     Fail(WideToUtf8(wide) + ": cannot be written");
   }
 }
@@ -469,32 +464,33 @@ bool Profile::HasRoute(Route route) const {
 bool Profile::Has(EntryKind kind) const { return state_->Find(kind) != nullptr; }
 CProfileAccess& Profile::Access() { return state_->access; }
 
+namespace {
+
+Entry ViewOf(const CProfileData& model, CProfileDataEntry& entry) {
+  Entry view;
+  view.kind = static_cast<EntryKind>(entry.GetUsedType());
+  if (const EntryType* const type = FindEntryType(entry.GetUsedType())) view.name = type->name;
+  for (const std::uint32_t route : RoutesOf(model, &entry)) view.routes.push_back(static_cast<Route>(route));
+  view.bytes = entry.Bytes();
+  view.complete = entry.IsComplete();
+  view.optionInfo = entry.GetOptionInfo();
+  view.label = Utf8OfAnsi(entry.GetLabelString());
+  view.isUnderstood = IsUnderstood(entry);
+  return view;
+}
+
+}  // namespace
+
 std::vector<Entry> Profile::Entries() const {
   const CProfileData& model = state_->Model();
   std::vector<Entry> entries;
-  for (CProfileDataEntry* const entry : model.Entries()) {
-    const EntryType* const type = FindEntryType(entry->GetUsedType());
-    Entry found;
-    found.kind = static_cast<EntryKind>(entry->GetUsedType());
-    if (type != nullptr) found.name = type->name;
-    for (const auto& [number, route] : model.Routes()) {
-      if (route->IsExistEntry(entry)) found.routes.push_back(static_cast<Route>(number));
-    }
-    found.bytes = entry->Bytes();
-    found.complete = entry->IsComplete();
-    found.optionInfo = entry->GetOptionInfo();
-    found.label = Utf8OfAnsi(entry->GetLabelString());
-    found.isUnderstood = IsUnderstood(*entry);
-    entries.push_back(std::move(found));
-  }
+  for (CProfileDataEntry* const entry : model.Entries()) entries.push_back(ViewOf(model, *entry));
   return entries;
 }
 
 std::optional<Entry> Profile::FindEntry(EntryKind kind) const {
-  std::vector<Entry> entries = Entries();
-  const auto found =
-      std::find_if(entries.begin(), entries.end(), [kind](const Entry& entry) { return entry.kind == kind; });
-  return found != entries.end() ? std::optional(std::move(*found)) : std::nullopt;
+  CProfileDataEntry* const entry = state_->Find(kind);
+  return entry != nullptr ? std::optional(ViewOf(state_->Model(), *entry)) : std::nullopt;
 }
 
 void Profile::SetEntryBytes(EntryKind kind, std::span<const std::uint8_t> bytes) {
@@ -506,10 +502,7 @@ bool Profile::RemoveEntry(EntryKind kind) {
   CProfileDataEntry* const entry = state_->Find(kind);
   if (entry == nullptr) return false;
   CProfileData& model = state_->Model();
-  std::vector<std::uint32_t> routes;
-  for (const auto& [number, route] : model.Routes()) {
-    if (route->IsExistEntry(entry)) routes.push_back(number);
-  }
+  const std::vector<std::uint32_t> routes = RoutesOf(model, entry);
   for (const std::uint32_t route : routes) {
     CProfileDataEntry* const taken = model.RemoveProfileDataEntry(static_cast<std::uint32_t>(kind), route);
     if (route == routes.back()) delete taken;

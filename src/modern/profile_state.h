@@ -35,13 +35,19 @@ struct ProfileState {
     return Model().GetProfileDataEntryFromList(static_cast<std::uint32_t>(kind));
   }
 
-  // The entry with its payload as its bytes have it; null if it is missing or of another class.
+  // The entry with its payload, in which changes through the published classes stand; null if it is missing or of
+  // another class.
   template <class Class>
   const Class* Payload(EntryKind kind) {
     CProfileDataEntry* const entry = Find(kind);
-    if (entry != nullptr && PayloadKeeper::IsStale(*entry)) entry->BufferToData();
+    const bool isUnread = entry != nullptr && entry->GetPayloadState() == PayloadState::kUnread;
+    if (isUnread && !entry->Bytes().empty()) entry->BufferToData();
     return dynamic_cast<const Class*>(entry);
   }
+
+  // For a query, which answers from the entry's bytes and would drop what was changed through the published classes:
+  // the bytes say it from here on. Throws if their form cannot.
+  CProfileAccess& Asked(EntryKind kind);
 
   // A copy of the entry that may be changed, or a new entry if there is none. Throws if its bytes are not understood.
   std::unique_ptr<CProfileDataEntry> EditableCopy(EntryKind kind);

@@ -199,10 +199,11 @@ void Profile::SetMasks(const MaskSet& masks) {
 std::optional<std::vector<std::uint8_t>> Profile::PackedMask(const MaskCondition& condition) const {
   std::vector<std::uint32_t> colors = condition.layerColors;
   CError ignored;
+  CProfileAccess& access = state_->Asked(EntryKind::kMasks);
   const auto pack = [&](std::uint8_t* buffer) {
-    return state_->access.GetMaskParameterAndPatternBuffer(
-        buffer, condition.pass, condition.specialColorset, condition.printMethod,
-        static_cast<std::uint32_t>(colors.size()), colors.data(), &ignored);
+    return access.GetMaskParameterAndPatternBuffer(buffer, condition.pass, condition.specialColorset,
+                                                   condition.printMethod, static_cast<std::uint32_t>(colors.size()),
+                                                   colors.data(), &ignored);
   };
   std::vector<std::uint8_t> packed(pack(nullptr));
   if (packed.empty() || pack(packed.data()) != packed.size()) return std::nullopt;
@@ -211,7 +212,7 @@ std::optional<std::vector<std::uint8_t>> Profile::PackedMask(const MaskCondition
 
 bool Profile::SupportsMaskVersion() const {
   CError ignored;
-  return state_->access.IsSupportWeftVersion(&ignored);
+  return state_->Asked(EntryKind::kMaskBlocks).IsSupportWeftVersion(&ignored);
 }
 
 // --- Lamp ---
@@ -533,7 +534,9 @@ std::optional<std::int32_t> Profile::RecommendedDensity(const std::array<std::in
                                                         std::int32_t ink) const {
   CError ignored;
   std::int32_t density = 0;
-  if (!state_->access.GetSpecialColorRecommendDensity(density, conditions[0], conditions[1], ink, &ignored)) return {};
+  if (!state_->Asked(EntryKind::kSpecialColors)
+           .GetSpecialColorRecommendDensity(density, conditions[0], conditions[1], ink, &ignored))
+    return {};
   return density;
 }
 
@@ -542,8 +545,9 @@ std::optional<std::int32_t> Profile::RecommendedLevel(const std::array<std::int3
   std::vector<std::int32_t> wanted(colors.begin(), colors.end());
   CError ignored;
   std::int32_t level = 0;
-  if (!state_->access.GetSpecialColorRecommendLevel(level, conditions[0], conditions[1], CountOf(wanted.size()),
-                                                    wanted.data(), &ignored)) {
+  if (!state_->Asked(EntryKind::kSpecialColors)
+           .GetSpecialColorRecommendLevel(level, conditions[0], conditions[1], CountOf(wanted.size()), wanted.data(),
+                                          &ignored)) {
     return {};
   }
   return level;
@@ -555,7 +559,8 @@ std::optional<Samples> Profile::VariableDotCurve(const std::array<std::int32_t, 
   std::int32_t dataType = 0;
   CError ignored;
   const void* const samples =
-      state_->access.GetSpecialColorVDCurve(size, dataType, extendInfo, conditions[0], conditions[1], ink, &ignored);
+      state_->Asked(EntryKind::kSpecialColors)
+          .GetSpecialColorVDCurve(size, dataType, extendInfo, conditions[0], conditions[1], ink, &ignored);
   return SamplesAt(samples, size, dataType);
 }
 

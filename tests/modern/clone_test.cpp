@@ -12,12 +12,8 @@
 
 namespace {
 
-using nvx::CurveKind;
-using nvx::Entry;
-using nvx::Profile;
-using nvx::test::CurveOfInk;
-using nvx::test::Ramp;
-using nvx::test::Words;
+using namespace nvx;
+using namespace nvx::test;
 
 void ExpectSameEntries(const Profile& one, const Profile& other) {
   const std::vector<Entry> entries = one.Entries();

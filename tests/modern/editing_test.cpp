@@ -12,17 +12,8 @@
 
 namespace {
 
-using nvx::CurveKind;
-using nvx::EntryKind;
-using nvx::MediaSetting;
-using nvx::Profile;
-using nvx::Samples8;
-using nvx::test::Bytes;
-using nvx::test::CurveOfInk;
-using nvx::test::NewProfile;
-using nvx::test::Ramp;
-using nvx::test::WhatFails;
-using nvx::test::Words;
+using namespace nvx;
+using namespace nvx::test;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using Seconds = std::chrono::sys_seconds;

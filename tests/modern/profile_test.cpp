@@ -7,6 +7,7 @@
 #include "support/random_model.h"
 
 #include <nvxprofile/curve_entry.h>
+#include <nvxprofile/media_property.h>
 #include <nvxprofile/profile_access.h>
 #include <nvxprofile/profile_file.h>
 #include <nvxprofile/profile_file_qpf.h>
@@ -18,17 +19,8 @@
 
 namespace {
 
-using nvx::EntryKind;
-using nvx::Profile;
-using nvx::ProfileError;
-using nvx::Route;
-using nvx::test::Bytes;
-using nvx::test::CurveOfInk;
-using nvx::test::NewProfile;
-using nvx::test::Ramp;
-using nvx::test::TempFolder;
-using nvx::test::WhatFails;
-using nvx::test::Words;
+using namespace nvx;
+using namespace nvx::test;
 using testing::HasSubstr;
 
 Bytes CopyOf(std::span<const std::uint8_t> bytes) { return {bytes.begin(), bytes.end()}; }
@@ -122,8 +114,21 @@ TEST(ModernProfile, SavesWhatThePublishedClassesChanged) {
   CProfileData& model = *profile.Access().GetProfileData();
   auto* const entry = static_cast<CInkLimitEntry*>(model.GetProfileDataEntryFromList(CProfileDataEntry::kInkLimit));
   entry->GetCurveData()->FindInkIDEntry(1)->SetAt(5, 4321);
+  // Neither looking at the profile nor a change elsewhere drops it.
+  EXPECT_EQ(Words(profile.Curves(nvx::CurveKind::kInkLimit).front().samples)[5], 4321);
+  EXPECT_EQ(Words(profile.InkLimit(1))[5], 4321);
+  entry->GetCurveData()->FindInkIDEntry(1)->SetAt(6, 1234);
+  profile.SetMedia(nvx::MediaSetting::kWaveForm, std::array{2});
+  dynamic_cast<CMediaPropertyEntry&>(*model.GetProfileDataEntryFromList(CProfileDataEntry::kMediaProperty))
+      .GetMediaPropertyData()
+      ->Find(nvx::kMediaWaveForm)
+      ->SetParameter(0, 7);
+  profile.SetCurve(nvx::CurveKind::kUcr, CurveOfInk(0, 1, Ramp(1)));
   const Profile read = Profile::FromBytes(profile.ToBytes());
   EXPECT_EQ(Words(read.InkLimit(1))[5], 4321);
+  EXPECT_EQ(Words(read.InkLimit(1))[6], 1234);
+  EXPECT_EQ((*read.Media(nvx::MediaSetting::kWaveForm))[0], 7);
+  profile.RemoveEntry(EntryKind::kUcr);
 
   // What no file keeps is refused, and not left out.
   model.SetProfileDataEntry(CProfileDataEntry::CreateDataEntry(CProfileDataEntry::kUcr), 0x10);

@@ -10,13 +10,8 @@
 
 namespace {
 
-using nvx::Condition;
-using nvx::Profile;
-using nvx::test::CurveOfInk;
-using nvx::test::NewProfile;
-using nvx::test::Ramp;
-using nvx::test::WhatFails;
-using nvx::test::Words;
+using namespace nvx;
+using namespace nvx::test;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
