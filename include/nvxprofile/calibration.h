@@ -130,6 +130,8 @@ class NVX_EXPORT CContainerEntry : public CProfileDataEntry {
   // new, but say what their payloads say.
   bool DataToBuffer() override;
 
+  CContainerEntry* AsContainer() override;
+
   // The children and their level, open to changes, and for reading alone.
   CContainerData& GetChildData() {
     OpenPayload();

@@ -40,6 +40,8 @@ class NVX_EXPORT CProfileCurveEntry : public CProfileDataEntry {
   // for a buffer that is unread or was read in part.
   bool DataToBuffer() override;
 
+  CProfileCurveEntry* AsCurveEntry() override;
+
   // Makes all samples count as 16 bits, whatever the form said, as those of the current generation of profiles do: the
   // curves get DataType 2, and the buffer is rebuilt. A buffer that was read in part keeps its bytes; its curves get
   // DataType 2 after each BufferToData. False if the buffer cannot be rebuilt.

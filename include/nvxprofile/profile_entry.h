@@ -8,6 +8,9 @@
 #include <cstdint>
 #include <span>
 
+class CContainerEntry;
+class CProfileCurveEntry;
+
 namespace nvx {
 
 class Diagnosis;
@@ -147,6 +150,11 @@ class NVX_EXPORT CProfileDataEntry {
   virtual void SetFormatType(std::uint32_t formatType);
   virtual std::uint32_t GetUsedType() const;
   virtual void SetUsedType(std::uint32_t usedType);
+
+  // This entry as one that holds a curve set, or that holds other entries; null for all others. Queries and loads ask
+  // that of each entry that they pass, and a dynamic_cast takes ten times as long.
+  virtual CProfileCurveEntry* AsCurveEntry();
+  virtual CContainerEntry* AsContainer();
 
   nvx::PayloadState GetPayloadState() const { return state_; }
 

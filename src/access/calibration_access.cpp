@@ -36,7 +36,8 @@ const Children* CalibrationsOf(const CProfileData* profile) {
 
 // The calibration at a position of the history, its children as its buffer has them; null for a child of another class.
 const CContainerEntry* CalibrationAt(const Children& children, std::size_t position) {
-  auto* const calibration = dynamic_cast<CContainerEntry*>(children.At(position));
+  CProfileDataEntry* const entry = children.At(position);
+  CContainerEntry* const calibration = entry != nullptr ? entry->AsContainer() : nullptr;
   if (calibration != nullptr && nvx::PayloadKeeper::IsStale(*calibration)) calibration->BufferToData();
   return calibration;
 }
@@ -53,8 +54,8 @@ void ForEachCalibration(const Children& children, Visit visit) {
 CProfileDataEntry* CalibrationCurves(const CProfileData* profile, std::uint32_t code, std::uint32_t usedType) {
   const CCalibrationHistoryEntry* const history = HistoryOf(profile);
   if (history == nullptr) return nullptr;
-  const auto* const calibration = dynamic_cast<const CContainerEntry*>(
-      history->GetChildData().Find(CProfileDataEntry::kCalibrationContainer, code));
+  CProfileDataEntry* const entry = history->GetChildData().Find(CProfileDataEntry::kCalibrationContainer, code);
+  const CContainerEntry* const calibration = entry != nullptr ? entry->AsContainer() : nullptr;
   return calibration != nullptr ? calibration->GetChildData().Find(usedType, 0) : nullptr;
 }
 

@@ -104,7 +104,7 @@ bool MergeCurves(void* out, const CurveView& first, const CurveView& second) {
 // and has been in nobody's hands answers as it is, so that a repeated query writes to nothing.
 const CCurveData* CurvesOf(CProfileDataEntry& entry) {
   if (nvx::PayloadKeeper::IsStale(entry)) entry.BufferToData();
-  if (const auto* const curves = dynamic_cast<const CProfileCurveEntry*>(&entry)) return curves->GetCurveData();
+  if (const CProfileCurveEntry* const curves = entry.AsCurveEntry()) return curves->GetCurveData();
   return dynamic_cast<const CCurveData*>(entry.GetFormatData());
 }
 

@@ -104,6 +104,8 @@ std::uint32_t CProfileDataEntry::GetFormatType() const { return formatType_; }
 void CProfileDataEntry::SetFormatType(std::uint32_t formatType) { formatType_ = formatType; }
 std::uint32_t CProfileDataEntry::GetUsedType() const { return usedType_; }
 void CProfileDataEntry::SetUsedType(std::uint32_t usedType) { usedType_ = usedType; }
+CProfileCurveEntry* CProfileDataEntry::AsCurveEntry() { return nullptr; }
+CContainerEntry* CProfileDataEntry::AsContainer() { return nullptr; }
 
 bool CProfileDataEntry::SetLabelString(const char* label) {
   nvx::CopyText(label_, nvx::TextOf(label));

@@ -74,7 +74,7 @@ void Parse(CProfileDataEntry& entry, nvx::Diagnosis* diagnosis) {
 
 // What was not read whole stays as its bytes: rebuilding it would lose the rest.
 void RebuildAs16Bit(CProfileDataEntry& entry) {
-  auto* const curves = dynamic_cast<CProfileCurveEntry*>(&entry);
+  CProfileCurveEntry* const curves = entry.AsCurveEntry();
   if (curves != nullptr && entry.GetSize() != 0) {
     curves->TakeSamplesAs16Bit();
   } else if (entry.GetPayloadState() == nvx::PayloadState::kWhole) {

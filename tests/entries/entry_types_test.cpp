@@ -1,6 +1,8 @@
 // The table of entry types against the classes and the files that it speaks of.
 #include "formats/qpf_tags.h"
 
+#include <nvxprofile/calibration.h>
+#include <nvxprofile/curve_entry.h>
 #include <nvxprofile/entry_types.h>
 #include <nvxprofile/profile_file_icc.h>
 #include <nvxprofile/profile_file_qpf.h>
@@ -27,6 +29,8 @@ TEST(EntryTypes, SayWhatTheClassesSay) {
     EXPECT_EQ(entry->IsDisplayEnable(), type.isDisplayed);
     const CProfileDataEntry& made = *entry;
     EXPECT_NE(std::string(typeid(made).name()).find(type.className), std::string::npos);
+    EXPECT_EQ(entry->AsCurveEntry(), dynamic_cast<CProfileCurveEntry*>(entry.get()));
+    EXPECT_EQ(entry->AsContainer(), dynamic_cast<CContainerEntry*>(entry.get()));
     EXPECT_GT(type.usedType, last);
     last = type.usedType;
     EXPECT_TRUE(names.insert(type.name).second);

@@ -24,7 +24,7 @@ CContainerEntry* DescribedContainer(CProfileDataEntry& entry) {
   const std::uint32_t usedType = entry.GetUsedType();
   const bool described =
       usedType == CProfileDataEntry::kCalibrationHistory || usedType == CProfileDataEntry::kCalibrationContainer;
-  return described ? dynamic_cast<CContainerEntry*>(&entry) : nullptr;
+  return described ? entry.AsContainer() : nullptr;
 }
 
 CalibrationEntryHeader HeaderOf(CProfileDataEntry& entry) {

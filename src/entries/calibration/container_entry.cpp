@@ -12,8 +12,8 @@ namespace {
 // True if a container below the deepest level has children. The walk itself goes no deeper.
 bool NestsTooDeep(const CContainerData& data) {
   if (data.Children().IsEmpty()) return false;
-  return data.GetLevel() > CContainerEntry::kMaxLevels || data.Children().First([](const CProfileDataEntry& child) {
-    const auto* const container = dynamic_cast<const CContainerEntry*>(&child);
+  return data.GetLevel() > CContainerEntry::kMaxLevels || data.Children().First([](CProfileDataEntry& child) {
+    const CContainerEntry* const container = child.AsContainer();
     return container != nullptr && NestsTooDeep(container->GetChildData());
   }) != nullptr;
 }
@@ -38,7 +38,7 @@ CProfileDataEntry* CContainerData::Find(std::uint32_t usedType, std::uint32_t op
 }
 
 void CContainerData::SetLevel(CProfileDataEntry& entry, std::uint32_t level) {
-  auto* const container = dynamic_cast<CContainerEntry*>(&entry);
+  CContainerEntry* const container = entry.AsContainer();
   if (container == nullptr) return;
   container->data_.level_ = level;
   for (CProfileDataEntry* const child : container->data_.children_) SetLevel(*child, level + 1);
@@ -66,6 +66,8 @@ bool CContainerData::SetProfileDataEntry(CProfileDataEntry* entry) {
   static_cast<void>(Add(std::unique_ptr<CProfileDataEntry>(entry)).release());
   return true;
 }
+
+CContainerEntry* CContainerEntry::AsContainer() { return this; }
 
 tag_ContainerData* CContainerEntry::GetContainerData() { return data_.GetContainerData(); }
 

@@ -44,6 +44,7 @@ bool ImportCurves(CProfileCurveEntry& target, CProfileDataEntry* source, KeyOf k
 CProfileCurveEntry::~CProfileCurveEntry() = default;
 
 CDataObject* CProfileCurveEntry::GetFormatData() { return GetCurveData(); }
+CProfileCurveEntry* CProfileCurveEntry::AsCurveEntry() { return this; }
 
 bool CProfileCurveEntry::DoImport(CProfileDataEntry* source) { return ImportCurves(*this, source, InkAndExtendKey); }
 bool CSeparateLightEntry::DoImport(CProfileDataEntry* source) { return ImportCurves(*this, source, InkKey); }

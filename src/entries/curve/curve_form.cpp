@@ -30,6 +30,9 @@ class CurveSetRefill {
   CurveSetRefill& operator=(const CurveSetRefill&) = delete;
   ~CurveSetRefill() { DropRest(); }
 
+  // Room for that many curves.
+  void Expect(std::uint32_t count) { set_.curves_.Reserve(count); }
+
   // Makes the next curve of the set that of the record; `nameField` is the name as the form holds it.
   void Fill(const CurveRecord& record, const char* nameField, const std::uint8_t* samples) {
     CCurveDataEntry* const present = set_.curves_.At(taken_);
@@ -73,6 +76,7 @@ bool ReloadCurveSet(CNvxMemFile& file, CCurveData& set) {
   set.SetUsedType(header.UsedType);
   CurveTable table;
   if (!table.Read(file, header.EntryCount)) return false;
+  curves.Expect(table.Count());
   for (std::uint32_t i = 0; i < table.Count(); ++i) {
     const CurveRecord record = table.NumbersAt(i);
     const std::uint32_t left = file.Length - file.Position;
