@@ -110,6 +110,22 @@ TEST(Locale, WhatDoesNotConvertBecomesASubstitute) {
   EXPECT_EQ(WideToAnsi(u"é"), "é");
 }
 
+// Text that is all ASCII takes a way of its own, which must end where that of any other text does.
+TEST(Locale, AsciiIsTheSameInAnyCompany) {
+  std::string ascii;
+  for (int value = 0; value < 0x80; ++value) ascii += static_cast<char>(value);
+  const std::u16string wide(ascii.begin(), ascii.end());
+  for (const int number : {37, 437, 874, 932, 936, 949, 950, 1250, 1251, 1252, 1253, 1254, 1255, 1256, 1257, 1258}) {
+    SCOPED_TRACE(number);
+    const ScopedVariable page("NVXPROFILE_CODEPAGE", std::to_string(number));
+    // No page has this character, so that the whole text goes through the converter.
+    const std::string bytes = WideToAnsi(wide + u'\x1234');
+    EXPECT_EQ(WideToAnsi(wide), bytes.substr(0, bytes.size() - 1));
+    const std::u16string accompanied = AnsiToWide(ascii + "\xE9");
+    EXPECT_EQ(AnsiToWide(ascii), accompanied.substr(0, ascii.size()));
+  }
+}
+
 // Text of the bytes that are no half of a character comes back, whatever the code page has no character for.
 TEST(Locale, NoByteIsLost) {
   const struct {

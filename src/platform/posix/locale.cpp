@@ -68,6 +68,17 @@ class Converter {
 
 std::string CodePageName(std::uint32_t page) { return page == kCodePageUtf8 ? "UTF-8" : "CP" + std::to_string(page); }
 
+// Pages that have ASCII in their first half: of a text that has nothing else the bytes are the characters, and to find
+// the converter takes longer than most texts.
+bool StartsWithAscii(std::uint32_t page) {
+  return page == 932 || page == 936 || page == 949 || page == 950 || (page >= 1250 && page <= 1258);
+}
+
+template <class Text>
+bool IsAscii(const Text& text) {
+  return std::all_of(text.begin(), text.end(), [](auto unit) { return static_cast<std::uint16_t>(unit) < 0x80; });
+}
+
 // Pages whose letters are joined with the marks behind them, unless they come one at a time. What is joined cannot
 // always be taken apart again.
 bool JoinsMarks(std::uint32_t page) { return page == 1255 || page == 1258; }
@@ -111,8 +122,10 @@ std::uint32_t AnsiCodePage() {
 }
 
 std::u16string AnsiToWide(std::string_view text) {
+  if (text.empty()) return {};
   const std::uint32_t page = AnsiCodePage();
   if (page == kCodePageUtf8) return Utf8ToWide(text);
+  if (StartsWithAscii(page) && IsAscii(text)) return {text.begin(), text.end()};
   Converter converter(kWideName, CodePageName(page).c_str());
   if (!converter.IsOpen()) return Utf8ToWide(text);
   const std::string bytes =
@@ -128,8 +141,10 @@ std::u16string AnsiToWide(std::string_view text) {
 }
 
 std::string WideToAnsi(std::u16string_view text) {
+  if (text.empty()) return {};
   const std::uint32_t page = AnsiCodePage();
   if (page == kCodePageUtf8) return WideToUtf8(text);
+  if (StartsWithAscii(page) && IsAscii(text)) return {text.begin(), text.end()};
   Converter converter(CodePageName(page).c_str(), kWideName);
   if (!converter.IsOpen()) return WideToUtf8(text);
   return converter.Convert(reinterpret_cast<const char*>(text.data()), text.size() * sizeof(char16_t),
