@@ -9,16 +9,17 @@
 
 #include <benchmark/benchmark.h>
 
-#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace {
 
 using nvx::bench::GiveFreePagesBack;
+using nvx::bench::Median;
 using nvx::bench::ProcessorSeconds;
 
 // Whether memory comes from the system or was in use before.
@@ -27,35 +28,36 @@ enum class Heap { kFresh, kUsed };
 // Seconds for one copy of the bytes into a block of its own, where several live side by side as in a loaded history.
 double CopySeconds(const std::uint8_t* bytes, std::size_t size, Heap heap) {
   constexpr std::size_t kCopies = 6;
-  double best = 1e9;
-  for (int i = 0; i < 50; ++i) {
-    void* copies[kCopies];
-    if (heap == Heap::kFresh) GiveFreePagesBack();
-    best = std::min(best, ProcessorSeconds([&] {
-                      for (void*& copy : copies) {
-                        copy = std::malloc(size);
-                        std::memcpy(copy, bytes, size);
-                        benchmark::DoNotOptimize(copy);
-                      }
-                    }));
-    for (void* const copy : copies) std::free(copy);
-  }
-  return best / kCopies;
+  void* copies[kCopies];
+  if (heap == Heap::kFresh) GiveFreePagesBack();
+  const double seconds = ProcessorSeconds([&] {
+    for (void*& copy : copies) {
+      copy = std::malloc(size);
+      std::memcpy(copy, bytes, size);
+      benchmark::DoNotOptimize(copy);
+    }
+  });
+  for (void* const copy : copies) std::free(copy);
+  return seconds / kCopies;
 }
 
-// Reports the fastest of all runs in units of `unit` seconds. What a run gives is destroyed outside of its time.
+// Copies and runs in turns, so that a busy machine disturbs both; the ratio is that of their medians. What a run gives
+// is destroyed outside of its time.
 template <class Run>
-void ReportRatio(benchmark::State& state, double unit, Heap heap, Run run) {
-  double best = 1e9;
+void ReportRatio(benchmark::State& state, const CProfileDataEntry& entry, Heap heap, Run run) {
+  const auto bytes = entry.Bytes();
+  std::vector<double> copies;
+  std::vector<double> runs;
   for (auto _ : state) {
+    copies.push_back(CopySeconds(bytes.data(), bytes.size(), heap));
     if (heap == Heap::kFresh) GiveFreePagesBack();
     decltype(run()) result{};
-    const double seconds = ProcessorSeconds([&] { result = run(); });
+    runs.push_back(ProcessorSeconds([&] { result = run(); }));
     benchmark::DoNotOptimize(result);
-    state.SetIterationTime(seconds);
-    best = std::min(best, seconds);
+    state.SetIterationTime(runs.back());
   }
-  state.counters["ratio"] = best / unit;
+  state.counters["copy_us"] = 1e6 * Median(copies);
+  state.counters["ratio"] = Median(runs) / Median(copies);
 }
 
 // Loading into a fresh history, the copy of its bytes into the entry's buffer included.
@@ -64,7 +66,7 @@ void CalibrationLoad(benchmark::State& state, Heap heap) {
   const auto history = nvx::test::SampleHistory(static_cast<int>(state.range(0)));
   const std::size_t size = history->GetSize();
   const std::uint8_t* const bytes = history->Bytes().data();
-  ReportRatio(state, CopySeconds(bytes, size, heap), heap, [&] {
+  ReportRatio(state, *history, heap, [&] {
     auto loaded = std::make_unique<CCalibrationHistoryEntry>();
     std::memcpy(loaded->GetBuffer(static_cast<std::uint32_t>(size)), bytes, size);
     if (!loaded->BufferToData()) std::abort();
@@ -87,8 +89,7 @@ BENCHMARK_CAPTURE(CalibrationLoad, UsedMemory, Heap::kUsed)
 
 void CalibrationSave(benchmark::State& state) {
   const auto history = nvx::test::SampleHistory(static_cast<int>(state.range(0)));
-  const double copy = CopySeconds(history->Bytes().data(), history->GetSize(), Heap::kFresh);
-  ReportRatio(state, copy, Heap::kFresh, [&] { return history->DataToBuffer(); });
+  ReportRatio(state, *history, Heap::kFresh, [&] { return history->DataToBuffer(); });
 }
 BENCHMARK(CalibrationSave)->Arg(200)->UseManualTime()->Unit(benchmark::kMicrosecond);
 
