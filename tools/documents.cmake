@@ -8,6 +8,7 @@ set(NVXPROFILE_DOCUMENT_SOURCES ${PROJECT_SOURCE_DIR}/tools/calibration_view.cpp
                                 ${PROJECT_SOURCE_DIR}/tools/document.cpp
                                 ${PROJECT_SOURCE_DIR}/tools/files.cpp
                                 ${PROJECT_SOURCE_DIR}/tools/interruption.cpp
+                                ${PROJECT_SOURCE_DIR}/tools/json_text.cpp
                                 ${PROJECT_SOURCE_DIR}/tools/loading.cpp
                                 ${PROJECT_SOURCE_DIR}/tools/paths.cpp
                                 ${PROJECT_SOURCE_DIR}/tools/payload.cpp

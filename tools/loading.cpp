@@ -1,5 +1,6 @@
 #include "loading.h"
 
+#include "json_text.h"
 #include "terminal.h"
 
 #include <nvxprofile/entry_types.h>
@@ -90,9 +91,9 @@ std::vector<CProfileRoute*> RoutesOf(CProfileData& data) {
 
 std::string MessageOf(const CError& error) { return WideToUtf8(error.GetErrorCommentW()); }
 
-std::string TextOf(const Json& json) { return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n"; }
+std::string TextOf(const Json& json) { return JsonText(json, JsonLayout::kIndented) + "\n"; }
 void PrintJson(const Json& json) { WriteStandardOutput(TextOf(json)); }
-void PrintJsonLine(const Json& json) { PrintLine(json.dump(-1, ' ', false, Json::error_handler_t::replace)); }
+void PrintJsonLine(const Json& json) { PrintLine(JsonText(json, JsonLayout::kLine)); }
 
 void JsonOfFiles::Print(const Json& document) {
   if (isArray_) WriteStandardOutput(isFirst_ ? "[\n" : ",\n");

@@ -11,29 +11,32 @@ namespace {
 
 constexpr std::size_t kLongestInkName = CCurveDataEntry::kInkNameLength - 1;
 
-CCurveData* CurvesOf(CProfileDataEntry& entry) {
-  auto* const curves = dynamic_cast<CProfileCurveEntry*>(&entry);
-  return curves != nullptr ? curves->GetCurveData() : nullptr;
-}
-
 Json SamplesToJson(CCurveDataEntry& curve, Detail detail) {
-  if (detail == Detail::kSizes) return {{"count", curve.GetCount()}};
+  if (detail == Detail::kSizes) {
+    Json size = Json::object();
+    size["count"] = curve.GetCount();
+    return size;
+  }
   Json samples = Json::array();
   std::uint32_t sample = 0;
   for (std::uint32_t i = 0; curve.GetAt(i, sample); ++i) samples.push_back(sample);
   return samples;
 }
 
+// Profiles have hundreds of curves, so the members are put where they stay: a list of them in braces is copied.
 Json CurveToJson(CCurveDataEntry& curve, Detail detail) {
-  return {{"inkID", curve.GetInkID()},
-          {"inkName", NarrowToJson(curve.GetInkName())},
-          {"slotNo", curve.GetSlotNo()},
-          {"displayRGB", curve.GetDisplayRGB()},
-          {"extendInfo", curve.GetExtendInfo()},
-          {"max", curve.GetMax()},
-          {"min", curve.GetMin()},
-          {"dataType", curve.GetDataType()},
-          {"samples", SamplesToJson(curve, detail)}};
+  Json::object_t members;
+  members.reserve(9);
+  members.emplace_back("inkID", curve.GetInkID());
+  members.emplace_back("inkName", NarrowToJson(curve.GetInkName()));
+  members.emplace_back("slotNo", curve.GetSlotNo());
+  members.emplace_back("displayRGB", curve.GetDisplayRGB());
+  members.emplace_back("extendInfo", curve.GetExtendInfo());
+  members.emplace_back("max", curve.GetMax());
+  members.emplace_back("min", curve.GetMin());
+  members.emplace_back("dataType", curve.GetDataType());
+  members.emplace_back("samples", SamplesToJson(curve, detail));
+  return members;
 }
 
 // Ink and samples are what a curve needs; all else has the value of a new curve of 16-bit samples.
@@ -59,10 +62,12 @@ std::unique_ptr<CCurveDataEntry> CurveFromJson(const Node& node) {
 }  // namespace
 
 Json CurveSetToJson(CCurveData& set, Detail detail) {
-  Json curves = Json::array();
-  bool more = set.GetHeadPosition();
-  while (more) curves.push_back(CurveToJson(*set.GetNext(more), detail));
-  return {{"usedType", set.GetUsedType()}, {"curves", std::move(curves)}};
+  Json::array_t curves;
+  curves.reserve(set.Curves().Count());
+  for (CCurveDataEntry* const curve : set.Curves()) curves.push_back(CurveToJson(*curve, detail));
+  Json json = {{"usedType", set.GetUsedType()}};
+  json["curves"] = std::move(curves);
+  return json;
 }
 
 void CurveSetFromJson(const Node& node, CCurveData& set, std::uint32_t usedType) {
@@ -73,15 +78,15 @@ void CurveSetFromJson(const Node& node, CCurveData& set, std::uint32_t usedType)
 
 // The buffer is what a file holds and what every query reads, so the document tells of the buffer.
 Json CurvesToJson(CProfileDataEntry& entry, Detail detail) {
-  CCurveData* const set = CurvesOf(entry);
-  if (set == nullptr || !entry.BufferToData()) return nullptr;
-  return CurveSetToJson(*set, detail);
+  CProfileCurveEntry* const holder = entry.AsCurveEntry();
+  if (holder == nullptr || !entry.BufferToData()) return nullptr;
+  return CurveSetToJson(*holder->GetCurveData(), detail);
 }
 
 void CurvesFromJson(const Node& node, CProfileDataEntry& entry) {
-  CCurveData* const set = CurvesOf(entry);
-  if (set == nullptr) node.Fail("the entry holds no curves");
-  CurveSetFromJson(node, *set, entry.GetUsedType());
+  CProfileCurveEntry* const holder = entry.AsCurveEntry();
+  if (holder == nullptr) node.Fail("the entry holds no curves");
+  CurveSetFromJson(node, *holder->GetCurveData(), entry.GetUsedType());
   if (!entry.DataToBuffer()) node.Fail("the curves are too many for one entry");
 }
 

@@ -34,15 +34,19 @@ void ChannelsFromJson(const Node& node, CLutData& table, ChannelAt channelAt) {
 }
 
 // Base64 stands for whole nodes of one count, as a table has them after a load.
+// To gather them in one place is a copy, which nobody needs who asks for the size.
 Json SamplesToJson(CLutData& table, Detail detail) {
-  return BytesToJson(table.GetRefBuffer(), table.GetLutDataSize(), detail);
+  const std::uint8_t* const samples = detail == Detail::kSizes ? nullptr : table.GetRefBuffer();
+  return BytesToJson(samples, table.GetLutDataSize(), detail);
 }
 
 }  // namespace
 
 Json LutToJson(CProfileDataEntry& entry, Detail detail) {
+  // Who asks for the payload may change it, so that what the load has parsed is told before.
+  const bool isParsed = entry.GetPayloadState() == PayloadState::kWhole && entry.GetSize() != 0;
   auto* const table = dynamic_cast<CLutData*>(entry.GetFormatData());
-  if (table == nullptr || !entry.BufferToData()) return nullptr;
+  if (table == nullptr || (!isParsed && !entry.BufferToData())) return nullptr;
   return {{"gridCount", table->GetGridCount()},
           {"inputChannels", ChannelsToJson(*table, &CLutData::GetAtInputChannelInf)},
           {"outputChannels", ChannelsToJson(*table, &CLutData::GetAtOutputChannelInf)},
