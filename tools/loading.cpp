@@ -95,10 +95,12 @@ std::string TextOf(const Json& json) { return JsonText(json, JsonLayout::kIndent
 void PrintJson(const Json& json) { WriteStandardOutput(TextOf(json)); }
 void PrintJsonLine(const Json& json) { PrintLine(JsonText(json, JsonLayout::kLine)); }
 
-void JsonOfFiles::Print(const Json& document) {
+void JsonOfFiles::Print(const Json& document) { PrintText(TextOf(document)); }
+
+void JsonOfFiles::PrintText(const std::string& document) {
   if (isArray_) WriteStandardOutput(isFirst_ ? "[\n" : ",\n");
   isFirst_ = false;
-  PrintJson(document);
+  WriteStandardOutput(document);
 }
 
 void JsonOfFiles::End() {

@@ -56,6 +56,8 @@ class JsonOfFiles {
  public:
   explicit JsonOfFiles(std::size_t fileCount) : isArray_(fileCount > 1) {}
   void Print(const Json& document);
+  // The same as the text that TextOf would give.
+  void PrintText(const std::string& document);
   // Behind the last one.
   void End();
 

@@ -2,10 +2,13 @@
 #include "command.h"
 #include "files.h"
 #include "icc_facts.h"
+#include "json_text.h"
 #include "loading.h"
+#include "payloads/curve_set.h"
 #include "record_json.h"
 #include "terminal.h"
 
+#include <nvxprofile/curve_entry.h>
 #include <nvxprofile/icc_header.h>
 #include <nvxprofile/profile_summary.h>
 #include <nvxprofile/text_conversion.h>
@@ -28,20 +31,41 @@ struct InfoOptions {
   bool jsonLines = false;
 };
 
-Json EntryToJson(CProfileDataEntry& entry) {
-  const std::string className(ClassName(entry.GetUsedType()));
-  Json json = {{"usedType", entry.GetUsedType()},
-               {"class", className},
-               {"formatType", entry.GetFormatType()},
-               {"complete", entry.IsComplete()},
-               {"display", entry.IsDisplayEnable()},
-               {"optionInfo", entry.GetOptionInfo()},
-               {"label", NarrowToJson(entry.GetLabelString())},
-               {"size", entry.GetSize()}};
+void WritePayload(CProfileDataEntry& entry, JsonWriter& out) {
+  if (CProfileCurveEntry* const curves = entry.AsCurveEntry()) {
+    // The buffer is what a file holds.
+    if (!entry.BufferToData()) return;
+    out.Name("payload");
+    WriteCurveSizes(*curves->GetCurveData(), out);
+    return;
+  }
   const bool isIcc = entry.GetFormatType() == CProfileDataEntry::kFormatIcc;
-  Json payload = isIcc ? IccToJson(entry.Bytes().data(), entry.GetSize()) : PayloadToJson(entry, Detail::kSizes);
-  if (!payload.is_null()) json["payload"] = std::move(payload);
-  return json;
+  const Json payload = isIcc ? IccToJson(entry.Bytes().data(), entry.GetSize()) : PayloadToJson(entry, Detail::kSizes);
+  if (!payload.is_null()) out.Member("payload", payload);
+}
+
+void WriteEntry(CProfileDataEntry& entry, JsonWriter& out) {
+  out.Object([&] {
+    out.Member("usedType", entry.GetUsedType());
+    out.Member("class", ClassName(entry.GetUsedType()));
+    out.Member("formatType", entry.GetFormatType());
+    out.Member("complete", entry.IsComplete());
+    out.Member("display", entry.IsDisplayEnable());
+    out.Member("optionInfo", entry.GetOptionInfo());
+    out.Member("label", NarrowToJson(entry.GetLabelString()));
+    out.Member("size", entry.GetSize());
+    WritePayload(entry, out);
+  });
+}
+
+void WriteRoute(CProfileRoute& route, JsonWriter& out) {
+  out.Object([&] {
+    out.Member("route", route.GetRouteType());
+    out.Name("entries");
+    out.Array([&] {
+      for (CProfileDataEntry* const entry : EntriesOf(route)) WriteEntry(*entry, out);
+    });
+  });
 }
 
 // The private tags of a file of the current generation, from its headers; none for files of other formats.
@@ -55,20 +79,23 @@ std::vector<IccTag> PrivateTags(const InputFile& input, CProfileAccess& access) 
   return tags;
 }
 
-Json ToJson(const std::string& path, CProfileAccess& access, const std::vector<IccTag>& privateTags) {
-  Json json = {{"file", path},
-               {"format", access.GetProfileLoadFormat()},
-               {"formatName", std::string(FormatName(access.GetProfileLoadFormat()))},
-               {"info", RecordToJson(*access.GetProfileInfo())}};
-  for (const IccTag& tag : privateTags) json["privateTags"][SignatureText(tag.signature)] = tag.size;
-  Json routes = Json::array();
-  for (CProfileRoute* const route : RoutesOf(*access.GetProfileData())) {
-    Json entries = Json::array();
-    for (CProfileDataEntry* const entry : EntriesOf(*route)) entries.push_back(EntryToJson(*entry));
-    routes.push_back({{"route", route->GetRouteType()}, {"entries", std::move(entries)}});
-  }
-  json["routes"] = std::move(routes);
-  return json;
+std::string JsonTextOf(const std::string& path, CProfileAccess& access, const std::vector<IccTag>& privateTags,
+                       JsonLayout layout) {
+  Json tagSizes;
+  for (const IccTag& tag : privateTags) tagSizes[SignatureText(tag.signature)] = tag.size;
+  JsonWriter out(layout);
+  out.Object([&] {
+    out.Member("file", path);
+    out.Member("format", access.GetProfileLoadFormat());
+    out.Member("formatName", FormatName(access.GetProfileLoadFormat()));
+    out.Member("info", RecordToJson(*access.GetProfileInfo()));
+    if (!privateTags.empty()) out.Member("privateTags", tagSizes);
+    out.Name("routes");
+    out.Array([&] {
+      for (CProfileRoute* const route : RoutesOf(*access.GetProfileData())) WriteRoute(*route, out);
+    });
+  });
+  return out.Take();
 }
 
 void PrintPair(std::string_view name, const std::string& value) {
@@ -183,9 +210,9 @@ int Run(const InfoOptions& options) {
     }
     const std::vector<IccTag> privateTags = PrivateTags(input, access);
     if (options.jsonLines) {
-      PrintJsonLine(ToJson(file, access, privateTags));
+      PrintLine(JsonTextOf(file, access, privateTags, JsonLayout::kLine));
     } else if (options.json) {
-      documents.Print(ToJson(file, access, privateTags));
+      documents.PrintText(JsonTextOf(file, access, privateTags, JsonLayout::kIndented) + "\n");
     } else {
       Print(file, access, privateTags);
     }

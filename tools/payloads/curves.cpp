@@ -1,4 +1,5 @@
 // Curve sets as JSON: the used type of the set, and of each curve its attributes and samples.
+#include "json_text.h"
 #include "payload.h"
 #include "payloads/curve_set.h"
 
@@ -12,31 +13,31 @@ namespace {
 constexpr std::size_t kLongestInkName = CCurveDataEntry::kInkNameLength - 1;
 
 Json SamplesToJson(CCurveDataEntry& curve, Detail detail) {
-  if (detail == Detail::kSizes) {
-    Json size = Json::object();
-    size["count"] = curve.GetCount();
-    return size;
-  }
+  if (detail == Detail::kSizes) return {{"count", curve.GetCount()}};
   Json samples = Json::array();
   std::uint32_t sample = 0;
   for (std::uint32_t i = 0; curve.GetAt(i, sample); ++i) samples.push_back(sample);
   return samples;
 }
 
-// Profiles have hundreds of curves, so the members are put where they stay: a list of them in braces is copied.
+// Calls put(name, value) for all of a curve but its samples.
+template <class Put>
+void ForEachAttribute(const CCurveDataEntry& curve, Put put) {
+  put("inkID", curve.GetInkID());
+  put("inkName", NarrowToJson(curve.GetInkName()));
+  put("slotNo", curve.GetSlotNo());
+  put("displayRGB", curve.GetDisplayRGB());
+  put("extendInfo", curve.GetExtendInfo());
+  put("max", curve.GetMax());
+  put("min", curve.GetMin());
+  put("dataType", curve.GetDataType());
+}
+
 Json CurveToJson(CCurveDataEntry& curve, Detail detail) {
-  Json::object_t members;
-  members.reserve(9);
-  members.emplace_back("inkID", curve.GetInkID());
-  members.emplace_back("inkName", NarrowToJson(curve.GetInkName()));
-  members.emplace_back("slotNo", curve.GetSlotNo());
-  members.emplace_back("displayRGB", curve.GetDisplayRGB());
-  members.emplace_back("extendInfo", curve.GetExtendInfo());
-  members.emplace_back("max", curve.GetMax());
-  members.emplace_back("min", curve.GetMin());
-  members.emplace_back("dataType", curve.GetDataType());
-  members.emplace_back("samples", SamplesToJson(curve, detail));
-  return members;
+  Json json;
+  ForEachAttribute(curve, [&](const char* name, const Json& value) { json[name] = value; });
+  json["samples"] = SamplesToJson(curve, detail);
+  return json;
 }
 
 // Ink and samples are what a curve needs; all else has the value of a new curve of 16-bit samples.
@@ -62,12 +63,9 @@ std::unique_ptr<CCurveDataEntry> CurveFromJson(const Node& node) {
 }  // namespace
 
 Json CurveSetToJson(CCurveData& set, Detail detail) {
-  Json::array_t curves;
-  curves.reserve(set.Curves().Count());
+  Json curves = Json::array();
   for (CCurveDataEntry* const curve : set.Curves()) curves.push_back(CurveToJson(*curve, detail));
-  Json json = {{"usedType", set.GetUsedType()}};
-  json["curves"] = std::move(curves);
-  return json;
+  return {{"usedType", set.GetUsedType()}, {"curves", std::move(curves)}};
 }
 
 void CurveSetFromJson(const Node& node, CCurveData& set, std::uint32_t usedType) {
@@ -81,6 +79,23 @@ Json CurvesToJson(CProfileDataEntry& entry, Detail detail) {
   CProfileCurveEntry* const holder = entry.AsCurveEntry();
   if (holder == nullptr || !entry.BufferToData()) return nullptr;
   return CurveSetToJson(*holder->GetCurveData(), detail);
+}
+
+void WriteCurveSizes(CCurveData& set, JsonWriter& out) {
+  const auto put = [&out](const char* name, const Json& value) { out.Member(name, value); };
+  out.Object([&] {
+    out.Member("usedType", set.GetUsedType());
+    out.Name("curves");
+    out.Array([&] {
+      for (CCurveDataEntry* const curve : set.Curves()) {
+        out.Object([&] {
+          ForEachAttribute(*curve, put);
+          out.Name("samples");
+          out.Object([&] { out.Member("count", curve->GetCount()); });
+        });
+      }
+    });
+  });
 }
 
 void CurvesFromJson(const Node& node, CProfileDataEntry& entry) {
