@@ -86,9 +86,9 @@ void Table::Print(int indent) const {
     std::string text(static_cast<std::size_t>(indent), ' ');
     for (std::size_t i = 0; i < count; ++i) {
       const std::string& cell = cellOf(i);
-      const std::string pad(widths[i] - std::min(widths[i], Width(cell)), ' ');
-      text += columns_[i].align == Align::kRight ? pad + cell : cell + pad;
-      text += "  ";
+      const std::size_t pad = widths[i] - std::min(widths[i], Width(cell));
+      const bool isRight = columns_[i].align == Align::kRight;
+      text.append(isRight ? pad : 0, ' ').append(cell).append((isRight ? 0 : pad) + 2, ' ');
     }
     text.erase(text.find_last_not_of(' ') + 1);
     return text;

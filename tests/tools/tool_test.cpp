@@ -7,6 +7,7 @@
 
 #include <nvxprofile/curve_entry.h>
 #include <nvxprofile/profile_access.h>
+#include <nvxprofile/profile_file.h>
 #include <nvxprofile/profile_file_qpf.h>
 
 #include <gtest/gtest.h>
@@ -91,6 +92,45 @@ TEST(Tool, InfoDescribesEveryRealProfile) {
     EXPECT_EQ(entry["size"], std::filesystem::file_size(file));
     EXPECT_EQ(entry["payload"]["header"]["size"], std::filesystem::file_size(file));
   }
+}
+
+// What is written on the way is what the tree of the whole document would be, down to the last blank.
+TEST(Tool, JsonIsWrittenAsItsLibraryWritesIt) {
+  using nlohmann::ordered_json;
+  const TempFolder folder;
+  const nvx::test::ScopedVariable page("NVXPROFILE_CODEPAGE", "1252");
+  CProfileData data;
+  auto* const entry = new CLinearizationEntry;
+  for (const char* const name : {"", "Cyan", "\"quoted\" \\", "\t\x01\x7F", "Gr\xFCn \x80", "\x81"}) {
+    auto* const curve = new CCurveDataEntry16;
+    curve->SetInkName(name);
+    curve->SetMax(0xFFFFFFFF);
+    for (std::uint32_t i = 0; i < std::strlen(name); ++i) curve->Add(i);
+    entry->GetCurveData()->AddTail(curve);
+  }
+  entry->DataToBuffer();
+  auto* const empty = new CInkLimitEntry;
+  empty->DataToBuffer();
+  data.SetProfileDataEntry(entry, nvx::kRouteMain);
+  data.SetProfileDataEntry(empty, nvx::kRouteMain);
+  const std::string file = folder.File("p \u00e4\"");
+  ASSERT_TRUE(CProfileFileQCT().SaveData(folder.WideFile("p \u00e4\"").c_str(), &data, nvx::kRouteMain));
+
+  const std::string text = RunTool({"info", "--json", file}).out;
+  const ordered_json info = ordered_json::parse(text);
+  EXPECT_EQ(info.dump(2) + "\n", text);
+  EXPECT_EQ(info.dump() + "\n", RunTool({"info", "--json-lines", file}).out);
+  EXPECT_EQ("[\n" + text + ",\n" + text + "]\n", RunTool({"info", "--json", file, file}).out);
+  const std::string whole = RunTool({"dump", file}).out;
+  const ordered_json document = ordered_json::parse(whole);
+  EXPECT_EQ(document.dump(2) + "\n", whole);
+
+  // A listing differs from the document in the samples alone, whose number it tells.
+  ordered_json curves = document["entries"][0]["payload"];
+  ASSERT_EQ(curves["curves"].size(), 6u);
+  for (ordered_json& curve : curves["curves"]) curve["samples"] = {{"count", curve["samples"].size()}};
+  EXPECT_EQ(info["routes"][0]["entries"][0]["payload"].dump(), curves.dump());
+  EXPECT_EQ(info["routes"][0]["entries"][1]["payload"]["curves"].dump(), "[]");
 }
 
 TEST(Tool, DumpAndBuildKeepTheModel) {
