@@ -310,7 +310,7 @@ struct Entry {
 
 struct ProfileState;
 
-// One profile, as said at the top: a value that can be moved.
+// One profile, as a value that can be moved. What holds for all of its operations stands at the top of the header.
 class NVX_EXPORT Profile {
  public:
   // Loads a file of any format. The file is read once and not kept open.
