@@ -223,7 +223,7 @@ TEST_F(Judging, PlotsShowWhereTheyCanBeSeen) {
     return RunTool(more).out;
   };
   const auto onTerminal = [&](const std::string& locale, const std::string& option) {
-    std::string command = "LC_ALL=" + locale + " " + nvx::test::ToolPath();
+    std::string command = "LC_ALL=" + locale + " " + nvx::test::ShellWord(nvx::test::ToolPath());
     for (const std::string& word : words) command += " " + word;
     return RunProgram({"script", "-qec", command + " " + option, "/dev/null"}).out;
   };

@@ -115,7 +115,7 @@ TEST_F(OddDocuments, FilesAreNamedAsSeenFromTheDocument) {
   ASSERT_EQ(RunTool({"build", NVXPROFILE_SOURCE_FOLDER "/examples/printer_profile.json", "-o", File("p.icc")}).status,
             0);
   for (const char* const name : {"documents", "parts", "made"}) fs::create_directory(File(name));
-  const std::string tool = nvx::test::ToolPath();
+  const std::string tool = nvx::test::ShellWord(nvx::test::ToolPath());
   const std::string commands = "cd " + folder_.Path().string() + " && " + tool +
                                " dump p.icc --files parts -o documents/p.json && cd made && " + tool +
                                " build ../documents/p.json -o p.icc && grep '\"file\"' ../documents/p.json";

@@ -20,11 +20,12 @@ using nvx::test::ReadBytes;
 using nvx::test::RunProgram;
 using nvx::test::RunTool;
 using nvx::test::ScopedVariable;
+using nvx::test::ShellWord;
 using nvx::test::TempFolder;
 using nvx::test::ToolResult;
 using nvx::test::WriteText;
 
-const std::string kTool = nvx::test::ToolPath();
+const std::string kTool = ShellWord(nvx::test::ToolPath());
 const std::string kExamples = NVXPROFILE_SOURCE_FOLDER "/examples";
 
 ToolResult Shell(const std::string& command) { return RunProgram({"timeout", "60", "bash", "-c", command}); }
@@ -71,9 +72,9 @@ TEST_F(OddOutputs, PipesAreWrittenToWhereTheyAreNamedAndNotWhereTheyAreFound) {
                 .out,
             size);
   EXPECT_EQ(Shell(kTool + " set " + File("p.icc") + " media/heater/0=40 -o >(wc -c) | cat").out, size);
-  for (const std::string& command :
-       std::vector<std::string>{"dump " + File("p.icc") + " --files " + File("parts"),
-                                "convert " + kExamples + "/legacy/glossy.qpf --module-version 1 -o " + File("parts")}) {
+  for (const std::string& command : std::vector<std::string>{
+           "dump " + File("p.icc") + " --files " + File("parts"),
+           "convert " + ShellWord(kExamples + "/legacy/glossy.qpf") + " --module-version 1 -o " + File("parts")}) {
     const ToolResult result = Shell(kTool + " " + command);
     EXPECT_EQ(result.status, 1) << command;
     EXPECT_NE(result.err.find(".icc: is a pipe"), std::string::npos) << result.err;

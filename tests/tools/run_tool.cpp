@@ -44,6 +44,12 @@ std::string ToolPath() {
   return other != nullptr ? other : NVXPROFILE_TOOL;
 }
 
+std::string ShellWord(const std::string& text) {
+  std::string word = "'";
+  for (const char c : text) word += c == '\'' ? std::string("'\\''") : std::string(1, c);
+  return word + "'";
+}
+
 ToolResult RunTool(const std::vector<std::string>& arguments) {
   std::vector<std::string> words{ToolPath()};
   words.insert(words.end(), arguments.begin(), arguments.end());

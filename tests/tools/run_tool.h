@@ -20,6 +20,9 @@ ToolResult RunProgram(std::vector<std::string> words);
 // The tool of this build, or the program that NVXPROFILE_TOOL names: tests/tools/windows/tool runs that for Windows.
 std::string ToolPath();
 
+// A text as one word of a shell's command: there are sources in folders with blanks.
+std::string ShellWord(const std::string& text);
+
 // Runs the tool with these arguments and waits for it.
 ToolResult RunTool(const std::vector<std::string>& arguments);
 

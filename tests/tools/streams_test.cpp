@@ -21,11 +21,12 @@ using nvx::test::ReadBytes;
 using nvx::test::RunProgram;
 using nvx::test::RunTool;
 using nvx::test::ScopedVariable;
+using nvx::test::ShellWord;
 using nvx::test::TempFolder;
 using nvx::test::ToolResult;
 using nvx::test::WriteText;
 
-const std::string kTool = nvx::test::ToolPath();
+const std::string kTool = ShellWord(nvx::test::ToolPath());
 const std::string kExamples = NVXPROFILE_SOURCE_FOLDER "/examples";
 
 // A shell command, which is stopped if it does not end.
@@ -71,7 +72,8 @@ TEST(ToolStreams, StandardInputIsAFileLikeAnyOther) {
     EXPECT_EQ(Shell(pipe + command).status, 0) << command;
   }
   const ScopedVariable table("NVXPROFILE_PROFILE_DIR", kExamples + "/legacy");
-  const std::string convert = kTool + " convert - -o - --module-version 1 < " + kExamples + "/legacy/glossy.qpf | ";
+  const std::string convert =
+      kTool + " convert - -o - --module-version 1 < " + ShellWord(kExamples + "/legacy/glossy.qpf") + " | ";
   EXPECT_NE(Shell(convert + kTool + " info -").out.find("ICC-based printer profile"), std::string::npos);
 }
 
@@ -190,7 +192,8 @@ TEST(ToolStreams, EveryCommandIsInTheManualAndInTheCompletions) {
   EXPECT_EQ(Shell(complete + "complete_words nvxprofile extr").out, "extract\n");
   EXPECT_EQ(Shell(complete + "complete_words nvxprofile extract --repl").out, "--replacement\n");
   EXPECT_EQ(Shell(complete + "complete_words nvxprofile adjust --kind col").out, "color color-v3\n");
-  EXPECT_EQ(Shell(complete + "cd " + kExamples + "; complete_words nvxprofile build con").out, "container.json\n");
+  EXPECT_EQ(Shell(complete + "cd " + ShellWord(kExamples) + "; complete_words nvxprofile build con").out,
+            "container.json\n");
 }
 
 }  // namespace
