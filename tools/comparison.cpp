@@ -4,7 +4,6 @@
 #include "icc_facts.h"
 #include "loading.h"
 #include "lut_nodes.h"
-#include "record_json.h"
 
 #include <nvxprofile/calibration.h>
 #include <nvxprofile/curve.h>

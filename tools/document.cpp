@@ -5,7 +5,6 @@
 #include "interruption.h"
 #include "loading.h"
 #include "paths.h"
-#include "record_json.h"
 
 #include <nvxprofile/diagnosis.h>
 #include <nvxprofile/entry_types.h>

@@ -8,17 +8,16 @@ set(NVXPROFILE_DOCUMENT_SOURCES ${PROJECT_SOURCE_DIR}/tools/calibration_view.cpp
                                 ${PROJECT_SOURCE_DIR}/tools/document.cpp
                                 ${PROJECT_SOURCE_DIR}/tools/files.cpp
                                 ${PROJECT_SOURCE_DIR}/tools/interruption.cpp
+                                ${PROJECT_SOURCE_DIR}/tools/json_fields.cpp
                                 ${PROJECT_SOURCE_DIR}/tools/json_text.cpp
                                 ${PROJECT_SOURCE_DIR}/tools/loading.cpp
                                 ${PROJECT_SOURCE_DIR}/tools/paths.cpp
                                 ${PROJECT_SOURCE_DIR}/tools/payload.cpp
-                                ${PROJECT_SOURCE_DIR}/tools/record_json.cpp
                                 ${PROJECT_SOURCE_DIR}/tools/terminal.cpp)
-file(GLOB NVXPROFILE_PAYLOAD_SOURCES CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/tools/payloads/*.cpp)
 file(GLOB NVXPROFILE_SYSTEM_SOURCES CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/tools/posix/*.cpp
      ${PROJECT_SOURCE_DIR}/tools/windows/*.cpp)
 list(FILTER NVXPROFILE_SYSTEM_SOURCES EXCLUDE REGEX "/tools/${NVXPROFILE_OTHER_SYSTEM}/")
-list(APPEND NVXPROFILE_DOCUMENT_SOURCES ${NVXPROFILE_PAYLOAD_SOURCES} ${NVXPROFILE_SYSTEM_SOURCES})
+list(APPEND NVXPROFILE_DOCUMENT_SOURCES ${NVXPROFILE_SYSTEM_SOURCES})
 
 add_library(nvxprofile_documents STATIC ${NVXPROFILE_DOCUMENT_SOURCES})
 set_target_properties(nvxprofile_documents PROPERTIES POSITION_INDEPENDENT_CODE ON CXX_VISIBILITY_PRESET hidden

@@ -52,6 +52,11 @@ void JsonWriter::Value(const Json& value) {
   }
 }
 
+void JsonWriter::Number(std::int64_t value) {
+  StartValue();
+  AppendNumber(out_, value);
+}
+
 void JsonWriter::Open(char bracket) {
   StartValue();
   out_ += bracket;

@@ -3,6 +3,8 @@
 
 #include "payload.h"
 
+#include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -22,23 +24,28 @@ class JsonWriter {
   explicit JsonWriter(JsonLayout layout)
       : isIndented_(layout == JsonLayout::kIndented), lineStart_(isIndented_ ? "\n" : "") {}
 
-  // An object, to which fill() adds members, and an array, to which it adds items.
+  void BeginObject() { Open('{'); }
+  void EndObject() { Close('}'); }
+  void BeginArray() { Open('['); }
+  void EndArray() { Close(']'); }
+  // The same, with all that fill() adds between.
   template <class Fill>
   void Object(Fill fill) {
-    Open('{');
+    BeginObject();
     fill();
-    Close('}');
+    EndObject();
   }
   template <class Fill>
   void Array(Fill fill) {
-    Open('[');
+    BeginArray();
     fill();
-    Close(']');
+    EndArray();
   }
 
   // The name of the next value, a member of the object.
   void Name(const std::string& name);
   void Value(const Json& value);
+  void Number(std::int64_t value);
   void Member(const std::string& name, const Json& value) {
     Name(name);
     Value(value);

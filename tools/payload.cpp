@@ -13,52 +13,6 @@ namespace {
 
 constexpr std::string_view kBase64 = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 
-struct Codec {
-  Json (*toJson)(CProfileDataEntry& entry, Detail detail) = nullptr;
-  void (*fromJson)(const Node& node, CProfileDataEntry& entry) = nullptr;
-};
-
-Codec CodecOf(std::uint32_t usedType) {
-  switch (usedType) {
-    case CProfileDataEntry::kModel:
-      return {ModelToJson, ModelFromJson};
-    case CProfileDataEntry::kInkLimit:
-    case CProfileDataEntry::kVariableInkLimit:
-    case CProfileDataEntry::kVariable:
-    case CProfileDataEntry::kSeparateLight:
-    case CProfileDataEntry::kLinearization:
-    case CProfileDataEntry::kGrayBalance:
-    case CProfileDataEntry::kUcr:
-    case CProfileDataEntry::kMultiInkLimit:
-    case CProfileDataEntry::kCalibrationInklimit:
-    case CProfileDataEntry::kCalibrationLinearization:
-    case CProfileDataEntry::kCalibrationGrayBalance:
-      return {CurvesToJson, CurvesFromJson};
-    case CProfileDataEntry::kSeparateChroma:
-      return {LutToJson, LutFromJson};
-    case CProfileDataEntry::kInfo:
-      return {InfoToJson, InfoFromJson};
-    case CProfileDataEntry::kMediaProperty:
-      return {MediaToJson, MediaFromJson};
-    case CProfileDataEntry::kCalibrationHistory:
-    case CProfileDataEntry::kCalibrationContainer:
-    case CProfileDataEntry::kCalibrationTarget:
-    case CProfileDataEntry::kCalibrationTarget2:
-    case CProfileDataEntry::kCalibrationInfo:
-      return {CalibrationToJson, CalibrationFromJson};
-    case CProfileDataEntry::kMaskDownload:
-      return {MaskDownloadToJson, MaskDownloadFromJson};
-    case CProfileDataEntry::kMaskDownloadIncludePattern:
-      return {MaskPatternsToJson, MaskPatternsFromJson};
-    case CProfileDataEntry::kLargeParameter:
-      return {LargeParameterToJson, LargeParameterFromJson};
-    case CProfileDataEntry::kSpecialColorInfo:
-      return {SpecialColorToJson, SpecialColorFromJson};
-    default:
-      return {};
-  }
-}
-
 }  // namespace
 
 bool Node::Has(const char* key) const { return value_->is_object() && value_->contains(key); }
@@ -95,6 +49,8 @@ std::vector<Node> Node::Items() const {
   for (const Json& item : *value_) items.emplace_back(item, place_ + "/" + std::to_string(items.size()), log_);
   return items;
 }
+
+Node Node::Item(std::size_t index) const { return Node(value_->at(index), place_ + "/" + std::to_string(index), log_); }
 
 std::int64_t Node::Integer(std::int64_t least, std::int64_t greatest) const {
   if (!value_->is_number_integer()) Fail("a whole number is expected");
@@ -173,11 +129,6 @@ void SetBytes(CProfileDataEntry& entry, std::span<const std::uint8_t> bytes) {
   entry.BufferToData();
 }
 
-Json BytesToJson(const std::uint8_t* bytes, std::size_t size, Detail detail) {
-  if (detail == Detail::kSizes) return {{"bytes", size}};
-  return ToBase64(bytes, size);
-}
-
 std::uint32_t UsedTypeFromJson(const Node& node) {
   node.PassOver("class");
   if (!node.Has("type")) return node.At("usedType").U32();
@@ -225,17 +176,6 @@ std::u16string WideFromJson(const Node& node, std::size_t longest) {
   }
   if (text.size() > longest) node.Fail("the text is longer than " + std::to_string(longest) + " characters");
   return text;
-}
-
-Json PayloadToJson(CProfileDataEntry& entry, Detail detail) {
-  const Codec codec = CodecOf(entry.GetUsedType());
-  return codec.toJson != nullptr ? codec.toJson(entry, detail) : Json(nullptr);
-}
-
-void PayloadFromJson(const Node& node, CProfileDataEntry& entry) {
-  const Codec codec = CodecOf(entry.GetUsedType());
-  if (codec.fromJson == nullptr) node.Fail("entries of this type have no payload");
-  codec.fromJson(node, entry);
 }
 
 }  // namespace nvx::tool

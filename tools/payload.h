@@ -1,7 +1,8 @@
-// Payloads as JSON, both ways. Each family of entries has one file below payloads/; payload.cpp finds the right one by
-// entry type. Keys are named after the getters of the payload classes, in lower camel case (GetInkName is "inkName").
+// Payloads and the information record as JSON, both ways, by the fields that the library tells of them. Keys are the
+// names of the fields.
 #pragma once
 
+#include <nvxprofile/profile_data.h>
 #include <nvxprofile/profile_entry.h>
 
 #include <nlohmann/json.hpp>
@@ -50,7 +51,8 @@ class Node {
   void PassOver(const char* key) const;
   // DocumentError at the first member of the log's document that was not read.
   void RefuseUnread() const;
-  std::vector<Node> Items() const;  // DocumentError if this is no array
+  std::vector<Node> Items() const;     // DocumentError if this is no array
+  Node Item(std::size_t index) const;  // of an array that has it
   std::int64_t Integer(std::int64_t least, std::int64_t greatest) const;
   std::uint32_t U32() const { return static_cast<std::uint32_t>(Integer(0, 0xFFFFFFFFLL)); }
   std::int32_t I32() const { return static_cast<std::int32_t>(Integer(-0x80000000LL, 0x7FFFFFFFLL)); }
@@ -76,6 +78,13 @@ Json PayloadToJson(CProfileDataEntry& entry, Detail detail = Detail::kWhole);
 // Fills the payload of an entry of the right type and rebuilds the entry's buffer. Throws DocumentError.
 void PayloadFromJson(const Node& node, CProfileDataEntry& entry);
 
+// The plain fields of the record, and the view that its LayoutNumber names.
+Json RecordToJson(const _tagDeviceProfileInfo& info);
+
+// Fills what the node has: the view of the layout number that holds by then, the media names as a whole. Throws
+// DocumentError.
+void RecordFromJson(const Node& node, CProfileData& data);
+
 using EntryPointer = std::unique_ptr<CProfileDataEntry>;
 
 // An entry of that type without bytes; null for a type without a class.
@@ -94,30 +103,5 @@ std::string NarrowFromJson(const Node& node, std::size_t longest);
 Json WideToJson(const std::u16string& text);
 std::u16string WideFromJson(const Node& node, std::size_t longest);
 std::string ToBase64(const std::uint8_t* bytes, std::size_t size);
-
-// Base64, or {"bytes": N}.
-Json BytesToJson(const std::uint8_t* bytes, std::size_t size, Detail detail);
-
-// The families, one file each below payloads/.
-Json CurvesToJson(CProfileDataEntry& entry, Detail detail);
-void CurvesFromJson(const Node& node, CProfileDataEntry& entry);
-Json ModelToJson(CProfileDataEntry& entry, Detail detail);
-void ModelFromJson(const Node& node, CProfileDataEntry& entry);
-Json InfoToJson(CProfileDataEntry& entry, Detail detail);
-void InfoFromJson(const Node& node, CProfileDataEntry& entry);
-Json MediaToJson(CProfileDataEntry& entry, Detail detail);
-void MediaFromJson(const Node& node, CProfileDataEntry& entry);
-Json LutToJson(CProfileDataEntry& entry, Detail detail);
-void LutFromJson(const Node& node, CProfileDataEntry& entry);
-Json MaskDownloadToJson(CProfileDataEntry& entry, Detail detail);
-void MaskDownloadFromJson(const Node& node, CProfileDataEntry& entry);
-Json MaskPatternsToJson(CProfileDataEntry& entry, Detail detail);
-void MaskPatternsFromJson(const Node& node, CProfileDataEntry& entry);
-Json LargeParameterToJson(CProfileDataEntry& entry, Detail detail);
-void LargeParameterFromJson(const Node& node, CProfileDataEntry& entry);
-Json SpecialColorToJson(CProfileDataEntry& entry, Detail detail);
-void SpecialColorFromJson(const Node& node, CProfileDataEntry& entry);
-Json CalibrationToJson(CProfileDataEntry& entry, Detail detail);  // types 19 to 22 and 26, nested
-void CalibrationFromJson(const Node& node, CProfileDataEntry& entry);
 
 }  // namespace nvx::tool

@@ -3,7 +3,6 @@
 #include "document.h"
 #include "files.h"
 #include "loading.h"
-#include "record_json.h"
 
 #include <nvxprofile/media_property.h>
 #include <nvxprofile/profile_file_qpf.h>

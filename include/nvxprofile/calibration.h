@@ -239,9 +239,12 @@ class NVX_EXPORT CCalibrationInfoEntry : public CProfileDataEntry {
 
   CCalibrationInfoEntry();
 
-  // The base record and the extended record; both stay the entry's.
+  // The base record and the extended record; both stay the entry's. The const forms only look, and what they give is
+  // valid until the entry is parsed or changed.
   tag_CalibrationInfo* GetCalibrationInfo();
   tag_CalibrationInfo* GetCalibrationInfoEx();
+  const tag_CalibrationInfo* GetCalibrationInfo() const;
+  const tag_CalibrationInfo* GetCalibrationInfoEx() const;
   // Copy the record; null changes nothing.
   void SetCalibrationInfo(const tag_CalibrationInfo* info);
   void SetCalibrationInfoEx(const tag_CalibrationInfo* info);
@@ -261,6 +264,7 @@ class NVX_EXPORT CCalibrationInfoEntry : public CProfileDataEntry {
 
   Records& UseRecords();
   Records& OpenRecords();
+  const Records& LookAtRecords() const;
 
   // Made when they are first asked for, so that a form of many empty entries does not fill the memory with zeros.
   std::unique_ptr<Records> records_;

@@ -11,6 +11,8 @@
 
 namespace nvx {
 
+class FieldCodec;
+
 // One row of the entry types.
 struct EntryType {
   CProfileDataEntry::UsedType usedType;
@@ -21,6 +23,8 @@ struct EntryType {
   std::uint32_t route;             // where a profile of the current generation has it
   const char* tag;                 // the private tag that keeps that route
   CProfileDataEntry* (*create)();  // makes a new entry, as CreateDataEntry does
+  // What TellFields and FillFields call (nvxprofile/fields.h); null for a type whose payload has no fields.
+  bool (*visit)(FieldCodec& codec, CProfileDataEntry& entry);
 };
 
 // All types in the order of their numbers.

@@ -140,7 +140,7 @@ class NVX_EXPORT CModelEntry : public CProfileDataEntry {
   CModelData data_;
 };
 
-// Entry type 14. Its buffer is 1024 bytes long after DataToBuffer. The payload comes through GetFormatData.
+// Entry type 14. Its buffer is 1024 bytes long after DataToBuffer.
 class NVX_EXPORT CInfoEntry : public CProfileDataEntry {
  public:
   CInfoEntry();
@@ -149,6 +149,13 @@ class NVX_EXPORT CInfoEntry : public CProfileDataEntry {
   CDataObject* GetFormatData() override;
   bool BufferToData() override;
   bool DataToBuffer() override;
+
+  // The record, which lives as long as the entry, open to changes and for reading alone.
+  CInfoData* GetInfoData() {
+    OpenPayload();
+    return &data_;
+  }
+  const CInfoData* GetInfoData() const { return &data_; }
 
  private:
   CInfoData data_;

@@ -14,6 +14,7 @@
 #include <nvxprofile/entry_types.h>
 #include <nvxprofile/error.h>
 #include <nvxprofile/export.h>
+#include <nvxprofile/fields.h>
 #include <nvxprofile/file.h>
 #include <nvxprofile/icc_header.h>
 #include <nvxprofile/icc_profile.h>

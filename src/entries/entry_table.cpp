@@ -1,4 +1,6 @@
 // The entry types: one row each.
+#include "entries/entry_fields.h"
+
 #include <nvxprofile/calibration.h>
 #include <nvxprofile/curve_entry.h>
 #include <nvxprofile/entry_types.h>
@@ -46,39 +48,54 @@ constexpr Place kSpecialColor = {kRouteSpecialColor, "NVX7"};
 constexpr bool kShown = true;
 constexpr bool kHidden = false;
 
+template <class Class>
+constexpr bool kHasFields = requires(FieldCodec& codec, Class& entry) {
+  Describe(codec, entry);
+};
+
+template <class Class>
+bool Visit(FieldCodec& codec, Entry& entry) {
+  auto* const described = dynamic_cast<Class*>(&entry);
+  if (described != nullptr) Describe(codec, *described);
+  return described != nullptr;
+}
+
+template <class Class>
 constexpr EntryType Row(Entry::UsedType usedType, Entry::FormatType formatType, bool isDisplayed, Place place,
-                        std::string_view name, std::string_view className, Entry* (*create)()) {
-  return {usedType, formatType, isDisplayed, name, className, place.route, place.tag, create};
+                        std::string_view name, std::string_view className, Entry* (*create)() = New<Class>) {
+  EntryType row = {usedType, formatType, isDisplayed, name, className, place.route, place.tag, create, nullptr};
+  if constexpr (kHasFields<Class>) row.visit = Visit<Class>;
+  return row;
 }
 
 // clang-format off
 constexpr EntryType kTypes[] = {
-    Row(Entry::kModel, Entry::kFormatModel, kHidden, kInTable, "model", "CModelEntry", New<CModelEntry>),
-    Row(Entry::kInkLimit, Entry::kFormatCurve, kShown, kInTable, "ink-limit", "CInkLimitEntry", New<CInkLimitEntry>),
-    Row(Entry::kVariableInkLimit, Entry::kFormatCurve, kShown, kInTable, "variable-ink-limit", "CVariableInkLimitEntry", New<CVariableInkLimitEntry>),
-    Row(Entry::kVariable, Entry::kFormatCurve, kShown, kInTable, "variable", "CVariableEntry", New<CVariableEntry>),
-    Row(Entry::kSeparateLight, Entry::kFormatCurve, kShown, kInTable, "light-ink", "CSeparateLightEntry", New<CSeparateLightEntry>),
-    Row(Entry::kLinearization, Entry::kFormatCurve, kShown, kInTable, "linearization", "CLinearizationEntry", New<CLinearizationEntry>),
-    Row(Entry::kGrayBalance, Entry::kFormatCurve, kShown, kInTable, "gray-balance", "CGrayBalanceEntry", New<CGrayBalanceEntry>),
-    Row(Entry::kSeparateChroma, Entry::kFormatLut, kShown, kInTable, "chroma", "CSeparateChromaEntry", New<CSeparateChromaEntry>),
-    Row(Entry::kUcr, Entry::kFormatCurve, kShown, kInTable, "ucr", "CUcrEntry", New<CUcrEntry>),
-    Row(Entry::kIcm, Entry::kFormatIcc, kShown, kInTable, "icc", "CICMEntry", New<CICMEntry>),
-    Row(Entry::kInfo, Entry::kFormatInfo, kShown, kInTable, "info", "CInfoEntry", New<CInfoEntry>),
-    Row(Entry::kMediaProperty, Entry::kFormatKeyed, kShown, kInTable, "media-property", "CMediaPropertyEntry", New<CMediaPropertyEntry>),
-    Row(Entry::kMultiInkLimit, Entry::kFormatCurve, kShown, kInTable, "multi-ink-limit", "CMultiInkLimitEntry", New<CMultiInkLimitEntry>),
-    Row(Entry::kReplaceProfile, Entry::kFormatIcc, kShown, kReplaceProfile, "replacement-icc", "CReplaceProfileEntry", New<CReplaceProfileEntry>),
-    Row(Entry::kCalibrationHistory, Entry::kFormatContainer, kHidden, kCalibration, "calibration-history", "CCalibrationHistoryEntry", New<CCalibrationHistoryEntry>),
-    Row(Entry::kCalibrationContainer, Entry::kFormatContainer, kShown, kInTable, "calibration", "CCalibrationContainerEntry", New<CCalibrationContainerEntry>),
-    Row(Entry::kCalibrationTarget, Entry::kFormatCalibrationTarget, kShown, kInTable, "calibration-target", "CCalibrationTargetEntry", New<CCalibrationTargetEntry>),
-    Row(Entry::kCalibrationInfo, Entry::kFormatCalibrationInfo, kShown, kInTable, "calibration-info", "CCalibrationInfoEntry", New<CCalibrationInfoEntry>),
-    Row(Entry::kCalibrationInklimit, Entry::kFormatCurve, kShown, kInTable, "calibration-ink-limit", "CCalibrationInklimitEntry", New<CCalibrationInklimitEntry>),
-    Row(Entry::kCalibrationLinearization, Entry::kFormatCurve, kShown, kInTable, "calibration-linearization", "CCalibrationLinearizationEntry", New<CCalibrationLinearizationEntry>),
-    Row(Entry::kCalibrationGrayBalance, Entry::kFormatCurve, kShown, kInTable, "calibration-gray-balance", "CCalibrationGrayBalanceEntry", New<CCalibrationGrayBalanceEntry>),
-    Row(Entry::kCalibrationTarget2, Entry::kFormatCalibrationTarget, kShown, kInTable, "calibration-target-2", "CCalibrationTargetEntry", NewSecondTarget),
-    Row(Entry::kMaskDownload, Entry::kFormatMaskDownload, kShown, kMaskDownload, "mask-download", "CMaskDownLoadEntry", New<CMaskDownLoadEntry>),
-    Row(Entry::kLargeParameter, Entry::kFormatKeyed, kShown, kLargeParameter, "large-parameter", "CLargeParameterEntry", New<CLargeParameterEntry>),
-    Row(Entry::kMaskDownloadIncludePattern, Entry::kFormatMaskDownloadIncludePattern, kHidden, kMaskDownload, "mask-patterns", "CMaskDownloadIncludePatternEntry", New<CMaskDownloadIncludePatternEntry>),
-    Row(Entry::kSpecialColorInfo, Entry::kFormatKeyed, kShown, kSpecialColor, "special-color", "CSpecialColorInfoEntry", New<CSpecialColorInfoEntry>),
+    Row<CModelEntry>(Entry::kModel, Entry::kFormatModel, kHidden, kInTable, "model", "CModelEntry"),
+    Row<CInkLimitEntry>(Entry::kInkLimit, Entry::kFormatCurve, kShown, kInTable, "ink-limit", "CInkLimitEntry"),
+    Row<CVariableInkLimitEntry>(Entry::kVariableInkLimit, Entry::kFormatCurve, kShown, kInTable, "variable-ink-limit", "CVariableInkLimitEntry"),
+    Row<CVariableEntry>(Entry::kVariable, Entry::kFormatCurve, kShown, kInTable, "variable", "CVariableEntry"),
+    Row<CSeparateLightEntry>(Entry::kSeparateLight, Entry::kFormatCurve, kShown, kInTable, "light-ink", "CSeparateLightEntry"),
+    Row<CLinearizationEntry>(Entry::kLinearization, Entry::kFormatCurve, kShown, kInTable, "linearization", "CLinearizationEntry"),
+    Row<CGrayBalanceEntry>(Entry::kGrayBalance, Entry::kFormatCurve, kShown, kInTable, "gray-balance", "CGrayBalanceEntry"),
+    Row<CSeparateChromaEntry>(Entry::kSeparateChroma, Entry::kFormatLut, kShown, kInTable, "chroma", "CSeparateChromaEntry"),
+    Row<CUcrEntry>(Entry::kUcr, Entry::kFormatCurve, kShown, kInTable, "ucr", "CUcrEntry"),
+    Row<CICMEntry>(Entry::kIcm, Entry::kFormatIcc, kShown, kInTable, "icc", "CICMEntry"),
+    Row<CInfoEntry>(Entry::kInfo, Entry::kFormatInfo, kShown, kInTable, "info", "CInfoEntry"),
+    Row<CMediaPropertyEntry>(Entry::kMediaProperty, Entry::kFormatKeyed, kShown, kInTable, "media-property", "CMediaPropertyEntry"),
+    Row<CMultiInkLimitEntry>(Entry::kMultiInkLimit, Entry::kFormatCurve, kShown, kInTable, "multi-ink-limit", "CMultiInkLimitEntry"),
+    Row<CReplaceProfileEntry>(Entry::kReplaceProfile, Entry::kFormatIcc, kShown, kReplaceProfile, "replacement-icc", "CReplaceProfileEntry"),
+    Row<CCalibrationHistoryEntry>(Entry::kCalibrationHistory, Entry::kFormatContainer, kHidden, kCalibration, "calibration-history", "CCalibrationHistoryEntry"),
+    Row<CCalibrationContainerEntry>(Entry::kCalibrationContainer, Entry::kFormatContainer, kShown, kInTable, "calibration", "CCalibrationContainerEntry"),
+    Row<CCalibrationTargetEntry>(Entry::kCalibrationTarget, Entry::kFormatCalibrationTarget, kShown, kInTable, "calibration-target", "CCalibrationTargetEntry"),
+    Row<CCalibrationInfoEntry>(Entry::kCalibrationInfo, Entry::kFormatCalibrationInfo, kShown, kInTable, "calibration-info", "CCalibrationInfoEntry"),
+    Row<CCalibrationInklimitEntry>(Entry::kCalibrationInklimit, Entry::kFormatCurve, kShown, kInTable, "calibration-ink-limit", "CCalibrationInklimitEntry"),
+    Row<CCalibrationLinearizationEntry>(Entry::kCalibrationLinearization, Entry::kFormatCurve, kShown, kInTable, "calibration-linearization", "CCalibrationLinearizationEntry"),
+    Row<CCalibrationGrayBalanceEntry>(Entry::kCalibrationGrayBalance, Entry::kFormatCurve, kShown, kInTable, "calibration-gray-balance", "CCalibrationGrayBalanceEntry"),
+    Row<CCalibrationTargetEntry>(Entry::kCalibrationTarget2, Entry::kFormatCalibrationTarget, kShown, kInTable, "calibration-target-2", "CCalibrationTargetEntry", NewSecondTarget),
+    Row<CMaskDownLoadEntry>(Entry::kMaskDownload, Entry::kFormatMaskDownload, kShown, kMaskDownload, "mask-download", "CMaskDownLoadEntry"),
+    Row<CLargeParameterEntry>(Entry::kLargeParameter, Entry::kFormatKeyed, kShown, kLargeParameter, "large-parameter", "CLargeParameterEntry"),
+    Row<CMaskDownloadIncludePatternEntry>(Entry::kMaskDownloadIncludePattern, Entry::kFormatMaskDownloadIncludePattern, kHidden, kMaskDownload, "mask-patterns", "CMaskDownloadIncludePatternEntry"),
+    Row<CSpecialColorInfoEntry>(Entry::kSpecialColorInfo, Entry::kFormatKeyed, kShown, kSpecialColor, "special-color", "CSpecialColorInfoEntry"),
 };
 // clang-format on
 
@@ -98,6 +115,19 @@ const EntryType* FindEntryType(std::uint32_t usedType) {
 
 const EntryType* FindEntryType(std::string_view name) {
   return Find([=](const EntryType& type) { return type.name == name || type.className == name; });
+}
+
+bool TellFields(const CProfileDataEntry& entry, FieldSink& sink) {
+  const EntryType* const type = FindEntryType(entry.GetUsedType());
+  FieldCodec codec(sink);
+  // With a sink nothing of the entry changes.
+  return type != nullptr && type->visit != nullptr && type->visit(codec, const_cast<CProfileDataEntry&>(entry));
+}
+
+bool FillFields(CProfileDataEntry& entry, FieldSource& source) {
+  const EntryType* const type = FindEntryType(entry.GetUsedType());
+  FieldCodec codec(source);
+  return type != nullptr && type->visit != nullptr && type->visit(codec, entry);
 }
 
 }  // namespace nvx

@@ -93,7 +93,7 @@ void PrintDocument(const std::vector<Selection>& selections, const CurvesOptions
   Json entries = Json::array();
   for (const Selection& selection : selections) {
     const std::uint32_t usedType = selection.entry->GetUsedType();
-    Json payload = CurvesToJson(*selection.entry, Detail::kWhole);
+    Json payload = PayloadToJson(*selection.entry);
     Json curves = Json::array();
     if (payload.is_object()) {
       for (Json& curve : payload["curves"]) {

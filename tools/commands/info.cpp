@@ -2,13 +2,11 @@
 #include "command.h"
 #include "files.h"
 #include "icc_facts.h"
+#include "json_fields.h"
 #include "json_text.h"
 #include "loading.h"
-#include "payloads/curve_set.h"
-#include "record_json.h"
 #include "terminal.h"
 
-#include <nvxprofile/curve_entry.h>
 #include <nvxprofile/icc_header.h>
 #include <nvxprofile/profile_summary.h>
 #include <nvxprofile/text_conversion.h>
@@ -32,16 +30,10 @@ struct InfoOptions {
 };
 
 void WritePayload(CProfileDataEntry& entry, JsonWriter& out) {
-  if (CProfileCurveEntry* const curves = entry.AsCurveEntry()) {
-    // The buffer is what a file holds.
-    if (!entry.BufferToData()) return;
-    out.Name("payload");
-    WriteCurveSizes(*curves->GetCurveData(), out);
-    return;
-  }
-  const bool isIcc = entry.GetFormatType() == CProfileDataEntry::kFormatIcc;
-  const Json payload = isIcc ? IccToJson(entry.Bytes().data(), entry.GetSize()) : PayloadToJson(entry, Detail::kSizes);
-  if (!payload.is_null()) out.Member("payload", payload);
+  if (entry.GetFormatType() != CProfileDataEntry::kFormatIcc)
+    return WritePayload(out, "payload", entry, Detail::kSizes);
+  const Json icc = IccToJson(entry.Bytes().data(), entry.GetSize());
+  if (!icc.is_null()) out.Member("payload", icc);
 }
 
 void WriteEntry(CProfileDataEntry& entry, JsonWriter& out) {
@@ -88,7 +80,8 @@ std::string JsonTextOf(const std::string& path, CProfileAccess& access, const st
     out.Member("file", path);
     out.Member("format", access.GetProfileLoadFormat());
     out.Member("formatName", FormatName(access.GetProfileLoadFormat()));
-    out.Member("info", RecordToJson(*access.GetProfileInfo()));
+    out.Name("info");
+    WriteRecord(out, *access.GetProfileInfo());
     if (!privateTags.empty()) out.Member("privateTags", tagSizes);
     out.Name("routes");
     out.Array([&] {

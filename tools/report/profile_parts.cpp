@@ -3,7 +3,6 @@
 #include "calibration_view.h"
 #include "curve_view.h"
 #include "loading.h"
-#include "record_json.h"
 #include "report/icc_part.h"
 #include "report/samples.h"
 

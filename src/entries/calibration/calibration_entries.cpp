@@ -94,6 +94,14 @@ CCalibrationInfoEntry::Records& CCalibrationInfoEntry::OpenRecords() {
   return UseRecords();
 }
 
+const CCalibrationInfoEntry::Records& CCalibrationInfoEntry::LookAtRecords() const {
+  static constexpr Records kZeros;
+  return records_ ? *records_ : kZeros;
+}
+
+const tag_CalibrationInfo* CCalibrationInfoEntry::GetCalibrationInfo() const { return &LookAtRecords().base; }
+const tag_CalibrationInfo* CCalibrationInfoEntry::GetCalibrationInfoEx() const { return &LookAtRecords().extended; }
+
 tag_CalibrationInfo* CCalibrationInfoEntry::GetCalibrationInfo() { return &OpenRecords().base; }
 tag_CalibrationInfo* CCalibrationInfoEntry::GetCalibrationInfoEx() { return &OpenRecords().extended; }
 

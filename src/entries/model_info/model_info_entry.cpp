@@ -19,10 +19,7 @@ bool CModelEntry::DataToBuffer() {
 CInfoEntry::CInfoEntry() : CProfileDataEntry(kInfo, kFormatInfo, true) { CProfileDataEntry::SetComplete(true); }
 CInfoEntry::~CInfoEntry() = default;
 
-CDataObject* CInfoEntry::GetFormatData() {
-  OpenPayload();
-  return &data_;
-}
+CDataObject* CInfoEntry::GetFormatData() { return GetInfoData(); }
 
 bool CInfoEntry::BufferToData() {
   return nvx::ParseBuffer(*this, [&](CNvxFile& stream) { return CInfoFile().LoadFile(stream, &data_); });

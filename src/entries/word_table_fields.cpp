@@ -1,0 +1,24 @@
+#include "entries/entry_fields.h"
+
+namespace nvx {
+
+GivenArrays DescribeWordArrays(FieldCodec& codec, const WordArrays& arrays, std::size_t count) {
+  std::vector<std::span<const std::int32_t>> told;
+  for (std::size_t i = 0; i < arrays.Count(); ++i) told.push_back(arrays.Words(static_cast<std::int64_t>(i)));
+  GivenArrays given;
+  const auto wanted = static_cast<std::int64_t>(count);
+  codec.List(
+      {.name = "parameters", .count = {wanted, wanted}}, told,
+      [&](std::span<const std::int32_t> words) { codec.Tell({}, words); },
+      [&](std::size_t) { codec.Numbers({}, given.emplace_back()); });
+  return given;
+}
+
+void SetWords(WordArrays& arrays, const GivenArrays& given) {
+  for (std::size_t i = 0; i < given.size(); ++i) {
+    const auto words = arrays.Words(static_cast<std::int64_t>(i));
+    std::copy(given[i].begin(), given[i].end(), words.begin());
+  }
+}
+
+}  // namespace nvx

@@ -1,0 +1,329 @@
+// Telling the fields of an entry, and filling entries with them.
+#include "support/random_model.h"
+
+#include <nvxprofile/calibration.h>
+#include <nvxprofile/curve_entry.h>
+#include <nvxprofile/entry_types.h>
+#include <nvxprofile/fields.h>
+#include <nvxprofile/icm_entry.h>
+#include <nvxprofile/mask_download.h>
+#include <nvxprofile/media_property.h>
+#include <nvxprofile/model_info.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <map>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace {
+
+using nvx::Field;
+using nvx::Presence;
+using testing::ElementsAre;
+using ByteList = std::vector<std::uint8_t>;
+using NumberList = std::vector<std::int64_t>;
+using Value = std::variant<std::int64_t, bool, std::string, std::u16string, ByteList, NumberList, std::size_t>;
+
+// Fields by their place, "curves/0/inkID", and the same in their order.
+struct Told {
+  std::map<std::string, Value> values;
+  std::vector<std::string> places;
+};
+
+// Where a visit is. Items of a list have numbers for names.
+class Place {
+ public:
+  std::string Of(const Field& field) {
+    std::string name = field.name;
+    if (name.empty()) name = std::to_string(items_.back()++);
+    return path_.empty() ? name : path_.back() + "/" + name;
+  }
+  void Enter(const std::string& place) {
+    path_.push_back(place);
+    items_.push_back(0);
+  }
+  void Leave() {
+    path_.pop_back();
+    items_.pop_back();
+  }
+  std::string Here() const { return path_.empty() ? "" : path_.back(); }
+
+ private:
+  std::vector<std::string> path_;
+  std::vector<std::size_t> items_;
+};
+
+NumberList NumbersOf(const nvx::NumberRun& run) {
+  return std::visit([](const auto& numbers) { return NumberList(numbers.begin(), numbers.end()); }, run);
+}
+
+class Recorder : public nvx::FieldSink {
+ public:
+  void Number(const Field& field, std::int64_t value) override { Put(field, value); }
+  void Flag(const Field& field, bool value) override { Put(field, value); }
+  void Text(const Field& field, std::string_view value) override { Put(field, std::string(value)); }
+  void WideText(const Field& field, std::u16string_view value) override { Put(field, std::u16string(value)); }
+  void Bytes(const Field& field, std::span<const std::uint8_t> value) override {
+    Put(field, ByteList(value.begin(), value.end()));
+  }
+  void Numbers(const Field& field, const nvx::NumberRun& values) override { Put(field, NumbersOf(values)); }
+  void BeginGroup(const Field& field) override { place_.Enter(Put(field, true)); }
+  void EndGroup() override { place_.Leave(); }
+  void BeginList(const Field& field, std::size_t count) override { place_.Enter(Put(field, count)); }
+  void EndList() override { place_.Leave(); }
+  void EntryType(const Field& field, std::uint32_t usedType) override { Put(field, std::int64_t{usedType}); }
+  void Payload(const Field& field, CProfileDataEntry& entry) override {
+    Put(field, ByteList(entry.Bytes().begin(), entry.Bytes().end()));
+  }
+
+  Told told;
+
+ private:
+  std::string Put(const Field& field, Value value) {
+    const std::string place = place_.Of(field);
+    EXPECT_TRUE(told.values.emplace(place, std::move(value)).second) << place << " is told twice";
+    told.places.push_back(place);
+    return place;
+  }
+
+  Place place_;
+};
+
+class Player : public nvx::FieldSource {
+ public:
+  explicit Player(const Told& told) : told_(told) {}
+
+  std::int64_t Number(const Field& field, std::int64_t present) override { return Get(field, present); }
+  bool Flag(const Field& field, bool present) override { return Get(field, present); }
+  std::string Text(const Field& field, std::string_view present) override { return Get(field, std::string(present)); }
+  std::u16string WideText(const Field& field, std::u16string_view present) override {
+    return Get(field, std::u16string(present));
+  }
+  ByteList Bytes(const Field& field, std::span<const std::uint8_t> present) override {
+    return Get(field, ByteList(present.begin(), present.end()));
+  }
+  NumberList Numbers(const Field& field, const nvx::NumberRun& present) override {
+    return Get(field, NumbersOf(present));
+  }
+  bool BeginGroup(const Field& field) override {
+    const std::string place = place_.Of(field);
+    if (field.presence == Presence::kOptional && !told_.values.contains(place)) return false;
+    place_.Enter(place);
+    return true;
+  }
+  void EndGroup() override { place_.Leave(); }
+  std::optional<std::size_t> BeginList(const Field& field) override {
+    const std::string place = place_.Of(field);
+    const auto found = told_.values.find(place);
+    if (found == told_.values.end()) return std::nullopt;
+    place_.Enter(place);
+    return std::get<std::size_t>(found->second);
+  }
+  void EndList() override { place_.Leave(); }
+  std::uint32_t EntryType(const Field& field, std::uint32_t) override {
+    return static_cast<std::uint32_t>(Get(field, std::int64_t{0}));
+  }
+  void Payload(const Field& field, CProfileDataEntry& entry) override {
+    const ByteList bytes = Get(field, ByteList());
+    if (std::uint8_t* const buffer = entry.GetBuffer(static_cast<std::uint32_t>(bytes.size()))) {
+      std::copy(bytes.begin(), bytes.end(), buffer);
+    }
+    entry.BufferToData();
+  }
+  [[noreturn]] void Refuse(const std::string& place, const std::string& why) override {
+    throw std::runtime_error(place_.Here() + "|" + place + ": " + why);
+  }
+
+ private:
+  template <class T>
+  T Get(const Field& field, T present) {
+    const std::string place = place_.Of(field);
+    const auto found = told_.values.find(place);
+    if (found != told_.values.end()) return std::get<T>(found->second);
+    if (field.presence != Presence::kOptional) throw std::runtime_error(place + " is missing");
+    return present;
+  }
+
+  const Told& told_;
+  Place place_;
+};
+
+Told Tell(const CProfileDataEntry& entry) {
+  Recorder recorder;
+  EXPECT_TRUE(nvx::TellFields(entry, recorder));
+  return recorder.told;
+}
+
+std::unique_ptr<CProfileDataEntry> New(std::uint32_t usedType) {
+  return std::unique_ptr<CProfileDataEntry>(nvx::FindEntryType(usedType)->create());
+}
+
+// What is refused of an entry that is filled with this.
+std::string Refusal(CProfileDataEntry& entry, const Told& told) {
+  Player player(told);
+  try {
+    nvx::FillFields(entry, player);
+  } catch (const std::runtime_error& error) {
+    return error.what();
+  }
+  return {};
+}
+
+ByteList BytesOf(const CProfileDataEntry& entry) { return {entry.Bytes().begin(), entry.Bytes().end()}; }
+
+TEST(Fields, MakeTheBytesAgainThatTheyWereToldOf) {
+  std::mt19937 random(20);
+  for (const nvx::EntryType& type : nvx::EntryTypes()) {
+    SCOPED_TRACE(type.name);
+    if (type.formatType == CProfileDataEntry::kFormatIcc) continue;
+    for (int round = 0; round < 40; ++round) {
+      const auto loaded = New(type.usedType);
+      nvx::test::MakeRandomEntry(type.usedType, random)->Copy(*loaded);
+      if (loaded->GetSize() != 0) loaded->BufferToData();
+      const nvx::PayloadState state = loaded->GetPayloadState();
+      const Told told = Tell(*loaded);
+      EXPECT_EQ(loaded->GetPayloadState(), state) << "telling has changed the entry";
+      const auto made = New(type.usedType);
+      EXPECT_EQ(Refusal(*made, told), "");
+      if (loaded->GetSize() != 0) {
+        EXPECT_EQ(BytesOf(*made), BytesOf(*loaded));
+      }
+      EXPECT_EQ(Tell(*made).values, told.values);
+    }
+  }
+}
+
+TEST(Fields, AreToldInTheirOrderAndOfThePayloadAsItIs) {
+  CMediaPropertyEntry entry;
+  auto* const block = CMediaPropertyDataEntry::CreateMediaPropertyDataEntry(nvx::kMediaHeater, 2);
+  block->SetParameter(0, -5);
+  entry.GetMediaPropertyData()->AddTail(block);
+  const Told told = Tell(entry);
+  EXPECT_THAT(told.places, ElementsAre("mediaProperties", "mediaProperties/0", "mediaProperties/0/usedType",
+                                       "mediaProperties/0/parameterMax", "mediaProperties/0/parameters"));
+  EXPECT_EQ(std::get<NumberList>(told.values.at("mediaProperties/0/parameters")), (NumberList{-5, 0}));
+  EXPECT_EQ(entry.GetSize(), 0u);
+}
+
+TEST(Fields, AreNotThereForProfilesAndForWhatIsNoEntryType) {
+  Recorder recorder;
+  Told nothing;
+  Player player(nothing);
+  CICMEntry icc;
+  CProfileDataEntry bare;
+  CInfoEntry misnamed;
+  misnamed.SetUsedType(CProfileDataEntry::kModel);
+  for (CProfileDataEntry* const entry :
+       {static_cast<CProfileDataEntry*>(&icc), &bare, static_cast<CProfileDataEntry*>(&misnamed)}) {
+    EXPECT_FALSE(nvx::TellFields(*entry, recorder));
+    EXPECT_FALSE(nvx::FillFields(*entry, player));
+  }
+  EXPECT_TRUE(recorder.told.places.empty());
+}
+
+TEST(Fields, AreRefusedBeyondTheirRanges) {
+  CLinearizationEntry curves;
+  auto* const curve = CCurveDataEntry::CreateCurveDataEntry(CCurveDataEntry::kSamples8);
+  curve->Add(1);
+  curve->Add(255);
+  curves.GetCurveData()->AddTail(curve);
+  const Told good = Tell(curves);
+  const auto refusal = [&](const char* place, Value value) {
+    Told bad = good;
+    bad.values.at(place) = std::move(value);
+    CLinearizationEntry entry;
+    std::string why = Refusal(entry, bad);
+    EXPECT_EQ(entry.GetSize(), 0u);
+    return why;
+  };
+  const std::string between = ": the number must lie between ";
+  EXPECT_EQ(refusal("curves/0/inkID", std::int64_t{256}), "curves/0|inkID" + between + "0 and 255");
+  EXPECT_EQ(refusal("curves/0/max", std::int64_t{-1}), "curves/0|max" + between + "0 and 4294967295");
+  EXPECT_EQ(refusal("curves/0/dataType", std::int64_t{3}), "curves/0|dataType" + between + "1 and 2");
+  EXPECT_EQ(refusal("curves/0/samples", NumberList{0, 256}), "curves/0|samples/1" + between + "0 and 255");
+  EXPECT_EQ(refusal("curves/0/inkName", std::string(256, 'x')), "curves/0|inkName: the text is longer than 255 bytes");
+}
+
+TEST(Fields, AreRefusedWhereTheyDoNotGoTogether) {
+  const auto refusal = [](std::uint32_t usedType, std::map<std::string, Value> values) {
+    const auto entry = New(usedType);
+    return Refusal(*entry, {std::move(values), {}});
+  };
+  using Entry = CProfileDataEntry;
+  const std::size_t one = 1;
+  const std::int64_t two = 2;
+  EXPECT_EQ(refusal(Entry::kMediaProperty, {{"mediaProperties", one},
+                                            {"mediaProperties/0", true},
+                                            {"mediaProperties/0/usedType", std::int64_t{nvx::kMediaWave}},
+                                            {"mediaProperties/0/parameterMax", std::int64_t{16}}}),
+            "mediaProperties/0|parameterMax: a block of this type has 1 parameters");
+  EXPECT_EQ(refusal(Entry::kLargeParameter, {{"entries", one},
+                                             {"entries/0", true},
+                                             {"entries/0/usedType", two},
+                                             {"entries/0/patternCount", two},
+                                             {"entries/0/parameters", one}}),
+            "entries/0/parameters|: 2 items are expected");
+  EXPECT_EQ(refusal(Entry::kSeparateChroma, {{"gridCount", two},
+                                             {"inputChannels", std::size_t{0}},
+                                             {"outputChannels", std::size_t{0}},
+                                             {"samples", ByteList{1}}}),
+            "|samples: 0 bytes are expected, one for each output and node");
+  EXPECT_EQ(refusal(Entry::kInfo, {{"versionStr", std::string()},
+                                   {"comment", std::string()},
+                                   {"userName", std::string()},
+                                   {"reserveBuffer", ByteList(191)}}),
+            "|reserveBuffer: 192 bytes are expected");
+}
+
+// A filled entry has what the source has and nothing of what it had before; bytes that nobody read are not filled over.
+TEST(Fields, ReplaceAPayloadAndKeepUnreadBytes) {
+  CMaskDownLoadEntry masks;
+  masks.Initialize(2);
+  masks.SetWeftDataParameter(0, 6);
+  masks.SetWeftDataParameter(1, 6);
+  ASSERT_TRUE(masks.DataToBuffer());
+  Told told = Tell(masks);
+  told.values.at("weftData") = std::size_t{1};
+  EXPECT_EQ(Refusal(masks, told), "");
+  EXPECT_EQ(masks.GetWeftBlocks().size(), 1u);
+  EXPECT_EQ(*masks.GetWeftDataCount(), 1u);
+
+  CModelEntry model;
+  ASSERT_TRUE(model.DataToBuffer());
+  const Told record = Tell(model);
+  *model.GetBuffer(1) = 7;
+  EXPECT_NE(Refusal(model, record), "");
+  EXPECT_EQ(BytesOf(model), ByteList{7});
+}
+
+TEST(Fields, OfARecordAreOptional) {
+  CProfileData data;
+  _tagDeviceProfileInfo& info = *data.GetProfileInfo();
+  info.LayoutNumber = nvx::kBinaryView;
+  const tagMedia names[] = {{9, u"Glossy"}, {17, u"Matte"}};
+  data.SetMediaInfo(names);
+  info.DatabaseKey[4] = 44;
+  Recorder recorder;
+  nvx::TellFields(info, recorder);
+  EXPECT_EQ(std::get<std::u16string>(recorder.told.values.at("Binary/MediaInfo/1/Name")), u"Matte");
+
+  Told told;
+  told.values = {{"DatabaseKey", NumberList{1, 2}}, {"Binary", true}, {"Binary/ModelNumber", std::int64_t{1234}}};
+  Player player(told);
+  nvx::FillRecord(data, player);
+  EXPECT_THAT(info.DatabaseKey, ElementsAre(1, 2, -1, -1, 44));
+  EXPECT_EQ(info.Binary.ModelNumber, 1234u);
+  EXPECT_EQ(info.Binary.MediaInfoCount, 2u);
+
+  told.values = {{"Binary", true}, {"Binary/MediaInfo", std::size_t{0}}};
+  Player emptying(told);
+  nvx::FillRecord(data, emptying);
+  EXPECT_EQ(info.Binary.MediaInfoCount, 0u);
+}
+
+}  // namespace
