@@ -110,7 +110,7 @@ void* CProfileAccess::GetCalibrationCurve(std::uint32_t usedType, std::uint32_t 
   if (!profile_ || code < 0) return nullptr;
   CProfileDataEntry* const curves = CalibrationCurves(profile_.get(), static_cast<std::uint32_t>(code), usedType);
   if (curves == nullptr) {
-    nvx::Fail(error, nvx::kReasonNotFound, kSource, __LINE__, u"Profile:Calibration history entry - none");
+    nvx::Fail(error, nvx::kReasonNotFound, kSource, u"Profile:Calibration history entry - none");
     return nullptr;
   }
   return GetCurveDataBuffer(curves, inkColorCode, extendInfo, size, dataType, error);

@@ -10,8 +10,8 @@
 
 namespace {
 
-int FailWithoutTable(CError* error, int line) {
-  nvx::Fail(error, nvx::kReasonNotFound, "ProfileAccess", line, u"Profile:Chroma entry - none");
+int FailWithoutTable(CError* error, int line = __builtin_LINE()) {
+  nvx::Fail(error, nvx::kReasonNotFound, "ProfileAccess", u"Profile:Chroma entry - none", line);
   return -1;
 }
 
@@ -66,7 +66,7 @@ CLutData* CProfileAccess::GetChromaLutData(CError* error) {
   if (!profile_) return nullptr;
   CProfileDataEntry* const entry = profile_->GetProfileDataEntryFromList(CProfileDataEntry::kSeparateChroma);
   if (entry == nullptr) {
-    FailWithoutTable(error, __LINE__);
+    FailWithoutTable(error);
     return nullptr;
   }
   return dynamic_cast<CLutData*>(entry->GetFormatData());
@@ -74,26 +74,26 @@ CLutData* CProfileAccess::GetChromaLutData(CError* error) {
 
 int CProfileAccess::GetChromaInputChannel(std::uint32_t* codes, CError* error) {
   const CLutData* const table = FindTable(profile_.get());
-  if (table == nullptr) return FailWithoutTable(error, __LINE__);
+  if (table == nullptr) return FailWithoutTable(error);
   return GiveCodes(table->InputChannels(), table->GetInputChannelCount(), codes);
 }
 
 int CProfileAccess::GetChromaOutputChannel(std::uint32_t* codes, CError* error) {
   const CLutData* const table = FindTable(profile_.get());
-  if (table == nullptr) return FailWithoutTable(error, __LINE__);
+  if (table == nullptr) return FailWithoutTable(error);
   return GiveCodes(table->OutputChannels(), table->GetOutputChannelCount(), codes);
 }
 
 int CProfileAccess::GetChromaData(std::uint8_t* buffer, std::uint32_t& gridCount, CError* error) {
   const CLutData* const table = FindTable(profile_.get());
-  if (table == nullptr) return FailWithoutTable(error, __LINE__);
+  if (table == nullptr) return FailWithoutTable(error);
   gridCount = table->GetGridCount();
   const std::uint64_t width = table->GetOutputChannelCount();
   const std::uint64_t nodes = CLutData::CountNodes(table->GetInputChannelCount(), gridCount);
   if (width == 0 || nodes == 0) return 0;
   // No result could tell the size of such a table, which has no nodes either.
   constexpr std::uint64_t kMost = std::numeric_limits<int>::max();
-  if (nodes > kMost || nodes * width > kMost) return FailWithoutTable(error, __LINE__);
+  if (nodes > kMost || nodes * width > kMost) return FailWithoutTable(error);
   if (buffer != nullptr) CopySamples(*table, static_cast<int>(nodes), static_cast<std::size_t>(width), buffer);
   return static_cast<int>(nodes * width);
 }

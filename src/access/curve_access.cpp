@@ -22,10 +22,11 @@ constexpr nvx::CurveFailures kCurveFailures{
 // The numbers that GetDataType may give, by the bytes of one sample.
 enum DataType : int { kBytes = 1, kWords = 2, kPassedOn = 3, kDoubleWords = 4 };
 
-bool FailWithCurve(CError* error, std::uint32_t reason, int line, std::u16string_view format, std::uint32_t ink,
-                   std::uint32_t usedType) {
-  return nvx::Fail(error, reason, kSource, line,
-                   nvx::Message(format).Put(static_cast<std::int32_t>(ink)).Put(static_cast<std::int32_t>(usedType)));
+bool FailWithCurve(CError* error, std::uint32_t reason, std::u16string_view format, std::uint32_t ink,
+                   std::uint32_t usedType, int line = __builtin_LINE()) {
+  return nvx::Fail(error, reason, kSource,
+                   nvx::Message(format).Put(static_cast<std::int32_t>(ink)).Put(static_cast<std::int32_t>(usedType)),
+                   line);
 }
 
 // Profiles of the older generations name two inks by the code that they have in other colour sets.
@@ -114,7 +115,7 @@ constexpr const char16_t* kNoLinearization = u"Profile:Linearization entry - non
 CProfileDataEntry* FindEntry(const CProfileData& profile, std::uint32_t usedType, const char16_t* missing,
                              CError* error) {
   CProfileDataEntry* const entry = profile.GetProfileDataEntryFromList(usedType);
-  if (entry == nullptr) nvx::Fail(error, nvx::kReasonNotFound, kSource, __LINE__, missing);
+  if (entry == nullptr) nvx::Fail(error, nvx::kReasonNotFound, kSource, missing);
   return entry;
 }
 
@@ -178,22 +179,21 @@ void* CProfileAccess::GetCurveDataBuffer(CProfileDataEntry* entry, std::uint32_t
   size = 0;
   dataType = 0;
   if (entry == nullptr) {
-    nvx::Fail(error, nvx::kReasonNotFound, kSource, __LINE__, u"Profile: data none.");
+    nvx::Fail(error, nvx::kReasonNotFound, kSource, u"Profile: data none.");
     return nullptr;
   }
   const std::uint32_t usedType = entry->GetUsedType();
   const CCurveData* const curves = CurvesOf(*entry);
   if (curves == nullptr) {
-    nvx::Fail(error, nvx::kReasonNotFound, kSource, __LINE__,
+    nvx::Fail(error, nvx::kReasonNotFound, kSource,
               nvx::Message(u"Profile: Entry format error(not curve data). Entry type = %d")
                   .Put(static_cast<std::int32_t>(usedType)));
     return nullptr;
   }
   const std::uint32_t ink = profile_ ? InkOfColorset(*profile_->GetProfileInfo(), inkColorCode) : inkColorCode;
-  return nvx::SamplesOf(nvx::FindCurve(*curves, ink, extendInfo), kCurveFailures, size, dataType,
-                        [&](std::uint32_t reason, std::u16string_view text) {
-                          FailWithCurve(error, reason, __LINE__, text, ink, usedType);
-                        });
+  return nvx::SamplesOf(
+      nvx::FindCurve(*curves, ink, extendInfo), kCurveFailures, size, dataType,
+      [&](std::uint32_t reason, std::u16string_view text) { FailWithCurve(error, reason, text, ink, usedType); });
 }
 
 bool CProfileAccess::GetMergeGrayBalance(std::uint32_t inkColorCode, std::uint8_t* buffer, int& size, int& dataType,

@@ -7,7 +7,7 @@ namespace {
 
 std::uint8_t* GiveBuffer(CProfileDataEntry* entry, int& size, CError* error) {
   if (entry == nullptr) {
-    nvx::Fail(error, nvx::kReasonNotFound, "ProfileAccess", __LINE__, u"Profile:ICC profile entry - none");
+    nvx::Fail(error, nvx::kReasonNotFound, "ProfileAccess", u"Profile:ICC profile entry - none");
     return nullptr;
   }
   size = static_cast<int>(entry->GetSize());

@@ -23,15 +23,15 @@ constexpr std::uint32_t kPrinterMaskType = 4;
 // Records for any print method of a number of layer colours have this many times that number as their method.
 constexpr std::uint32_t kMethodStep = 100;
 
-bool FailNotFound(CError* error, int line, const char16_t* comment) {
-  return nvx::Fail(error, nvx::kReasonNotFound, kSource, line, comment);
+bool FailNotFound(CError* error, const char16_t* comment, int line = __builtin_LINE()) {
+  return nvx::Fail(error, nvx::kReasonNotFound, kSource, comment, line);
 }
 
 // The entry of a type; null, with the failure reported, if it is missing or of another class.
 template <class Entry>
 const Entry* FindEntry(const CProfileData& profile, std::uint32_t usedType, const char16_t* comment, CError* error) {
   const auto* const entry = dynamic_cast<const Entry*>(profile.GetProfileDataEntryFromList(usedType));
-  if (entry == nullptr) FailNotFound(error, __LINE__, comment);
+  if (entry == nullptr) FailNotFound(error, comment);
   return entry;
 }
 
@@ -45,7 +45,7 @@ const tagWeftDatas* FindBlock(const CProfileData& profile, std::uint32_t type, c
   const CMaskDownLoadEntry* const entry = FindMaskEntry(profile, error);
   if (entry == nullptr) return nullptr;
   const tagWeftDatas* const block = entry->GetWeftData(type);
-  if (block == nullptr) FailNotFound(error, __LINE__, comment);
+  if (block == nullptr) FailNotFound(error, comment);
   return block;
 }
 
@@ -143,7 +143,7 @@ std::uint32_t CProfileAccess::GetMaskParameterAndPatternBuffer(std::uint8_t* buf
     record = records.GetEntry(pass, specialColorsetCode, layerColorCount * kMethodStep, layerColorCount, layerColors);
   }
   if (record == nullptr) {
-    FailNotFound(error, __LINE__, u"Profile:There is no specified condition.");
+    FailNotFound(error, u"Profile:There is no specified condition.");
     return 0;
   }
 

@@ -20,8 +20,8 @@ struct BlockQuery {
   const char16_t* none;
 };
 
-int FailWithType(CError* error, int line, std::u16string_view format, std::uint32_t usedType) {
-  nvx::Fail(error, nvx::kReasonNotFound, kSource, line, nvx::Message(format).Put(static_cast<std::int32_t>(usedType)));
+int FailWithType(CError* error, std::u16string_view format, std::uint32_t usedType, int line = __builtin_LINE()) {
+  nvx::Fail(error, nvx::kReasonNotFound, kSource, nvx::Message(format).Put(static_cast<std::int32_t>(usedType)), line);
   return -1;
 }
 
@@ -33,19 +33,18 @@ const CMediaPropertyData* PropertiesOf(CProfileDataEntry& entry) {
 
 int CopyBlock(CProfileDataEntry* entry, std::uint32_t block, std::int32_t* values, CError* error) {
   if (entry == nullptr) {
-    nvx::Fail(error, nvx::kReasonBadArgument, kSource, __LINE__, u"Profile:Parameter none(media property)");
+    nvx::Fail(error, nvx::kReasonBadArgument, kSource, u"Profile:Parameter none(media property)");
     return -1;
   }
   const std::uint32_t usedType = entry->GetUsedType();
   const CMediaPropertyData* const data = PropertiesOf(*entry);
   if (data == nullptr) {
-    return FailWithType(error, __LINE__, u"Profile: Entry format error(not media property). Entry type = %d", usedType);
+    return FailWithType(error, u"Profile: Entry format error(not media property). Entry type = %d", usedType);
   }
   CMediaPropertyDataEntry* const found = data->Entries().First(
       [block](const CMediaPropertyDataEntry& candidate) { return candidate.GetUsedType() == block; });
   if (found == nullptr) {
-    return FailWithType(error, __LINE__, u"Profile: Media property format error(not media property). Entry type = %d",
-                        usedType);
+    return FailWithType(error, u"Profile: Media property format error(not media property). Entry type = %d", usedType);
   }
   std::copy_n(found->GetRefBuffer(), found->GetParameterMax(), values);
   return found->GetParameterMax();
@@ -56,12 +55,12 @@ int ReadBlock(const CProfileData* profile, const BlockQuery& query, std::int32_t
   if (profile == nullptr) return 0;
   CProfileDataEntry* const entry = profile->GetProfileDataEntryFromList(CProfileDataEntry::kMediaProperty);
   if (entry == nullptr) {
-    nvx::Fail(error, nvx::kReasonNotFound, kSource, __LINE__, u"Profile:Media property entry - none");
+    nvx::Fail(error, nvx::kReasonNotFound, kSource, u"Profile:Media property entry - none");
     return 0;
   }
   const int count = CopyBlock(entry, query.block, values, error);
   if (count > 0) return count;
-  nvx::Fail(error, nvx::kReasonNotFound, kSource, __LINE__, query.none);
+  nvx::Fail(error, nvx::kReasonNotFound, kSource, query.none);
   return 0;
 }
 
@@ -84,7 +83,7 @@ bool CProfileAccess::GetCreateModule(char16_t* module, CError*) {
   if (!IsV3Route()) return false;
   const _tagDeviceProfileInfo& info = *profile_->GetProfileInfo();
   // A text-headed profile may have that route as well; its header has no such field.
-  const bool isText = info.LayoutNumber == 1;
+  const bool isText = info.LayoutNumber == nvx::kTextView;
   nvx::CopyText(module, std::size(info.Binary.CreateModule),
                 isText ? std::u16string_view() : nvx::FieldText(info.Binary.CreateModule));
   return true;

@@ -17,8 +17,8 @@ constexpr const char* kSource = "ProfileAccess";
 
 constexpr std::u16string_view kNoFormat = u"Profile: File Format Error (file name:%s)";
 
-bool FailWithPath(CError* error, int line, std::u16string_view format, std::u16string_view path) {
-  return nvx::Fail(error, nvx::kReasonNotFound, kSource, line, nvx::Message(format).Put(path));
+bool FailWithPath(CError* error, std::u16string_view format, std::u16string_view path, int line = __builtin_LINE()) {
+  return nvx::Fail(error, nvx::kReasonNotFound, kSource, nvx::Message(format).Put(path), line);
 }
 
 // The bytes of the first output block of the mask download entry; null if there are none.
@@ -52,16 +52,16 @@ bool CProfileAccess::Init(const char16_t* path, CError* error) {
   profile_.reset();
   CNvxFile file;
   if (file.Open(path, nvx::kGenericRead, nvx::kShareRead, nvx::kOpenExisting)) return Load(file, error);
-  return FailWithPath(error, __LINE__, kNoFormat, nvx::TextOf(path));
+  return FailWithPath(error, kNoFormat, nvx::TextOf(path));
 }
 
 bool CProfileAccess::Load(CNvxFile& file, CError* error) {
   profile_.reset();
   auto profile = std::make_unique<CProfileData>();
   const nvx::LoadedFormat loaded = nvx::LoadProfile(file, *profile);
-  if (!loaded.format) return FailWithPath(error, __LINE__, kNoFormat, file.GetPath());
+  if (!loaded.format) return FailWithPath(error, kNoFormat, file.GetPath());
   if (!loaded.isLoaded) {
-    return FailWithPath(error, __LINE__, u"Profile: Load Error (file name:%s)", file.GetPath());
+    return FailWithPath(error, u"Profile: Load Error (file name:%s)", file.GetPath());
   }
   Serve(std::move(profile), loaded.format->GetMyFormat());
   return true;

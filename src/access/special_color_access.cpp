@@ -85,6 +85,6 @@ void* CProfileAccess::GetSpecialColorVDCurveDataBuffer(CCurveData* curves, std::
                                                                     static_cast<std::uint32_t>(extendInfo))
                                                    : nullptr;
   return nvx::SamplesOf(curve, kTexts, size, dataType, [&](std::uint32_t reason, std::u16string_view text) {
-    nvx::Fail(error, reason, kSource, __LINE__, nvx::Message(text).Put(inkColorCode));
+    nvx::Fail(error, reason, kSource, nvx::Message(text).Put(inkColorCode));
   });
 }

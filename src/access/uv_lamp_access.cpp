@@ -24,7 +24,7 @@ struct LampTable {
     const auto* const entry = dynamic_cast<const CLargeParameterEntry*>(
         profile.GetProfileDataEntryFromList(CProfileDataEntry::kLargeParameter));
     if (entry == nullptr) {
-      return nvx::Fail(error, nvx::kReasonNotFound, kSource, __LINE__, u"Profile:Large Parameter Entry - none");
+      return nvx::Fail(error, nvx::kReasonNotFound, kSource, u"Profile:Large Parameter Entry - none");
     }
     const auto find = [entry](std::uint32_t usedType) {
       return entry->GetLargeParameterData()->Entries().First(
@@ -32,8 +32,7 @@ struct LampTable {
     };
     fixed = find(1);
     if (fixed == nullptr) patterns = find(2);
-    return fixed != nullptr || patterns != nullptr ||
-           nvx::Fail(error, nvx::kReasonNotFound, kSource, __LINE__, missing);
+    return fixed != nullptr || patterns != nullptr || nvx::Fail(error, nvx::kReasonNotFound, kSource, missing);
   }
 
   std::int32_t PatternOf(const Conditions& c) const {

@@ -56,7 +56,7 @@ void CAdjustFileAnalyzer::TakeLine(std::string_view line) {
 const std::string* CAdjustFileAnalyzer::Find(const char* key, CError& error) {
   const std::string& value = values_[key];
   if (!value.empty()) return &value;
-  nvx::Fail(&error, nvx::kReasonNoKey, kSource, __LINE__,
+  nvx::Fail(&error, nvx::kReasonNoKey, kSource,
             nvx::Message(u"Adjust file:Parameter none (key = %s)").Put(nvx::platform::AnsiToWide(key)));
   return nullptr;
 }
@@ -72,7 +72,7 @@ bool CAdjustFileAnalyzer::GetBoolValue(const char* key, bool* value, CError& err
   const std::string* const text = Find(key, error);
   if (text == nullptr) return false;
   if (*text != "true" && *text != "false") {
-    return nvx::Fail(&error, nvx::kReasonNoKey, kSource, __LINE__,
+    return nvx::Fail(&error, nvx::kReasonNoKey, kSource,
                      nvx::Message(u"Adjust file:Parameter none (key = %s)").Put(nvx::platform::AnsiToWide(key)));
   }
   *value = *text == "true";

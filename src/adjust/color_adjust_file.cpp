@@ -59,7 +59,7 @@ CColorAdjustFile::CColorAdjustFile() = default;
 CColorAdjustFile::~CColorAdjustFile() = default;
 
 bool CColorAdjustFile::Initialize(const char16_t* path, CError& error) {
-  return nvx::adjust::Initialize(analyzer_, path, kSource, __LINE__, kNotFound, error);
+  return nvx::adjust::Initialize(analyzer_, path, kSource, kNotFound, error);
 }
 
 bool CColorAdjustFile::GetColorAdjustData(COLOR_ADJUST* data, CError& error) {
@@ -90,7 +90,7 @@ CColorAdjustFileV3::CColorAdjustFileV3() = default;
 CColorAdjustFileV3::~CColorAdjustFileV3() = default;
 
 bool CColorAdjustFileV3::Initialize(const char16_t* path, CError& error) {
-  return nvx::adjust::Initialize(analyzer_, path, kSource, __LINE__, kNotFound, error);
+  return nvx::adjust::Initialize(analyzer_, path, kSource, kNotFound, error);
 }
 
 bool CColorAdjustFileV3::GetColorAdjustData(COLOR_ADJUST_V3* data, CError& error) {

@@ -5,7 +5,7 @@ CDeviceAdjustFile::CDeviceAdjustFile() = default;
 CDeviceAdjustFile::~CDeviceAdjustFile() = default;
 
 bool CDeviceAdjustFile::Initialize(const char16_t* path, CError& error) {
-  return nvx::adjust::Initialize(analyzer_, path, "DeviceAdjustFile", __LINE__,
+  return nvx::adjust::Initialize(analyzer_, path, "DeviceAdjustFile",
                                  u"Device adjust file: File not found.(file name:%s)", error);
 }
 

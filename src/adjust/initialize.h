@@ -22,9 +22,9 @@ inline bool FailToOpen(std::u16string_view path, CError& error) {
 // Puts the table of a file in the place of `analyzer`. Without a file at the path the old one stays, and the record
 // holds `notFound` with the path filled in.
 inline bool Initialize(std::unique_ptr<CAdjustFileAnalyzer>& analyzer, const char16_t* path, const char* source,
-                       int line, const char16_t* notFound, CError& error) {
+                       const char16_t* notFound, CError& error, int line = __builtin_LINE()) {
   if (!platform::FileExists(TextOf(path))) {
-    return Fail(&error, kReasonNoFile, source, line, Message(notFound).Put(TextOf(path)));
+    return Fail(&error, kReasonNoFile, source, Message(notFound).Put(TextOf(path)), line);
   }
   analyzer = std::make_unique<CAdjustFileAnalyzer>();
   return analyzer->LoadFile(path, error);

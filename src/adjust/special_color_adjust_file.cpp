@@ -21,8 +21,8 @@ CSpecialColorAdjustFile::CSpecialColorAdjustFile() = default;
 CSpecialColorAdjustFile::~CSpecialColorAdjustFile() = default;
 
 bool CSpecialColorAdjustFile::Initialize(const char16_t* path, CError& error) {
-  return nvx::adjust::Initialize(analyzer_, path, kSource, __LINE__,
-                                 u"Special Color adjust file: File not found. (file name:%s)", error);
+  return nvx::adjust::Initialize(analyzer_, path, kSource, u"Special Color adjust file: File not found. (file name:%s)",
+                                 error);
 }
 
 bool CSpecialColorAdjustFile::GetColorAdjustData(SPECIAL_COLOR_ADJUST* data, CError& error) {

@@ -25,13 +25,16 @@ class Message {
   std::u16string_view rest_;
 };
 
-// Stores a failure with system code 0 and gives false. `comment` is a fixed text.
-inline bool Fail(CError* error, std::uint32_t reason, const char* source, int line, const char16_t* comment) {
+// Stores a failure with system code 0 and gives false. `comment` is a fixed text. The line is that of the caller, who
+// passes on that of his own caller if he only words the failure. (std::source_location is unknown to clang 14.)
+inline bool Fail(CError* error, std::uint32_t reason, const char* source, const char16_t* comment,
+                 int line = __builtin_LINE()) {
   error->SetErrorW(0, reason, source, line, comment);
   return false;
 }
 
-inline bool Fail(CError* error, std::uint32_t reason, const char* source, int line, Message& message) {
+inline bool Fail(CError* error, std::uint32_t reason, const char* source, Message& message,
+                 int line = __builtin_LINE()) {
   error->SetFormattedErrorW(0, reason, source, line, message.Take());
   return false;
 }

@@ -29,7 +29,7 @@ TEST(Error, KeepsWhatItIsGivenAndResets) {
 
 TEST(Error, CopiesKeepAFormattedComment) {
   auto error = std::make_unique<CError>();
-  nvx::Fail(error.get(), nvx::kReasonNotFound, "Test", __LINE__, Message(u"a %d of %s!").Put(-3).Put(u"%s%d"));
+  nvx::Fail(error.get(), nvx::kReasonNotFound, "Test", Message(u"a %d of %s!").Put(-3).Put(u"%s%d"));
   const CError copy = *error;
   CError assigned;
   assigned = *error;
