@@ -137,6 +137,18 @@ class PayloadKeeper {
   }
 };
 
+// Parses the buffer of an entry, and has what is wrong with it recorded.
+inline bool ParseInto(Diagnosis* diagnosis, CProfileDataEntry& entry) {
+  struct Attached {
+    Attached(CProfileDataEntry& target, Diagnosis* given) : entry(target) { entry.SetDiagnosis(given); }
+    ~Attached() { entry.SetDiagnosis(nullptr); }
+    Attached(const Attached&) = delete;
+    Attached& operator=(const Attached&) = delete;
+    CProfileDataEntry& entry;
+  } const attached(entry, diagnosis);
+  return entry.BufferToData();
+}
+
 inline EntryStream::EntryStream(CProfileDataEntry& entry)
     : SharedStream(PayloadKeeper::BufferOf(entry), SharedStream::Taking::kViews) {
   SetDiagnosis(entry.GetDiagnosis());

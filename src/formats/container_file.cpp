@@ -70,9 +70,7 @@ bool WalkBodies(CNvxFile& file, const std::vector<nvx::RecordBytes<ContainerEntr
 void Parse(CNvxFile& file, std::uint32_t offset, CProfileDataEntry& entry) {
   const nvx::DiagnosisScope scope(file.GetDiagnosis(), offset,
                                   [&] { return "entry " + std::to_string(entry.GetUsedType()); });
-  entry.SetDiagnosis(file.GetDiagnosis());
-  entry.BufferToData();
-  entry.SetDiagnosis(nullptr);
+  nvx::ParseInto(file.GetDiagnosis(), entry);
 }
 
 // An entry on two routes of a text-headed profile stands in both of its tables.

@@ -3,8 +3,8 @@
 
 #include "core/stream.h"
 #include "formats/container_records.h"
-#include "formats/legacy_header.h"
 #include "formats/qpf_tags.h"
+#include "formats/text_header.h"
 #include "icc/icc_directory.h"
 #include "platform/file_system.h"
 

@@ -1,3 +1,4 @@
+#include "core/payload.h"
 #include "core/stream.h"
 #include "icc/description.h"
 
@@ -20,9 +21,7 @@ bool CProfileFileICC::LoadEntries(CNvxFile& file, CProfileData* data) {
   if (size != 0 && !nvx::ReadExact(file, entry->GetBuffer(size), size))
     return nvx::Refuse(file, "ICC profile: unreadable");
   entry->SetComplete(true);
-  entry->SetDiagnosis(file.GetDiagnosis());
-  entry->BufferToData();
-  entry->SetDiagnosis(nullptr);
+  nvx::ParseInto(file.GetDiagnosis(), *entry);
   data->SetProfileDataEntry(entry.release(), nvx::kRouteIccRoot);
   return true;
 }

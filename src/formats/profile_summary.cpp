@@ -4,9 +4,9 @@
 #include "entries/calibration/calibration_records.h"
 #include "formats/container_records.h"
 #include "formats/detection.h"
-#include "formats/legacy_header.h"
 #include "formats/qpf_tags.h"
 #include "formats/record_views.h"
+#include "formats/text_header.h"
 #include "icc/icc_directory.h"
 #include "platform/file_system.h"
 

@@ -67,9 +67,7 @@ const tagMedia* FindMedia(const _tagDeviceProfileInfo::BinaryView& view, std::ui
 void Parse(CProfileDataEntry& entry, nvx::Diagnosis* diagnosis) {
   const nvx::DiagnosisScope scope(diagnosis, nvx::kRecordSize<nvx::PrivateTagOpening>,
                                   [&] { return "entry " + std::to_string(entry.GetUsedType()); });
-  entry.SetDiagnosis(diagnosis);
-  entry.BufferToData();
-  entry.SetDiagnosis(nullptr);
+  nvx::ParseInto(diagnosis, entry);
 }
 
 // What was not read whole stays as its bytes: rebuilding it would lose the rest.

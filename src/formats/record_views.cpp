@@ -1,7 +1,7 @@
 #include "formats/record_views.h"
 
 #include "core/text.h"
-#include "formats/legacy_header.h"
+#include "formats/text_header.h"
 #include "platform/locale.h"
 
 #include <array>

@@ -1,8 +1,8 @@
 // Writing of the text-headed form.
 #include "core/stream.h"
 #include "core/text.h"
-#include "formats/legacy_header.h"
 #include "formats/record_views.h"
+#include "formats/text_header.h"
 #include "platform/clock.h"
 
 #include <nvxprofile/profile_file_text.h>

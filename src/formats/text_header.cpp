@@ -1,4 +1,4 @@
-#include "formats/legacy_header.h"
+#include "formats/text_header.h"
 
 #include "core/stream.h"
 

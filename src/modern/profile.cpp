@@ -2,6 +2,7 @@
 #include "modern/profile_state.h"
 
 #include "access/diagnose.h"
+#include "core/payload.h"
 #include "entries/mask/mask_download_records.h"
 #include "formats/qpf_tags.h"
 #include "formats/record_views.h"
@@ -223,9 +224,7 @@ std::unique_ptr<CProfileDataEntry> EntryOf(EntryKind kind, SharedBytes bytes) {
     return entry;
   }
   Diagnosis diagnosis;
-  entry->SetDiagnosis(&diagnosis);
-  const bool isParsed = entry->BufferToData();
-  entry->SetDiagnosis(nullptr);
+  const bool isParsed = ParseInto(&diagnosis, *entry);
   if (!isParsed || entry->GetPayloadState() == PayloadState::kPart) {
     throw ProfileError(TitleOf(kind) + ": no whole form of it", DecisiveFirst(diagnosis));
   }

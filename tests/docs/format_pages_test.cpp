@@ -12,8 +12,8 @@
 #include "entries/special_color/special_color_records.h"
 #include "entries/word_table.h"
 #include "formats/container_records.h"
-#include "formats/legacy_header.h"
 #include "formats/qpf_records.h"
+#include "formats/text_header.h"
 #include "icc/icc_directory.h"
 
 #include <gtest/gtest.h>

@@ -128,9 +128,7 @@ class ChildLoader {
     const nvx::DiagnosisScope scope(file_.GetDiagnosis(), offset, [&] {
       return "entry " + std::to_string(entry.GetUsedType()) + "." + std::to_string(entry.GetOptionInfo());
     });
-    entry.SetDiagnosis(file_.GetDiagnosis());
-    entry.BufferToData();
-    entry.SetDiagnosis(nullptr);
+    nvx::ParseInto(file_.GetDiagnosis(), entry);
   }
 
   CNvxFile& file_;
