@@ -3,12 +3,12 @@
 #include "cgats.h"
 #include "clock.h"
 #include "colorants.h"
+#include "numbers.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
 #include <algorithm>
-#include <charconv>
 #include <ctime>
 #include <locale>
 #include <numeric>
@@ -27,15 +27,14 @@ constexpr const char* kLimits = "INK_LIMITS";
 
 double Number(const CgatsTable& table, const CgatsTable::Row& row, std::size_t column) {
   const std::string& text = row.cells[column];
-  double value = 0;
-  const auto [rest, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-  if (error != std::errc() || rest != text.data() + text.size()) {
+  const auto value = NumberOf<double>(text);
+  if (!value) {
     throw TextError(row.line, fmt::format("{} is \"{}\", which is no number", table.fields[column], text));
   }
-  if (!(value >= 0 && value <= 1)) {
+  if (!(*value >= 0 && *value <= 1)) {
     throw TextError(row.line, fmt::format("{} is {}, and 0 to 1 is possible", table.fields[column], text));
   }
-  return value;
+  return *value;
 }
 
 // The colour representation, which is also the start of each field's name.

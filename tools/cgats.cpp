@@ -1,10 +1,10 @@
 #include "cgats.h"
+#include "numbers.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
 #include <algorithm>
-#include <charconv>
 
 namespace nvx::tool {
 namespace {
@@ -118,13 +118,9 @@ class CgatsReader {
   }
 
   std::size_t Count() const {
-    std::size_t count = 0;
-    const std::string_view text = words_.size() == 2 ? std::string_view(words_[1]) : std::string_view();
-    const auto [rest, error] = std::from_chars(text.data(), text.data() + text.size(), count);
-    if (text.empty() || error != std::errc() || rest != text.data() + text.size()) {
-      lines_.Fail(fmt::format("a number is expected behind {}", words_.front()));
-    }
-    return count;
+    const auto count = NumberOf<std::size_t>(words_.size() == 2 ? words_[1] : std::string());
+    if (!count) lines_.Fail(fmt::format("a number is expected behind {}", words_.front()));
+    return *count;
   }
 
   void ReadFields(CgatsTable& table) {

@@ -1,11 +1,11 @@
 #include "colorants.h"
+#include "numbers.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <stdexcept>
 
 namespace nvx::tool {
@@ -106,10 +106,8 @@ std::size_t PositionOf(const std::string& colorant) {
 InkTable::InkTable(const std::vector<std::string>& assignments) {
   for (const std::string& assignment : assignments) {
     const std::size_t sign = assignment.find('=');
-    std::uint32_t ink = 0;
-    const char* const end = assignment.data() + std::min(sign, assignment.size());
-    const auto [rest, error] = std::from_chars(assignment.data(), end, ink);
-    if (sign == assignment.npos || error != std::errc() || rest != end || ink > 255) {
+    const auto ink = NumberOf<std::uint8_t>(std::string_view(assignment).substr(0, sign));
+    if (sign == assignment.npos || !ink) {
       throw std::runtime_error(
           fmt::format("\"{}\" assigns no colorant to an ink, as 9=O does with the ink of code 9", assignment));
     }
@@ -118,7 +116,7 @@ InkTable::InkTable(const std::vector<std::string>& assignments) {
       throw std::runtime_error(
           fmt::format(R"("{}": there is no colorant "{}"; there are {})", assignment, colorant, Letters()));
     }
-    assigned_[ink] = colorant;
+    assigned_[*ink] = colorant;
   }
 }
 

@@ -111,8 +111,6 @@ std::uint32_t DefaultRoute(int format, std::uint32_t usedType) {
   return type != nullptr ? type->route : kRouteIccRoot;
 }
 
-bool IsTextHeaded(int format) { return format == kText1 || format == kText2; }
-
 void CheckTypesAreUnique(const std::vector<Node>& nodes, const std::vector<EntryPointer>& entries) {
   std::set<std::uint32_t> types;
   for (std::size_t i = 0; i < entries.size(); ++i) {
@@ -168,7 +166,7 @@ void SetTimes(const Node& document, const _tagDeviceProfileInfo& info, CProfileF
   if (std::getenv("SOURCE_DATE_EPOCH") != nullptr) return;
   const auto stated = [&](const char* key) { return document.Has("record") && document.At("record").Has(key); };
   const std::int64_t now = PresentTime();
-  if (info.LayoutNumber == 1) {
+  if (info.LayoutNumber == kTextView) {
     if (info.CreateTime.wYear >= 1970) file.SetSaveTimes(0, SecondsOf(info.CreateTime));
   } else {
     file.SetSaveTimes(stated("CreateTimeValue") ? info.CreateTimeValue : now,
@@ -459,8 +457,8 @@ std::vector<std::uint8_t> BuildProfile(const Json& document, const std::string& 
 
   CProfileData data;
   _tagDeviceProfileInfo& info = *data.GetProfileInfo();
-  if (IsTextHeaded(format)) info.LayoutNumber = 1;
-  if (format == kPrinterProfile) info.LayoutNumber = 3;
+  if (IsTextHeaded(format)) info.LayoutNumber = kTextView;
+  if (format == kPrinterProfile) info.LayoutNumber = kBinaryView;
   if (root.Has("record")) RecordFromJson(root.At("record"), data);
   SetModelNumbers(root, format, data);
   PlaceEntries(root, std::move(entries), format, data);

@@ -1,6 +1,7 @@
 #include "loading.h"
 
 #include "json_text.h"
+#include "numbers.h"
 #include "terminal.h"
 
 #include <nvxprofile/entry_types.h>
@@ -8,7 +9,6 @@
 #include <nvxprofile/text_conversion.h>
 
 #include <algorithm>
-#include <charconv>
 #include <utility>
 
 namespace nvx::tool {
@@ -69,10 +69,8 @@ std::string_view EntryName(std::uint32_t usedType) {
 
 std::uint32_t UsedTypeByName(std::string_view name) {
   if (const EntryType* const type = FindEntryType(name)) return type->usedType;
-  std::uint32_t number = 0;
-  const auto [rest, error] = std::from_chars(name.data(), name.data() + name.size(), number);
-  const bool isNumber = error == std::errc() && rest == name.data() + name.size();
-  return isNumber && FindEntryType(number) != nullptr ? number : 0;
+  const std::uint32_t number = NumberOf<std::uint32_t>(name).value_or(0);
+  return FindEntryType(number) != nullptr ? number : 0;
 }
 
 std::vector<CProfileDataEntry*> EntriesOf(CProfileRoute& route) {

@@ -31,6 +31,8 @@ std::string FirstError(const Diagnosis& diagnosis, const std::u16string& path);
 void PrintErrorOf(const std::string& file, const std::string& message);
 
 std::string_view FormatName(int format);
+// Whether a profile of that format is text-headed, of either version.
+inline bool IsTextHeaded(int format) { return format == kText1 || format == kText2; }
 // Class name of an entry type, "CLinearizationEntry" for 6; empty for a type without a class.
 std::string_view ClassName(std::uint32_t usedType);
 // What an entry type is for, "linearization" for 6.

@@ -3,6 +3,7 @@
 #include "cgats.h"
 #include "csv.h"
 #include "curve_view.h"
+#include "numbers.h"
 
 #include <nvxprofile/curve_entry.h>
 #include <nvxprofile/text_conversion.h>
@@ -10,7 +11,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <charconv>
 #include <memory>
 #include <optional>
 #include <string>
@@ -55,13 +55,12 @@ class Columns {
 
 std::uint32_t Number(const CsvRow& row, std::size_t column, const char* what, std::uint32_t greatest) {
   const std::string& text = row.cells[column];
-  std::uint32_t number = 0;
-  const auto [rest, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (error != std::errc() || rest != text.data() + text.size() || number > greatest) {
+  const auto number = NumberOf<std::uint32_t>(text);
+  if (!number || *number > greatest) {
     throw TextError(row.line,
                     fmt::format("the {} is \"{}\", and a whole number from 0 to {} is expected", what, text, greatest));
   }
-  return number;
+  return *number;
 }
 
 class MeasuredCurves {

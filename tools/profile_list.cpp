@@ -67,8 +67,8 @@ std::int64_t SecondsOf(int year, int month, int day, int hour, int minute, int s
 }
 
 std::int64_t UpdateOf(const ProfileSummary& summary, const _tagDeviceProfileInfo& info) {
-  if (info.LayoutNumber == 3) return info.UpdateTimeValue;
-  if (info.LayoutNumber == 1) {
+  if (info.LayoutNumber == kBinaryView) return info.UpdateTimeValue;
+  if (info.LayoutNumber == kTextView) {
     const SYSTEMTIME& time = info.CreateTime;
     return SecondsOf(time.wYear, time.wMonth, time.wDay, time.wHour, time.wMinute, time.wSecond, false);
   }
@@ -77,7 +77,7 @@ std::int64_t UpdateOf(const ProfileSummary& summary, const _tagDeviceProfileInfo
 }
 
 std::string InkSetOf(const _tagDeviceProfileInfo& info) {
-  if (info.LayoutNumber == 1) return WideToUtf8(AnsiToWide(info.Text.InkSet_Label));
+  if (info.LayoutNumber == kTextView) return WideToUtf8(AnsiToWide(info.Text.InkSet_Label));
   return fmt::format("{}/{}/{}/{}", info.InkMakerCode, info.InkTypeCode, info.ColorsetCode, info.InkVersion);
 }
 
@@ -85,7 +85,7 @@ void Fill(ProfileLine& line, ProfileSummary& summary) {
   const _tagDeviceProfileInfo& info = *summary.headers.GetProfileInfo();
   line.format = summary.format;
   line.updated = UpdateOf(summary, info);
-  if (info.LayoutNumber == 0) return;
+  if (info.LayoutNumber == kNoView) return;
   line.model =
       fmt::format("{}/{}/{}", WideToUtf8(info.ModelCode), WideToUtf8(info.ModelSubCode), WideToUtf8(info.InternalCode));
   line.inkSet = InkSetOf(info);

@@ -3,6 +3,7 @@
 #include "document.h"
 #include "files.h"
 #include "loading.h"
+#include "numbers.h"
 
 #include <nvxprofile/media_property.h>
 #include <nvxprofile/profile_file_qpf.h>
@@ -13,7 +14,6 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cstring>
 #include <memory>
 #include <optional>
@@ -84,13 +84,6 @@ std::string PointerOf(const Tokens& tokens) {
   std::string pointer;
   for (const std::string& token : tokens) pointer += "/" + Escaped(token);
   return pointer;
-}
-
-template <class Number>
-std::optional<Number> NumberOf(std::string_view text) {
-  Number number{};
-  const auto [rest, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  return error == std::errc() && rest == text.data() + text.size() ? std::optional(number) : std::nullopt;
 }
 
 std::string KeysOf(const Json& object) {
@@ -367,7 +360,7 @@ void ProfileValues::SetJson(const std::string& path, Json value) {
 ProfileValues::Target ProfileValues::SourceOfMediaName(const Json& wanted) {
   if (!record_.contains("Binary")) return {Part::kRecord, 0, {"MediaName"}};
   CProfileData trial;
-  trial.GetProfileInfo()->LayoutNumber = 3;
+  trial.GetProfileInfo()->LayoutNumber = kBinaryView;
   trial.GetProfileInfo()->Binary = {};
   const Json& view = record_["Binary"];
   for (std::size_t i = 0; i < view["MediaInfo"].size(); ++i) {
@@ -385,7 +378,7 @@ ProfileValues::Target ProfileValues::SourceOfMediaName(const Json& wanted) {
 void ProfileValues::StoreRecord() {
   if (changedFields_.empty()) return;
   if (edit_.GetFormat() != kPrinterProfile) {
-    throw DocumentError("/record", edit_.GetFormat() == 2 || edit_.GetFormat() == 3
+    throw DocumentError("/record", IsTextHeaded(edit_.GetFormat())
                                        ? "the record of a text-headed profile follows from its text and the conversion "
                                          "table; convert makes a profile whose record can be set"
                                        : "the file keeps no record");
@@ -430,7 +423,7 @@ void ProfileValues::StorePayload(std::uint32_t usedType, const Json& payload) {
   std::vector<std::uint8_t> image(made->GetSize() + padding);
   std::copy_n(made->Bytes().data(), made->GetSize(), image.begin());
   if (edit_.SetEntryBytes(usedType, image)) return;
-  throw DocumentError(place, edit_.GetFormat() == 2 || edit_.GetFormat() == 3
+  throw DocumentError(place, IsTextHeaded(edit_.GetFormat())
                                  ? "an entry of a text-headed profile cannot change its size in place"
                                  : "cannot be stored");
 }

@@ -2,6 +2,7 @@
 #include "command.h"
 #include "files.h"
 #include "loading.h"
+#include "numbers.h"
 #include "paths.h"
 #include "profile_values.h"
 #include "terminal.h"
@@ -11,7 +12,6 @@
 
 #include <fmt/format.h>
 
-#include <charconv>
 #include <map>
 #include <memory>
 #include <optional>
@@ -38,9 +38,7 @@ const std::map<std::string, std::uint16_t> kLanguages{
 
 std::uint16_t LanguageOf(const std::string& text) {
   if (const auto found = kLanguages.find(text); found != kLanguages.end()) return found->second;
-  std::uint16_t number = 0;
-  const auto [rest, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (error == std::errc() && rest == text.data() + text.size()) return number;
+  if (const auto number = NumberOf<std::uint16_t>(text)) return *number;
   throw UsageError("--name", "no language is called \"" + text + "\"; its primary language number does, too");
 }
 

@@ -131,8 +131,8 @@ void PrintRecord(const _tagDeviceProfileInfo& info) {
   }
   PrintPair("created", TimeText(info.CreateTime));
   PrintPair("updated", TimeText(info.UpdateTime));
-  if (info.LayoutNumber == 1) PrintTextView(info.Text);
-  if (info.LayoutNumber == 3) {
+  if (info.LayoutNumber == kTextView) PrintTextView(info.Text);
+  if (info.LayoutNumber == kBinaryView) {
     PrintPair("made by", wide(info.Binary.MakerText));
     PrintPair("made with", wide(info.Binary.CreateModule));
     for (std::uint32_t i = 0; info.Binary.MediaInfo != nullptr && i < info.Binary.MediaInfoCount; ++i) {

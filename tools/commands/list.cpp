@@ -1,7 +1,9 @@
 // nvxprofile list: one line for each profile of a folder, from the headers alone.
+#include "clock.h"
 #include "command.h"
 #include "files.h"
 #include "loading.h"
+#include "numbers.h"
 #include "profile_list.h"
 #include "terminal.h"
 
@@ -40,10 +42,7 @@ struct ListOptions {
   unsigned jobs = 0;
 };
 
-std::int64_t Now() {
-  const char* const fixed = std::getenv("SOURCE_DATE_EPOCH");
-  return fixed != nullptr ? std::strtoll(fixed, nullptr, 10) : static_cast<std::int64_t>(std::time(nullptr));
-}
+constexpr std::uint32_t kMostUnits = 999'999;
 
 // The moment that "90d", "2w" or "2024-05-31" means, in seconds since 1970.
 std::int64_t MomentOf(const std::string& option, const std::string& text) {
@@ -57,13 +56,11 @@ std::int64_t MomentOf(const std::string& option, const std::string& text) {
   }
   static const std::map<char, std::int64_t> kSeconds{{'h', 3600}, {'d', 86400}, {'w', 7 * 86400}, {'y', 31557600}};
   const auto unit = text.empty() ? kSeconds.end() : kSeconds.find(text.back());
-  const std::string digits = text.substr(0, text.empty() ? 0 : text.size() - 1);
-  const bool isNumber = !digits.empty() && digits.size() <= 6 &&
-                        std::all_of(digits.begin(), digits.end(), [](unsigned char c) { return std::isdigit(c) != 0; });
-  if (unit == kSeconds.end() || !isNumber) {
+  const auto count = NumberOf<std::uint32_t>(std::string_view(text).substr(0, text.empty() ? 0 : text.size() - 1));
+  if (unit == kSeconds.end() || !count || *count > kMostUnits) {
     throw UsageError(option, "an age such as 12h, 90d, 6w or 1y or a date such as 2024-05-31 is expected: " + text);
   }
-  return Now() - std::stoll(digits) * unit->second;
+  return PresentTime() - std::int64_t{*count} * unit->second;
 }
 
 // One of the columns, or an error that names them all.

@@ -2,6 +2,7 @@
 #include "command.h"
 #include "loading.h"
 #include "lut_nodes.h"
+#include "numbers.h"
 #include "terminal.h"
 
 #include <nvxprofile/lut.h>
@@ -11,7 +12,6 @@
 #include <fmt/ranges.h>
 
 #include <algorithm>
-#include <charconv>
 #include <functional>
 #include <memory>
 #include <stdexcept>
@@ -86,22 +86,17 @@ struct Fixed {
 
 // "1=16" holds the input 1 at the index 16; both count from 0.
 Fixed FixedFrom(const std::string& text, CLutData& table) {
-  Fixed fixed;
-  const std::size_t sign = std::min(text.find('='), text.size());
-  const char* const middle = text.data() + sign;
-  const char* const end = text.data() + text.size();
-  const auto [rest, error] = std::from_chars(text.data(), middle, fixed.input);
-  const bool isInput = error == std::errc() && rest == middle && sign < text.size();
-  const auto [last, error2] =
-      isInput ? std::from_chars(middle + 1, end, fixed.index) : std::from_chars_result{end, error};
-  if (!isInput || error2 != std::errc() || last != end || fixed.input >= table.GetInputChannelCount() ||
-      fixed.index >= table.GetGridCount()) {
+  const std::size_t sign = text.find('=');
+  const auto input = NumberOf<std::size_t>(std::string_view(text).substr(0, sign));
+  const auto index =
+      sign != text.npos ? NumberOf<std::uint32_t>(std::string_view(text).substr(sign + 1)) : std::nullopt;
+  if (!input || !index || *input >= table.GetInputChannelCount() || *index >= table.GetGridCount()) {
     throw std::runtime_error(
         fmt::format("--slice {}: INPUT=INDEX is expected, with an input from 0 to {} and an index "
                     "from 0 to {}",
                     text, table.GetInputChannelCount() - 1, table.GetGridCount() - 1));
   }
-  return fixed;
+  return {*input, *index};
 }
 
 // The nodes that were asked for; all of them unless the options say otherwise.

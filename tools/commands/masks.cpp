@@ -2,6 +2,7 @@
 #include "command.h"
 #include "files.h"
 #include "loading.h"
+#include "numbers.h"
 #include "terminal.h"
 
 #include <nvxprofile/mask_download.h>
@@ -11,7 +12,6 @@
 #include <fmt/ranges.h>
 
 #include <algorithm>
-#include <charconv>
 #include <memory>
 #include <string>
 #include <vector>
@@ -34,16 +34,11 @@ struct Condition {
 
 std::vector<std::uint32_t> ParseNumbers(std::string_view text) {
   std::vector<std::uint32_t> numbers;
-  const char* const end = text.data() + text.size();
-  for (const char* place = text.data();; ++place) {
-    std::uint32_t number = 0;
-    const auto [rest, error] = std::from_chars(place, end, number);
-    if (error != std::errc() || (rest != end && *rest != ',')) {
-      throw UsageError("--pack", "numbers with commas between them are expected: " + std::string(text));
-    }
-    numbers.push_back(number);
-    if (rest == end) return numbers;
-    place = rest;
+  for (std::string_view rest = text;; rest.remove_prefix(rest.find(',') + 1)) {
+    const auto number = NumberOf<std::uint32_t>(rest.substr(0, rest.find(',')));
+    if (!number) throw UsageError("--pack", "numbers with commas between them are expected: " + std::string(text));
+    numbers.push_back(*number);
+    if (rest.find(',') == rest.npos) return numbers;
   }
 }
 

@@ -317,7 +317,7 @@ Json ModelPart(CProfileAccess& access) {
 }
 
 std::string PrinterOf(const _tagDeviceProfileInfo& info) {
-  return info.LayoutNumber == 1 ? Utf8(info.Text.Printer_Label) : WideToUtf8(info.PrinterComment);
+  return info.LayoutNumber == kTextView ? Utf8(info.Text.Printer_Label) : WideToUtf8(info.PrinterComment);
 }
 
 std::string ModelOf(const _tagDeviceProfileInfo& info) {
@@ -327,8 +327,8 @@ std::string ModelOf(const _tagDeviceProfileInfo& info) {
 }
 
 std::string InkSetOf(const _tagDeviceProfileInfo& info) {
-  if (info.LayoutNumber == 0) return {};
-  if (info.LayoutNumber == 1) return Utf8(info.Text.InkSet_Label);
+  if (info.LayoutNumber == kNoView) return {};
+  if (info.LayoutNumber == kTextView) return Utf8(info.Text.InkSet_Label);
   return fmt::format("{}/{}/{}/{}", info.InkMakerCode, info.InkTypeCode, info.ColorsetCode, info.InkVersion);
 }
 
