@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <vector>
 
+class CNvxFile;
+
 namespace nvx {
 
 class Diagnosis;
@@ -56,5 +58,9 @@ struct NVX_EXPORT IccDirectory {
 // docs/formats/icc.md says what is checked. `diagnosis` may be null.
 NVX_EXPORT bool ReadIccDirectory(const void* bytes, std::size_t size, IccDirectory& directory,
                                  Diagnosis* diagnosis = nullptr);
+
+// The same of the profile that reaches from where the stream stands to its end. Only header and table are read; what is
+// wrong goes to the diagnosis of the stream.
+NVX_EXPORT bool ReadIccDirectory(CNvxFile& file, IccDirectory& directory);
 
 }  // namespace nvx

@@ -59,10 +59,6 @@ inline constexpr std::uint32_t kIccTableStart = kIccHeaderSize + 4;  // behind t
 static_assert(kIccHeaderSize == 128);
 static_assert(kIccTagEntrySize == 12);
 
-// The same as ReadIccDirectory of the published header for a profile that reaches from where the stream stands to its
-// end. Only header and table are read.
-bool ReadIccDirectory(CNvxFile& file, IccDirectory& directory);
-
 // Channels of a data colour space as callers of CICCProfile see them: 4 for CMYK, 6 to 8 for 6CLR to 8CLR, else 3.
 std::uint32_t IccColorCount(std::uint32_t colorSpace);
 

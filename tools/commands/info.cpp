@@ -7,8 +7,8 @@
 #include "loading.h"
 #include "terminal.h"
 
+#include <nvxprofile/file.h>
 #include <nvxprofile/icc_header.h>
-#include <nvxprofile/profile_summary.h>
 #include <nvxprofile/text_conversion.h>
 
 #include <fmt/format.h>
@@ -60,13 +60,17 @@ void WriteRoute(CProfileRoute& route, JsonWriter& out) {
   });
 }
 
-// The private tags of a file of the current generation, from its headers; none for files of other formats.
+// The private tags of a file of the current generation, from its tag table; none for files of other formats.
 std::vector<IccTag> PrivateTags(const InputFile& input, CProfileAccess& access) {
   constexpr std::uint32_t kPrefix = 0x4E5658;  // "NVX"
   std::vector<IccTag> tags;
-  ProfileSummary summary;
-  if (access.GetProfileLoadFormat() != kPrinterProfile || !SummarizeProfile(input.Path().c_str(), summary)) return tags;
-  std::copy_if(summary.directory.tags.begin(), summary.directory.tags.end(), std::back_inserter(tags),
+  IccDirectory directory;
+  CNvxFile file;
+  if (access.GetProfileLoadFormat() != kPrinterProfile ||
+      !file.Open(input.Path().c_str(), kGenericRead, kShareRead, kOpenExisting) || !ReadIccDirectory(file, directory)) {
+    return tags;
+  }
+  std::copy_if(directory.tags.begin(), directory.tags.end(), std::back_inserter(tags),
                [](const IccTag& tag) { return tag.signature >> 8 == kPrefix; });
   return tags;
 }

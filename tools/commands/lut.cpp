@@ -88,8 +88,8 @@ struct Fixed {
 Fixed FixedFrom(const std::string& text, CLutData& table) {
   const std::size_t sign = text.find('=');
   const auto input = NumberOf<std::size_t>(std::string_view(text).substr(0, sign));
-  const auto index =
-      sign != text.npos ? NumberOf<std::uint32_t>(std::string_view(text).substr(sign + 1)) : std::nullopt;
+  const std::string_view behind = sign != text.npos ? std::string_view(text).substr(sign + 1) : std::string_view();
+  const auto index = NumberOf<std::uint32_t>(behind);
   if (!input || !index || *input >= table.GetInputChannelCount() || *index >= table.GetGridCount()) {
     throw std::runtime_error(
         fmt::format("--slice {}: INPUT=INDEX is expected, with an input from 0 to {} and an index "
