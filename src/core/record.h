@@ -20,6 +20,7 @@
 
 #include <nvxprofile/file.h>
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -237,6 +238,14 @@ bool WriteRecord(CNvxFile& file, const Record& record) {
   RecordBytes<Record> bytes;
   EncodeRecord(record, bytes.data());
   return file.Write(bytes.data(), kRecordSize<Record>) == kRecordSize<Record>;
+}
+
+// The shape that most forms share: a header that counts, a record of each item, a block of each item.
+template <class Header, class Items, class RecordOf, class WriteBlock>
+bool WriteForm(CNvxFile& file, const Header& header, const Items& items, RecordOf recordOf, WriteBlock writeBlock) {
+  return WriteRecord(file, header) &&
+         std::all_of(items.begin(), items.end(), [&](auto* item) { return WriteRecord(file, recordOf(*item)); }) &&
+         std::all_of(items.begin(), items.end(), [&](auto* item) { return writeBlock(*item); });
 }
 
 // False, with the record as it was, if the stream ends early.

@@ -74,10 +74,7 @@ template <class Header, class Tables, class RecordOf, class WriteBlock>
 bool WriteWordTables(CNvxFile& file, const Header& header, const Tables& tables, RecordOf recordOf,
                      WriteBlock writeBlock) {
   return WriteIfItFits(file, [&](CNvxFile& stream) {
-    return WriteRecord(stream, header) &&
-           std::all_of(tables.begin(), tables.end(),
-                       [&](auto* table) { return WriteRecord(stream, recordOf(*table)); }) &&
-           std::all_of(tables.begin(), tables.end(), [&](auto* table) { return writeBlock(stream, *table); });
+    return WriteForm(stream, header, tables, recordOf, [&](auto& table) { return writeBlock(stream, table); });
   });
 }
 

@@ -88,16 +88,14 @@ bool CCurveFile::SaveFile(CNvxFile& file, CCurveData* data) {
   tagCurveFileHeader header;
   header.UsedType = data->GetUsedType();
   header.EntryCount = static_cast<std::uint32_t>(curves.Count());
-  return nvx::WriteRecord(file, header) &&
-         std::all_of(curves.begin(), curves.end(),
-                     [&](CCurveDataEntry* curve) {
-                       CurveRecord record;
-                       EntryToTag(curve, &record);
-                       return nvx::WriteRecord(file, record);
-                     }) &&
-         std::all_of(curves.begin(), curves.end(), [&](CCurveDataEntry* curve) {
-           return nvx::WriteMagic(file, nvx::kCurveBlockMagic) && WriteSamples(file, *curve);
-         });
+  const auto recordOf = [&](CCurveDataEntry& curve) {
+    CurveRecord record;
+    EntryToTag(&curve, &record);
+    return record;
+  };
+  return nvx::WriteForm(file, header, curves, recordOf, [&](CCurveDataEntry& curve) {
+    return nvx::WriteMagic(file, nvx::kCurveBlockMagic) && WriteSamples(file, curve);
+  });
 }
 
 bool CCurveFile::LoadFile(const char16_t* path, CCurveData* data) {

@@ -28,11 +28,11 @@ bool ReadHeader(CNvxFile& file, std::uint32_t magic, std::uint32_t& recordCount)
   return true;
 }
 
-bool WriteHeader(CNvxFile& file, std::uint32_t magic, std::size_t recordCount) {
+MaskFileHeader HeaderOf(std::uint32_t magic, std::size_t recordCount) {
   MaskFileHeader header;
   header.magic = magic;
   header.recordCount = static_cast<std::uint32_t>(recordCount);
-  return nvx::WriteRecord(file, header);
+  return header;
 }
 
 // Calls take(record) for each record with the right magic, until one gives false.
@@ -189,13 +189,11 @@ bool CMaskParameterFile::LoadFile(CNvxFile& file, CMaskParameterData* data) {
 bool CMaskParameterFile::SaveFile(CNvxFile& file, CMaskParameterData* data) {
   if (data == nullptr || !CanSave(*data)) return false;
   const auto& entries = data->Entries();
-  return WriteHeader(file, MaskFileHeader::kParameterMagic, entries.Count()) &&
-         std::all_of(entries.begin(), entries.end(),
-                     [&](CMaskParameterDataEntry* entry) { return nvx::WriteRecord(file, RecordOf(*entry)); }) &&
-         std::all_of(entries.begin(), entries.end(), [&](const CMaskParameterDataEntry* entry) {
-           return WriteBlock(file, nvx::kMaskParameterBlockMagic, entry->GetParamDataBuffer(),
-                             entry->GetParamDataSize());
-         });
+  return nvx::WriteForm(file, HeaderOf(MaskFileHeader::kParameterMagic, entries.Count()), entries, RecordOf,
+                        [&](const CMaskParameterDataEntry& entry) {
+                          return WriteBlock(file, nvx::kMaskParameterBlockMagic, entry.GetParamDataBuffer(),
+                                            entry.GetParamDataSize());
+                        });
 }
 
 bool CMaskParameterFile::CanSave(const CMaskParameterData& data) {
@@ -228,11 +226,9 @@ bool CMaskPatternFile::SaveFile(CNvxFile& file, CMaskPatternData* data) {
     record.patternSize = entry.GetMaskPatternSize();
     return record;
   };
-  return WriteHeader(file, MaskFileHeader::kPatternMagic, entries.Count()) &&
-         std::all_of(entries.begin(), entries.end(),
-                     [&](CMaskPatternDataEntry* entry) { return nvx::WriteRecord(file, recordOf(*entry)); }) &&
-         std::all_of(entries.begin(), entries.end(), [&](const CMaskPatternDataEntry* entry) {
-           return WriteBlock(file, nvx::kMaskPatternBlockMagic, entry->GetMaskPatternBuffer(),
-                             entry->GetMaskPatternSize());
-         });
+  return nvx::WriteForm(file, HeaderOf(MaskFileHeader::kPatternMagic, entries.Count()), entries, recordOf,
+                        [&](const CMaskPatternDataEntry& entry) {
+                          return WriteBlock(file, nvx::kMaskPatternBlockMagic, entry.GetMaskPatternBuffer(),
+                                            entry.GetMaskPatternSize());
+                        });
 }

@@ -76,9 +76,6 @@ bool CMediaPropertyFile::SaveFile(CNvxFile& file, CMediaPropertyData* data) {
   const auto& blocks = data->Entries();
   MediaPropertyHeader header;
   header.entryCount = static_cast<std::uint32_t>(blocks.Count());
-  return nvx::WriteRecord(file, header) &&
-         std::all_of(blocks.begin(), blocks.end(),
-                     [&](CMediaPropertyDataEntry* block) { return nvx::WriteRecord(file, HeaderOf(*block)); }) &&
-         std::all_of(blocks.begin(), blocks.end(),
-                     [&](CMediaPropertyDataEntry* block) { return nvx::WriteRecord(file, ValuesOf(*block)); });
+  return nvx::WriteForm(file, header, blocks, HeaderOf,
+                        [&](CMediaPropertyDataEntry& block) { return nvx::WriteRecord(file, ValuesOf(block)); });
 }
