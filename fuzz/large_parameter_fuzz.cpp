@@ -1,5 +1,5 @@
 // Large parameters: a refusal says why, no question leaves the arrays, and what saves loads again as it was.
-#include "check.h"
+#include "entry_round_trip.h"
 #include "forms.h"
 
 #include <nvxprofile/diagnosis.h>
@@ -61,5 +61,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
   Check(again.DoImport(&entry) && again.GetLargeParameterData()->GetPropertyCount() == data.GetPropertyCount());
   Check(again.DataToBuffer() && again.GetSize() == entry.GetSize());
   Check(std::memcmp(again.GetRefBuffer(), entry.GetRefBuffer(), entry.GetSize()) == 0);
+  nvx::fuzz::TryFields(entry);
   return 0;
 }

@@ -34,6 +34,7 @@ void Run(const std::uint8_t* bytes, std::size_t size) {
   const Bytes saved = BufferOf(entry);
   Check(*entry.GetWeftTotalSize() == saved.size());
   Check(entry.BufferToData() && entry.DataToBuffer() && BufferOf(entry) == saved);
+  nvx::fuzz::TryFields(entry);
 
   CMaskDownLoadEntry target;
   target.Initialize();
