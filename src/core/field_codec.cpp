@@ -3,6 +3,29 @@
 #include <exception>
 
 namespace nvx {
+namespace {
+
+void Narrow(FieldRange& range, const FieldRange& other) {
+  range = {std::max(range.least, other.least), std::min(range.greatest, other.greatest)};
+}
+
+// A terminator takes room, too.
+template <class Char>
+void FitInto(std::span<Char> room, FieldRange& count) {
+  Narrow(count, {0, static_cast<std::int64_t>(room.size()) - 1});
+}
+
+template <class Char>
+std::basic_string_view<Char> TextOf(std::span<Char> room) {
+  return {room.data(), static_cast<std::size_t>(std::find(room.begin(), room.end(), Char{}) - room.begin())};
+}
+
+template <class Char>
+void Store(const std::basic_string<Char>& text, std::span<Char> room) {
+  std::fill(std::copy(text.begin(), text.end(), room.begin()), room.end(), Char{});
+}
+
+}  // namespace
 
 FieldSink::~FieldSink() = default;
 FieldSource::~FieldSource() = default;
@@ -28,6 +51,61 @@ std::vector<std::uint8_t> FieldCodec::Bytes(const Field& field, std::span<const 
   std::vector<std::uint8_t> given = source_->Bytes(field, present);
   CheckCount(field.name, field.count, given.size(), " bytes");
   return given;
+}
+
+std::int64_t FieldCodec::Number(Field field, const FieldRange& type, std::int64_t present) {
+  Narrow(field.values, type);
+  if (sink_ != nullptr) {
+    sink_->Number(field, present);
+    return present;
+  }
+  const std::int64_t given = source_->Number(field, present);
+  CheckNumber(field.name, field.values, given);
+  return given;
+}
+
+std::string FieldCodec::Text(const Field& field, std::string_view present) {
+  if (sink_ != nullptr) {
+    sink_->Text(field, present);
+    return {};
+  }
+  std::string given = source_->Text(field, present);
+  CheckText(field, given.size(), " bytes");
+  return given;
+}
+
+std::vector<std::int64_t> FieldCodec::Numbers(Field field, const FieldRange& type, const NumberRun& present) {
+  Narrow(field.values, type);
+  if (sink_ != nullptr) {
+    sink_->Numbers(field, present);
+    return {};
+  }
+  std::vector<std::int64_t> given = source_->Numbers(field, present);
+  CheckCount(field.name, field.count, given.size(), " numbers");
+  for (std::size_t i = 0; i < given.size(); ++i) {
+    CheckNumber(field.name + ("/" + std::to_string(i)), field.values, given[i]);
+  }
+  return given;
+}
+
+void FieldCodec::TextIn(Field field, std::span<char> room) {
+  FitInto(room, field.count);
+  const std::string given = Text(field, TextOf(room));
+  if (Fills()) Store(given, room);
+}
+
+void FieldCodec::TextIn(Field field, std::span<char16_t> room) {
+  FitInto(room, field.count);
+  if (sink_ != nullptr) return sink_->WideText(field, TextOf(room));
+  const std::u16string given = source_->WideText(field, TextOf(room));
+  CheckText(field, given.size(), " characters");
+  Store(given, room);
+}
+
+std::optional<std::size_t> FieldCodec::BeginList(const Field& field) {
+  const std::optional<std::size_t> count = source_->BeginList(field);
+  if (count) CheckCount("", field.count, *count, " items");
+  return count;
 }
 
 void FieldCodec::Refuse(const std::string& place, const std::string& why) {

@@ -7,12 +7,11 @@
 //   }
 #pragma once
 
-#include "core/text.h"
-
 #include <nvxprofile/fields.h>
 #include <nvxprofile/system_time.h>
 
 #include <algorithm>
+#include <concepts>
 #include <cstddef>
 #include <cstdint>
 #include <iterator>
@@ -50,12 +49,8 @@ class FieldCodec {
 
   // Numbers of any width. A range that the field does not narrow is that of the type.
   template <class T>
-  void Number(Field field, T& value) {
-    Narrow<T>(field.values);
-    if (sink_ != nullptr) return sink_->Number(field, static_cast<std::int64_t>(value));
-    const std::int64_t given = source_->Number(field, static_cast<std::int64_t>(value));
-    CheckNumber(field.name, field.values, given);
-    value = static_cast<T>(given);
+  void Number(const Field& field, T& value) {
+    value = static_cast<T>(Number(field, RangeOf<T>(), static_cast<std::int64_t>(value)));
   }
   template <class Object, class Get, class Set>
   void Number(const Field& field, Object& object, Get get, Set set) {
@@ -72,36 +67,26 @@ class FieldCodec {
   // Text of the length that the field states.
   template <class Object, class Get, class Set>
   void Text(const Field& field, Object& object, Get get, Set set) {
-    const char* const present = (object.*get)();
-    if (sink_ != nullptr) return sink_->Text(field, present);
-    (object.*set)(GivenText(field, present).c_str());
+    const std::string text = Text(field, (object.*get)());
+    if (Fills()) (object.*set)(text.c_str());
   }
 
   // A member of a structure, by its type. Text has room up to a terminator, unless the field allows less.
-  template <class T>
-  requires std::is_integral_v<T>
-  void Member(const Field& field, T& value) { Number(field, value); }
+  template <std::integral T>
+  void Member(const Field& field, T& value) {
+    Number(field, value);
+  }
   void Member(const Field& field, bool& value) { Flag(field, value); }
   template <std::size_t N>
-  void Member(Field field, char (&text)[N]) {
-    field.count.greatest = std::min<std::int64_t>(field.count.greatest, N - 1);
-    const std::string_view present = FieldText(text);
-    if (sink_ != nullptr) return sink_->Text(field, present);
-    const std::string given = GivenText(field, present);
-    std::fill(std::copy(given.begin(), given.end(), text), text + N, '\0');
+  void Member(const Field& field, char (&text)[N]) {
+    TextIn(field, std::span<char>(text));
   }
   template <std::size_t N>
-  void Member(Field field, char16_t (&text)[N]) {
-    field.count.greatest = std::min<std::int64_t>(field.count.greatest, N - 1);
-    const std::u16string_view present = FieldText(text);
-    if (sink_ != nullptr) return sink_->WideText(field, present);
-    const std::u16string given = source_->WideText(field, present);
-    CheckText(field, given.size(), " characters");
-    std::fill(std::copy(given.begin(), given.end(), text), text + N, u'\0');
+  void Member(const Field& field, char16_t (&text)[N]) {
+    TextIn(field, std::span<char16_t>(text));
   }
-  template <class T, std::size_t N>
-  requires(std::is_integral_v<T> && sizeof(T) == sizeof(std::int32_t)) void Member(const Field& field,
-                                                                                   T (&numbers)[N]) {
+  template <std::integral T, std::size_t N>
+  void Member(const Field& field, T (&numbers)[N]) {
     Numbers(field, std::span<T>(numbers));
   }
   template <std::size_t N, std::size_t M>
@@ -118,24 +103,21 @@ class FieldCodec {
   void Numbers(Field field, std::span<T> room) {
     const FieldRange inRoom = {0, static_cast<std::int64_t>(room.size())};
     if (field.count.greatest == FieldRange().greatest) field.count = inRoom;
-    if (sink_ != nullptr) return Tell(field, std::span<const T>(room));
-    const std::vector<std::int64_t> given = GivenNumbers<T>(field, std::span<const T>(room));
+    const std::vector<std::int64_t> given = Numbers(field, RangeOf<T>(), std::span<const T>(room));
     CheckCount(field.name, inRoom, given.size(), " numbers");
     std::transform(given.begin(), given.end(), room.begin(), [](std::int64_t value) { return static_cast<T>(value); });
   }
   // As many numbers as there are.
   template <class T>
   void Numbers(const Field& field, std::vector<T>& numbers) {
-    if (sink_ != nullptr) return Tell(field, std::span<const T>(numbers));
-    const std::vector<std::int64_t> given = GivenNumbers<T>(field, std::span<const T>(numbers));
-    numbers.clear();
-    std::transform(given.begin(), given.end(), std::back_inserter(numbers),
+    const std::vector<std::int64_t> given = Numbers(field, RangeOf<T>(), std::span<const T>(numbers));
+    if (Fills()) numbers.resize(given.size());
+    std::transform(given.begin(), given.end(), numbers.begin(),
                    [](std::int64_t value) { return static_cast<T>(value); });
   }
   template <class T>
-  void Tell(Field field, std::span<const T> numbers) {
-    Narrow<T>(field.values);
-    sink_->Numbers(field, numbers);
+  void Tell(const Field& field, std::span<const T> numbers) {
+    Numbers(field, RangeOf<T>(), numbers);
   }
 
   // Tells the bytes, or gives those of the source.
@@ -163,9 +145,8 @@ class FieldCodec {
       sink_->EndList();
       return true;
     }
-    const std::optional<std::size_t> count = source_->BeginList(field);
+    const std::optional<std::size_t> count = BeginList(field);
     if (!count) return false;
-    CheckCount("", field.count, *count, " items");
     for (std::size_t i = 0; i < *count; ++i) make(i);
     source_->EndList();
     return true;
@@ -194,28 +175,15 @@ class FieldCodec {
   [[noreturn]] void Refuse(const std::string& place, const std::string& why);
 
  private:
-  template <class T>
-  static void Narrow(FieldRange& range) {
-    range.least = std::max(range.least, RangeOf<T>().least);
-    range.greatest = std::min(range.greatest, RangeOf<T>().greatest);
-  }
-
-  template <class T>
-  std::vector<std::int64_t> GivenNumbers(Field field, std::span<const T> present) {
-    Narrow<T>(field.values);
-    std::vector<std::int64_t> given = source_->Numbers(field, present);
-    CheckCount(field.name, field.count, given.size(), " numbers");
-    for (std::size_t i = 0; i < given.size(); ++i) {
-      CheckNumber(field.name + ("/" + std::to_string(i)), field.values, given[i]);
-    }
-    return given;
-  }
-
-  std::string GivenText(const Field& field, std::string_view present) {
-    std::string given = source_->Text(field, present);
-    CheckText(field, given.size(), " bytes");
-    return given;
-  }
+  // What a source gives, checked; what is present, told to a sink and given back. The type has a range of its own.
+  std::int64_t Number(Field field, const FieldRange& type, std::int64_t present);
+  std::string Text(const Field& field, std::string_view present);
+  // Empty with a sink.
+  std::vector<std::int64_t> Numbers(Field field, const FieldRange& type, const NumberRun& present);
+  // Text in its room, with zeros behind it.
+  void TextIn(Field field, std::span<char> room);
+  void TextIn(Field field, std::span<char16_t> room);
+  std::optional<std::size_t> BeginList(const Field& field);
 
   void CheckNumber(const std::string& place, const FieldRange& range, std::int64_t value);
   // The unit is what is counted, with a blank before it.
