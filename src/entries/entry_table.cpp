@@ -1,4 +1,5 @@
 // The entry types: one row each.
+#include "core/payload.h"
 #include "entries/entry_fields.h"
 
 #include <nvxprofile/calibration.h>
@@ -126,8 +127,10 @@ bool TellFields(const CProfileDataEntry& entry, FieldSink& sink) {
 
 bool FillFields(CProfileDataEntry& entry, FieldSource& source) {
   const EntryType* const type = FindEntryType(entry.GetUsedType());
+  if (type == nullptr || type->visit == nullptr) return false;
   FieldCodec codec(source);
-  return type != nullptr && type->visit != nullptr && type->visit(codec, entry);
+  if (!PayloadKeeper::SaysAll(entry)) codec.Refuse("", "the entry has bytes that were not read whole");
+  return type->visit(codec, entry);
 }
 
 }  // namespace nvx

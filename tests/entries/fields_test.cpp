@@ -174,8 +174,12 @@ TEST(Fields, ReplaceAPayloadAndKeepUnreadBytes) {
   ASSERT_TRUE(model.DataToBuffer());
   const Told record = Tell(model);
   *model.GetBuffer(1) = 7;
-  EXPECT_NE(Refusal(model, record), "");
+  EXPECT_EQ(Refusal(model, record), "|: the entry has bytes that were not read whole");
   EXPECT_EQ(BytesOf(model), ByteList{7});
+  CCalibrationTargetEntry target;
+  *target.GetBuffer(1) = 7;
+  EXPECT_NE(Refusal(target, {{{"createTime", std::int64_t{1}}}, {}}), "");
+  EXPECT_EQ(BytesOf(target), ByteList{7});
 }
 
 TEST(Fields, OfARecordAreOptional) {

@@ -3,8 +3,10 @@
 #include "support/files.h"
 #include "support/legacy_profile.h"
 #include "support/random_model.h"
+#include "support/recorded_fields.h"
 
 #include <nvxprofile/convert.h>
+#include <nvxprofile/entry_types.h>
 #include <nvxprofile/profile.h>
 #include <nvxprofile/profile_access.h>
 #include <nvxprofile/profile_file.h>
@@ -152,6 +154,11 @@ std::string AskEverything(CProfileAccess& access) {
   std::int64_t time = 0;
   char16_t name[21] = {};
   count(access.GetCalibrationInfo(0, code, value, time, name, &error), code, value, time);
+  for (const nvx::EntryType& row : nvx::EntryTypes()) {
+    const CProfileDataEntry* const entry = access.GetProfileData()->GetProfileDataEntryFromList(row.usedType);
+    nvx::test::Recorder recorder;
+    if (entry != nullptr && nvx::TellFields(*entry, recorder)) count(true, recorder.told.places.size());
+  }
   return answers;
 }
 
