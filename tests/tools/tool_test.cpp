@@ -113,8 +113,8 @@ TEST(Tool, JsonIsWrittenAsItsLibraryWritesIt) {
   empty->DataToBuffer();
   data.SetProfileDataEntry(entry, nvx::kRouteMain);
   data.SetProfileDataEntry(empty, nvx::kRouteMain);
-  const std::string file = folder.File("p \u00e4\"");
-  ASSERT_TRUE(CProfileFileQCT().SaveData(folder.WideFile("p \u00e4\"").c_str(), &data, nvx::kRouteMain));
+  const std::string file = folder.File("p \u00e4");
+  ASSERT_TRUE(CProfileFileQCT().SaveData(folder.WideFile("p \u00e4").c_str(), &data, nvx::kRouteMain));
 
   const std::string text = RunTool({"info", "--json", file}).out;
   const ordered_json info = ordered_json::parse(text);
