@@ -50,7 +50,8 @@ class FieldCodec {
   // Numbers of any width. A range that the field does not narrow is that of the type.
   template <class T>
   void Number(const Field& field, T& value) {
-    value = static_cast<T>(Number(field, RangeOf<T>(), static_cast<std::int64_t>(value)));
+    const std::int64_t given = Number(field, RangeOf<T>(), static_cast<std::int64_t>(value));
+    if (Fills()) value = static_cast<T>(given);
   }
   template <class Object, class Get, class Set>
   void Number(const Field& field, Object& object, Get get, Set set) {
