@@ -11,6 +11,8 @@ namespace {
 // Makes a tree by the calls that a JsonWriter takes.
 class JsonTree {
  public:
+  explicit JsonTree(Json& root) : root_(root) {}
+
   void BeginObject() { parents_.push_back(&Put(Json::object())); }
   void EndObject() { parents_.pop_back(); }
   void BeginArray() { parents_.push_back(&Put(Json::array())); }
@@ -18,8 +20,6 @@ class JsonTree {
   void Name(const char* name) { name_ = name; }
   void Value(Json value) { Put(std::move(value)); }
   void Number(std::int64_t value) { Put(value); }
-
-  Json Take() { return std::move(root_); }
 
  private:
   Json& Put(Json value) {
@@ -29,7 +29,7 @@ class JsonTree {
     return parent.emplace_back(std::move(value));
   }
 
-  Json root_;
+  Json& root_;
   std::vector<Json*> parents_;  // objects and arrays that are open; none of them grows but the last
   const char* name_ = "";
 };
@@ -135,9 +135,10 @@ void WriteRecord(JsonWriter& out, const _tagDeviceProfileInfo& info) {
 
 Json PayloadToJson(CProfileDataEntry& entry, Detail detail) {
   if (!IsRead(entry)) return nullptr;
-  JsonTree tree;
+  Json json;
+  JsonTree tree(json);
   WriteObject(tree, detail, [&](FieldSink& sink) { TellFields(entry, sink); });
-  return tree.Take();
+  return json;
 }
 
 void PayloadFromJson(const Node& node, CProfileDataEntry& entry) {
@@ -146,9 +147,10 @@ void PayloadFromJson(const Node& node, CProfileDataEntry& entry) {
 }
 
 Json RecordToJson(const _tagDeviceProfileInfo& info) {
-  JsonTree tree;
+  Json json;
+  JsonTree tree(json);
   WriteObject(tree, Detail::kWhole, [&](FieldSink& sink) { TellFields(info, sink); });
-  return tree.Take();
+  return json;
 }
 
 void RecordFromJson(const Node& node, CProfileData& data) {
