@@ -186,12 +186,26 @@ TEST(Fields, OfARecordAreOptional) {
   CProfileData data;
   _tagDeviceProfileInfo& info = *data.GetProfileInfo();
   info.LayoutNumber = nvx::kBinaryView;
+  const auto put = [](char16_t* field, std::u16string_view text) { text.copy(field, text.size()); };
+  put(info.ModelCode, u"1");
+  put(info.ModelSubCode, u"2");
+  put(info.InternalCode, u"3");
+  put(info.MediaCode, u"4");
+  put(info.MediaName, u"5");
+  put(info.RevisionCode, u"6");
+  put(info.PrinterComment, u"7");
   const tagMedia names[] = {{9, u"Glossy"}, {17, u"Matte"}};
   data.SetMediaInfo(names);
   info.DatabaseKey[4] = 44;
   Recorder recorder;
   nvx::TellFields(info, recorder);
   EXPECT_EQ(std::get<std::u16string>(recorder.told.values.at("Binary/MediaInfo/1/Name")), u"Matte");
+  std::u16string texts;
+  for (const char* const name :
+       {"ModelCode", "ModelSubCode", "InternalCode", "MediaCode", "MediaName", "RevisionCode", "PrinterComment"}) {
+    texts += std::get<std::u16string>(recorder.told.values.at(name));
+  }
+  EXPECT_EQ(texts, u"1234567");
 
   Told told;
   told.values = {{"DatabaseKey", NumberList{1, 2}}, {"Binary", true}, {"Binary/ModelNumber", std::int64_t{1234}}};
