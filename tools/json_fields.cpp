@@ -1,9 +1,19 @@
+// How a document writes each kind of field, and reads it.
 #include "json_fields.h"
 
 #include "loading.h"
 
+#include <nvxprofile/entry_types.h>
+#include <nvxprofile/fields.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
 #include <utility>
 #include <variant>
+#include <vector>
 
 namespace nvx::tool {
 namespace {
@@ -121,42 +131,37 @@ void WriteObject(Out& out, Detail detail, Tell tell) {
   out.EndObject();
 }
 
-}  // namespace
+// Gives the fields of a document. Throws DocumentError.
+class JsonSource final : public FieldSource {
+ public:
+  explicit JsonSource(const Node& node) { parents_.push_back({node, 0}); }
 
-void WritePayload(JsonWriter& out, const char* name, CProfileDataEntry& entry, Detail detail) {
-  if (!IsRead(entry)) return;
-  out.Name(name);
-  WriteObject(out, detail, [&](FieldSink& sink) { TellFields(entry, sink); });
-}
+  std::int64_t Number(const Field& field, std::int64_t present) override;
+  bool Flag(const Field& field, bool present) override;
+  std::string Text(const Field& field, std::string_view present) override;
+  std::u16string WideText(const Field& field, std::u16string_view present) override;
+  std::vector<std::uint8_t> Bytes(const Field& field, std::span<const std::uint8_t> present) override;
+  std::vector<std::int64_t> Numbers(const Field& field, const NumberRun& present) override;
+  bool BeginGroup(const Field& field) override;
+  void EndGroup() override { parents_.pop_back(); }
+  std::optional<std::size_t> BeginList(const Field& field) override;
+  void EndList() override { parents_.pop_back(); }
+  std::uint32_t EntryType(const Field& field, std::uint32_t present) override;
+  void Payload(const Field& field, CProfileDataEntry& entry) override;
+  [[noreturn]] void Refuse(const std::string& place, const std::string& why) override;
 
-void WriteRecord(JsonWriter& out, const _tagDeviceProfileInfo& info) {
-  WriteObject(out, Detail::kWhole, [&](FieldSink& sink) { TellFields(info, sink); });
-}
+ private:
+  // A group or list that is open, and how many items of the list were taken.
+  struct Parent {
+    Node node;
+    std::size_t taken;
+  };
 
-Json PayloadToJson(CProfileDataEntry& entry, Detail detail) {
-  if (!IsRead(entry)) return nullptr;
-  Json json;
-  JsonTree tree(json);
-  WriteObject(tree, detail, [&](FieldSink& sink) { TellFields(entry, sink); });
-  return json;
-}
+  bool IsMissing(const Field& field) const;
+  Node At(const Field& field);
 
-void PayloadFromJson(const Node& node, CProfileDataEntry& entry) {
-  JsonSource source(node);
-  if (!FillFields(entry, source)) node.Fail("entries of this type have no payload");
-}
-
-Json RecordToJson(const _tagDeviceProfileInfo& info) {
-  Json json;
-  JsonTree tree(json);
-  WriteObject(tree, Detail::kWhole, [&](FieldSink& sink) { TellFields(info, sink); });
-  return json;
-}
-
-void RecordFromJson(const Node& node, CProfileData& data) {
-  JsonSource source(node);
-  FillRecord(data, source);
-}
+  std::vector<Parent> parents_;
+};
 
 bool JsonSource::IsMissing(const Field& field) const {
   return field.presence == Presence::kOptional && !parents_.back().node.Has(field.name);
@@ -225,6 +230,43 @@ void JsonSource::Refuse(const std::string& place, const std::string& why) {
   if (parent.taken != 0) pointer += "/" + std::to_string(parent.taken - 1);
   if (!place.empty() && place.front() != '/') pointer += '/';
   throw DocumentError(pointer + place, why);
+}
+
+}  // namespace
+
+void WritePayload(JsonWriter& out, const char* name, CProfileDataEntry& entry, Detail detail) {
+  if (!IsRead(entry)) return;
+  out.Name(name);
+  WriteObject(out, detail, [&](FieldSink& sink) { TellFields(entry, sink); });
+}
+
+void WriteRecord(JsonWriter& out, const _tagDeviceProfileInfo& info) {
+  WriteObject(out, Detail::kWhole, [&](FieldSink& sink) { TellFields(info, sink); });
+}
+
+Json PayloadToJson(CProfileDataEntry& entry, Detail detail) {
+  if (!IsRead(entry)) return nullptr;
+  Json json;
+  JsonTree tree(json);
+  WriteObject(tree, detail, [&](FieldSink& sink) { TellFields(entry, sink); });
+  return json;
+}
+
+void PayloadFromJson(const Node& node, CProfileDataEntry& entry) {
+  JsonSource source(node);
+  if (!FillFields(entry, source)) node.Fail("entries of this type have no payload");
+}
+
+Json RecordToJson(const _tagDeviceProfileInfo& info) {
+  Json json;
+  JsonTree tree(json);
+  WriteObject(tree, Detail::kWhole, [&](FieldSink& sink) { TellFields(info, sink); });
+  return json;
+}
+
+void RecordFromJson(const Node& node, CProfileData& data) {
+  JsonSource source(node);
+  FillRecord(data, source);
 }
 
 }  // namespace nvx::tool

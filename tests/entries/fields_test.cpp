@@ -22,12 +22,7 @@
 
 namespace {
 
-using nvx::test::ByteList;
-using nvx::test::NumberList;
-using nvx::test::Player;
-using nvx::test::Recorder;
-using nvx::test::Told;
-using nvx::test::Value;
+using namespace nvx::test;
 using testing::ElementsAre;
 
 Told Tell(const CProfileDataEntry& entry) {

@@ -13,9 +13,7 @@ namespace {
 
 using nvx::platform::IniFile;
 using nvx::platform::IniInteger;
-using nvx::test::ScopedLanguage;
-using nvx::test::ScopedVariable;
-using nvx::test::TempFolder;
+using namespace nvx::test;
 
 class Ini : public ::testing::Test {
  protected:

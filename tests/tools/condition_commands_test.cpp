@@ -10,10 +10,7 @@
 namespace {
 
 using nlohmann::json;
-using nvx::test::ByteBuilder;
-using nvx::test::Bytes;
-using nvx::test::RunTool;
-using nvx::test::ToolResult;
+using namespace nvx::test;
 
 // A container with the seeds of the fuzzers as entries, padded as a rebuilt buffer is.
 class ConditionCommands : public testing::Test {

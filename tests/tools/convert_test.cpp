@@ -13,12 +13,7 @@
 
 namespace {
 
-using nvx::test::Bytes;
-using nvx::test::ReadBytes;
-using nvx::test::RunTool;
-using nvx::test::ScopedVariable;
-using nvx::test::TempFolder;
-using nvx::test::WriteBytes;
+using namespace nvx::test;
 
 const std::string kExamples = NVXPROFILE_SOURCE_FOLDER "/examples/legacy";
 

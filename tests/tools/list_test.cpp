@@ -17,12 +17,7 @@
 namespace {
 
 using nlohmann::json;
-using nvx::test::kFrameProfile;
-using nvx::test::RunTool;
-using nvx::test::ScopedLanguage;
-using nvx::test::ScopedVariable;
-using nvx::test::ToolResult;
-using nvx::test::WriteText;
+using namespace nvx::test;
 
 constexpr const char* kExamples = NVXPROFILE_SOURCE_FOLDER "/examples/legacy";
 constexpr int kDay = 86400;

@@ -14,10 +14,7 @@
 
 namespace {
 
-using nvx::test::ByteBuilder;
-using nvx::test::ReadBytes;
-using nvx::test::RunTool;
-using nvx::test::TempFolder;
+using namespace nvx::test;
 
 // Two blocks; and one record with a block of 5 bytes that uses one pattern of 3.
 void WriteMasks(const std::u16string& path) {

@@ -12,13 +12,7 @@
 namespace {
 
 namespace fs = std::filesystem;
-using nvx::test::Bytes;
-using nvx::test::kFrameProfile;
-using nvx::test::ReadBytes;
-using nvx::test::RunTool;
-using nvx::test::TempFolder;
-using nvx::test::ToolResult;
-using nvx::test::WriteText;
+using namespace nvx::test;
 
 class OddDocuments : public ::testing::Test {
  protected:

@@ -10,12 +10,7 @@
 namespace {
 
 using nlohmann::json;
-using nvx::test::Bytes;
-using nvx::test::ReadBytes;
-using nvx::test::RunTool;
-using nvx::test::TempFolder;
-using nvx::test::ToolResult;
-using nvx::test::WriteBytes;
+using namespace nvx::test;
 
 Bytes BytesOf(const std::string& text) { return Bytes(text.begin(), text.end()); }
 

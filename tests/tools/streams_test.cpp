@@ -15,16 +15,7 @@
 namespace {
 
 using nlohmann::json;
-using nvx::test::Bytes;
-using nvx::test::kFrameProfile;
-using nvx::test::ReadBytes;
-using nvx::test::RunProgram;
-using nvx::test::RunTool;
-using nvx::test::ScopedVariable;
-using nvx::test::ShellWord;
-using nvx::test::TempFolder;
-using nvx::test::ToolResult;
-using nvx::test::WriteText;
+using namespace nvx::test;
 
 const std::string kTool = ShellWord(nvx::test::ToolPath());
 const std::string kExamples = NVXPROFILE_SOURCE_FOLDER "/examples";

@@ -23,13 +23,7 @@
 namespace {
 
 using nlohmann::json;
-using nvx::test::Bytes;
-using nvx::test::ReadBytes;
-using nvx::test::RealProfiles;
-using nvx::test::RunTool;
-using nvx::test::TempFolder;
-using nvx::test::ToolResult;
-using nvx::test::WriteBytes;
+using namespace nvx::test;
 
 constexpr const char* kCmyk = "/usr/share/color/icc/ghostscript/default_cmyk.icc";
 

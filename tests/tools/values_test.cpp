@@ -19,13 +19,7 @@
 namespace {
 
 using nlohmann::json;
-using nvx::test::Bytes;
-using nvx::test::ReadBytes;
-using nvx::test::RunTool;
-using nvx::test::ScopedLanguage;
-using nvx::test::ScopedVariable;
-using nvx::test::ToolResult;
-using nvx::test::WriteBytes;
+using namespace nvx::test;
 
 constexpr const char* kExample = NVXPROFILE_SOURCE_FOLDER "/examples/printer_profile.json";
 

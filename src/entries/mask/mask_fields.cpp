@@ -50,15 +50,13 @@ std::unique_ptr<CMaskDownLoadEntry> MakeBlock(FieldCodec& codec) {
   return entry;
 }
 
-// Gives the entry the blocks, whose shaping touches its header, and then the header.
+// Gives the entry the header and the blocks.
 void Take(CMaskDownLoadEntry& entry, tagWeftHeader header,
           std::span<const std::unique_ptr<CMaskDownLoadEntry>> blocks) {
   header.DataCount = static_cast<std::uint32_t>(blocks.size());
   entry.Initialize(header.DataCount);
   for (std::uint32_t i = 0; i < header.DataCount; ++i) {
-    tagWeftDatas& given = blocks[i]->GetWeftBlocks()[0];
-    entry.SetWeftDataParameter(i, given.BlockType);
-    std::swap(entry.GetWeftBlocks()[i], given);
+    std::swap(entry.GetWeftBlocks()[i], blocks[i]->GetWeftBlocks()[0]);
   }
   *entry.GetWeftHeader() = header;
 }
