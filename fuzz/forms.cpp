@@ -408,14 +408,14 @@ const Form& MaskDownloadForm() {
 const Form& MaskParameterForm() {
   // The pattern table stands behind the list where both are nested.
   static const SizedTableForm kForm(
-      {kRecordSize<MaskFileHeader>, At<MaskFileHeader>("record count"), kRecordSize<MaskParameterRecord>,
+      {kRecordSize<MaskParameterHeader>, At<MaskParameterHeader>("record count"), kRecordSize<MaskParameterRecord>,
        At<MaskParameterRecord>("parameter data size"), false},
       &MaskPatternForm());
   return kForm;
 }
 
 const Form& MaskPatternForm() {
-  static const SizedTableForm kForm({kRecordSize<MaskFileHeader>, At<MaskFileHeader>("record count"),
+  static const SizedTableForm kForm({kRecordSize<MaskPatternHeader>, At<MaskPatternHeader>("record count"),
                                      kRecordSize<MaskPatternRecord>, At<MaskPatternRecord>("mask pattern size"),
                                      false});
   return kForm;

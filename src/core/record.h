@@ -2,17 +2,21 @@
 // docs/formats uses, and this header derives its size, its reading and its writing from that, and where its fields lie:
 //
 //   struct Example {
+//     static constexpr const char* kTitle = "example header";
 //     std::uint32_t count = 0;
 //     char name[64] = {};
 //     template <class Self, class Codec>
 //     static constexpr void Describe(Self& record, Codec& codec) {
+//       codec.Constant("magic", Magic("EXAM"));
+//       codec.OwnSize("record size");
 //       codec.Number("count", record.count);
 //       codec.Text("name", record.name, 40);
 //       codec.Reserved(12);
 //     }
 //   };
 //
-// Numbers are little-endian, unless a record is passed through the big-endian codecs.
+// Numbers are little-endian, unless a record is passed through the big-endian codecs. Decoding passes over constants:
+// whether they are right is a question of its own (core/form.h), since some forms are read whatever they say.
 #pragma once
 
 #include "core/byte_order.h"
@@ -39,6 +43,13 @@ struct RecordField {
   std::size_t size = 0;  // bytes
 };
 
+// A number that the form has always; `offset` is that of its field.
+struct RecordConstant {
+  std::string_view name;
+  std::size_t offset = 0;
+  std::uint32_t value = 0;
+};
+
 // The fields of a record. Fields of one name that stand one behind the other are slots of one field.
 class RecordFields {
  public:
@@ -56,9 +67,16 @@ class RecordFields {
   }
   constexpr void Bytes(std::string_view name, const std::uint8_t*, std::size_t size) { Add(name, size); }
   constexpr void Reserved(std::size_t size) { Add("reserved", size); }
+  constexpr void OwnSize(std::string_view name) { Add(name, sizeof(std::uint32_t)); }
+  constexpr void Constant(std::string_view name, std::uint32_t value) {
+    constants_[constantCount_++] = {name, size_, value};
+    Add(name, sizeof value);
+  }
+  constexpr void Constant(std::string_view name, std::uint32_t value, const std::uint32_t&) { Constant(name, value); }
 
   constexpr std::size_t Size() const { return size_; }
   constexpr std::span<const RecordField> All() const { return {fields_.data(), count_}; }
+  constexpr std::span<const RecordConstant> Constants() const { return {constants_.data(), constantCount_}; }
 
   // Where the first field of that name starts; a name that no field has does not compile in a constant.
   constexpr std::size_t OffsetOf(std::string_view name) const {
@@ -79,9 +97,12 @@ class RecordFields {
   }
 
   static constexpr std::size_t kMostFields = 40;
+  static constexpr std::size_t kMostConstants = 2;
 
   std::array<RecordField, kMostFields> fields_{};
+  std::array<RecordConstant, kMostConstants> constants_{};
   std::size_t count_ = 0;
+  std::size_t constantCount_ = 0;
   std::size_t size_ = 0;
 };
 
@@ -102,7 +123,8 @@ using FieldName = const char*;
 
 class RecordEncoder {
  public:
-  explicit RecordEncoder(std::uint8_t* out) : out_(out) {}
+  // `size` is that of the record, for those that tell it.
+  explicit RecordEncoder(std::uint8_t* out, std::uint32_t size = 0) : out_(out), size_(size) {}
 
   template <class T>
   void Number(FieldName, T value) {
@@ -110,6 +132,10 @@ class RecordEncoder {
     StoreLittle<U>(out_, static_cast<U>(value));
     out_ += sizeof(T);
   }
+  void Constant(FieldName name, std::uint32_t value) { Number(name, value); }
+  // One that the record has a member for, which counts.
+  void Constant(FieldName name, std::uint32_t, std::uint32_t member) { Number(name, member); }
+  void OwnSize(FieldName name) { Number(name, size_); }
   // A field of `width` characters: cut, and zero behind the text. A text that fills the field has no terminator.
   void Text(FieldName, const char* text, std::size_t width) {
     const std::size_t length = ::strnlen(text, width);
@@ -142,6 +168,9 @@ class RecordEncoder {
   }
 
   std::uint8_t* out_;
+
+ private:
+  std::uint32_t size_;
 };
 
 class RecordDecoder {
@@ -153,6 +182,9 @@ class RecordDecoder {
     value = static_cast<T>(LoadLittle<std::make_unsigned_t<T>>(in_));
     in_ += sizeof(T);
   }
+  void Constant(FieldName, std::uint32_t value) { Reserved(sizeof value); }
+  void Constant(FieldName name, std::uint32_t, std::uint32_t& member) { Number(name, member); }
+  void OwnSize(FieldName) { Reserved(sizeof(std::uint32_t)); }
   // Cut to the target's room and terminated, whatever the field holds. Fields without room for a terminator in the
   // target lose their last character.
   template <std::size_t N>
@@ -220,7 +252,7 @@ using RecordBytes = std::array<std::uint8_t, kRecordSize<Record>>;
 
 template <class Record>
 void EncodeRecord(const Record& record, std::uint8_t* out) {
-  RecordEncoder encoder(out);
+  RecordEncoder encoder(out, kRecordSize<Record>);
   Record::Describe(record, encoder);
 }
 
@@ -240,14 +272,6 @@ bool WriteRecord(CNvxFile& file, const Record& record) {
   return file.Write(bytes.data(), kRecordSize<Record>) == kRecordSize<Record>;
 }
 
-// The shape that most forms share: a header that counts, a record of each item, a block of each item.
-template <class Header, class Items, class RecordOf, class WriteBlock>
-bool WriteForm(CNvxFile& file, const Header& header, const Items& items, RecordOf recordOf, WriteBlock writeBlock) {
-  return WriteRecord(file, header) &&
-         std::all_of(items.begin(), items.end(), [&](auto* item) { return WriteRecord(file, recordOf(*item)); }) &&
-         std::all_of(items.begin(), items.end(), [&](auto* item) { return writeBlock(*item); });
-}
-
 // False, with the record as it was, if the stream ends early.
 template <class Record>
 bool ReadRecord(CNvxFile& file, Record& record) {
@@ -255,14 +279,6 @@ bool ReadRecord(CNvxFile& file, Record& record) {
   if (file.Read(bytes.data(), kRecordSize<Record>) != kRecordSize<Record>) return false;
   record = DecodeRecord<Record>(bytes.data());
   return true;
-}
-
-// What the stream does not hold reads as zero; for forms of which shorter records are in use.
-template <class Record>
-Record ReadRecordPadded(CNvxFile& file) {
-  RecordBytes<Record> bytes{};
-  file.Read(bytes.data(), kRecordSize<Record>);
-  return DecodeRecord<Record>(bytes.data());
 }
 
 }  // namespace nvx

@@ -2,6 +2,12 @@
 
 namespace nvx {
 
+bool SeekTo(CNvxFile& file, std::uint64_t offset) {
+  if (offset > file.GetLength()) return false;
+  const auto target = static_cast<std::uint32_t>(offset);
+  return file.Seek(target, kFromBegin) == target;
+}
+
 bool RefuseAt(CNvxFile& file, std::uint64_t offset, std::string_view rule) {
   if (Diagnosis* const diagnosis = file.GetDiagnosis()) diagnosis->Report(Severity::kError, offset, rule);
   return false;
@@ -15,10 +21,12 @@ void Warn(CNvxFile& file, std::uint64_t offset, std::string_view rule) {
   if (Diagnosis* const diagnosis = file.GetDiagnosis()) diagnosis->Report(Severity::kWarning, offset, rule);
 }
 
-void PassOver(CNvxFile& file, std::string_view rule) {
+void PassOverAt(CNvxFile& file, std::uint64_t offset, std::string_view rule) {
   file.NotePassedOver();
-  if (file.GetDiagnosis() != nullptr) Warn(file, file.GetPosition(), rule);
+  Warn(file, offset, rule);
 }
+
+void PassOver(CNvxFile& file, std::string_view rule) { PassOverAt(file, file.GetPosition(), rule); }
 
 StreamBlock::StreamBlock(CNvxFile& file, std::uint32_t count) {
   if (!Holds(file, count, 1)) return;

@@ -28,6 +28,9 @@ inline bool Holds(CNvxFile& file, std::uint64_t count, std::uint64_t size) {
   return size == 0 || count <= Remaining(file) / size;
 }
 
+// Puts the stream at an offset from its start; false beyond the end.
+bool SeekTo(CNvxFile& file, std::uint64_t offset);
+
 inline bool ReadExact(CNvxFile& file, void* buffer, std::uint32_t count) { return file.Read(buffer, count) == count; }
 
 inline bool WriteExact(CNvxFile& file, const void* buffer, std::uint32_t count) {
@@ -55,6 +58,7 @@ void Warn(CNvxFile& file, std::uint64_t offset, std::string_view rule);
 
 // The same for what a reader leaves out of what it makes of the form.
 void PassOver(CNvxFile& file, std::string_view rule);
+void PassOverAt(CNvxFile& file, std::uint64_t offset, std::string_view rule);
 
 // A stream that takes everything and keeps nothing but how much that was.
 class CountingStream : public CNvxMemFile {

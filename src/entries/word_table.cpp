@@ -1,31 +1,8 @@
 #include "entries/word_table.h"
 
-#include "core/stream.h"
-
 #include <limits>
 
 namespace nvx {
-
-std::optional<std::vector<WordTableRecord>> ReadWordTableRecords(CNvxFile& file, std::int32_t count) {
-  std::vector<WordTableRecord> records;
-  if (count <= 0) return records;
-  constexpr std::uint32_t kSize = kRecordSize<WordTableRecord>;
-  const auto wanted = static_cast<std::uint32_t>(count);
-  if (!Holds(file, wanted, kSize)) {
-    Refuse(file, "records: count beyond the end");
-    return std::nullopt;
-  }
-  const StreamBlock block(file, wanted * kSize);
-  if (!block.IsWhole()) {
-    Refuse(file, "records: cut short");
-    return std::nullopt;
-  }
-  records.reserve(wanted);
-  for (std::uint32_t i = 0; i < wanted; ++i) {
-    records.push_back(DecodeRecord<WordTableRecord>(block.Data() + std::size_t{i} * kSize));
-  }
-  return records;
-}
 
 std::uint64_t ArraysSize(const WordArrays& arrays) {
   std::uint64_t size = 0;
@@ -38,12 +15,6 @@ std::uint64_t ArraysSize(const WordArrays& arrays) {
 bool HoldsBlock(CNvxFile& file, std::uint64_t start, std::uint64_t size) {
   const std::uint64_t length = file.GetLength();
   return start <= length && size <= length - start;
-}
-
-bool SeekTo(CNvxFile& file, std::uint64_t offset) {
-  if (offset > file.GetLength()) return false;
-  const auto target = static_cast<std::uint32_t>(offset);
-  return file.Seek(target, kFromBegin) == target;
 }
 
 std::optional<TwoArrayLengths> FindArrayLengths(CNvxFile& file, std::uint64_t start, std::uint32_t dataSize) {

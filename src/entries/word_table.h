@@ -2,8 +2,7 @@
 // a data block of word arrays, of which the first says in its first word how many bytes it has.
 #pragma once
 
-#include "core/record.h"
-#include "core/stream.h"
+#include "core/form.h"
 
 #include <nvxprofile/word_arrays.h>
 
@@ -11,6 +10,7 @@
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <type_traits>
 #include <vector>
 
 namespace nvx {
@@ -20,7 +20,6 @@ inline constexpr std::uint64_t kBlockMagicSize = 4;
 
 struct WordTableRecord {
   std::uint32_t magic = 0;
-  std::uint32_t recordSize = 20;
   std::uint32_t usedType = 0;
   std::uint32_t dataSize = 0;  // of all arrays with their magics
   std::int32_t count = 0;      // of patterns, or of words
@@ -28,7 +27,7 @@ struct WordTableRecord {
   template <class Self, class Codec>
   static constexpr void Describe(Self& record, Codec& codec) {
     codec.Number("magic", record.magic);
-    codec.Number("record size", record.recordSize);
+    codec.OwnSize("record size");
     codec.Number("used type", record.usedType);
     codec.Number("data size", record.dataSize);
     codec.Number("count", record.count);
@@ -57,17 +56,45 @@ inline void ShapeTwoArrays(WordArrays& arrays, const std::uint32_t* sizes) {
   for (std::size_t i = 0; i < 2; ++i) arrays.Resize(i, sizes != nullptr ? sizes[i] : 0);
 }
 
-// The records at the position of the stream; nothing if the stream does not hold them. A count below 0 counts as 0.
-std::optional<std::vector<WordTableRecord>> ReadWordTableRecords(CNvxFile& file, std::int32_t count);
-
 // Bytes of all arrays, each with a magic before it.
 std::uint64_t ArraysSize(const WordArrays& arrays);
 
 // True if the stream holds `size` bytes from `start` on.
 bool HoldsBlock(CNvxFile& file, std::uint64_t start, std::uint64_t size);
 
-// Puts the stream at an offset from its start; false beyond the end.
-bool SeekTo(CNvxFile& file, std::uint64_t offset);
+// A table that a record describes: without its words yet, and the size of the block that holds them. Without a table if
+// the record makes none.
+template <class Table>
+struct FoundTable {
+  Table* table = nullptr;
+  std::uint64_t blockSize = 0;
+};
+
+// Reads the records at the position of the stream and the blocks behind them. find(record, start) gives the table of a
+// record whose block starts at `start`, or nothing where it cannot; read(table) reads a block. All blocks are read,
+// also those behind one that fails. A count below 0 counts as 0.
+template <class Find, class Read>
+bool ReadWordTables(CNvxFile& file, std::int32_t count, Find find, Read read) {
+  RecordTable<WordTableRecord> records;
+  if (!records.Read(file, static_cast<std::uint32_t>(std::max(count, 0)), "records")) return false;
+  using Found = typename std::invoke_result_t<Find, WordTableRecord, std::uint64_t>::value_type;
+  std::vector<Found> tables;
+  const std::uint64_t start = file.GetPosition();
+  std::uint64_t end = start;
+  for (std::uint32_t i = 0; i < records.Count(); ++i) {
+    const auto found = find(records.At(i), end);
+    if (!found) return false;
+    if (found->table != nullptr) tables.push_back(*found);
+    end += found->blockSize;
+  }
+  bool complete = true;
+  std::uint64_t block = start;
+  for (const Found& found : tables) {
+    complete = SeekTo(file, block) && read(*found.table) && complete;
+    block += found.blockSize;
+  }
+  return SeekTo(file, end) && complete;
+}
 
 // Header, records and data blocks, one of each for each table. Nothing is written of a form that is too long.
 template <class Header, class Tables, class RecordOf, class WriteBlock>

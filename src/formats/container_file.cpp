@@ -1,6 +1,5 @@
-#include "core/payload.h"
-#include "core/stream.h"
 #include "core/text.h"
+#include "entries/entry_listing.h"
 #include "formats/container_entries.h"
 
 #include <nvxprofile/entry_types.h>
@@ -24,31 +23,12 @@ namespace {
 std::unique_ptr<CProfileDataEntry> MakeEntry(CNvxFile& file, const ContainerEntryHeader& header) {
   std::unique_ptr<CProfileDataEntry> entry(
       CProfileDataEntry::CreateDataEntry(static_cast<CProfileDataEntry::UsedType>(header.usedType)));
-  if (!entry) {
-    nvx::Refuse(file, "entry header: unknown used type");
-    return nullptr;
-  }
-  if (entry->GetFormatType() != header.formatType) {
-    nvx::Refuse(file, "entry header: format type does not belong to the used type");
-    return nullptr;
-  }
+  if (!nvx::CheckForm(file, header, entry.get())) return nullptr;
   nvx::PayloadKeeper::SetEmpty(*entry);
   entry->SetComplete(header.complete != 0);
   entry->SetOptionInfo(header.optionInfo);
   entry->SetLabelString(header.label);
   return entry;
-}
-
-// The bytes behind the body magic; nothing if they do not stand in the stream.
-std::optional<std::uint32_t> BodySize(CNvxFile& file, const ContainerEntryHeader& header) {
-  if (header.bodySize < ContainerEntryHeader::kBodyMagicSize) {
-    nvx::Refuse(file, "entry header: body size below 4");
-    return std::nullopt;
-  }
-  const std::uint32_t size = header.bodySize - ContainerEntryHeader::kBodyMagicSize;
-  if (nvx::Holds(file, size, 1)) return size;
-  nvx::Refuse(file, "entry header: body size beyond the end");
-  return std::nullopt;
 }
 
 // Walks the bodies from where the stream stands. For each record take(entry, size) gets its entry, with the stream at
@@ -60,17 +40,10 @@ bool WalkBodies(CNvxFile& file, const std::vector<nvx::RecordBytes<ContainerEntr
     if (!nvx::ReadMagic(file, ContainerEntryHeader::kBodyMagic)) return nvx::Refuse(file, "entry body: wrong magic");
     std::unique_ptr<CProfileDataEntry> entry = MakeEntry(file, header);
     if (!entry) return false;
-    const std::optional<std::uint32_t> size = BodySize(file, header);
+    const std::optional<std::uint32_t> size = nvx::BodySize(file, header);
     if (!size || !take(std::move(entry), *size)) return false;
   }
   return true;
-}
-
-// Parses an entry's buffer, which starts at `offset` of the stream.
-void Parse(CNvxFile& file, std::uint32_t offset, CProfileDataEntry& entry) {
-  const nvx::DiagnosisScope scope(file.GetDiagnosis(), offset,
-                                  [&] { return "entry " + std::to_string(entry.GetUsedType()); });
-  nvx::ParseInto(file.GetDiagnosis(), entry);
 }
 
 // An entry on two routes of a text-headed profile stands in both of its tables.
@@ -118,34 +91,15 @@ std::uint64_t CProfileFileQCT::GetSavedSize(const CProfileData& data, std::uint3
 bool CProfileFileQCT::LoadHeader(CNvxFile& file, CProfileData*) {
   file.Seek(offsetLoadPoint_, nvx::kFromBegin);
   ContainerHeader header;
-  if (!nvx::ReadRecord(file, header)) return nvx::Refuse(file, "container header: cut short");
-  if (header.magic != ContainerHeader::kMagic) return nvx::Refuse(file, "container header: wrong magic");
-  if (header.version != ContainerHeader::kVersion) return nvx::Refuse(file, "container header: wrong version");
+  if (!nvx::ReadChecked(file, header)) return false;
   entryCount_ = header.entryCount;
   route_ = header.route;
   return true;
 }
 
 bool CProfileFileQCT::LoadEntryHeader(CNvxFile& file) {
-  DeleteContents();
-  const std::uint32_t start = offsetLoadPoint_ + headerSize_;
-  if (start < offsetLoadPoint_ || file.Seek(start, nvx::kFromBegin) != start) {
-    return nvx::Refuse(file, "entry table: starts beyond the end");
-  }
-  if (!nvx::Holds(file, entryCount_, kEntryHeaderSize)) return nvx::Refuse(file, "entry table: count beyond the end");
-  entryHeaders_.resize(entryCount_);
-  const std::uint32_t size = entryCount_ * kEntryHeaderSize;
-  if (size != 0 && !nvx::ReadExact(file, entryHeaders_.front().data(), size)) {
-    DeleteContents();
-    return nvx::Refuse(file, "entry table: cut short");
-  }
-  for (const EntryHeaderRecord& record : entryHeaders_) {
-    if (nvx::LoadLittle<std::uint32_t>(record.data()) == ContainerEntryHeader::kMagic) continue;
-    const auto index = static_cast<std::uint64_t>(&record - entryHeaders_.data());
-    DeleteContents();
-    return nvx::RefuseAt(file, start + index * kEntryHeaderSize, "entry header: wrong magic");
-  }
-  return true;
+  return nvx::ReadEntryHeaders<ContainerEntryHeader>(file, std::uint64_t{offsetLoadPoint_} + headerSize_, entryCount_,
+                                                     "entry table", entryHeaders_);
 }
 
 bool CProfileFileQCT::LoadEntries(CNvxFile& file, CProfileData* data) {
@@ -153,8 +107,7 @@ bool CProfileFileQCT::LoadEntries(CNvxFile& file, CProfileData* data) {
          WalkBodies(file, entryHeaders_, [&](std::unique_ptr<CProfileDataEntry> entry, std::uint32_t size) {
            const std::uint32_t offset = file.GetDiagnosis() != nullptr ? file.GetPosition() : 0;
            if (!nvx::PayloadKeeper::Take(*entry, file, size)) return nvx::Refuse(file, "entry body: cut short");
-           // An entry whose payload does not parse keeps its bytes.
-           Parse(file, offset, *entry);
+           nvx::ParseListed(file, offset, *entry, [&] { return std::to_string(entry->GetUsedType()); });
            CProfileDataEntry* const present = data->GetProfileDataEntryFromList(entry->GetUsedType());
            const bool isLost = present != nullptr && !SayTheSame(*present, *entry);
            if (!data->SetProfileDataEntry(entry.release(), route_) && isLost) {

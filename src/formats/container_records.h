@@ -6,12 +6,10 @@
 namespace nvx {
 
 struct ContainerHeader {
+  static constexpr const char* kTitle = "container header";
   static constexpr std::uint32_t kMagic = 0x51435420;
   static constexpr std::uint32_t kVersion = 0x00010000;
 
-  std::uint32_t magic = kMagic;
-  std::uint32_t headerSize = 32;
-  std::uint32_t version = kVersion;
   std::uint32_t targetType = 0;
   std::uint32_t route = 0;
   std::uint32_t deviceType = 0;
@@ -19,9 +17,9 @@ struct ContainerHeader {
 
   template <class Self, class Codec>
   static constexpr void Describe(Self& record, Codec& codec) {
-    codec.Number("magic", record.magic);
-    codec.Number("header size", record.headerSize);
-    codec.Number("version", record.version);
+    codec.Constant("magic", kMagic);
+    codec.OwnSize("header size");
+    codec.Constant("version", kVersion);
     codec.Number("target type", record.targetType);
     codec.Number("route", record.route);
     codec.Number("device type", record.deviceType);
@@ -31,12 +29,11 @@ struct ContainerHeader {
 };
 
 struct ContainerEntryHeader {
+  static constexpr const char* kTitle = "entry header";
   static constexpr std::uint32_t kMagic = Magic("IHEP");
   static constexpr std::uint32_t kBodyMagic = Magic("SDEP");
   static constexpr std::uint32_t kBodyMagicSize = 4;
 
-  std::uint32_t magic = kMagic;
-  std::uint32_t recordSize = 292;
   std::uint32_t usedType = 0;
   std::uint32_t formatType = 0;
   std::uint32_t bodySize = kBodyMagicSize;  // buffer and body magic
@@ -46,8 +43,8 @@ struct ContainerEntryHeader {
 
   template <class Self, class Codec>
   static constexpr void Describe(Self& record, Codec& codec) {
-    codec.Number("magic", record.magic);
-    codec.Number("record size", record.recordSize);
+    codec.Constant("magic", kMagic);
+    codec.OwnSize("record size");
     codec.Number("used type", record.usedType);
     codec.Number("format type", record.formatType);
     codec.Number("body size", record.bodySize);

@@ -1,5 +1,5 @@
 // Parts of a profile file, replaced where they stand.
-#include "core/stream.h"
+#include "core/form.h"
 #include "core/text.h"
 #include "formats/container_records.h"
 #include "formats/detection.h"
@@ -105,7 +105,7 @@ struct ProfileEdit::Table {
     for (std::uint32_t i = 0; i < count; ++i) {
       const std::size_t place = start + std::size_t{i} * kEntryHeaderSize;
       const auto header = DecodeRecord<ContainerEntryHeader>(block.data() + place);
-      if (header.magic != ContainerEntryHeader::kMagic || header.bodySize < kBodyMagicSize ||
+      if (!HasConstants<ContainerEntryHeader>(block.data() + place) || header.bodySize < kBodyMagicSize ||
           header.bodySize > block.size() - table.end ||
           LoadLittle<std::uint32_t>(block.data() + table.end) != ContainerEntryHeader::kBodyMagic) {
         return std::nullopt;
@@ -119,8 +119,8 @@ struct ProfileEdit::Table {
   // The table behind a container's header.
   static std::optional<Table> ReadContainer(View block, std::size_t start) {
     if (start > block.size() || block.size() - start < kRecordSize<ContainerHeader>) return std::nullopt;
+    if (!HasConstants<ContainerHeader>(block.data() + start)) return std::nullopt;
     const auto header = DecodeRecord<ContainerHeader>(block.data() + start);
-    if (header.magic != ContainerHeader::kMagic) return std::nullopt;
     return Read(block, start + kRecordSize<ContainerHeader>, header.entryCount);
   }
   // The table behind a header block.

@@ -1,5 +1,5 @@
 // The headers of a profile of any format, read without the rest of the file.
-#include "core/stream.h"
+#include "core/form.h"
 #include "core/text.h"
 #include "entries/calibration/calibration_records.h"
 #include "formats/container_records.h"
@@ -117,20 +117,21 @@ void SummarizeHistory(SparseFile& file, const IccTag& tag, ProfileSummary& summa
   constexpr std::uint32_t kBlock = 64;
   if (tag.size < kStart) return;
   file.Seek(tag.offset + kRecordSize<PrivateTagOpening>, kFromBegin);
-  CalibrationHeader header;
-  if (!ReadRecord(file, header) || header.magic != CalibrationHeader::kMagic ||
-      header.version != CalibrationHeader::kVersion || header.entryCount > (tag.size - kStart) / kSmallestEntry) {
+  RecordBytes<CalibrationHeader> bytes;
+  if (!ReadExact(file, bytes.data(), kRecordSize<CalibrationHeader>) ||
+      !HasConstants<CalibrationHeader>(bytes.data())) {
     return;
   }
+  const auto header = DecodeRecord<CalibrationHeader>(bytes.data());
+  if (header.entryCount > (tag.size - kStart) / kSmallestEntry) return;
   HistoryTable table;
   std::array<RecordBytes<CalibrationEntryHeader>, kBlock> block;
   for (std::uint32_t left = header.entryCount; left != 0;) {
     const std::uint32_t count = std::min(left, kBlock);
     if (!ReadExact(file, block.data(), count * kRecordSize<CalibrationEntryHeader>)) return;
     for (std::uint32_t i = 0; i < count; ++i) {
-      const auto record = DecodeRecord<CalibrationEntryHeader>(block[i].data());
-      if (record.magic != CalibrationEntryHeader::kMagic) return;
-      table.Add(record);
+      if (!HasConstants<CalibrationEntryHeader>(block[i].data())) return;
+      table.Add(DecodeRecord<CalibrationEntryHeader>(block[i].data()));
     }
     left -= count;
   }
@@ -184,8 +185,7 @@ bool SummarizeText(SparseFile& file, ProfileSummary& summary) {
 bool SummarizeContainer(SparseFile& file, ProfileSummary& summary) {
   file.SeekToBegin();
   ContainerHeader header;
-  if (!ReadRecord(file, header)) return Refuse(file, "container header: cut short");
-  if (header.version != ContainerHeader::kVersion) return Refuse(file, "container header: wrong version");
+  if (!ReadChecked(file, header)) return false;
   summary.format = kContainer;
   return true;
 }

@@ -1,4 +1,5 @@
-// The tables of docs/formats say of each record what its description says: offset, size and name of every field. With
+// The tables of docs/formats say of each record what its description says: offset, size and name of every field, and
+// what it always holds. With
 // NVXPROFILE_WRITE_PAGES set the test writes these columns into the pages and keeps all others.
 #include "entries/calibration/calibration_records.h"
 #include "entries/curve/curve_form.h"
@@ -19,8 +20,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cctype>
+#include <cstdint>
 #include <cstdlib>
 #include <fstream>
+#include <iomanip>
 #include <sstream>
 #include <string>
 #include <string_view>
@@ -51,7 +55,7 @@ const Table kTables[] = {
     {"large_parameter", "## Record", &kRecordFields<nvx::WordTableRecord>},
     {"lut", "## Header", &kRecordFields<nvx::LutHeader>},
     {"lut", "## Channel header", &kRecordFields<nvx::LutChannelHeader>},
-    {"mask", "## Header of both forms", &kRecordFields<nvx::MaskFileHeader>},
+    {"mask", "## Header of both forms", &kRecordFields<nvx::MaskParameterHeader>},
     {"mask", "## Record of the parameter list", &kRecordFields<nvx::MaskParameterRecord>},
     {"mask", "## Record of the pattern table", &kRecordFields<nvx::MaskPatternRecord>},
     {"mask_download", "## Header", &kRecordFields<nvx::WeftHeaderRecord>},
@@ -153,6 +157,26 @@ Lines Expected(const Lines& lines, Rows rows, const nvx::RecordFields& fields) {
   return expected;
 }
 
+// A constant as a page writes it: the four characters of a magic in the order of the file, or a number.
+std::string ValueOf(const nvx::RecordConstant& constant) {
+  std::string text = "\"";
+  for (int i = 0; i < 4; ++i) text += static_cast<char>(constant.value >> 8 * i & 0xFF);
+  if (std::all_of(text.begin(), text.end(), [](unsigned char c) { return std::isprint(c) != 0; })) return text + '"';
+  std::ostringstream number;
+  number << "0x" << std::hex << std::uppercase << std::setfill('0') << std::setw(8) << constant.value;
+  return number.str();
+}
+
+void ExpectConstants(const Lines& rows, const nvx::RecordFields& fields) {
+  for (const nvx::RecordConstant& constant : fields.Constants()) {
+    const std::string offset = std::to_string(constant.offset);
+    const auto row =
+        std::find_if(rows.begin(), rows.end(), [&](const std::string& line) { return CellsOf(line)[0] == offset; });
+    ASSERT_NE(row, rows.end());
+    EXPECT_TRUE(CellsOf(*row).at(3).starts_with(ValueOf(constant))) << *row << " " << ValueOf(constant);
+  }
+}
+
 TEST(FormatPages, SayWhatTheDescriptionsSay) {
   const bool writes = std::getenv("NVXPROFILE_WRITE_PAGES") != nullptr;
   for (const Table& table : kTables) {
@@ -165,6 +189,7 @@ TEST(FormatPages, SayWhatTheDescriptionsSay) {
     const Lines expected = Expected(lines, rows, *table.fields);
     if (!writes) {
       EXPECT_EQ(Lines(first, end), expected);
+      ExpectConstants(expected, *table.fields);
       continue;
     }
     lines.insert(lines.erase(first, end), expected.begin(), expected.end());

@@ -83,8 +83,8 @@ TEST(Container, RefusesWhatIsBrokenAndSaysWhere) {
   };
   const Bytes good = Container({{6, 6, {1, 2, 3}}});
   const std::vector<Case> cases{
-      {With(good, 0, 1), 32, "container header: wrong magic"},
-      {With(Container({}), 8, 0x00020000), 32, "container header: wrong version"},
+      {With(good, 0, 1), 0, "container header: wrong magic"},
+      {With(Container({}), 8, 0x00020000), 8, "container header: wrong version"},
       {With(good, 24, 2), 324, "entry header: wrong magic"},
       {With(good, 24, 0xFFFFFFFF), 32, "entry table: count beyond the end"},
       {With(good, 32, 0), 32, "entry header: wrong magic"},

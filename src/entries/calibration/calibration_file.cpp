@@ -1,9 +1,8 @@
 // The form that holds the children of a container.
-#include "core/payload.h"
 #include "core/replacing_file.h"
-#include "core/stream.h"
 #include "core/text.h"
 #include "entries/calibration/calibration_records.h"
+#include "entries/entry_listing.h"
 
 #include <nvxprofile/calibration.h>
 
@@ -71,7 +70,7 @@ class ChildLoader {
 
     std::unique_ptr<CProfileDataEntry> entry(
         CProfileDataEntry::CreateDataEntry(static_cast<CProfileDataEntry::UsedType>(header.usedType)));
-    if (!entry) return nvx::Refuse(file_, "calibration entry header: unknown used type");
+    if (!nvx::CheckForm(file_, header, entry.get())) return false;
     entry->SetOptionInfo(header.optionInfo);
     nvx::PayloadKeeper::SetEmpty(*entry);
     data_.SetLevelOfChild(*entry);
@@ -92,13 +91,11 @@ class ChildLoader {
 
   bool Fill(const CalibrationEntryHeader& header, Child& child) {
     CProfileDataEntry& entry = *child.entry;
-    if (entry.GetFormatType() != header.formatType) {
-      return nvx::Refuse(file_, "calibration entry header: format type does not belong to the used type");
-    }
+    if (!nvx::CheckForm(file_, header, &entry)) return false;
     entry.SetComplete(header.complete != 0);
     const std::uint32_t offset = file_.GetDiagnosis() != nullptr ? file_.GetPosition() : 0;
     if (!ReadBody(header, child)) return false;
-    if (!child.parsed) Parse(entry, offset);
+    if (!child.parsed) nvx::ParseListed(file_, offset, entry, [&] { return NameOf(entry); });
     child.parsed = true;
     if (CContainerEntry* const container = DescribedContainer(entry)) {
       tag_ContainerData& description = *container->GetContainerData();
@@ -110,25 +107,18 @@ class ChildLoader {
   }
 
   bool ReadBody(const CalibrationEntryHeader& header, Child& child) {
-    if (header.bodySize < CalibrationEntryHeader::kBodyMagicSize) {
-      return nvx::Refuse(file_, "calibration entry header: body size below 4");
-    }
-    const std::uint32_t size = header.bodySize - CalibrationEntryHeader::kBodyMagicSize;
-    if (size == 0) return true;
-    if (!nvx::Holds(file_, size, 1)) return nvx::Refuse(file_, "calibration entry header: body size beyond the end");
+    const std::optional<std::uint32_t> size = nvx::BodySize(file_, header);
+    if (!size) return false;
+    if (*size == 0) return true;
     child.parsed = false;
-    if (!nvx::PayloadKeeper::Take(*child.entry, file_, size)) {
+    if (!nvx::PayloadKeeper::Take(*child.entry, file_, *size)) {
       return nvx::Refuse(file_, "calibration entry body: cut short");
     }
     return true;
   }
 
-  // An entry whose payload does not parse keeps its bytes.
-  void Parse(CProfileDataEntry& entry, std::uint32_t offset) {
-    const nvx::DiagnosisScope scope(file_.GetDiagnosis(), offset, [&] {
-      return "entry " + std::to_string(entry.GetUsedType()) + "." + std::to_string(entry.GetOptionInfo());
-    });
-    nvx::ParseInto(file_.GetDiagnosis(), entry);
+  static std::string NameOf(CProfileDataEntry& entry) {
+    return std::to_string(entry.GetUsedType()) + "." + std::to_string(entry.GetOptionInfo());
   }
 
   CNvxFile& file_;
@@ -166,37 +156,15 @@ bool CProfileFileCalibration::LoadHeader(CNvxFile& file, CContainerData*) {
     return nvx::Refuse(file, "calibration header: starts beyond the end");
   }
   CalibrationHeader header;
-  if (!nvx::ReadRecord(file, header)) return nvx::Refuse(file, "calibration header: cut short");
-  if (header.magic != CalibrationHeader::kMagic) return nvx::Refuse(file, "calibration header: wrong magic");
-  if (header.version != CalibrationHeader::kVersion) return nvx::Refuse(file, "calibration header: wrong version");
+  if (!nvx::ReadChecked(file, header)) return false;
   entryCount_ = header.entryCount;
   optionValue_ = header.optionValue;
   return true;
 }
 
 bool CProfileFileCalibration::LoadEntryHeader(CNvxFile& file) {
-  DeleteContents();
-  const std::uint32_t start = offsetLoadPoint_ + headerSize_;
-  if (start < offsetLoadPoint_ || file.Seek(start, nvx::kFromBegin) != start) {
-    return nvx::Refuse(file, "calibration entry table: starts beyond the end");
-  }
-  // Each entry has a body magic as well, so that even a table of empty entries is refused before it is made.
-  if (!nvx::Holds(file, entryCount_, kEntryHeaderSize + CalibrationEntryHeader::kBodyMagicSize)) {
-    return nvx::Refuse(file, "calibration entry table: count beyond the end");
-  }
-  entryHeaders_.resize(entryCount_);
-  const std::uint32_t size = entryCount_ * kEntryHeaderSize;
-  if (size != 0 && !nvx::ReadExact(file, entryHeaders_.front().data(), size)) {
-    DeleteContents();
-    return nvx::Refuse(file, "calibration entry table: cut short");
-  }
-  const auto wrong = std::find_if(entryHeaders_.begin(), entryHeaders_.end(), [](const EntryHeaderRecord& record) {
-    return nvx::LoadLittle<std::uint32_t>(record.data()) != CalibrationEntryHeader::kMagic;
-  });
-  if (wrong == entryHeaders_.end()) return true;
-  const std::uint64_t index = static_cast<std::uint64_t>(wrong - entryHeaders_.begin());
-  DeleteContents();
-  return nvx::RefuseAt(file, start + index * kEntryHeaderSize, "calibration entry header: wrong magic");
+  return nvx::ReadEntryHeaders<CalibrationEntryHeader>(file, std::uint64_t{offsetLoadPoint_} + headerSize_, entryCount_,
+                                                       "calibration entry table", entryHeaders_);
 }
 
 bool CProfileFileCalibration::LoadEntries(CNvxFile& file, CContainerData* data) {

@@ -6,32 +6,29 @@
 namespace nvx {
 
 struct CalibrationHeader {
+  static constexpr const char* kTitle = "calibration header";
   static constexpr std::uint32_t kMagic = Magic("ILAC");
   static constexpr std::uint32_t kVersion = 0x00010000;
 
-  std::uint32_t magic = kMagic;
-  std::uint32_t headerSize = 20;
-  std::uint32_t version = kVersion;
   std::uint32_t entryCount = 0;
   std::uint32_t optionValue = 0;
 
   template <class Self, class Codec>
   static constexpr void Describe(Self& record, Codec& codec) {
-    codec.Number("magic", record.magic);
-    codec.Number("header size", record.headerSize);
-    codec.Number("version", record.version);
+    codec.Constant("magic", kMagic);
+    codec.OwnSize("header size");
+    codec.Constant("version", kVersion);
     codec.Number("entry count", record.entryCount);
     codec.Number("option value", record.optionValue);
   }
 };
 
 struct CalibrationEntryHeader {
+  static constexpr const char* kTitle = "calibration entry header";
   static constexpr std::uint32_t kMagic = Magic("HEAC");
   static constexpr std::uint32_t kBodyMagic = Magic("DEAC");
   static constexpr std::uint32_t kBodyMagicSize = 4;
 
-  std::uint32_t magic = kMagic;
-  std::uint32_t recordSize = 88;
   std::uint32_t bodySize = kBodyMagicSize;  // buffer and body magic
   std::uint32_t usedType = 0;
   std::uint32_t formatType = 0;
@@ -43,8 +40,8 @@ struct CalibrationEntryHeader {
 
   template <class Self, class Codec>
   static constexpr void Describe(Self& record, Codec& codec) {
-    codec.Number("magic", record.magic);
-    codec.Number("record size", record.recordSize);
+    codec.Constant("magic", kMagic);
+    codec.OwnSize("record size");
     codec.Number("body size", record.bodySize);
     codec.Number("used type", record.usedType);
     codec.Number("format type", record.formatType);

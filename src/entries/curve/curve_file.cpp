@@ -64,8 +64,7 @@ bool CCurveFile::LoadEntryHeader(CNvxFile& file) {
   DeleteEntryHeaderArray();
   nvx::CurveTable table;
   if (!table.Read(file, header_.EntryCount)) return false;
-  entryHeaders_.reserve(table.Count());
-  for (std::uint32_t i = 0; i < table.Count(); ++i) entryHeaders_.push_back(table.At(i));
+  entryHeaders_ = table.All();
   return true;
 }
 

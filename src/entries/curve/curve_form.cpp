@@ -94,31 +94,15 @@ bool ReloadCurveSet(CNvxMemFile& file, CCurveData& set) {
 
 bool ReadCurveSetHeader(CNvxFile& file, tagCurveFileHeader& header) {
   file.SeekToBegin();
-  if (!ReadRecord(file, header)) return Refuse(file, "curve set header: cut short");
-  if (header.Signature != tagCurveFileHeader::kSignature) return Refuse(file, "curve set header: wrong signature");
-  if (header.Version != tagCurveFileHeader::kVersion) return Refuse(file, "curve set header: wrong version");
-  return true;
+  return ReadChecked(file, header);
 }
 
 bool CurveTable::Read(CNvxFile& file, std::uint32_t count) {
   constexpr std::uint32_t kStart = kRecordSize<tagCurveFileHeader>;
-  constexpr std::uint32_t kSize = kRecordSize<CurveRecord>;
-  count_ = 0;
-  if (file.Seek(kStart, kFromBegin) != kStart || !Holds(file, count, kSize)) {
-    return Refuse(file, "curve set header: entry count beyond the end");
-  }
-  bytes_.emplace(file, count * kSize);
-  if (!bytes_->IsWhole()) return Refuse(file, "curve records: cut short");
-  for (std::uint32_t i = 0; i < count; ++i) {
-    if (LoadLittle<std::uint32_t>(BytesAt(i)) != CurveRecord::kSignature) {
-      return RefuseAt(file, kStart + std::uint64_t{i} * kSize, "curve record: wrong signature");
-    }
-  }
-  count_ = count;
-  return true;
+  constexpr const char* kTable = "curve records";
+  if (!SeekTo(file, kStart)) return RefuseCount(file, kTable);
+  return RecordTable::Read(file, count, kTable) && Check(file);
 }
-
-CurveRecord CurveTable::At(std::uint32_t index) const { return DecodeRecord<CurveRecord>(BytesAt(index)); }
 
 CurveRecord CurveTable::NumbersAt(std::uint32_t index) const {
   CurveRecord record;
@@ -128,7 +112,7 @@ CurveRecord CurveTable::NumbersAt(std::uint32_t index) const {
 }
 
 const char* CurveTable::NameFieldAt(std::uint32_t index) const {
-  return reinterpret_cast<const char*>(BytesAt(index) + kRecordSize<CurveRecord> - kCurveNameSize);
+  return reinterpret_cast<const char*>(BytesAt(index) + kSize - kCurveNameSize);
 }
 
 const char* CurveFault(const CurveRecord& record, std::uint32_t signature, std::uint32_t left) {

@@ -1,8 +1,7 @@
 // The binary form of a curve set; docs/formats/curve_set.md draws it.
 #pragma once
 
-#include "core/record.h"
-#include "core/stream.h"
+#include "core/form.h"
 
 #include <nvxprofile/curve.h>
 
@@ -12,9 +11,9 @@
 
 template <class Self, class Codec>
 constexpr void tagCurveFileHeader::Describe(Self& record, Codec& codec) {
-  codec.Number("signature", record.Signature);
+  codec.Constant("signature", kSignature, record.Signature);
   codec.Number("header size", record.HeaderSize);
-  codec.Number("version", record.Version);
+  codec.Constant("version", kVersion, record.Version);
   codec.Number("used type", record.UsedType);
   codec.Number("entry count", record.EntryCount);
   codec.Reserved(12);
@@ -22,7 +21,7 @@ constexpr void tagCurveFileHeader::Describe(Self& record, Codec& codec) {
 
 template <class Self, class Codec>
 constexpr void CCurveFile::tagCurveEntryHeader::Describe(Self& record, Codec& codec) {
-  codec.Number("signature", record.Signature);
+  codec.Constant("signature", kSignature, record.Signature);
   codec.Number("header size", record.HeaderSize);
   codec.Number("InkID", record.InkID);
   codec.Number("SlotNo", record.SlotNo);
@@ -38,6 +37,11 @@ constexpr void CCurveFile::tagCurveEntryHeader::Describe(Self& record, Codec& co
 namespace nvx {
 
 using CurveRecord = CCurveFile::tagCurveEntryHeader;
+
+template <>
+inline constexpr const char* kTitle<tagCurveFileHeader> = "curve set header";
+template <>
+inline constexpr const char* kTitle<CurveRecord> = "curve record";
 
 static_assert(kRecordSize<tagCurveFileHeader> == 32);
 static_assert(kRecordSize<CurveRecord> == 132);
@@ -60,22 +64,12 @@ bool ReloadCurveSet(CNvxMemFile& file, CCurveData& set);
 bool ReadCurveSetHeader(CNvxFile& file, tagCurveFileHeader& header);
 
 // The records behind the header, all of them with the right signature.
-class CurveTable {
+class CurveTable : public RecordTable<CurveRecord> {
  public:
   bool Read(CNvxFile& file, std::uint32_t count);
-  std::uint32_t Count() const { return count_; }
-  CurveRecord At(std::uint32_t index) const;
-  // The same in two halves: the record without its name, and the field of the name, which need not be terminated.
+  // A record in two halves: without its name, and the field of the name, which need not be terminated.
   CurveRecord NumbersAt(std::uint32_t index) const;
   const char* NameFieldAt(std::uint32_t index) const;
-
- private:
-  const std::uint8_t* BytesAt(std::uint32_t index) const {
-    return bytes_->Data() + std::size_t{index} * kRecordSize<CurveRecord>;
-  }
-
-  std::optional<StreamBlock> bytes_;
-  std::uint32_t count_ = 0;
 };
 
 // The rule that a record or its data block breaks, null for none: `signature` is what stands before the samples, `left`

@@ -15,38 +15,32 @@ using nvx::WordTableRecord;
 
 namespace {
 
+using FoundTable = nvx::FoundTable<CLargeParameterDataEntry>;
+
 constexpr std::uint64_t kFixedBlockSize = nvx::kBlockMagicSize + nvx::kWordSize * CLargeParameterID001Entry::kWordCount;
 
-// A table that has its shape but not its words yet, and where they stand.
-struct Placed {
-  CLargeParameterDataEntry* table;
-  std::uint64_t start;
-};
-
-// The table that a record describes, without words, with its block at `start`; `size` becomes the block's size.
-std::unique_ptr<CLargeParameterDataEntry> MakeTable(CNvxFile& file, const WordTableRecord& record, std::uint64_t start,
-                                                    std::uint64_t& size) {
-  std::uint32_t sizes[2] = {};
-  if (record.usedType == kFixedTable) {
-    size = kFixedBlockSize;
-    if (!nvx::HoldsBlock(file, start, size)) {
-      nvx::RefuseAt(file, start, "fixed table: cut short");
-      return nullptr;
-    }
-  } else if (record.usedType == kPatternTable) {
-    const auto lengths = nvx::FindArrayLengths(file, start, record.dataSize);
-    if (!lengths) return nullptr;
-    size = lengths->BlockSize();
-    sizes[0] = lengths->first;
-    sizes[1] = lengths->second;
-  } else {
+// Adds the table that a record describes, without words, with its block at `start`; nothing for a broken rule.
+std::optional<FoundTable> AddTable(CNvxFile& file, CLargeParameterData& data, const WordTableRecord& record,
+                                   std::uint64_t start) {
+  TwoArrayLengths lengths{};
+  std::uint64_t size = kFixedBlockSize;
+  if (record.usedType == kPatternTable) {
+    const auto found = nvx::FindArrayLengths(file, start, record.dataSize);
+    if (!found) return std::nullopt;
+    lengths = *found;
+    size = lengths.BlockSize();
+  } else if (record.usedType != kFixedTable) {
     nvx::Refuse(file, "record: unknown used type");
-    return nullptr;
+    return std::nullopt;
+  } else if (!nvx::HoldsBlock(file, start, size)) {
+    nvx::RefuseAt(file, start, "fixed table: cut short");
+    return std::nullopt;
   }
-  std::unique_ptr<CLargeParameterDataEntry> table(
-      CLargeParameterDataEntry::CreateLargeParameterDataEntry(record.usedType, sizes));
-  if (record.usedType != kFixedTable) table->SetPatternCount(record.count);
-  return table;
+  const std::uint32_t sizes[] = {lengths.first, lengths.second};
+  auto* const table = CLargeParameterDataEntry::CreateLargeParameterDataEntry(record.usedType, sizes);
+  data.AddTail(table);
+  if (record.usedType == kPatternTable) table->SetPatternCount(record.count);
+  return FoundTable{table, size};
 }
 
 // Which arrays a block holds is said by its magic.
@@ -101,8 +95,7 @@ bool CLargeParameterFile::LoadHeader(CNvxFile& file) {
   headerRead_ = false;
   file.SeekToBegin();
   LargeParameterHeader header;
-  if (!nvx::ReadRecord(file, header)) return nvx::Refuse(file, "large parameter header: cut short");
-  if (header.magic != LargeParameterHeader::kMagic) return nvx::Refuse(file, "large parameter header: wrong magic");
+  if (!nvx::ReadChecked(file, header)) return false;
   recordCount_ = header.recordCount;
   headerRead_ = true;
   return true;
@@ -110,25 +103,10 @@ bool CLargeParameterFile::LoadHeader(CNvxFile& file) {
 
 bool CLargeParameterFile::LoadFile(CNvxFile& file, CLargeParameterData* data) {
   if (data == nullptr || (!headerRead_ && !LoadHeader(file))) return false;
-  const auto records = nvx::ReadWordTableRecords(file, recordCount_);
-  if (!records) return false;
-
-  std::vector<Placed> blocks;
-  std::uint64_t end = file.GetPosition();
-  for (const WordTableRecord& record : *records) {
-    std::uint64_t size = 0;
-    CLargeParameterDataEntry* const table = MakeTable(file, record, end, size).release();
-    if (table == nullptr) return false;
-    data->AddTail(table);
-    blocks.push_back({table, end});
-    end += size;
-  }
-
-  bool complete = true;
-  for (const Placed& block : blocks) {
-    complete = nvx::SeekTo(file, block.start) && ReadBlock(file, block.table->Arrays()) && complete;
-  }
-  return nvx::SeekTo(file, end) && complete;
+  return nvx::ReadWordTables(
+      file, recordCount_,
+      [&](const WordTableRecord& record, std::uint64_t start) { return AddTable(file, *data, record, start); },
+      [&](CLargeParameterDataEntry& table) { return ReadBlock(file, table.Arrays()); });
 }
 
 bool CLargeParameterFile::SaveFile(CNvxFile& file, CLargeParameterData* data) {

@@ -9,19 +9,18 @@
 namespace nvx {
 
 struct LargeParameterHeader {
+  static constexpr const char* kTitle = "large parameter header";
   static constexpr std::uint32_t kMagic = Magic("MRAP");
   static constexpr std::uint32_t kRecordMagic = Magic("HMRP");
   static constexpr std::uint32_t kFixedMagic = Magic("DMRP");                    // before the array of used type 1
   static constexpr TwoArrayMagics kPatternMagics{Magic("HERP"), Magic("EMRP")};  // before those of used type 2
 
-  std::uint32_t magic = kMagic;
-  std::uint32_t headerSize = 16;
   std::int32_t recordCount = 0;
 
   template <class Self, class Codec>
   static constexpr void Describe(Self& record, Codec& codec) {
-    codec.Number("magic", record.magic);
-    codec.Number("header size", record.headerSize);
+    codec.Constant("magic", kMagic);
+    codec.OwnSize("header size");
     codec.Number("record count", record.recordCount);
     codec.Reserved(4);
   }

@@ -1,4 +1,4 @@
-#include "core/stream.h"
+#include "core/form.h"
 #include "core/text.h"
 #include "entries/lut/lut_records.h"
 
@@ -31,8 +31,7 @@ bool HoldsTable(CNvxFile& file, std::uint32_t inputs, std::uint32_t outputs, std
 bool ReadChannels(CNvxFile& file, CLutData& data, std::uint32_t count, ChannelAt channelAt) {
   for (std::uint32_t i = 0; i < count; ++i) {
     LutChannelHeader header;
-    if (!nvx::ReadRecord(file, header)) return nvx::Refuse(file, "channel header: cut short");
-    if (header.magic != LutChannelHeader::kMagic) return nvx::Refuse(file, "channel header: wrong signature");
+    if (!nvx::ReadChecked(file, header)) return false;
     CLutChannelInf* const channel = (data.*channelAt)(static_cast<int>(i));
     if (channel == nullptr) return false;
     if (nvx::FieldText(header.channelName).size() >= CLutChannelInf::kNameLength) {
@@ -101,9 +100,7 @@ CLutFile::~CLutFile() = default;
 
 bool CLutFile::LoadHeader(CNvxFile& file) {
   LutHeader header;
-  if (!nvx::ReadRecord(file, header)) return nvx::Refuse(file, "colour table: header cut short");
-  if (header.magic != LutHeader::kMagic) return nvx::Refuse(file, "colour table: wrong signature");
-  if (header.version != LutHeader::kVersion) return nvx::Refuse(file, "colour table: wrong version");
+  if (!nvx::ReadChecked(file, header)) return false;
   inputChannels_ = header.inputChannels;
   outputChannels_ = header.outputChannels;
   gridCount_ = header.gridCount;

@@ -1,6 +1,6 @@
 // The entries that carry print masks.
+#include "core/form.h"
 #include "core/payload.h"
-#include "core/stream.h"
 #include "entries/mask/mask_download_records.h"
 
 #include <nvxprofile/mask_download.h>
@@ -146,7 +146,7 @@ bool CMaskDownLoadEntry::DoImport(CProfileDataEntry* source) {
 bool CMaskDownLoadEntry::BufferToData() {
   return nvx::ParseBuffer(*this, [this](CNvxFile& file) {
     WeftHeaderRecord record;
-    if (!nvx::ReadRecord(file, record)) return nvx::Refuse(file, "mask download header: cut short");
+    if (!nvx::ReadChecked(file, record)) return false;
     blockHeaders_.clear();
     header_ = record.header;
     return LoadWeftDataHeader(file) && LoadWeftData(file);
@@ -154,16 +154,12 @@ bool CMaskDownLoadEntry::BufferToData() {
 }
 
 bool CMaskDownLoadEntry::LoadWeftDataHeader(CNvxFile& file) {
-  // Each block needs a header and at least the magic of a body.
-  constexpr std::uint32_t kLeast = nvx::kRecordSize<WeftBlockHeader> + WeftBlockHeader::kBodyMagicSize;
-  if (!nvx::Holds(file, header_.DataCount, kLeast))
-    return nvx::Refuse(file, "mask download header: data count beyond the end");
-  std::vector<WeftBlockHeader> headers(header_.DataCount);
-  for (WeftBlockHeader& header : headers) {
-    if (!nvx::ReadRecord(file, header)) return nvx::Refuse(file, "mask download block header: cut short");
-    if (header.magic != WeftBlockHeader::kMagic) return nvx::Refuse(file, "mask download block header: wrong magic");
+  nvx::RecordTable<WeftBlockHeader> headers;
+  if (!headers.Read(file, header_.DataCount, "mask download block headers", WeftBlockHeader::kBodyMagicSize) ||
+      !headers.Check(file)) {
+    return false;
   }
-  blockHeaders_ = std::move(headers);
+  blockHeaders_ = headers.All();
   return true;
 }
 

@@ -9,6 +9,7 @@ namespace nvx {
 
 // The stream header as it stands in the published structure.
 struct WeftHeaderRecord {
+  static constexpr const char* kTitle = "mask download header";
   tagWeftHeader header;
 
   template <class Self, class Codec>
@@ -22,12 +23,11 @@ struct WeftHeaderRecord {
 };
 
 struct WeftBlockHeader {
+  static constexpr const char* kTitle = "mask download block header";
   static constexpr std::uint32_t kMagic = Magic("TFEW");
   static constexpr std::uint32_t kBodyMagic = Magic("DFEW");
   static constexpr std::uint32_t kBodyMagicSize = 4;
 
-  std::uint32_t magic = kMagic;
-  std::uint32_t headerSize = 24;
   std::uint32_t blockType = 0;
   std::uint32_t length = 0;  // of the body, its magic included; readers go by the type
   std::uint32_t valueCount = 0;
@@ -35,8 +35,8 @@ struct WeftBlockHeader {
 
   template <class Self, class Codec>
   static constexpr void Describe(Self& record, Codec& codec) {
-    codec.Number("magic", record.magic);
-    codec.Number("block header size", record.headerSize);
+    codec.Constant("magic", kMagic);
+    codec.OwnSize("block header size");
     codec.Number("block type", record.blockType);
     codec.Number("length", record.length);
     codec.Number("value count", record.valueCount);

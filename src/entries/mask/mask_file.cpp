@@ -1,5 +1,5 @@
 // The forms of the mask parameter list and the mask pattern table.
-#include "core/stream.h"
+#include "core/form.h"
 #include "entries/mask/mask_records.h"
 
 #include <nvxprofile/mask.h>
@@ -9,8 +9,9 @@
 #include <utility>
 #include <vector>
 
-using nvx::MaskFileHeader;
+using nvx::MaskParameterHeader;
 using nvx::MaskParameterRecord;
+using nvx::MaskPatternHeader;
 using nvx::MaskPatternRecord;
 
 namespace {
@@ -19,33 +20,22 @@ using Parameters = std::vector<std::unique_ptr<CMaskParameterDataEntry>>;
 using Patterns = std::vector<std::unique_ptr<CMaskPatternDataEntry>>;
 using Sizes = std::vector<std::uint32_t>;
 
-// The record count of a header with that magic.
-bool ReadHeader(CNvxFile& file, std::uint32_t magic, std::uint32_t& recordCount) {
-  MaskFileHeader header;
-  if (!nvx::ReadRecord(file, header)) return nvx::Refuse(file, "mask header: cut short");
-  if (header.magic != magic) return nvx::Refuse(file, "mask header: wrong magic");
-  recordCount = header.recordCount;
-  return true;
-}
-
-MaskFileHeader HeaderOf(std::uint32_t magic, std::size_t recordCount) {
-  MaskFileHeader header;
-  header.magic = magic;
+template <class Header>
+Header HeaderOf(std::size_t recordCount) {
+  Header header;
   header.recordCount = static_cast<std::uint32_t>(recordCount);
   return header;
 }
 
-// Calls take(record) for each record with the right magic, until one gives false.
+// Calls take(record, offset) for each record with the right magic, until one gives false.
 template <class Record, class Take>
 bool ReadRecords(CNvxFile& file, std::uint32_t count, Take take) {
-  if (!nvx::Holds(file, count, nvx::kRecordSize<Record>))
-    return nvx::Refuse(file, "mask records: count beyond the end");
+  nvx::RecordTable<Record> records;
+  if (!records.Read(file, count, "mask records")) return false;
   for (std::uint32_t i = 0; i < count; ++i) {
-    Record record;
-    if (!nvx::ReadRecord(file, record)) return nvx::Refuse(file, "mask record: cut short");
-    if (record.magic != nvx::kMaskRecordMagic) {
-      nvx::PassOver(file, "mask record: wrong magic, passed over");
-    } else if (!take(record)) {
+    if (!nvx::HasConstants<Record>(records.BytesAt(i))) {
+      nvx::PassOverAt(file, records.OffsetOf(i), "mask record: wrong magic, passed over");
+    } else if (!take(records.At(i), records.OffsetOf(i))) {
       return false;
     }
   }
@@ -106,11 +96,11 @@ MaskParameterRecord RecordOf(const CMaskParameterDataEntry& entry) {
 }
 
 bool ReadParameters(CNvxFile& file, std::uint32_t count, Parameters& parameters, Sizes& sizes) {
-  return ReadRecords<MaskParameterRecord>(file, count, [&](const MaskParameterRecord& record) {
+  return ReadRecords<MaskParameterRecord>(file, count, [&](const MaskParameterRecord& record, std::uint64_t offset) {
     if (record.layerColorCount > CMaskParameterFile::kMostLayerColors)
-      return nvx::Refuse(file, "mask parameter record: more than 10 layer colours");
+      return nvx::RefuseAt(file, offset, "mask parameter record: more than 10 layer colours");
     if (record.usePatternIDCount > CMaskParameterFile::kMostUsePatternIDs)
-      return nvx::Refuse(file, "mask parameter record: more than 15 pattern IDs");
+      return nvx::RefuseAt(file, offset, "mask parameter record: more than 15 pattern IDs");
     parameters.push_back(MakeParameter(record));
     sizes.push_back(record.dataSize);
     return true;
@@ -130,7 +120,7 @@ bool ReadParameterBlocks(CNvxFile& file, const Parameters& parameters, const Siz
 }
 
 bool ReadPatterns(CNvxFile& file, std::uint32_t count, Patterns& patterns, Sizes& sizes) {
-  return ReadRecords<MaskPatternRecord>(file, count, [&](const MaskPatternRecord& record) {
+  return ReadRecords<MaskPatternRecord>(file, count, [&](const MaskPatternRecord& record, std::uint64_t) {
     patterns.push_back(std::make_unique<CMaskPatternDataEntry>());
     patterns.back()->SetMaskPatternID(record.id);
     sizes.push_back(record.patternSize);
@@ -172,7 +162,9 @@ void KeepNewPatterns(CNvxFile& file, const CMaskPatternData& table, Patterns& pa
 }  // namespace
 
 bool CMaskParameterFile::LoadHeader(CNvxFile& file) {
-  headerRead_ = ReadHeader(file, MaskFileHeader::kParameterMagic, recordCount_);
+  MaskParameterHeader header;
+  headerRead_ = nvx::ReadChecked(file, header);
+  recordCount_ = header.recordCount;
   return headerRead_;
 }
 
@@ -189,7 +181,7 @@ bool CMaskParameterFile::LoadFile(CNvxFile& file, CMaskParameterData* data) {
 bool CMaskParameterFile::SaveFile(CNvxFile& file, CMaskParameterData* data) {
   if (data == nullptr || !CanSave(*data)) return false;
   const auto& entries = data->Entries();
-  return nvx::WriteForm(file, HeaderOf(MaskFileHeader::kParameterMagic, entries.Count()), entries, RecordOf,
+  return nvx::WriteForm(file, HeaderOf<MaskParameterHeader>(entries.Count()), entries, RecordOf,
                         [&](const CMaskParameterDataEntry& entry) {
                           return WriteBlock(file, nvx::kMaskParameterBlockMagic, entry.GetParamDataBuffer(),
                                             entry.GetParamDataSize());
@@ -203,7 +195,10 @@ bool CMaskParameterFile::CanSave(const CMaskParameterData& data) {
 }
 
 bool CMaskPatternFile::LoadHeader(CNvxFile& file) {
-  return ReadHeader(file, MaskFileHeader::kPatternMagic, recordCount_);
+  MaskPatternHeader header;
+  if (!nvx::ReadChecked(file, header)) return false;
+  recordCount_ = header.recordCount;
+  return true;
 }
 
 bool CMaskPatternFile::LoadFile(CNvxFile& file, CMaskPatternData* data) {
@@ -226,9 +221,8 @@ bool CMaskPatternFile::SaveFile(CNvxFile& file, CMaskPatternData* data) {
     record.patternSize = entry.GetMaskPatternSize();
     return record;
   };
-  return nvx::WriteForm(file, HeaderOf(MaskFileHeader::kPatternMagic, entries.Count()), entries, recordOf,
-                        [&](const CMaskPatternDataEntry& entry) {
-                          return WriteBlock(file, nvx::kMaskPatternBlockMagic, entry.GetMaskPatternBuffer(),
-                                            entry.GetMaskPatternSize());
-                        });
+  return nvx::WriteForm(
+      file, HeaderOf<MaskPatternHeader>(entries.Count()), entries, recordOf, [&](const CMaskPatternDataEntry& entry) {
+        return WriteBlock(file, nvx::kMaskPatternBlockMagic, entry.GetMaskPatternBuffer(), entry.GetMaskPatternSize());
+      });
 }

@@ -16,19 +16,17 @@ inline constexpr std::uint32_t kMaskBlockMagicSize = 4;
 inline constexpr std::uint32_t kMaskRecordMagic = Magic("HRPM");
 
 // The header, which differs between the two forms in its magic alone.
+template <std::uint32_t kMagic>
 struct MaskFileHeader {
-  static constexpr std::uint32_t kParameterMagic = Magic("HPPM");
-  static constexpr std::uint32_t kPatternMagic = Magic("HTPM");
+  static constexpr const char* kTitle = "mask header";
 
-  std::uint32_t magic = 0;
-  std::uint32_t headerSize = 40;
   std::uint32_t version = 1;
   std::uint32_t recordCount = 0;
 
   template <class Self, class Codec>
   static constexpr void Describe(Self& record, Codec& codec) {
-    codec.Number("magic", record.magic);
-    codec.Number("header size", record.headerSize);
+    codec.Constant("magic", kMagic);
+    codec.OwnSize("header size");
     codec.Number("version", record.version);
     codec.Reserved(4);
     codec.Number("record count", record.recordCount);
@@ -36,9 +34,10 @@ struct MaskFileHeader {
   }
 };
 
+using MaskParameterHeader = MaskFileHeader<Magic("HPPM")>;
+using MaskPatternHeader = MaskFileHeader<Magic("HTPM")>;
+
 struct MaskParameterRecord {
-  std::uint32_t magic = kMaskRecordMagic;
-  std::uint32_t recordSize = 136;
   std::uint32_t pass = 0;
   std::uint32_t specialColorsetCode = 0;
   std::uint32_t printMethod = 0;
@@ -50,8 +49,8 @@ struct MaskParameterRecord {
 
   template <class Self, class Codec>
   static constexpr void Describe(Self& record, Codec& codec) {
-    codec.Number("magic", record.magic);
-    codec.Number("record size", record.recordSize);
+    codec.Constant("magic", kMaskRecordMagic);
+    codec.OwnSize("record size");
     codec.Reserved(4);
     codec.Number("pass", record.pass);
     codec.Number("special colourset code", record.specialColorsetCode);
@@ -65,15 +64,13 @@ struct MaskParameterRecord {
 };
 
 struct MaskPatternRecord {
-  std::uint32_t magic = kMaskRecordMagic;
-  std::uint32_t recordSize = 40;
   std::uint32_t id = 0;
   std::uint32_t patternSize = 0;
 
   template <class Self, class Codec>
   static constexpr void Describe(Self& record, Codec& codec) {
-    codec.Number("magic", record.magic);
-    codec.Number("record size", record.recordSize);
+    codec.Constant("magic", kMaskRecordMagic);
+    codec.OwnSize("record size");
     codec.Reserved(4);
     codec.Number("mask pattern ID", record.id);
     codec.Number("mask pattern size", record.patternSize);
@@ -81,7 +78,7 @@ struct MaskPatternRecord {
   }
 };
 
-static_assert(kRecordSize<MaskFileHeader> == 40);
+static_assert(kRecordSize<MaskParameterHeader> == 40);
 static_assert(kRecordSize<MaskParameterRecord> == 136);
 static_assert(kRecordSize<MaskPatternRecord> == 40);
 

@@ -1,4 +1,4 @@
-#include "core/stream.h"
+#include "core/form.h"
 #include "entries/media/media_property_records.h"
 
 #include <nvxprofile/media_property.h>
@@ -11,21 +11,26 @@ using nvx::MediaPropertyHeader;
 
 namespace {
 
+using EntryHeaders = nvx::RecordTable<MediaPropertyEntryHeader>;
+
 // The block that an entry header describes, without values.
-CMediaPropertyDataEntry* MakeBlock(CNvxFile& file, const MediaPropertyEntryHeader& header) {
+CMediaPropertyDataEntry* MakeBlock(CNvxFile& file, const EntryHeaders& headers, std::uint32_t index) {
+  const MediaPropertyEntryHeader header = headers.At(index);
   auto* const block = CMediaPropertyDataEntry::CreateMediaPropertyDataEntry(header.usedType, header.parameterMax);
   if (header.parameterMax != static_cast<std::uint32_t>(block->GetParameterMax())) {
-    nvx::Warn(file, file.GetPosition(), "entry header: parameter count does not belong to the used type");
+    nvx::Warn(file, headers.OffsetOf(index), "entry header: parameter count does not belong to the used type");
   }
   return block;
 }
 
 bool ReadValues(CNvxFile& file, CMediaPropertyDataEntry& block) {
-  if (nvx::Remaining(file) < nvx::kRecordSize<MediaPropertyBlock>) {
-    nvx::Warn(file, file.GetPosition(), "data block: cut short, the rest reads as zero");
+  const std::uint32_t start = file.GetPosition();
+  nvx::RecordBytes<MediaPropertyBlock> bytes{};
+  if (!nvx::ReadExact(file, bytes.data(), nvx::kRecordSize<MediaPropertyBlock>)) {
+    nvx::Warn(file, start, "data block: cut short, the rest reads as zero");
   }
-  const auto stored = nvx::ReadRecordPadded<MediaPropertyBlock>(file);
-  if (stored.magic != MediaPropertyBlock::kMagic) return nvx::Refuse(file, "data block: wrong signature");
+  if (!nvx::CheckConstants<MediaPropertyBlock>(file, start, bytes.data())) return false;
+  const auto stored = nvx::DecodeRecord<MediaPropertyBlock>(bytes.data());
   for (std::int32_t i = 0; i < block.GetParameterMax(); ++i) block.SetParameter(i, stored.parameters[i]);
   return true;
 }
@@ -50,9 +55,7 @@ CMediaPropertyFile::~CMediaPropertyFile() = default;
 bool CMediaPropertyFile::LoadHeader(CNvxFile& file) {
   file.SeekToBegin();
   MediaPropertyHeader header;
-  if (!nvx::ReadRecord(file, header)) return nvx::RefuseAt(file, 0, "media property: header cut short");
-  if (header.magic != MediaPropertyHeader::kMagic) return nvx::RefuseAt(file, 0, "media property: wrong signature");
-  if (header.version != MediaPropertyHeader::kVersion) return nvx::RefuseAt(file, 8, "media property: wrong version");
+  if (!nvx::ReadChecked(file, header)) return false;
   entryCount_ = header.entryCount;
   headerRead_ = true;
   return true;
@@ -60,12 +63,9 @@ bool CMediaPropertyFile::LoadHeader(CNvxFile& file) {
 
 bool CMediaPropertyFile::LoadFile(CNvxFile& file, CMediaPropertyData* data) {
   if (data == nullptr || (!headerRead_ && !LoadHeader(file))) return false;
-  if (!nvx::Holds(file, entryCount_, nvx::kRecordSize<MediaPropertyEntryHeader>)) {
-    return nvx::Refuse(file, "media property: entry count beyond the end");
-  }
-  for (std::uint32_t i = 0; i < entryCount_; ++i) {
-    data->AddTail(MakeBlock(file, nvx::ReadRecordPadded<MediaPropertyEntryHeader>(file)));
-  }
+  EntryHeaders headers;
+  if (!headers.Read(file, entryCount_, "media property entry headers")) return false;
+  for (std::uint32_t i = 0; i < headers.Count(); ++i) data->AddTail(MakeBlock(file, headers, i));
   const auto& blocks = data->Entries();
   return std::all_of(blocks.begin(), blocks.end(),
                      [&](CMediaPropertyDataEntry* block) { return ReadValues(file, *block); });

@@ -8,19 +8,17 @@
 namespace nvx {
 
 struct MediaPropertyHeader {
+  static constexpr const char* kTitle = "media property";
   static constexpr std::uint32_t kMagic = Magic("IDEM");
   static constexpr std::uint32_t kVersion = 0x00010000;
 
-  std::uint32_t magic = kMagic;
-  std::uint32_t headerSize = 16;
-  std::uint32_t version = kVersion;
   std::uint32_t entryCount = 0;
 
   template <class Self, class Codec>
   static constexpr void Describe(Self& record, Codec& codec) {
-    codec.Number("magic", record.magic);
-    codec.Number("header size", record.headerSize);
-    codec.Number("version", record.version);
+    codec.Constant("signature", kMagic);
+    codec.OwnSize("header size");
+    codec.Constant("version", kVersion);
     codec.Number("entry count", record.entryCount);
   }
 };
@@ -28,16 +26,14 @@ struct MediaPropertyHeader {
 struct MediaPropertyEntryHeader {
   static constexpr std::uint32_t kMagic = Magic("HEPM");
 
-  std::uint32_t magic = kMagic;
-  std::uint32_t headerSize = 20;
   std::uint32_t usedType = 0;
   std::uint32_t blockSize = 68;
   std::uint32_t parameterMax = 0;
 
   template <class Self, class Codec>
   static constexpr void Describe(Self& record, Codec& codec) {
-    codec.Number("magic", record.magic);
-    codec.Number("header size", record.headerSize);
+    codec.Constant("signature", kMagic);
+    codec.OwnSize("header size");
     codec.Number("used type", record.usedType);
     codec.Number("block size", record.blockSize);
     codec.Number("parameter max", record.parameterMax);
@@ -45,14 +41,14 @@ struct MediaPropertyEntryHeader {
 };
 
 struct MediaPropertyBlock {
+  static constexpr const char* kTitle = "data block";
   static constexpr std::uint32_t kMagic = Magic("ADPM");
 
-  std::uint32_t magic = kMagic;
   std::int32_t parameters[CMediaPropertyDataEntry::kParameterRoom] = {};
 
   template <class Self, class Codec>
   static constexpr void Describe(Self& record, Codec& codec) {
-    codec.Number("magic", record.magic);
+    codec.Constant("signature", kMagic);
     for (auto& parameter : record.parameters) codec.Number("parameters", parameter);
   }
 };

@@ -1,4 +1,4 @@
-#include "core/stream.h"
+#include "core/form.h"
 #include "entries/model_info/model_info_records.h"
 
 #include <nvxprofile/model_info.h>
@@ -25,9 +25,8 @@ void ReadFromBegin(CNvxFile& file, std::array<std::uint8_t, N>& bytes) {
 bool CModelFile::LoadHeader(CNvxFile& file) {
   constexpr std::uint32_t kVdTypeSize = sizeof(ModelRecord::vdType);
   ReadFromBegin(file, record_);
-  const auto record = nvx::DecodeRecord<ModelRecord>(record_.data());
-  if (record.magic != ModelRecord::kMagic) return nvx::RefuseAt(file, 0, "model record: wrong signature");
-  if (record.version == ModelRecord::kShortVersion) {
+  if (!nvx::CheckConstants<ModelRecord>(file, 0, record_.data())) return false;
+  if (nvx::DecodeRecord<ModelRecord>(record_.data()).version == ModelRecord::kShortVersion) {
     std::fill(record_.end() - kVdTypeSize, record_.end(), std::uint8_t{0});
     file.Seek(0u - kVdTypeSize, nvx::kFromPosition);
   }
@@ -68,9 +67,7 @@ CInfoFile::~CInfoFile() = default;
 
 bool CInfoFile::LoadHeader(CNvxFile& file) {
   ReadFromBegin(file, record_);
-  const auto record = nvx::DecodeRecord<InfoRecord>(record_.data());
-  if (record.magic != InfoRecord::kMagic) return nvx::RefuseAt(file, 0, "info record: wrong signature");
-  if (record.version != InfoRecord::kVersion) return nvx::RefuseAt(file, 8, "info record: wrong version");
+  if (!nvx::CheckConstants<InfoRecord>(file, 0, record_.data())) return false;
   headerRead_ = true;
   return true;
 }

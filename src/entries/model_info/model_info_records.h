@@ -10,13 +10,12 @@ namespace nvx {
 inline constexpr std::size_t kRecordTextWidth = 64;
 
 struct ModelRecord {
+  static constexpr const char* kTitle = "model record";
   static constexpr std::uint32_t kMagic = Magic("LDOM");
   static constexpr std::uint32_t kVersion = 0x00010002;
   // Ends before the VD type.
   static constexpr std::uint32_t kShortVersion = 0x00010000;
 
-  std::uint32_t magic = kMagic;
-  std::uint32_t recordSize = CModelFile::kRecordSize;
   std::uint32_t version = kVersion;
   std::uint32_t cmykMode = 0;
   char modelName[kRecordTextWidth] = {};
@@ -27,8 +26,8 @@ struct ModelRecord {
 
   template <class Self, class Codec>
   static constexpr void Describe(Self& record, Codec& codec) {
-    codec.Number("magic", record.magic);
-    codec.Number("record size", record.recordSize);
+    codec.Constant("signature", kMagic);
+    codec.OwnSize("record size");
     codec.Number("version", record.version);
     codec.Number("CMYK mode", record.cmykMode);
     codec.Text("model name", record.modelName, kRecordTextWidth);
@@ -40,12 +39,10 @@ struct ModelRecord {
 };
 
 struct InfoRecord {
+  static constexpr const char* kTitle = "info record";
   static constexpr std::uint32_t kMagic = Magic("OFNI");
   static constexpr std::uint32_t kVersion = 0x00010000;
 
-  std::uint32_t magic = kMagic;
-  std::uint32_t recordSize = CInfoFile::kRecordSize;
-  std::uint32_t version = kVersion;
   char versionStr[kRecordTextWidth] = {};
   char comment[kRecordTextWidth] = {};
   char userName[kRecordTextWidth] = {};
@@ -53,9 +50,9 @@ struct InfoRecord {
 
   template <class Self, class Codec>
   static constexpr void Describe(Self& record, Codec& codec) {
-    codec.Number("magic", record.magic);
-    codec.Number("record size", record.recordSize);
-    codec.Number("version", record.version);
+    codec.Constant("signature", kMagic);
+    codec.OwnSize("record size");
+    codec.Constant("version", kVersion);
     codec.Reserved(4);
     codec.Text("version string", record.versionStr, kRecordTextWidth);
     codec.Text("comment", record.comment, kRecordTextWidth);

@@ -1,4 +1,3 @@
-#include "core/stream.h"
 #include "entries/special_color/curve_set_list.h"
 #include "entries/special_color/special_color_records.h"
 
@@ -34,32 +33,30 @@ std::optional<CurveSets> FindCurveSets(CNvxFile& file, std::uint64_t start, std:
   return CurveSetsOf(head);
 }
 
-// A data block that is still to be read.
-struct Block {
-  std::uint64_t start = 0;
-  TwoArrayLengths lengths{};
-  std::uint64_t size = 0;
-};
+using FoundTable = nvx::FoundTable<CSpecialColorInfoDataEntry>;
 
-std::optional<Block> FindBlock(CNvxFile& file, const WordTableRecord& record, std::uint64_t start) {
+// Adds the table that a record describes, without words, with its block at `start`; nothing for a broken rule and when
+// memory runs out.
+std::optional<FoundTable> AddTable(CNvxFile& file, CSpecialColorInfoData& data, const WordTableRecord& record,
+                                   std::uint64_t start) {
+  if (record.usedType != kSpecialColorTable) {
+    nvx::PassOver(file, "record: a used type other than 1 makes no table");
+    return FoundTable{};
+  }
   const auto lengths = nvx::FindArrayLengths(file, start, record.dataSize);
   if (!lengths) return std::nullopt;
   const auto curveSets = FindCurveSets(file, start, lengths->first);
   if (!curveSets) return std::nullopt;
-  const Block block{start, *lengths, lengths->BlockSize() + curveSets->bytes};
-  if (!nvx::HoldsBlock(file, start, block.size)) {
+  const std::uint64_t size = lengths->BlockSize() + curveSets->bytes;
+  if (!nvx::HoldsBlock(file, start, size)) {
     nvx::RefuseAt(file, start, "VD curves: byte count beyond the end");
     return std::nullopt;
   }
-  return block;
-}
-
-// The table that a record describes, without words; null when memory runs out.
-CSpecialColorInfoDataEntry* MakeTable(const WordTableRecord& record, const Block& block) {
-  const std::uint32_t sizes[] = {block.lengths.first, block.lengths.second};
+  const std::uint32_t sizes[] = {lengths->first, lengths->second};
   auto* const table = CSpecialColorInfoDataEntry::CreateSpecialColorInfoDataEntry(record.usedType, sizes);
-  if (table != nullptr) table->SetPatternCount(record.count);
-  return table;
+  if (!data.AddTail(table)) return std::nullopt;
+  table->SetPatternCount(record.count);
+  return FoundTable{table, size};
 }
 
 bool ReadArray(CNvxFile& file, std::uint32_t magic, std::span<std::int32_t> words) {
@@ -76,12 +73,6 @@ bool ReadTable(CNvxFile& file, CSpecialColorInfoDataEntry& table) {
          nvx::ReadCurveSets(file, curveSets.count, curveSets.bytes,
                             [&](std::unique_ptr<CCurveData> curves) { table.AddTailVD(curves.release()); });
 }
-
-// A table that has its shape but not its words yet, and where they stand.
-struct Placed {
-  CSpecialColorInfoDataEntry* table;
-  std::uint64_t start;
-};
 
 bool IsCarried(const CSpecialColorInfoDataEntry& table) {
   if (table.GetUsedType() != kSpecialColorTable || !nvx::SaysItsLength(table.Arrays())) return false;
@@ -123,13 +114,13 @@ CSpecialColorInfoFile::~CSpecialColorInfoFile() = default;
 
 bool CSpecialColorInfoFile::LoadHeader(CNvxFile& file) {
   file.SeekToBegin();
-  const bool isWhole = nvx::Holds(file, 1, nvx::kRecordSize<SpecialColorHeader>);
-  const auto header = nvx::ReadRecordPadded<SpecialColorHeader>(file);
+  nvx::RecordBytes<SpecialColorHeader> bytes{};
+  const bool isWhole = nvx::ReadExact(file, bytes.data(), nvx::kRecordSize<SpecialColorHeader>);
+  const auto header = nvx::DecodeRecord<SpecialColorHeader>(bytes.data());
   profileColorType_ = header.profileColorType;
   recordCount_ = header.recordCount;
-  headerRead_ = isWhole && header.magic == SpecialColorHeader::kMagic;
-  if (!isWhole) return nvx::Refuse(file, "special colour header: cut short");
-  return headerRead_ || nvx::Refuse(file, "special colour header: wrong magic");
+  headerRead_ = isWhole && nvx::CheckConstants<SpecialColorHeader>(file, 0, bytes.data());
+  return isWhole ? headerRead_ : nvx::RefuseCutShort(file, SpecialColorHeader::kTitle);
 }
 
 bool CSpecialColorInfoFile::LoadFile(CNvxFile& file, CSpecialColorInfoData* data) {
@@ -137,29 +128,10 @@ bool CSpecialColorInfoFile::LoadFile(CNvxFile& file, CSpecialColorInfoData* data
   if (!headerRead_) LoadHeader(file);
   data->SetProfileColorType(profileColorType_);
   if (!headerRead_) return false;
-  const auto records = nvx::ReadWordTableRecords(file, recordCount_);
-  if (!records) return false;
-
-  std::vector<Placed> placed;
-  std::uint64_t end = file.GetPosition();
-  for (const WordTableRecord& record : *records) {
-    if (record.usedType != kSpecialColorTable) {
-      nvx::PassOver(file, "record: a used type other than 1 makes no table");
-      continue;
-    }
-    const auto block = FindBlock(file, record, end);
-    if (!block) return false;
-    CSpecialColorInfoDataEntry* const table = MakeTable(record, *block);
-    if (!data->AddTail(table)) return false;
-    placed.push_back({table, block->start});
-    end += block->size;
-  }
-
-  bool complete = true;
-  for (const Placed& block : placed) {
-    complete = nvx::SeekTo(file, block.start) && ReadTable(file, *block.table) && complete;
-  }
-  return nvx::SeekTo(file, end) && complete;
+  return nvx::ReadWordTables(
+      file, recordCount_,
+      [&](const WordTableRecord& record, std::uint64_t start) { return AddTable(file, *data, record, start); },
+      [&](CSpecialColorInfoDataEntry& table) { return ReadTable(file, table); });
 }
 
 bool CSpecialColorInfoFile::SaveFile(CNvxFile& file, CSpecialColorInfoData* data) {

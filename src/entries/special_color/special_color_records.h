@@ -9,20 +9,19 @@
 namespace nvx {
 
 struct SpecialColorHeader {
+  static constexpr const char* kTitle = "special colour header";
   static constexpr std::uint32_t kMagic = Magic("RCPS");
   static constexpr std::uint32_t kRecordMagic = Magic("HCPS");
   static constexpr TwoArrayMagics kArrayMagics{Magic("HEPS"), Magic("ECPS")};
 
-  std::uint32_t magic = kMagic;
-  std::uint32_t headerSize = 32;
   std::uint32_t version = 1;
   std::uint32_t profileColorType = 0;
   std::int32_t recordCount = 0;
 
   template <class Self, class Codec>
   static constexpr void Describe(Self& record, Codec& codec) {
-    codec.Number("magic", record.magic);
-    codec.Number("header size", record.headerSize);
+    codec.Constant("magic", kMagic);
+    codec.OwnSize("header size");
     codec.Number("version", record.version);
     codec.Reserved(4);
     codec.Number("profile colour type", record.profileColorType);
