@@ -195,7 +195,8 @@ struct ProfileInfo {
   std::uint32_t renderingScan = 0, renderingFeed = 0;    // a save makes them those of the output
   std::uint32_t expand = 0;
   std::int32_t colorsetCode = 0, inkTypeCode = 0, inkMakerCode = 0, inkVersion = 0;
-  std::int32_t dotType = 0, halftoneCode = 0, separateWayCode = 0;
+  std::int32_t dotType = 0, halftoneCode = 0;
+  std::int32_t separateWayCode = 0;  // a file with special colours of profile type 1 loads as 3, whatever was saved
   std::uint16_t outputThirdValue = 0;
   std::int32_t outputFourthValue = -1;  // of the output block of the masks, -1 without one
   std::array<std::int32_t, 5> databaseKey{-1, -1, -1, -1, -1};

@@ -76,6 +76,7 @@ class Info:
     media_name = _Fact[str]()
     rendering_scan = _Fact[int]()
     rendering_feed = _Fact[int]()
+    expand = _Fact[int]()
     printer_comment = _Fact[str]()
     output_fourth_value = _Fact[int]()
 
@@ -91,7 +92,6 @@ class Info:
     maker = _Field[str]()
     scan_resolution = _Field[int]()
     feed_resolution = _Field[int]()
-    expand = _Field[int]()
     colorset_code = _Field[int]()
     ink_type_code = _Field[int]()
     ink_maker_code = _Field[int]()

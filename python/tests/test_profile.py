@@ -134,12 +134,33 @@ def test_a_profile_is_made_by_its_makers_and_not_pickled(profile: Profile) -> No
     assert made.table is None and made.table_inputs == () and made.masks is None and not made.curves
 
 
-def test_info_is_read_and_written_by_name(profile: Profile) -> None:
+def test_info_takes_every_field_that_can_be_written(profile: Profile) -> None:
     info = profile.info
-    info.media_names = (nvxprofile.MediaName(9, "Film"), nvxprofile.MediaName(17, "光沢"))
-    info.created = datetime.datetime(2020, 1, 2, 3, tzinfo=datetime.timezone.utc)
+    values: Dict[str, object] = {
+        "model_code": "4321",
+        "model_sub_code": "21",
+        "internal_code": "43",
+        "media_code": "987654321",
+        "default_media_name": "Film",
+        "revision": "R7",
+        "create_module": "module",
+        "maker": "Example",
+        "created": datetime.datetime(2020, 1, 2, 3, tzinfo=datetime.timezone.utc),
+        "media_names": (nvxprofile.MediaName(9, "Film"), nvxprofile.MediaName(17, "光沢")),
+        "database_key": (5, 4, 3, 2, 1),
+    }
+    writable = [name for name, field in vars(type(info)).items() if hasattr(field, "__set__") and name != "_core"]
+    values.update({name: 100 + i for i, name in enumerate(writable) if name not in values})
+    assert sorted(values) == sorted(writable)
+    info.update(**values)
     again = Profile.from_bytes(profile.to_bytes(), "film.icc").info
-    assert again.media_names == info.media_names and again.created == info.created
+    # What special colours of type 1 make of it.
+    values["separate_way_code"] = 3
+    assert {name: getattr(again, name) for name in writable} == values
+
+
+def test_info_refuses_what_is_no_field_and_no_value(profile: Profile) -> None:
+    info = profile.info
     with pytest.raises(AttributeError):
         setattr(info, "file_name", "x")
     with pytest.raises(AttributeError, match="no_such"):
