@@ -40,9 +40,10 @@ void Describe(FieldCodec& codec, CCalibrationInfoEntry& entry);
 
 // What entries of several classes hold. A set that is given no used type gets that one.
 void DescribeCurveSet(FieldCodec& codec, CCurveData& set, std::uint32_t usedType);
-// The arrays of a table. Where a source gives them, `count` of them come back, for the caller to shape the table by.
+// Tells the arrays of a table. Where a source gives them, `count` of them come back, for the caller to shape a table
+// by.
 using GivenArrays = std::vector<std::vector<std::int32_t>>;
-GivenArrays DescribeWordArrays(FieldCodec& codec, const WordArrays& arrays, std::size_t count);
+GivenArrays DescribeWordArrays(FieldCodec& codec, const WordArrays* told, std::size_t count);
 // Stores the words in arrays of these lengths.
 void SetWords(WordArrays& arrays, const GivenArrays& given);
 

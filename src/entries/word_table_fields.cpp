@@ -2,14 +2,16 @@
 
 namespace nvx {
 
-GivenArrays DescribeWordArrays(FieldCodec& codec, const WordArrays& arrays, std::size_t count) {
-  std::vector<std::span<const std::int32_t>> told;
-  for (std::size_t i = 0; i < arrays.Count(); ++i) told.push_back(arrays.Words(static_cast<std::int64_t>(i)));
+GivenArrays DescribeWordArrays(FieldCodec& codec, const WordArrays* told, std::size_t count) {
+  std::vector<std::span<const std::int32_t>> words;
+  for (std::size_t i = 0; told != nullptr && i < told->Count(); ++i) {
+    words.push_back(told->Words(static_cast<std::int64_t>(i)));
+  }
   GivenArrays given;
   const auto wanted = static_cast<std::int64_t>(count);
   codec.List(
-      {.name = "parameters", .count = {wanted, wanted}}, told,
-      [&](std::span<const std::int32_t> words) { codec.Tell({}, words); },
+      {.name = "parameters", .count = {wanted, wanted}}, words,
+      [&](std::span<const std::int32_t> array) { codec.Tell({}, array); },
       [&](std::size_t) { codec.Numbers({}, given.emplace_back()); });
   return given;
 }

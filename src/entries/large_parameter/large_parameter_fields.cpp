@@ -13,19 +13,15 @@ using Table = CLargeParameterDataEntry;
 constexpr Field kUsedType = {.name = "usedType", .values = {kFixedTable, kPatternTable}};
 constexpr Field kPatternCount = {"patternCount", Presence::kSometimes};
 
-void TellTable(FieldCodec& codec, Table& table) {
-  std::uint32_t usedType = table.GetUsedType();
-  codec.Number(kUsedType, usedType);
-  if (usedType == kPatternTable) codec.Number(kPatternCount, table, &Table::GetPatternCount, &Table::SetPatternCount);
-  DescribeWordArrays(codec, table.Arrays(), 0);
-}
-
-std::unique_ptr<Table> MakeTable(FieldCodec& codec) {
-  std::uint32_t usedType = kFixedTable;
-  std::int32_t patternCount = 0;
+// Tells a table; null stands for one that is made of what the source gives.
+std::unique_ptr<Table> DescribeTable(FieldCodec& codec, Table* told) {
+  std::uint32_t usedType = told != nullptr ? told->GetUsedType() : kFixedTable;
+  std::int32_t patternCount = told != nullptr ? told->GetPatternCount() : 0;
   codec.Number(kUsedType, usedType);
   if (usedType == kPatternTable) codec.Number(kPatternCount, patternCount);
-  const auto arrays = DescribeWordArrays(codec, WordArrays(0), usedType == kFixedTable ? 1 : 2);
+  const std::size_t count = usedType == kFixedTable ? 1 : 2;
+  const auto arrays = DescribeWordArrays(codec, told != nullptr ? &told->Arrays() : nullptr, count);
+  if (!codec.Fills()) return nullptr;
   if (usedType == kFixedTable && arrays[0].size() != CLargeParameterID001Entry::kWordCount) {
     codec.Refuse("parameters",
                  "an array of " + std::to_string(CLargeParameterID001Entry::kWordCount) + " words is expected");
@@ -46,8 +42,8 @@ void Describe(FieldCodec& codec, CLargeParameterEntry& entry) {
   CLargeParameterData& data = codec.PayloadOf(entry, &Entry::GetLargeParameterData, &Entry::GetLargeParameterData);
   if (codec.Fills()) data.DeleteLargeParameter();
   codec.Groups(
-      {"entries"}, data.Entries(), [&](Table* table) { TellTable(codec, *table); },
-      [&](std::size_t) { data.AddTail(MakeTable(codec).release()); });
+      {"entries"}, data.Entries(), [&](Table* table) { DescribeTable(codec, table); },
+      [&](std::size_t) { data.AddTail(DescribeTable(codec, nullptr).release()); });
   codec.Rebuild(entry, "word 0 of each pattern table must be the byte length of its array");
 }
 

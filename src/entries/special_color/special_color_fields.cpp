@@ -12,35 +12,32 @@ using Table = CSpecialColorInfoDataEntry;
 constexpr std::uint32_t kOnlyType = 1;
 constexpr Field kUsedType = {.name = "usedType", .values = {kOnlyType, kOnlyType}};
 
-void TellTable(FieldCodec& codec, Table& table) {
-  std::uint32_t usedType = table.GetUsedType();
-  codec.Number(kUsedType, usedType);
-  codec.Number({"patternCount"}, table, &Table::GetPatternCount, &Table::SetPatternCount);
-  DescribeWordArrays(codec, table.Arrays(), 0);
-  codec.Groups(
-      {"curvesVD"}, table.CurvesVD(), [&](CCurveData* set) { DescribeCurveSet(codec, *set, 0); }, [](std::size_t) {});
-}
-
-std::unique_ptr<Table> MakeTable(FieldCodec& codec) {
-  std::uint32_t usedType = kOnlyType;
-  std::int32_t patternCount = 0;
-  codec.Number(kUsedType, usedType);
-  codec.Number({"patternCount"}, patternCount);
-  const auto arrays = DescribeWordArrays(codec, WordArrays(0), WordArrays::kMostArrays);
+std::unique_ptr<Table> MakeTable(FieldCodec& codec, std::int32_t patternCount, const GivenArrays& arrays) {
   const std::uint32_t sizes[] = {static_cast<std::uint32_t>(arrays[0].size()),
                                  static_cast<std::uint32_t>(arrays[1].size())};
   std::unique_ptr<Table> table(Table::CreateSpecialColorInfoDataEntry(kOnlyType, sizes));
   if (!table) codec.Refuse("", "the arrays are too long");
   table->SetPatternCount(patternCount);
   SetWords(table->Arrays(), arrays);
+  return table;
+}
+
+// Tells a table; null stands for one that is made of what the source gives.
+std::unique_ptr<Table> DescribeTable(FieldCodec& codec, Table* told) {
+  std::uint32_t usedType = told != nullptr ? told->GetUsedType() : kOnlyType;
+  std::int32_t patternCount = told != nullptr ? told->GetPatternCount() : 0;
+  codec.Number(kUsedType, usedType);
+  codec.Number({"patternCount"}, patternCount);
+  const auto arrays = DescribeWordArrays(codec, told != nullptr ? &told->Arrays() : nullptr, WordArrays::kMostArrays);
+  std::unique_ptr<Table> made = codec.Fills() ? MakeTable(codec, patternCount, arrays) : nullptr;
   codec.Groups(
-      {"curvesVD"}, table->CurvesVD(), [](CCurveData*) {},
+      {"curvesVD"}, (made ? *made : *told).CurvesVD(), [&](CCurveData* set) { DescribeCurveSet(codec, *set, 0); },
       [&](std::size_t) {
         auto set = std::make_unique<CCurveData>();
         DescribeCurveSet(codec, *set, CProfileDataEntry::kVariable);
-        table->AddTailVD(set.release());
+        made->AddTailVD(set.release());
       });
-  return table;
+  return made;
 }
 
 }  // namespace
@@ -53,8 +50,8 @@ void Describe(FieldCodec& codec, CSpecialColorInfoEntry& entry) {
   codec.Number({"profileColorType"}, data, &CSpecialColorInfoData::GetProfileColorType,
                &CSpecialColorInfoData::SetProfileColorType);
   codec.Groups(
-      {"entries"}, data.Entries(), [&](Table* table) { TellTable(codec, *table); },
-      [&](std::size_t) { data.AddTail(MakeTable(codec).release()); });
+      {"entries"}, data.Entries(), [&](Table* table) { DescribeTable(codec, table); },
+      [&](std::size_t) { data.AddTail(DescribeTable(codec, nullptr).release()); });
   codec.Rebuild(
       entry,
       "words 0, 2 and 3 of array 0 must be its byte length and the number and bytes of the VD curve sets, and "
