@@ -20,27 +20,35 @@ namespace nvx {
 template <class Record>
 inline constexpr const char* kTitle = Record::kTitle;
 
-// The first constant that the bytes of a record do not have; null for none.
-const RecordConstant* FindWrong(std::span<const RecordConstant> constants, const std::uint8_t* bytes);
+inline bool IsRight(const RecordConstant& constant, const std::uint8_t* bytes) {
+  return LoadLittle<std::uint32_t>(bytes + constant.offset) == constant.value;
+}
 
 // True if the bytes of a record have the constants of its form.
 template <class Record>
 bool HasConstants(const std::uint8_t* bytes) {
-  return FindWrong(kRecordFields<Record>.Constants(), bytes) == nullptr;
+  for (const RecordConstant& constant : kRecordFields<Record>.Constants()) {
+    if (!IsRight(constant, bytes)) return false;
+  }
+  return true;
 }
 
-// Refuses a record that has not; it starts at `start` of the stream.
-bool CheckConstants(CNvxFile& file, std::uint64_t start, std::string_view title,
-                    std::span<const RecordConstant> constants, const std::uint8_t* bytes);
+// Refuses a record that has not, by the first that is wrong; it starts at `start` of the stream.
+bool RefuseConstants(CNvxFile& file, std::uint64_t start, std::string_view title,
+                     std::span<const RecordConstant> constants, const std::uint8_t* bytes);
 
 template <class Record>
 bool CheckConstants(CNvxFile& file, std::uint64_t start, const std::uint8_t* bytes) {
-  return CheckConstants(file, start, kTitle<Record>, kRecordFields<Record>.Constants(), bytes);
+  return HasConstants<Record>(bytes) ||
+         RefuseConstants(file, start, kTitle<Record>, kRecordFields<Record>.Constants(), bytes);
 }
 
 // Refuse, by the title of a record or a table.
-bool RefuseCutShort(CNvxFile& file, std::string_view title);
-bool RefuseCount(CNvxFile& file, std::string_view title);
+bool RefuseBy(CNvxFile& file, std::string_view title, std::string_view why);
+inline bool RefuseCutShort(CNvxFile& file, std::string_view title) { return RefuseBy(file, title, "cut short"); }
+inline bool RefuseCount(CNvxFile& file, std::string_view title) {
+  return RefuseBy(file, title, "count beyond the end");
+}
 
 // The next record of the stream, with the constants of its form. False, with the record as it was, for any other and if
 // the stream ends early.

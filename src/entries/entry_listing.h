@@ -25,7 +25,7 @@ bool ReadEntryHeaders(CNvxFile& file, std::uint64_t start, std::uint32_t count, 
                       std::vector<std::array<std::uint8_t, kSize>>& headers) {
   static_assert(kSize == kRecordSize<Header>);
   headers.clear();
-  if (!SeekTo(file, start)) return Refuse(file, std::string(title) + ": starts beyond the end");
+  if (!SeekTo(file, start)) return RefuseBy(file, title, "starts beyond the end");
   RecordTable<Header> table;
   if (!table.Read(file, count, title, Header::kBodyMagicSize) || !table.Check(file)) return false;
   headers.resize(count);
@@ -36,23 +36,21 @@ bool ReadEntryHeaders(CNvxFile& file, std::uint64_t start, std::uint32_t count, 
 // Refuses a header whose used type has no entry, which is null then, or whose form is another than the entry's.
 template <class Header>
 bool CheckForm(CNvxFile& file, const Header& header, const CProfileDataEntry* entry) {
-  const std::string title = kTitle<Header>;
-  if (entry == nullptr) return Refuse(file, title + ": unknown used type");
+  if (entry == nullptr) return RefuseBy(file, kTitle<Header>, "unknown used type");
   return entry->GetFormatType() == header.formatType ||
-         Refuse(file, title + ": format type does not belong to the used type");
+         RefuseBy(file, kTitle<Header>, "format type does not belong to the used type");
 }
 
 // The bytes behind the magic of a body; nothing for a size that the stream does not hold.
 template <class Header>
 std::optional<std::uint32_t> BodySize(CNvxFile& file, const Header& header) {
-  const std::string title = kTitle<Header>;
   if (header.bodySize < Header::kBodyMagicSize) {
-    Refuse(file, title + ": body size below 4");
+    RefuseBy(file, kTitle<Header>, "body size below 4");
     return std::nullopt;
   }
   const std::uint32_t size = header.bodySize - Header::kBodyMagicSize;
   if (Holds(file, size, 1)) return size;
-  Refuse(file, title + ": body size beyond the end");
+  RefuseBy(file, kTitle<Header>, "body size beyond the end");
   return std::nullopt;
 }
 
