@@ -1,4 +1,5 @@
 #include "support/legacy_profile.h"
+#include "support/record_text.h"
 
 #include <nvxprofile/convert.h>
 #include <nvxprofile/curve_entry.h>
@@ -150,37 +151,22 @@ TEST_F(Convert, VariableLimitsCountByTheirKey) {
 }
 
 TEST_F(Convert, TheRecordGetsItsNumbersAndNames) {
+  const ScopedVariable zone("TZ", "UTC");
   const ScopedVariable epoch("SOURCE_DATE_EPOCH", "1700000000");
   LoadLegacy({1, 10, 14}, {6});
   converter_.ConvertV2ToV3Profile(&kDatabase);
   CProfileAccess access;
   SaveAndLoad(access);
-  const _tagDeviceProfileInfo& info = *access.GetProfileInfo();
-  ASSERT_EQ(info.LayoutNumber, 3u);
-  EXPECT_EQ(info.Binary.ModelNumber, 42u);
-  EXPECT_EQ(info.Binary.ModelSubNumber, 7u);
-  EXPECT_EQ(info.Binary.InternalNumber, 13u);
-  EXPECT_EQ(info.Binary.MediaNumber, 815u);
-  EXPECT_EQ(info.ModelCode, std::u16string(u"0042"));
-  EXPECT_EQ(info.Binary.DefaultMediaName, std::u16string(u"Glossy Film"));
-  ASSERT_EQ(info.Binary.MediaInfoCount, 2u);
-  EXPECT_EQ(info.Binary.MediaInfo[0].Language, 17);
-  EXPECT_EQ(info.Binary.MediaInfo[0].Name, std::u16string(u"光沢ソ"));
-  EXPECT_EQ(info.Binary.MediaInfo[1].Language, 9);
-  EXPECT_EQ(info.Binary.MediaInfo[1].Name, std::u16string(u"Glossy Film"));
-  EXPECT_EQ(info.MediaName, std::u16string(u"光沢ソ"));
-  EXPECT_EQ(info.Binary.CreateModule, std::u16string(u"ChromaDesk.exe v2.1"));
-  EXPECT_EQ(info.Binary.MakerText, std::u16string(u"Norvex"));
-  EXPECT_EQ(info.Binary.StoredRevisionCode, std::u16string(u"0000"));
-  EXPECT_EQ(info.RevisionCode, std::u16string(u"0000"));
-  for (int i = 0; i < 5; ++i) EXPECT_EQ(info.DatabaseKey[i], 11 + i);
-  EXPECT_EQ(info.HalftoneCode, 77);
-  EXPECT_EQ(info.ScanResolution, 720u);
-  EXPECT_EQ(info.DotType, 2);
-  EXPECT_EQ(info.InkMakerCode, 3);
-  EXPECT_EQ(info.ProfileMajorVersion, 3u);
-  EXPECT_EQ(info.ProfileMinorVersion, 0u);
-  EXPECT_EQ(info.CreateTimeValue, 1700000000);
+  EXPECT_EQ(TextOf(*access.GetProfileInfo()),
+            "FileName=new.icc ModelCode=0042 ModelSubCode=07 InternalCode=13 ScanResolution=720 FeedResolution=1080 "
+            "RenderingScan=720 RenderingFeed=1080 ColorsetCode=12 InkTypeCode=5 DotType=2 InkMakerCode=3 "
+            "InkVersion=2 MediaCode=000000815 MediaName=光沢ソ RevisionCode=0000 DatabaseKey=11,12,13,14,15 "
+            "HalftoneCode=77 ProfileMajorVersion=3 CreateTime=yes wYear=2023 wMonth=11 wDay=14 wHour=22 wMinute=13 "
+            "wSecond=20 CreateTimeValue=1700000000 UpdateTime=yes wYear=2023 wMonth=11 wDay=14 wHour=22 wMinute=13 "
+            "wSecond=20 UpdateTimeValue=1700000000 LayoutNumber=3 Unused=-1,-1 OutputFourthValue=-1 OutputCodeA=255 "
+            "OutputCodeB=255 Binary=yes ModelNumber=42 ModelSubNumber=7 InternalNumber=13 MediaNumber=815 "
+            "DefaultMediaName=Glossy Film CreateModule=ChromaDesk.exe v2.1 MakerText=Norvex StoredRevisionCode=0000 "
+            "0=yes Language=17 Name=光沢ソ 1=yes Language=9 Name=Glossy Film");
   const ScopedVariable english("LC_ALL", "en_US.UTF-8");
   CError error;
   ASSERT_TRUE(access.Init(folder_.WideFile("new.icc").c_str(), &error));

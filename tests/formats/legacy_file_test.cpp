@@ -1,6 +1,7 @@
 #include "core/text.h"
 #include "support/entry_bytes.h"
 #include "support/legacy_profile.h"
+#include "support/record_text.h"
 
 #include <nvxprofile/diagnosis.h>
 #include <nvxprofile/profile_access.h>
@@ -92,40 +93,15 @@ TEST_F(LegacyFile, LoadsHeaderSectionsAndContainer) {
               ByteBuilder().Text("notes--"), container});
   CProfileData data;
   ASSERT_TRUE(Load(bytes, data));
-  const _tagDeviceProfileInfo& info = *data.GetProfileInfo();
-  EXPECT_EQ(info.FileName, std::u16string(u"a.qpf"));
-  EXPECT_EQ(info.FullPath, path_);
-  EXPECT_EQ(info.ModelCode, std::u16string(u"0042"));
-  EXPECT_EQ(info.ModelSubCode, std::u16string(u"07"));
-  EXPECT_EQ(info.InternalCode, std::u16string(u"13"));
-  EXPECT_EQ(info.PrinterComment, std::u16string(u"Test printer PX"));
-  EXPECT_EQ(info.InkMakerCode, 3);
-  EXPECT_EQ(info.InkTypeCode, 5);
-  EXPECT_EQ(info.ColorsetCode, 12);
-  EXPECT_EQ(info.InkVersion, 2);
-  EXPECT_EQ(info.ScanResolution, 720u);
-  EXPECT_EQ(info.FeedResolution, 1080u);
-  EXPECT_EQ(info.DotType, 1);
-  EXPECT_EQ(info.RenderingScan, 360u);
-  EXPECT_EQ(info.RenderingFeed, 540u);
-  EXPECT_EQ(info.Expand, 4u);
-  EXPECT_EQ(info.MediaCode, std::u16string(u"0815"));
-  EXPECT_EQ(info.MediaName, std::u16string(u"Glossy Film"));
-  EXPECT_EQ(info.RevisionCode, std::u16string(u"FFFF"));
-  EXPECT_EQ(info.ProfileMajorVersion, 1u);
-  EXPECT_EQ(info.HalftoneCode, 12);
-  EXPECT_EQ(info.SeparateWayCode, -3);
-  for (const std::int32_t key : info.DatabaseKey) EXPECT_EQ(key, -1);
-  EXPECT_EQ(info.CreateTime.wYear, 1999);
-  EXPECT_EQ(info.CreateTime.wDay, 14);
-  ASSERT_EQ(info.LayoutNumber, 1u);
-  EXPECT_STREQ(info.Text.Printer_Label, "PX");
-  EXPECT_STREQ(info.Text.InkSet_Label, "SetA");
-  EXPECT_STREQ(info.Text.Media_Code, "0815");
-  EXPECT_STREQ(info.Text.Media_Label, "Film");
-  EXPECT_STREQ(info.Text.Media_Eng, "Glossy Film");
-  EXPECT_STREQ(info.Text.Media_Jpn, "Kotaku");
-  EXPECT_STREQ(info.Text.Dpi_Code, "7201080");
+  EXPECT_EQ(data.GetProfileInfo()->FullPath, path_);
+  EXPECT_EQ(TextOf(*data.GetProfileInfo()),
+            "FileName=a.qpf ModelCode=0042 ModelSubCode=07 InternalCode=13 ScanResolution=720 FeedResolution=1080 "
+            "RenderingScan=360 RenderingFeed=540 Expand=4 ColorsetCode=12 InkTypeCode=5 DotType=1 InkMakerCode=3 "
+            "InkVersion=2 MediaCode=0815 MediaName=Glossy Film RevisionCode=FFFF DatabaseKey=-1,-1,-1,-1,-1 "
+            "HalftoneCode=12 SeparateWayCode=-3 ProfileMajorVersion=1 PrinterComment=Test printer PX CreateTime=yes "
+            "wYear=1999 wMonth=3 wDay=14 wHour=12 wMinute=5 wSecond=9 UpdateTime=yes LayoutNumber=1 Unused=-1,-1 "
+            "Text=yes Printer_Label=PX InkSet_Label=SetA Media_Code=0815 Media_Label=Film Media_Eng=Glossy Film "
+            "Media_Jpn=Kotaku Dpi_Code=7201080");
   EXPECT_EQ(data.GetEntryCount(1), 1);
   EXPECT_EQ(data.GetProfileDataEntry(1, 6)->GetSize(), 3u);
 }

@@ -2,6 +2,7 @@
 #include "support/environment.h"
 #include "support/qpf_builder.h"
 #include "support/qpf_reader.h"
+#include "support/record_text.h"
 
 #include <nvxprofile/curve_entry.h>
 #include <nvxprofile/diagnosis.h>
@@ -84,32 +85,16 @@ TEST(Qpf, LoadsTheHeaderBlockAndTheMediaNames) {
   CProfileData data;
   ASSERT_TRUE(Load(File({Placeholder()}, {}, {0x00040003}), data, nullptr, true))
       << "there is no load of the header alone";
-  const _tagDeviceProfileInfo& info = *data.GetProfileInfo();
-  EXPECT_EQ(info.LayoutNumber, 3u);
-  EXPECT_EQ(std::u16string(info.ModelCode), u"1234");
-  EXPECT_EQ(std::u16string(info.ModelSubCode), u"05");
-  EXPECT_EQ(std::u16string(info.InternalCode), u"67");
-  EXPECT_THAT((std::vector<std::int32_t>{info.ColorsetCode, info.InkTypeCode, info.InkMakerCode, info.InkVersion}),
-              ElementsAre(4, 5, -6, 7));
-  EXPECT_THAT((std::vector<std::uint32_t>{info.ScanResolution, info.FeedResolution, info.RenderingScan,
-                                          info.RenderingFeed, info.OutputThirdValue}),
-              ElementsAre(720, 1440, 360, 540, 300));
-  EXPECT_THAT(info.DatabaseKey, ElementsAre(21, 22, 23, 24, 25));
-  EXPECT_THAT((std::vector<std::int32_t>{info.DotType, info.HalftoneCode, info.SeparateWayCode}), ElementsAre(2, 8, 9));
-  EXPECT_EQ(info.CreateTimeValue, 1700000000);
-  EXPECT_EQ(info.CreateTime.wYear, 2023);
-  EXPECT_EQ(info.CreateTime.wMonth, 11);
-  EXPECT_EQ(info.UpdateTime.wSecond, 21);
-  EXPECT_EQ(info.ProfileMajorVersion, 3u);
-  EXPECT_EQ(info.ProfileMinorVersion, 4u);
-  EXPECT_EQ(std::u16string(info.MediaCode), u"012345678");
-  EXPECT_EQ(std::u16string(info.Binary.CreateModule), u"Module");
-  EXPECT_EQ(std::u16string(info.Binary.MakerText), u"Maker");
-  EXPECT_EQ(std::u16string(info.RevisionCode), u"A1B2");
-  ASSERT_EQ(info.Binary.MediaInfoCount, 2u);
-  EXPECT_EQ(info.Binary.MediaInfo[1].Language, 9);
-  EXPECT_EQ(std::u16string(info.MediaName), u"日本");
-  EXPECT_FALSE(info.HasMaskDownload || info.HasLargeParameter || info.HasSpecialColor || info.HasOutputBlock);
+  EXPECT_EQ(TextOf(*data.GetProfileInfo()),
+            "ModelCode=1234 ModelSubCode=05 InternalCode=67 ScanResolution=720 FeedResolution=1440 RenderingScan=360 "
+            "RenderingFeed=540 ColorsetCode=4 InkTypeCode=5 DotType=2 InkMakerCode=-6 InkVersion=7 "
+            "MediaCode=012345678 MediaName=日本 RevisionCode=A1B2 DatabaseKey=21,22,23,24,25 HalftoneCode=8 "
+            "SeparateWayCode=9 ProfileMajorVersion=3 ProfileMinorVersion=4 CreateTime=yes wYear=2023 wMonth=11 "
+            "wDay=14 wHour=22 wMinute=13 wSecond=20 CreateTimeValue=1700000000 UpdateTime=yes wYear=2023 wMonth=11 "
+            "wDay=14 wHour=22 wMinute=13 wSecond=21 UpdateTimeValue=1700000001 LayoutNumber=3 Unused=-1,-1 "
+            "OutputThirdValue=300 Binary=yes ModelNumber=1234 ModelSubNumber=5 InternalNumber=67 "
+            "MediaNumber=12345678 DefaultMediaName=Default CreateModule=Module MakerText=Maker "
+            "StoredRevisionCode=A1B2 0=yes Language=17 Name=日本 1=yes Language=9 Name=English");
   EXPECT_THAT(TypesOn(data, 4), ElementsAre(10));
   for (const std::uint32_t route : {8u, 256u, 512u, 1024u, 2048u}) EXPECT_FALSE(data.IsSpecifiedRoute(route));
 }

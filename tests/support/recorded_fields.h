@@ -4,14 +4,9 @@
 #include <nvxprofile/fields.h>
 
 #include <algorithm>
-#include <cstddef>
-#include <cstdint>
 #include <map>
-#include <optional>
-#include <span>
 #include <stdexcept>
 #include <string>
-#include <string_view>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -28,34 +23,35 @@ struct Told {
   std::vector<std::string> places;
 };
 
-// Where a visit is. Items of a list have numbers for names.
-class Place {
- public:
-  std::string Of(const Field& field) {
-    std::string name = field.name;
-    if (name.empty()) name = std::to_string(items_.back()++);
-    return path_.empty() ? name : path_.back() + "/" + name;
-  }
-  void Enter(const std::string& place) {
-    path_.push_back(place);
-    items_.push_back(0);
-  }
-  void Leave() {
-    path_.pop_back();
-    items_.pop_back();
-  }
-  std::string Here() const { return path_.empty() ? "" : path_.back(); }
-
- private:
-  std::vector<std::string> path_;
-  std::vector<std::size_t> items_;
-};
-
 inline NumberList NumbersOf(const NumberRun& run) {
   return std::visit([](const auto& numbers) { return NumberList(numbers.begin(), numbers.end()); }, run);
 }
 
-class Recorder : public FieldSink {
+// A sink or source that knows where it is. Items of a list have numbers for names.
+template <class Base>
+class Visit : public Base {
+ public:
+  void EndGroup() override { open_.pop_back(); }
+  void EndList() override { open_.pop_back(); }
+
+ protected:
+  std::string PlaceOf(const Field& field) {
+    std::string name = field.name;
+    if (name.empty()) name = std::to_string(open_.back().items++);
+    return open_.empty() ? name : Here() + "/" + name;
+  }
+  void Enter(const std::string& place) { open_.push_back({place}); }
+  std::string Here() const { return open_.empty() ? "" : open_.back().place; }
+
+ private:
+  struct Level {
+    std::string place;
+    std::size_t items = 0;
+  };
+  std::vector<Level> open_;
+};
+
+class Recorder : public Visit<FieldSink> {
  public:
   void Number(const Field& field, std::int64_t value) override { Put(field, value); }
   void Flag(const Field& field, bool value) override { Put(field, value); }
@@ -65,29 +61,22 @@ class Recorder : public FieldSink {
     Put(field, ByteList(value.begin(), value.end()));
   }
   void Numbers(const Field& field, const NumberRun& values) override { Put(field, NumbersOf(values)); }
-  void BeginGroup(const Field& field) override { place_.Enter(Put(field, true)); }
-  void EndGroup() override { place_.Leave(); }
-  void BeginList(const Field& field, std::size_t count) override { place_.Enter(Put(field, count)); }
-  void EndList() override { place_.Leave(); }
-  void EntryType(const Field& field, std::uint32_t usedType) override { Put(field, std::int64_t{usedType}); }
-  void Payload(const Field& field, CProfileDataEntry& entry) override {
-    Put(field, ByteList(entry.Bytes().begin(), entry.Bytes().end()));
-  }
+  void BeginGroup(const Field& field) override { Enter(Put(field, true)); }
+  void BeginList(const Field& field, std::size_t count) override { Enter(Put(field, count)); }
+  void EntryType(const Field& field, std::uint32_t usedType) override { Number(field, usedType); }
+  void Payload(const Field& field, CProfileDataEntry& entry) override { Bytes(field, entry.Bytes()); }
 
   Told told;
 
  private:
   std::string Put(const Field& field, Value value) {
-    const std::string place = place_.Of(field);
+    const std::string place = PlaceOf(field);
     if (!told.values.emplace(place, std::move(value)).second) throw std::logic_error(place + " is told twice");
-    told.places.push_back(place);
-    return place;
+    return told.places.emplace_back(place);
   }
-
-  Place place_;
 };
 
-class Player : public FieldSource {
+class Player : public Visit<FieldSource> {
  public:
   explicit Player(const Told& told) : told_(told) {}
 
@@ -102,38 +91,33 @@ class Player : public FieldSource {
   }
   NumberList Numbers(const Field& field, const NumberRun& present) override { return Get(field, NumbersOf(present)); }
   bool BeginGroup(const Field& field) override {
-    const std::string place = place_.Of(field);
-    if (field.presence == Presence::kOptional && !told_.values.contains(place)) return false;
-    place_.Enter(place);
-    return true;
+    const std::string place = PlaceOf(field);
+    const bool isThere = field.presence != Presence::kOptional || told_.values.contains(place);
+    if (isThere) Enter(place);
+    return isThere;
   }
-  void EndGroup() override { place_.Leave(); }
   std::optional<std::size_t> BeginList(const Field& field) override {
-    const std::string place = place_.Of(field);
-    const auto found = told_.values.find(place);
-    if (found == told_.values.end()) return std::nullopt;
-    place_.Enter(place);
-    return std::get<std::size_t>(found->second);
+    const std::string place = PlaceOf(field);
+    if (!told_.values.contains(place)) return std::nullopt;
+    Enter(place);
+    return std::get<std::size_t>(told_.values.at(place));
   }
-  void EndList() override { place_.Leave(); }
-  std::uint32_t EntryType(const Field& field, std::uint32_t) override {
-    return static_cast<std::uint32_t>(Get(field, std::int64_t{0}));
+  std::uint32_t EntryType(const Field& field, std::uint32_t present) override {
+    return static_cast<std::uint32_t>(Number(field, present));
   }
   void Payload(const Field& field, CProfileDataEntry& entry) override {
-    const ByteList bytes = Get(field, ByteList());
-    if (std::uint8_t* const buffer = entry.GetBuffer(static_cast<std::uint32_t>(bytes.size()))) {
-      std::copy(bytes.begin(), bytes.end(), buffer);
-    }
+    const ByteList bytes = Bytes(field, {});
+    std::copy(bytes.begin(), bytes.end(), entry.GetBuffer(static_cast<std::uint32_t>(bytes.size())));
     entry.BufferToData();
   }
   [[noreturn]] void Refuse(const std::string& place, const std::string& why) override {
-    throw std::runtime_error(place_.Here() + "|" + place + ": " + why);
+    throw std::runtime_error(Here() + "|" + place + ": " + why);
   }
 
  private:
   template <class T>
   T Get(const Field& field, T present) {
-    const std::string place = place_.Of(field);
+    const std::string place = PlaceOf(field);
     const auto found = told_.values.find(place);
     if (found != told_.values.end()) return std::get<T>(found->second);
     if (field.presence != Presence::kOptional) throw std::runtime_error(place + " is missing");
@@ -141,7 +125,6 @@ class Player : public FieldSource {
   }
 
   const Told& told_;
-  Place place_;
 };
 
 }  // namespace nvx::test
