@@ -1,4 +1,5 @@
 // Telling the fields of an entry, and filling entries with them.
+#include "support/entries.h"
 #include "support/random_model.h"
 #include "support/recorded_fields.h"
 
@@ -31,10 +32,6 @@ Told Tell(const CProfileDataEntry& entry) {
   return recorder.told;
 }
 
-std::unique_ptr<CProfileDataEntry> New(std::uint32_t usedType) {
-  return std::unique_ptr<CProfileDataEntry>(nvx::FindEntryType(usedType)->create());
-}
-
 // What is refused of an entry that is filled with this.
 std::string Refusal(CProfileDataEntry& entry, const Told& told) {
   Player player(told);
@@ -46,21 +43,19 @@ std::string Refusal(CProfileDataEntry& entry, const Told& told) {
   return {};
 }
 
-ByteList BytesOf(const CProfileDataEntry& entry) { return {entry.Bytes().begin(), entry.Bytes().end()}; }
-
 TEST(Fields, MakeTheBytesAgainThatTheyWereToldOf) {
   std::mt19937 random(20);
   for (const nvx::EntryType& type : nvx::EntryTypes()) {
     SCOPED_TRACE(type.name);
     if (type.formatType == CProfileDataEntry::kFormatIcc) continue;
     for (int round = 0; round < 40; ++round) {
-      const auto loaded = New(type.usedType);
+      const auto loaded = NewEntry(type.usedType);
       nvx::test::MakeRandomEntry(type.usedType, random)->Copy(*loaded);
       if (loaded->GetSize() != 0) loaded->BufferToData();
       const nvx::PayloadState state = loaded->GetPayloadState();
       const Told told = Tell(*loaded);
       EXPECT_EQ(loaded->GetPayloadState(), state) << "telling has changed the entry";
-      const auto made = New(type.usedType);
+      const auto made = NewEntry(type.usedType);
       EXPECT_EQ(Refusal(*made, told), "");
       if (loaded->GetSize() != 0) {
         EXPECT_EQ(BytesOf(*made), BytesOf(*loaded));
@@ -123,7 +118,7 @@ TEST(Fields, AreRefusedBeyondTheirRanges) {
 
 TEST(Fields, AreRefusedWhereTheyDoNotGoTogether) {
   const auto refusal = [](std::uint32_t usedType, std::map<std::string, Value> values) {
-    const auto entry = New(usedType);
+    const auto entry = NewEntry(usedType);
     return Refusal(*entry, {std::move(values), {}});
   };
   using Entry = CProfileDataEntry;

@@ -1,12 +1,11 @@
 #include "support/entry_bytes.h"
+#include "support/forms_in_memory.h"
 
-#include <nvxprofile/diagnosis.h>
 #include <nvxprofile/profile_access.h>
 #include <nvxprofile/profile_file.h>
 
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <memory>
 
 namespace nvx::test {
@@ -17,10 +16,8 @@ Bytes Container(const std::vector<EntryBytes>& entries, std::uint32_t route = 4)
   return With(With(ContainerOf(entries, route), 12, 11), 20, 22);
 }
 
-bool Load(Bytes bytes, CProfileData& data, Diagnosis* diagnosis = nullptr) {
-  CNvxMemFile stream(bytes.data(), static_cast<std::uint32_t>(bytes.size()));
-  stream.SetDiagnosis(diagnosis);
-  return CProfileFileQCT().LoadData(stream, &data, false);
+bool Load(const Bytes& bytes, CProfileData& data, Diagnosis* diagnosis = nullptr) {
+  return LoadBytes<CProfileFileQCT>(bytes, data, diagnosis);
 }
 
 TEST(Container, LoadsEntriesWithTheirFlagsAndSavesTheSameBytes) {
@@ -34,21 +31,16 @@ TEST(Container, LoadsEntriesWithTheirFlagsAndSavesTheSameBytes) {
   ASSERT_NE(first, nullptr);
   EXPECT_EQ(first->GetOptionInfo(), 0x01020304u);
   EXPECT_STREQ(first->GetLabelString(), "first");
-  ASSERT_EQ(first->GetSize(), 3u) << "a payload that does not parse keeps its bytes";
-  EXPECT_EQ(std::memcmp(first->GetRefBuffer(), "\1\2\3", 3), 0);
+  EXPECT_EQ(BytesOf(*first), (Bytes{1, 2, 3})) << "a payload that does not parse keeps its bytes";
   EXPECT_EQ(data.GetProfileDataEntry(4, 14)->GetSize(), 0u);
 
   data.SetTargetType(11);
   data.SetDeviceType(22);
-  CNvxMemFile saved;
-  EXPECT_TRUE(CProfileFileQCT().SaveData(saved, &data, 4));
-  EXPECT_EQ(Bytes(saved.Buffer, saved.Buffer + saved.Position), bytes);
+  EXPECT_EQ(SaveBytes<CProfileFileQCT>(data, 4), bytes);
   EXPECT_EQ(CProfileFileQCT::GetSavedSize(data, 4), bytes.size());
-  std::free(saved.Buffer);
+  EXPECT_FALSE(SaveBytes<CProfileFileQCT>(data, 8)) << "no such route";
   CNvxMemFile none;
-  EXPECT_FALSE(CProfileFileQCT().SaveData(none, &data, 8));
   EXPECT_FALSE(CProfileFileQCT().SaveData(none, nullptr, 4));
-  std::free(none.Buffer);
 }
 
 TEST(Container, StartsAtItsLoadPoint) {

@@ -1,3 +1,4 @@
+#include "support/entries.h"
 #include "support/legacy_profile.h"
 #include "support/record_text.h"
 
@@ -7,16 +8,18 @@
 #include <nvxprofile/profile_access.h>
 #include <nvxprofile/profile_file.h>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <lcms2.h>
 
-#include <cstring>
 #include <memory>
 #include <string>
 #include <vector>
 
 namespace nvx::test {
 namespace {
+
+using testing::ElementsAre;
 
 constexpr _tagDBDeviceProfileInfo kDatabase{{11, 12, 13, 14, 15}, 77};
 
@@ -60,14 +63,6 @@ std::string KeysOf(const std::vector<Curve>& curves) {
   std::string keys;
   for (const Curve& curve : curves) keys += " " + std::to_string(curve.ink) + "/" + std::to_string(curve.extendInfo);
   return keys;
-}
-
-std::string TypesOf(CProfileData& data, std::uint32_t route) {
-  std::string types;
-  CProfileRoute* const place = data.GetProfileRoute(route);
-  bool more = place != nullptr && place->GetHeadPos();
-  while (more) types += " " + std::to_string(place->GetNext(more)->GetUsedType());
-  return types;
 }
 
 class Convert : public ::testing::Test {
@@ -124,15 +119,14 @@ TEST_F(Convert, EachEntryBecomesWhatItShall) {
   for (const std::uint32_t type : {1u, 10u, 14u}) {
     CProfileDataEntry* const from = converter_.GetProfileDataEntry_V2(type);
     CProfileDataEntry* const to = converter_.GetProfileDataEntry_V3(type);
-    ASSERT_EQ(from->GetSize(), to->GetSize()) << type;
-    EXPECT_EQ(std::memcmp(from->GetRefBuffer(), to->GetRefBuffer(), to->GetSize()), 0) << type;
+    EXPECT_EQ(BytesOf(*from), BytesOf(*to)) << type;
     EXPECT_STREQ(from->GetLabelString(), to->GetLabelString());
   }
 
   CProfileAccess access;
   SaveAndLoad(access);
   // The ICC entry stands last after a save.
-  EXPECT_EQ(TypesOf(*access.GetProfileData(), 4), " 1 17 6 14 16 7 4 5 10");
+  EXPECT_THAT(TypesOn(*access.GetProfileData(), 4), ElementsAre(1, 17, 6, 14, 16, 7, 4, 5, 10));
   EXPECT_EQ(CurvesOf(access.GetProfileData()->GetProfileDataEntry(4, 17))[1].samples, Widened(2));
   for (const std::uint32_t route : {1u, 2u, 8u, 0x100u, 0x200u}) EXPECT_FALSE(access.IsSpecifiedRoute(route)) << route;
 }
@@ -146,7 +140,8 @@ TEST_F(Convert, VariableLimitsCountByTheirKey) {
   converter_.ConvertV2ToV3Profile(&kDatabase);
   CProfileAccess access;
   SaveAndLoad(access);
-  EXPECT_EQ(TypesOf(*access.GetProfileData(), 4), " 17 17 6 10") << "the first limit stays, on both places";
+  EXPECT_THAT(TypesOn(*access.GetProfileData(), 4), ElementsAre(17, 17, 6, 10))
+      << "the first limit stays, on both places";
   EXPECT_EQ(KeysOf(CurvesOf(access.GetProfileData()->GetProfileDataEntry(4, 17))), " 1/12 1/14");
 }
 
@@ -191,7 +186,7 @@ TEST_F(Convert, RepeatedItSavesTheSame) {
   converter_.ConvertV2ToV3Profile(&kDatabase);
   CProfileAccess access;
   SaveAndLoad(access);
-  EXPECT_EQ(TypesOf(*access.GetProfileData(), 4), " 6 10");
+  EXPECT_THAT(TypesOn(*access.GetProfileData(), 4), ElementsAre(6, 10));
 }
 
 TEST_F(Convert, ASaveThatFailsLeavesTheTarget) {
@@ -212,7 +207,8 @@ TEST_F(Convert, SourcesOfOtherGenerationsKeepTheirNames) {
   ASSERT_TRUE(converter_.ProfileLoad(folder_.WideFile("new.icc").c_str()));
   converter_.ConvertV2ToV3Profile(&kDatabase);
   SaveAndLoad(access, "newer.icc");
-  EXPECT_EQ(TypesOf(*access.GetProfileData(), 4), " 1 14 6 10") << "a limit of the new kind is no source";
+  EXPECT_THAT(TypesOn(*access.GetProfileData(), 4), ElementsAre(1, 14, 6, 10))
+      << "a limit of the new kind is no source";
   EXPECT_EQ(access.GetProfileInfo()->Binary.ModelNumber, 42u);
   EXPECT_EQ(access.GetProfileInfo()->Binary.MediaNumber, 815u);
   EXPECT_EQ(access.GetProfileInfo()->MediaName, std::u16string(u"光沢ソ"));
@@ -221,18 +217,16 @@ TEST_F(Convert, SourcesOfOtherGenerationsKeepTheirNames) {
   ASSERT_TRUE(converter_.ProfileLoad(folder_.WideFile("plain.icc").c_str()));
   converter_.ConvertV2ToV3Profile(&kDatabase);
   SaveAndLoad(access, "newest.icc");
-  EXPECT_EQ(TypesOf(*access.GetProfileData(), 4), " 10");
+  EXPECT_THAT(TypesOn(*access.GetProfileData(), 4), ElementsAre(10));
   EXPECT_EQ(access.GetProfileInfo()->Binary.MediaInfoCount, 2u);
 }
 
 TEST_F(Convert, BytesThatDoNotParseGoOver) {
   LoadLegacy({1, 10}, {6});
-  CProfileDataEntry* const model = converter_.GetProfileDataEntry_V2(1);
-  std::memset(model->GetBuffer(5), 'x', 5);
+  SetBytes(*converter_.GetProfileDataEntry_V2(1), Bytes(5, 'x'));
   converter_.ConvertV2ToV3Profile(&kDatabase);
   CProfileDataEntry* const copy = converter_.GetProfileDataEntry_V3(1);
-  ASSERT_EQ(copy->GetSize(), 5u);
-  EXPECT_EQ(std::memcmp(copy->GetRefBuffer(), "xxxxx", 5), 0);
+  EXPECT_EQ(BytesOf(*copy), Bytes(5, 'x'));
   EXPECT_STREQ(copy->GetLabelString(), "entry 1");
   EXPECT_TRUE(copy->IsComplete());
 }

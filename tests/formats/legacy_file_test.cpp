@@ -112,10 +112,7 @@ TEST_F(LegacyFile, SavesTheExactBytesOfBothVersions) {
   CProfileData data;
   FillLegacyProfile(data, {}, {});
   for (const auto& [route, type] : {std::pair{1u, 6u}, {2u, 7u}}) {
-    CProfileDataEntry* const entry = CProfileDataEntry::CreateDataEntry(static_cast<CProfileDataEntry::UsedType>(type));
-    entry->SetComplete(true);
-    std::memset(entry->GetBuffer(3), static_cast<int>(type), 3);
-    data.SetProfileDataEntry(entry, route);
+    AddEntry(data, type, Bytes(3, static_cast<std::uint8_t>(type)), route).SetComplete(true);
   }
   const auto expected = [](int version, const std::vector<Bytes>& blocks) {
     return Joined(

@@ -132,11 +132,7 @@ TEST(Calibrations, WhatCannotBeTakenOverIsNotSaidToBe) {
 
 std::unique_ptr<CCalibrationContainerEntry> Nested(int levels) {
   auto entry = std::make_unique<CCalibrationContainerEntry>();
-  CProfileDataEntry* const child = levels > 0
-                                       ? Nested(levels - 1).release()
-                                       : CProfileDataEntry::CreateDataEntry(CProfileDataEntry::kCalibrationTarget);
-  if (levels == 0) SetBytes(*child, Bytes(8, 3));
-  entry->InsertProfileDataEntry(0, child);
+  entry->InsertProfileDataEntry(0, (levels > 0 ? Nested(levels - 1) : NewEntry(21, Bytes(8, 3))).release());
   return entry;
 }
 
@@ -289,9 +285,7 @@ TEST(Saves, AFailedSaveLeavesTheRecordOfTheOtherGeneration) {
   };
   EXPECT_FALSE(CProfileFileQPFv3().SaveData(path.c_str(), &data, 4)) << "there is no ICC entry";
   expectAsBefore();
-  auto* const icc = CProfileDataEntry::CreateDataEntry(CProfileDataEntry::kIcm);
-  SetBytes(*icc, IccFile({{"desc", DescriptionTag("frame")}}));
-  data.SetProfileDataEntry(icc, 4);
+  CProfileDataEntry* const icc = &AddEntry(data, 10, IccFile({{"desc", DescriptionTag("frame")}}));
   data.SetProfileDataEntry(new CInfoEntry, 4);
   info.HasLargeParameter = true;
   EXPECT_FALSE(CProfileFileQPFv3().SaveData(path.c_str(), &data, 4)) << "there is no such route";
@@ -334,7 +328,7 @@ TEST(Record, CopiesOwnNothing) {
 TEST(Walks, LookupsAndRenewalsInsideAWalkLeaveItAlone) {
   CProfileData data;
   for (const std::uint32_t type : {2u, 6u, 7u}) {
-    data.SetProfileDataEntry(CProfileDataEntry::CreateDataEntry(static_cast<CProfileDataEntry::UsedType>(type)), 4);
+    AddEntry(data, type, {});
   }
   CProfileRoute& route = *data.GetProfileRoute(4);
   std::vector<std::uint32_t> types;

@@ -1,3 +1,4 @@
+#include "support/entries.h"
 #include "support/icc_builder.h"
 
 #include <gtest/gtest.h>
@@ -35,7 +36,7 @@ TEST(ProfileFileIcc, LoadsTheWholeFileAsOneEntry) {
     ASSERT_NE(entry, nullptr);
     EXPECT_TRUE(entry->IsComplete());
     EXPECT_EQ(entry->GetOptionInfo(), 2u);
-    EXPECT_EQ(Bytes(entry->GetRefBuffer(), entry->GetRefBuffer() + entry->GetSize()), bytes);
+    EXPECT_EQ(BytesOf(*entry), bytes);
   }
   CProfileData headerOnly;
   EXPECT_TRUE(CProfileFileICC().LoadData(folder.WideFile("a.icc").c_str(), &headerOnly, true));

@@ -1,5 +1,6 @@
-#include "support/entry_bytes.h"
+#include "support/entries.h"
 #include "support/environment.h"
+#include "support/forms_in_memory.h"
 #include "support/qpf_builder.h"
 #include "support/qpf_reader.h"
 #include "support/record_text.h"
@@ -14,10 +15,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <cstring>
 #include <memory>
-#include <optional>
 
 namespace {
 
@@ -26,41 +25,19 @@ using testing::ElementsAre;
 
 constexpr const char* kPrivateTags[] = {"NVX1", "NVX2", "NVX3", "NVX4", "NVX5", "NVX6", "NVX7"};
 
-bool Load(Bytes bytes, CProfileData& data, nvx::Diagnosis* diagnosis = nullptr, bool headerOnly = false) {
-  CNvxMemFile stream(bytes.data(), static_cast<std::uint32_t>(bytes.size()));
-  stream.SetDiagnosis(diagnosis);
-  return CProfileFileQPFv3().LoadData(stream, &data, headerOnly);
+bool Load(const Bytes& bytes, CProfileData& data, nvx::Diagnosis* diagnosis = nullptr) {
+  return LoadBytes<CProfileFileQPFv3>(bytes, data, diagnosis);
 }
 
 std::optional<Bytes> Save(CProfileData& data, std::uint32_t flags = 0) {
-  CNvxMemFile stream;
-  const bool saved = CProfileFileQPFv3().SaveData(stream, &data, flags);
-  const Bytes bytes(stream.Buffer, stream.Buffer + stream.Position);
-  std::free(stream.Buffer);
-  return saved ? std::optional(bytes) : std::nullopt;
-}
-
-CProfileDataEntry* Add(CProfileData& data, std::uint32_t usedType, const Bytes& bytes, std::uint32_t route = 4) {
-  CProfileDataEntry* const entry =
-      CProfileDataEntry::CreateDataEntry(static_cast<CProfileDataEntry::UsedType>(usedType));
-  SetBytes(*entry, bytes);
-  data.SetProfileDataEntry(entry, route);
-  return entry;
+  return SaveBytes<CProfileFileQPFv3>(data, flags);
 }
 
 void AddFrame(CProfileData& data, std::uint32_t route = 4) {
-  CProfileDataEntry* const entry =
-      Add(data, 10, IccFile({{"desc", DescriptionTag("old")}, {"wtpt", Bytes(20, 1)}}), route);
-  entry->SetComplete(true);
-  entry->SetLabelString("icc");
-}
-
-std::vector<std::uint32_t> TypesOn(CProfileData& data, std::uint32_t route) {
-  std::vector<std::uint32_t> types;
-  CProfileRoute* const place = data.GetProfileRoute(route);
-  bool more = place != nullptr && place->GetHeadPos();
-  while (more) types.push_back(place->GetNext(more)->GetUsedType());
-  return types;
+  const Bytes frame = IccFile({{"desc", DescriptionTag("old")}, {"wtpt", Bytes(20, 1)}});
+  CProfileDataEntry& entry = AddEntry(data, 10, frame, route);
+  entry.SetComplete(true);
+  entry.SetLabelString("icc");
 }
 
 Bytes File(const std::vector<StoredEntry>& entries, const TagList& more = {}, const StoredHeader& header = {}) {
@@ -83,7 +60,7 @@ TEST(Qpf, LoadsTheHeaderBlockAndTheMediaNames) {
   const ScopedVariable zone("TZ", "UTC");
   const ScopedLanguage language("ja_JP.UTF-8");
   CProfileData data;
-  ASSERT_TRUE(Load(File({Placeholder()}, {}, {0x00040003}), data, nullptr, true))
+  ASSERT_TRUE(LoadBytes<CProfileFileQPFv3>(File({Placeholder()}, {}, {0x00040003}), data, nullptr, true))
       << "there is no load of the header alone";
   EXPECT_EQ(TextOf(*data.GetProfileInfo()),
             "ModelCode=1234 ModelSubCode=05 InternalCode=67 ScanResolution=720 FeedResolution=1440 RenderingScan=360 "
@@ -201,8 +178,8 @@ TEST(Qpf, SizesAndCounts) {
   AddFrame(data);
   EXPECT_EQ(QpfReader(Save(data).value()).Tag("NVX1").size(), 696u);
   EXPECT_EQ(QpfReader(Save(data).value()).Tag("NVX2"), MediaTag({}));
-  Add(data, 6, Bytes(10, 1));
-  Add(data, 7, Bytes(7, 2));
+  AddEntry(data, 6, Bytes(10, 1));
+  AddEntry(data, 7, Bytes(7, 2));
   data.GetProfileInfo()->Binary.MediaInfo = data.CreateMediaInfoArray(2);
   data.GetProfileInfo()->Binary.MediaInfoCount = 2;
   EXPECT_EQ(format.GetSizeNvx1Tag(&data), 1308u);
@@ -229,9 +206,9 @@ TEST(Qpf, VersionTellsWhatTheFileHolds) {
                         Case{true, true, true, true, true, 5}}) {
     CProfileData data;
     AddFrame(data);
-    Add(data, 27, MaskStream(3), 8);
-    Add(data, 28, {1, 2, 3}, 1024);
-    Add(data, 30, {1, 2, 3, 4}, 2048);
+    AddEntry(data, 27, MaskStream(3), 8);
+    AddEntry(data, 28, {1, 2, 3}, 1024);
+    AddEntry(data, 30, {1, 2, 3, 4}, 2048);
     _tagDeviceProfileInfo& info = *data.GetProfileInfo();
     info.HasMaskDownload = c.mask;
     info.HasOutputBlock = c.output;
@@ -320,16 +297,16 @@ TEST(Qpf, LaterTagsBecomeOneEntryEach) {
   EXPECT_THAT(TypesOn(cut, 8), ElementsAre(27));
 
   // Several entries of a route stand one behind the other in the tag.
-  Add(data, 2, {8, 9}, 256);
+  AddEntry(data, 2, {8, 9}, 256);
   const auto saved = Save(data, nvx::kSaveReplaceProfile);
   ASSERT_TRUE(saved);
   EXPECT_EQ(QpfReader(*saved).Body("NVX3"), Bytes({7, 8, 9, 0}));
 
   // And one without bytes has no tag, whatever stood in the frame, so that the file loads.
   CProfileData empty;
-  Add(empty, 10, IccFile({{"NVX3", RouteTag({1})}, {"wtpt", Bytes(20, 1)}}));
-  Add(empty, 18, {}, 256);
-  Add(empty, 28, {}, 1024);
+  AddEntry(empty, 10, IccFile({{"NVX3", RouteTag({1})}, {"wtpt", Bytes(20, 1)}}));
+  AddEntry(empty, 18, {}, 256);
+  AddEntry(empty, 28, {}, 1024);
   empty.GetProfileInfo()->HasLargeParameter = true;
   const auto small = Save(empty, nvx::kSaveReplaceProfile);
   ASSERT_TRUE(small);
@@ -460,10 +437,10 @@ TEST(Qpf, AFailedSaveLeavesTheOldFile) {
   CProfileData elsewhere;
   AddFrame(elsewhere, 1);
   EXPECT_TRUE(isUntouched(elsewhere)) << "no route 4";
-  Add(elsewhere, 6, {1});
+  AddEntry(elsewhere, 6, {1});
   EXPECT_TRUE(isUntouched(elsewhere)) << "the ICC entry stands not on route 4";
   CProfileData noProfile;
-  Add(noProfile, 10, Bytes(200, 1));
+  AddEntry(noProfile, 10, Bytes(200, 1));
   EXPECT_TRUE(isUntouched(noProfile));
   for (bool _tagDeviceProfileInfo::*const flag :
        {&_tagDeviceProfileInfo::HasMaskDownload, &_tagDeviceProfileInfo::HasLargeParameter,

@@ -1,5 +1,5 @@
 // Random profiles of every format, saved and loaded; the models are compared.
-#include "support/files.h"
+#include "support/forms_in_memory.h"
 #include "support/legacy_profile.h"
 #include "support/random_model.h"
 
@@ -32,13 +32,9 @@ TEST(RandomProfiles, ContainersComeBackAsTheyWere) {
   for (int round = 0; round < kRounds; ++round) {
     CProfileData data;
     FillRandomRoute(data, 4, random);
-    CNvxMemFile stream;
-    ASSERT_TRUE(CProfileFileQCT().SaveData(stream, &data, 4));
     CProfileData loaded;
-    stream.SeekToBegin();
-    EXPECT_TRUE(CProfileFileQCT().LoadData(stream, &loaded, false));
+    EXPECT_TRUE(LoadBytes<CProfileFileQCT>(SaveBytes<CProfileFileQCT>(data, 4).value(), loaded));
     EXPECT_EQ(ImagesOf(*loaded.GetProfileRoute(4)), ImagesOf(*data.GetProfileRoute(4)));
-    std::free(stream.Buffer);
   }
 }
 

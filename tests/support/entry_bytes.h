@@ -1,33 +1,17 @@
-// The buffers of entries as byte sequences, and profiles of one route from them.
+// Profiles of one route from the buffers of their entries.
 #pragma once
 
 #include "support/byte_builder.h"
+#include "support/entries.h"
 
-#include <nvxprofile/diagnosis.h>
 #include <nvxprofile/profile_access.h>
-#include <nvxprofile/profile_entry.h>
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <string>
 #include <vector>
 
 namespace nvx::test {
-
-inline void SetBytes(CProfileDataEntry& entry, const Bytes& bytes) {
-  std::copy(bytes.begin(), bytes.end(), entry.GetBuffer(static_cast<std::uint32_t>(bytes.size())));
-}
-
-inline Bytes BytesOf(CProfileDataEntry& entry) {
-  return Bytes(entry.GetRefBuffer(), entry.GetRefBuffer() + entry.GetSize());
-}
-
-// Parses the bytes; the entry keeps them.
-inline bool Parse(CProfileDataEntry& entry, const Bytes& bytes) {
-  SetBytes(entry, bytes);
-  return entry.BufferToData();
-}
 
 // The form, and the zeros up to the next multiple of 1024 that a rebuilt buffer may have.
 inline Bytes ToCapacity(Bytes form) {

@@ -4,9 +4,8 @@
 #include "core/text.h"
 #include "platform/locale.h"
 #include "support/byte_builder.h"
+#include "support/entries.h"
 #include "support/icc_builder.h"
-
-#include <nvxprofile/profile_entry.h>
 
 #include <cmath>
 #include <cstring>
@@ -65,13 +64,10 @@ class StoredEntries {
 };
 
 std::unique_ptr<CProfileDataEntry> MakeEntry(std::uint32_t type) {
-  const StoredEntries::Stored& stored = StoredEntries::Get().Of(type);
-  std::unique_ptr<CProfileDataEntry> entry(
-      CProfileDataEntry::CreateDataEntry(static_cast<CProfileDataEntry::UsedType>(type)));
+  const Bytes& body = StoredEntries::Get().Of(type).body;
+  std::unique_ptr<CProfileDataEntry> entry = NewEntry(type, Bytes(body.begin() + 4, body.end()));
   entry->SetComplete(true);
   entry->SetLabelString(("entry " + std::to_string(type)).c_str());
-  const std::size_t size = stored.body.size() - 4;
-  if (size != 0) std::memcpy(entry->GetBuffer(static_cast<std::uint32_t>(size)), stored.body.data() + 4, size);
   entry->BufferToData();
   return entry;
 }

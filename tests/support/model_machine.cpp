@@ -1,6 +1,7 @@
 #include "support/model_machine.h"
 
 #include "core/payload.h"
+#include "support/entries.h"
 #include "support/random_model.h"
 
 #include <nvxprofile/calibration_history.h>
@@ -10,24 +11,13 @@
 #include <nvxprofile/profile_file_qpf.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 #include <utility>
 
 namespace nvx::test {
 namespace {
 
-using Contents = std::vector<std::uint8_t>;
-
-Contents BytesOf(CProfileDataEntry& entry) {
-  const std::uint8_t* const bytes = entry.GetRefBuffer();
-  return bytes != nullptr ? Contents(bytes, bytes + entry.GetSize()) : Contents();
-}
-
-void SetBytes(CProfileDataEntry& entry, const Contents& bytes) {
-  std::uint8_t* const buffer = entry.GetBuffer(static_cast<std::uint32_t>(bytes.size()));
-  if (buffer != nullptr) std::memcpy(buffer, bytes.data(), bytes.size());
-}
+using Contents = Bytes;
 
 bool SaysAll(const CProfileDataEntry& entry) { return PayloadKeeper::SaysAll(entry); }
 
@@ -60,8 +50,7 @@ Contents ContentsOf(CProfileDataEntry& entry) {
 
 // The same in an entry of its own, as a load would make it.
 std::unique_ptr<CProfileDataEntry> Reread(CProfileDataEntry& entry) {
-  const auto usedType = static_cast<CProfileDataEntry::UsedType>(entry.GetUsedType());
-  std::unique_ptr<CProfileDataEntry> copy(CProfileDataEntry::CreateDataEntry(usedType));
+  std::unique_ptr<CProfileDataEntry> copy = NewEntry(entry.GetUsedType());
   copy->SetComplete(entry.IsComplete());
   copy->SetOptionInfo(entry.GetOptionInfo());
   copy->SetLabelString(entry.GetLabelString());

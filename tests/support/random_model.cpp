@@ -1,5 +1,6 @@
 #include "support/random_model.h"
 
+#include "support/entries.h"
 #include "support/icc_builder.h"
 
 #include <nvxprofile/calibration.h>
@@ -13,7 +14,6 @@
 #include <nvxprofile/model_info.h>
 #include <nvxprofile/special_color.h>
 
-#include <cstring>
 #include <memory>
 #include <string>
 
@@ -190,47 +190,33 @@ class Maker {
   std::mt19937& random_;
 };
 
-void AddIcc(CProfileData& data, std::uint32_t route) {
-  auto icc = std::make_unique<CICMEntry>();
-  const Bytes bytes = IccWithTags({"cprt", "wtpt"});
-  std::memcpy(icc->GetBuffer(static_cast<std::uint32_t>(bytes.size())), bytes.data(), bytes.size());
-  icc->SetComplete(true);
-  data.SetProfileDataEntry(icc.release(), route);
-}
+// A small real profile.
+Bytes SmallIcc() { return IccWithTags({"cprt", "wtpt"}); }
 
 }  // namespace
 
 std::unique_ptr<CProfileDataEntry> MakeRandomEntry(std::uint32_t usedType, std::mt19937& random) {
-  std::unique_ptr<CProfileDataEntry> entry(
-      CProfileDataEntry::CreateDataEntry(static_cast<CProfileDataEntry::UsedType>(usedType)));
+  std::unique_ptr<CProfileDataEntry> entry = NewEntry(usedType);
   if (!entry) return nullptr;
-  if (entry->GetFormatType() == CProfileDataEntry::kFormatIcc) {
-    const Bytes bytes = IccWithTags({"cprt", "wtpt"});
-    std::memcpy(entry->GetBuffer(static_cast<std::uint32_t>(bytes.size())), bytes.data(), bytes.size());
-    entry->BufferToData();
-  }
+  if (entry->GetFormatType() == CProfileDataEntry::kFormatIcc) Parse(*entry, SmallIcc());
   Maker(random).Fill(*entry);
   return entry;
 }
 
 namespace {
 
-void AddRandomEntry(CProfileData& data, std::uint32_t usedType, std::uint32_t route, Maker& maker) {
-  std::unique_ptr<CProfileDataEntry> entry(
-      CProfileDataEntry::CreateDataEntry(static_cast<CProfileDataEntry::UsedType>(usedType)));
-  maker.Fill(*entry);
-  data.SetProfileDataEntry(entry.release(), route);
-}
-
 constexpr std::uint32_t kMainTypes[] = {1, 2, 3, 4, 5, 6, 7, 8, 9, 14, 16, 17};
+
+void AddRandomEntry(CProfileData& data, std::uint32_t usedType, std::uint32_t route, std::mt19937& random) {
+  data.SetProfileDataEntry(MakeRandomEntry(usedType, random).release(), route);
+}
 
 }  // namespace
 
 void FillRandomRoute(CProfileData& data, std::uint32_t route, std::mt19937& random) {
-  Maker maker(random);
-  AddIcc(data, route);
+  AddEntry(data, CProfileDataEntry::kIcm, SmallIcc(), route).SetComplete(true);
   for (const std::uint32_t type : kMainTypes) {
-    if (maker.Below(2) == 0) AddRandomEntry(data, type, route, maker);
+    if (Maker(random).Below(2) == 0) AddRandomEntry(data, type, route, random);
   }
 }
 
@@ -248,26 +234,22 @@ void FillRandomProfile(CProfileData& data, std::mt19937& random) {
   info.CreateTimeValue = maker.Below(1'000'000'000);
   info.Binary.ModelNumber = maker.Below(10'000);
   info.Binary.MediaNumber = maker.Below(1'000'000'000);
-  if (info.HasMaskDownload) AddRandomEntry(data, maker.Below(2) == 0 ? 27 : 29, kRouteMaskDownload, maker);
+  if (info.HasMaskDownload) AddRandomEntry(data, maker.Below(2) == 0 ? 27 : 29, kRouteMaskDownload, random);
   auto* const download = dynamic_cast<CMaskDownLoadEntry*>(data.GetProfileDataEntryFromList(27));
   info.HasOutputBlock = download != nullptr && download->GetWeftData(6) != nullptr;
-  if (info.HasLargeParameter) AddRandomEntry(data, 28, kRouteLargeParameter, maker);
-  if (info.HasSpecialColor) AddRandomEntry(data, 30, kRouteSpecialColor, maker);
-  if (maker.Below(2) == 0) AddRandomEntry(data, 19, kRouteCalibration, maker);
+  if (info.HasLargeParameter) AddRandomEntry(data, 28, kRouteLargeParameter, random);
+  if (info.HasSpecialColor) AddRandomEntry(data, 30, kRouteSpecialColor, random);
+  if (maker.Below(2) == 0) AddRandomEntry(data, 19, kRouteCalibration, random);
 }
 
 EntryImage ImageOf(CProfileDataEntry& entry) {
-  const std::uint8_t* const bytes = entry.GetRefBuffer();
-  EntryImage image{entry.GetUsedType(),   entry.GetFormatType(),  entry.IsComplete(),
-                   entry.GetOptionInfo(), entry.GetLabelString(), {}};
-  if (bytes != nullptr) image.bytes.assign(bytes, bytes + entry.GetSize());
-  return image;
+  return {entry.GetUsedType(),   entry.GetFormatType(),  entry.IsComplete(),
+          entry.GetOptionInfo(), entry.GetLabelString(), BytesOf(entry)};
 }
 
 std::vector<EntryImage> ImagesOf(CProfileRoute& route) {
   std::vector<EntryImage> images;
-  bool more = route.GetHeadPos();
-  while (more) images.push_back(ImageOf(*route.GetNext(more)));
+  for (CProfileDataEntry* const entry : route.Entries()) images.push_back(ImageOf(*entry));
   return images;
 }
 

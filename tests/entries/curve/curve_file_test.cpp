@@ -1,34 +1,20 @@
 #include "entries/curve/curve_form.h"
 #include "support/curve_builder.h"
+#include "support/forms_in_memory.h"
 
 #include <nvxprofile/curve.h>
-#include <nvxprofile/diagnosis.h>
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <string>
 
 namespace nvx::test {
 namespace {
 
-using testing::ElementsAre;
+bool Load(const Bytes& bytes, CCurveData& set) { return LoadBytes<CCurveFile>(bytes, set); }
 
-bool Load(Bytes bytes, CCurveData& set, Diagnosis* diagnosis = nullptr) {
-  CNvxMemFile stream(bytes.data(), static_cast<std::uint32_t>(bytes.size()));
-  stream.SetDiagnosis(diagnosis);
-  return CCurveFile().LoadFile(stream, &set);
-}
-
-Bytes Save(CCurveData& set) {
-  CNvxMemFile stream;
-  EXPECT_TRUE(CCurveFile().SaveFile(stream, &set));
-  Bytes bytes(stream.Buffer, stream.Buffer + stream.Position);
-  std::free(stream.Buffer);
-  return bytes;
-}
+std::optional<Bytes> Save(CCurveData& set) { return SaveBytes<CCurveFile>(set); }
 
 TEST(CurveFile, SavesTheBytesOfTheForm) {
   CCurveData set;
@@ -47,35 +33,6 @@ TEST(CurveFile, SavesTheBytesOfTheForm) {
   EXPECT_EQ(Save(set), TwoCurves());
 }
 
-TEST(CurveFile, LoadsTheBytesOfTheForm) {
-  const Bytes bytes = TwoCurves();
-  CCurveData set;
-  ASSERT_TRUE(Load(bytes, set));
-  EXPECT_EQ(set.GetUsedType(), 6u);
-  ASSERT_EQ(set.GetCount(), 2);
-  CCurveDataEntry& cyan = *set.FindInkIDEntry(1);
-  EXPECT_EQ(cyan.GetSlotNo(), 3u);
-  EXPECT_EQ(cyan.GetDisplayRGB(), 0xFF00u);
-  EXPECT_EQ(cyan.GetMax(), 255u);
-  EXPECT_STREQ(cyan.GetInkName(), "Cyan");
-  EXPECT_THAT(SamplesOf(cyan), ElementsAre(0, 0x80, 0xFF));
-  CCurveDataEntry& black = *set.FindInkIDEntryonSize(2, 7);
-  EXPECT_EQ(black.GetMin(), 9u);
-  EXPECT_THAT(SamplesOf(black), ElementsAre(0x1234, 0xFEFF));
-  EXPECT_EQ(Save(set), bytes);
-}
-
-TEST(CurveFile, KeepsEmptySetsAndEmptyCurves) {
-  const Bytes empty = CurveSetHeader(17, 0);
-  CCurveData set;
-  ASSERT_TRUE(Load(empty, set));
-  EXPECT_EQ(set.GetCount(), 0);
-  EXPECT_EQ(Save(set), empty);
-  const Bytes hollow = CurveSetHeader(17, 1).Append(CurveHeader({.ink = 4, .type = 2})).Text("SDEC");
-  ASSERT_TRUE(Load(hollow, set));
-  EXPECT_EQ(Save(set), hollow);
-}
-
 // Half a sample stays with the others: the curve holds the bytes.
 TEST(CurveFile, KeepsAnOddNumberOfBytes) {
   const Bytes odd = CurveSetHeader(6, 1).Append(CurveHeader({.ink = 4, .type = 2, .size = 3})).Text("SDEC").Fill(7, 3);
@@ -86,9 +43,7 @@ TEST(CurveFile, KeepsAnOddNumberOfBytes) {
   EXPECT_EQ(curve.GetSize(), 3u);
   EXPECT_EQ(Save(set), odd);
   curve.SetDataType(3);
-  CNvxMemFile stream;
-  EXPECT_FALSE(CCurveFile().SaveFile(stream, &set)) << "no reader knows the type";
-  EXPECT_EQ(stream.Buffer, nullptr);
+  EXPECT_FALSE(Save(set)) << "no reader knows the type";
 }
 
 TEST(CurveFile, CutsNamesToTheirField) {

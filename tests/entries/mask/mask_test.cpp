@@ -1,11 +1,10 @@
 #include "support/entry_forms.h"
+#include "support/forms_in_memory.h"
 
-#include <nvxprofile/diagnosis.h>
 #include <nvxprofile/mask.h>
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <utility>
 #include <vector>
 
@@ -37,22 +36,6 @@ Bytes ParamBytes(CMaskParameterDataEntry& entry) {
 Bytes PatternBytes(CMaskPatternDataEntry& entry) {
   const std::uint8_t* const data = entry.GetMaskPatternBuffer();
   return Bytes(data, data + entry.GetMaskPatternSize());
-}
-
-template <class File, class Data>
-bool Load(const Bytes& bytes, Data& data, Diagnosis* diagnosis = nullptr) {
-  CNvxMemFile stream(const_cast<std::uint8_t*>(bytes.data()), static_cast<std::uint32_t>(bytes.size()));
-  stream.SetDiagnosis(diagnosis);
-  return File().LoadFile(stream, &data);
-}
-
-template <class File, class Data>
-Bytes Save(Data& data) {
-  CNvxMemFile stream;
-  EXPECT_TRUE(File().SaveFile(stream, &data));
-  const Bytes bytes(stream.Buffer, stream.Buffer + stream.Position);
-  std::free(stream.Buffer);
-  return bytes;
 }
 
 // Header and records of a pattern table, from IDs and sizes.
@@ -108,7 +91,7 @@ TEST(MaskParameter, FirstRecordThatFitsWins) {
   EXPECT_EQ(list.GetEntryCount(), 4);
 
   CMaskParameterData again;
-  ASSERT_TRUE(Load<CMaskParameterFile>(Save<CMaskParameterFile>(list), again));
+  ASSERT_TRUE(LoadBytes<CMaskParameterFile>(SaveBytes<CMaskParameterFile>(list).value(), again));
   CMaskParameterDataEntry* const found = again.GetEntry(4, 2, 300, 2, colors);
   ASSERT_NE(found, nullptr);
   EXPECT_EQ(found->GetLeyerColor(0), 1u);
@@ -116,17 +99,17 @@ TEST(MaskParameter, FirstRecordThatFitsWins) {
 
 TEST(MaskParameter, FormIsExact) {
   CMaskParameterData list;
-  EXPECT_EQ(Save<CMaskParameterFile>(list), MaskTableHeader("HPPM", 0).Take());
+  EXPECT_EQ(SaveBytes<CMaskParameterFile>(list), MaskTableHeader("HPPM", 0).Take());
   list.AddTail(NewRecord(4, {9, 2, 5}, ByteBuilder().Text("block")));
   list.Entries().At(0)->AddUsePatternID(5);
   list.Entries().At(0)->AddUsePatternID(2);
   list.AddTail(NewRecord(8, {}));
-  EXPECT_EQ(Save<CMaskParameterFile>(list), MaskParameterForm().Take());
+  EXPECT_EQ(SaveBytes<CMaskParameterFile>(list), MaskParameterForm().Take());
 
   CMaskParameterData loaded;
-  ASSERT_TRUE(Load<CMaskParameterFile>(MaskParameterForm(), loaded));
-  EXPECT_EQ(Save<CMaskParameterFile>(loaded), MaskParameterForm().Take());
-  ASSERT_TRUE(Load<CMaskParameterFile>(MaskParameterForm(), loaded));
+  ASSERT_TRUE(LoadBytes<CMaskParameterFile>(MaskParameterForm(), loaded));
+  EXPECT_EQ(SaveBytes<CMaskParameterFile>(loaded), MaskParameterForm().Take());
+  ASSERT_TRUE(LoadBytes<CMaskParameterFile>(MaskParameterForm(), loaded));
   ASSERT_EQ(loaded.GetEntryCount(), 4);
   EXPECT_EQ(ParamBytes(*loaded.Entries().At(2)), ByteBuilder().Text("block").Take());
 }
@@ -136,7 +119,7 @@ TEST(MaskParameter, RefusedStreamsLeaveTheListAlone) {
   for (const auto& [offset, word] : {std::pair(0u, 0u), {16, 3}, {40 + 24, 11}, {40 + 68, 10}}) {
     CMaskParameterData list;
     list.AddTail(NewRecord(1, {}));
-    EXPECT_FALSE(Load<CMaskParameterFile>(With(whole, offset, word), list)) << offset;
+    EXPECT_FALSE(LoadBytes<CMaskParameterFile>(With(whole, offset, word), list)) << offset;
     EXPECT_EQ(list.GetEntryCount(), 1);
   }
 }
@@ -144,7 +127,7 @@ TEST(MaskParameter, RefusedStreamsLeaveTheListAlone) {
 TEST(MaskParameter, WrongMagicsArePassedOver) {
   CMaskParameterData list;
   Diagnosis diagnosis;
-  ASSERT_TRUE(Load<CMaskParameterFile>(With(MaskParameterForm(), 40 + 136, 0), list, &diagnosis)) << "record";
+  ASSERT_TRUE(LoadBytes<CMaskParameterFile>(With(MaskParameterForm(), 40 + 136, 0), list, &diagnosis)) << "record";
   EXPECT_EQ(diagnosis.Findings().size(), 1u);
   ASSERT_EQ(list.GetEntryCount(), 1);
   EXPECT_EQ(ParamBytes(*list.Entries().At(0)), ByteBuilder().Text("block").Take());
@@ -154,7 +137,7 @@ TEST(MaskParameter, WrongMagicsArePassedOver) {
   for (const std::uint32_t size : {3u, 9u}) stream.Text("HRPM").Zero(64).U32(size).Zero(64);
   stream.Text("EDPM").Text("DEPMabc");
   list.DeleteContents();
-  ASSERT_TRUE(Load<CMaskParameterFile>(stream, list));
+  ASSERT_TRUE(LoadBytes<CMaskParameterFile>(stream, list));
   ASSERT_EQ(list.GetEntryCount(), 2);
   EXPECT_EQ(list.Entries().At(0)->GetParamDataSize(), 0u);
   EXPECT_EQ(ParamBytes(*list.Entries().At(1)), ByteBuilder().Text("abc").Take());
@@ -175,16 +158,15 @@ TEST(MaskParameter, WhatTheFormHasNoRoomForIsNotSaved) {
   list.AddTail(NewRecord(4, std::vector<std::uint32_t>(10, 7)));
   for (std::uint32_t id = 0; id < 15; ++id) list.Entries().At(0)->AddUsePatternID(id);
   CMaskParameterData loaded;
-  ASSERT_TRUE(Load<CMaskParameterFile>(Save<CMaskParameterFile>(list), loaded)) << "10 colours and 15 IDs fit";
+  ASSERT_TRUE(LoadBytes<CMaskParameterFile>(SaveBytes<CMaskParameterFile>(list).value(), loaded))
+      << "10 colours and 15 IDs fit";
   EXPECT_EQ(loaded.Entries().At(0)->GetUsePatternID(14), 14u);
 
-  CNvxMemFile stream;
   list.Entries().At(0)->AddUsePatternID(15);
-  EXPECT_FALSE(CMaskParameterFile().SaveFile(stream, &list));
+  EXPECT_FALSE(SaveBytes<CMaskParameterFile>(list));
   list.DeleteContents();
   list.AddTail(NewRecord(4, std::vector<std::uint32_t>(11, 7)));
-  EXPECT_FALSE(CMaskParameterFile().SaveFile(stream, &list));
-  EXPECT_EQ(stream.Position, 0u);
+  EXPECT_FALSE(SaveBytes<CMaskParameterFile>(list));
 }
 
 TEST(MaskPattern, TableIsSortedAndHoldsAnIdOnce) {
@@ -212,19 +194,19 @@ TEST(MaskPattern, TableIsSortedAndHoldsAnIdOnce) {
 
 TEST(MaskPattern, FormIsExactAndRefusedWhereItIsCut) {
   CMaskPatternData table;
-  EXPECT_EQ(Save<CMaskPatternFile>(table), MaskTableHeader("HTPM", 0).Take());
+  EXPECT_EQ(SaveBytes<CMaskPatternFile>(table), MaskTableHeader("HTPM", 0).Take());
   table.Add(NewPattern(7, {7, 7}));
   table.Add(NewPattern(3, {3, 3, 3}));
   table.Add(NewPattern(5));
   const Bytes whole = MaskPatternForm();
-  EXPECT_EQ(Save<CMaskPatternFile>(table), whole);
+  EXPECT_EQ(SaveBytes<CMaskPatternFile>(table), whole);
 
   CMaskPatternData loaded;
-  ASSERT_TRUE(Load<CMaskPatternFile>(whole, loaded));
-  EXPECT_EQ(Save<CMaskPatternFile>(loaded), whole);
+  ASSERT_TRUE(LoadBytes<CMaskPatternFile>(whole, loaded));
+  EXPECT_EQ(SaveBytes<CMaskPatternFile>(loaded), whole);
 
   CMaskPatternData target;
-  EXPECT_FALSE(Load<CMaskPatternFile>(First(whole, whole.size() - 1), target));
+  EXPECT_FALSE(LoadBytes<CMaskPatternFile>(First(whole, whole.size() - 1), target));
   EXPECT_EQ(target.GetEntryCount(), 0);
 }
 
@@ -234,7 +216,7 @@ TEST(MaskPattern, BlocksGoToPatternsInOrderOfTheirIds) {
   // 3 stands twice and 4 is taken; 5 takes the size of the second record, and the last block stays unread.
   const Bytes repeated = PatternRecords({{3, 1}, {3, 2}, {4, 9}, {5, 3}}).Text("EDPMa").Text("EDPMbc").Text("EDPMdef");
   Diagnosis diagnosis;
-  ASSERT_TRUE(Load<CMaskPatternFile>(repeated, table, &diagnosis));
+  ASSERT_TRUE(LoadBytes<CMaskPatternFile>(repeated, table, &diagnosis));
   EXPECT_EQ(diagnosis.Findings().size(), 1u);
   EXPECT_EQ(table.GetEntryCount(), 3);
   EXPECT_EQ(PatternBytes(*table.GetEntry(3)), ByteBuilder().Text("a").Take());
@@ -244,7 +226,7 @@ TEST(MaskPattern, BlocksGoToPatternsInOrderOfTheirIds) {
   // Out of order, with a wrong magic: the second pattern stays empty and leaves its size unused.
   CMaskPatternData other;
   const Bytes unordered = PatternRecords({{9, 1}, {6, 2}, {8, 3}}).Text("EDPMa").Text("DEPM").Text("EDPMdef");
-  ASSERT_TRUE(Load<CMaskPatternFile>(unordered, other));
+  ASSERT_TRUE(LoadBytes<CMaskPatternFile>(unordered, other));
   EXPECT_EQ(PatternBytes(*other.GetEntry(6)), ByteBuilder().Text("a").Take());
   EXPECT_EQ(other.GetEntry(8)->GetMaskPatternSize(), 0u);
   EXPECT_EQ(PatternBytes(*other.GetEntry(9)), ByteBuilder().Text("def").Take());
@@ -259,7 +241,7 @@ TEST(MaskPattern, ManyIdsInDescendingOrderLoadAtOnce) {
   CMaskPatternData table;
   table.Add(NewPattern(0));
   table.Add(NewPattern(kCount + 1));
-  ASSERT_TRUE(Load<CMaskPatternFile>(builder, table));
+  ASSERT_TRUE(LoadBytes<CMaskPatternFile>(builder, table));
   EXPECT_EQ(table.GetEntryCount(), static_cast<int>(kCount) + 2);
   EXPECT_NE(table.GetEntry(static_cast<int>(kCount)), nullptr);
 }
