@@ -167,19 +167,6 @@ TEST(Calibrations, TreesThatMoveBetweenLevelsLoseNothing) {
   EXPECT_EQ(DepthOf(outer), 8);
 }
 
-TEST(Calibrations, ContainersThatAreTooDeepKeepTheirBytes) {
-  Bytes form(8, 3);
-  for (int i = 0; i < 12; ++i) {
-    ByteBuilder outer = CalibrationFileHeader(1);
-    AddHeader(outer, {static_cast<std::uint32_t>(form.size()), i == 0 ? 21u : 20u, i == 0 ? 9u : 10u, 1});
-    form = outer.Text("DEAC").Append(form);
-  }
-  CCalibrationHistoryEntry history;
-  ASSERT_TRUE(Parse(history, form));
-  EXPECT_TRUE(history.DataToBuffer());
-  EXPECT_EQ(BytesOf(history), form);
-}
-
 TEST(Containers, AnEntryWithoutBytesStaysWithout) {
   const TempFolder folder;
   CProfileData data;

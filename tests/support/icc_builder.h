@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace nvx::test {
@@ -71,16 +72,25 @@ inline Bytes IccBytes(const std::vector<IccPart>& table, const Bytes& data, std:
   return bytes.Append(data);
 }
 
-// A small profile with a tag of four bytes for each signature.
-inline Bytes IccWithTags(const std::vector<std::string>& signatures, std::string_view colorSpace = "CMYK") {
+using TagList = std::vector<std::pair<std::string, Bytes>>;
+
+// A profile of these tags, in this order, on 4-byte boundaries.
+inline Bytes IccFile(const TagList& tags, std::string_view colorSpace = "CMYK") {
   std::vector<IccPart> table;
   BigBuilder data;
-  for (const std::string& signature : signatures) {
-    const auto offset = static_cast<std::uint32_t>(132 + 12 * signatures.size() + data.Size());
-    table.push_back({signature, offset, 4});
-    data.Text(signature);
+  for (const auto& [signature, bytes] : tags) {
+    const auto offset = static_cast<std::uint32_t>(132 + 12 * tags.size() + data.Size());
+    table.push_back({signature, offset, static_cast<std::uint32_t>(bytes.size())});
+    data.Append(bytes).Zero((4 - bytes.size() % 4) % 4);
   }
   return IccBytes(table, data, colorSpace);
+}
+
+// A small profile with a tag of four bytes for each signature.
+inline Bytes IccWithTags(const std::vector<std::string>& signatures, std::string_view colorSpace = "CMYK") {
+  TagList tags;
+  for (const std::string& signature : signatures) tags.emplace_back(signature, BigBuilder().Text(signature));
+  return IccFile(tags, colorSpace);
 }
 
 inline Bytes Patched(Bytes bytes, std::size_t offset, std::uint32_t value) {

@@ -15,13 +15,6 @@
 namespace nvx::test {
 namespace {
 
-void Put(BigBuilder& data, std::vector<IccPart>& table, const std::string& signature, const Bytes& bytes,
-         std::size_t tags) {
-  const auto offset = static_cast<std::uint32_t>(132 + 12 * tags + data.Size());
-  table.push_back({signature, offset, static_cast<std::uint32_t>(bytes.size())});
-  data.Append(bytes).Zero((4 - bytes.size() % 4) % 4);
-}
-
 Bytes Xyz(std::uint32_t x, std::uint32_t y, std::uint32_t z) { return BigBuilder().Text("XYZ ").U32(0, x, y, z); }
 
 // The entries that legacy profiles of tests are put together from, as a container keeps them: what the readers make of
@@ -105,19 +98,17 @@ void LegacyFolder::WriteTable(const std::string& table) const {
 }
 
 Bytes SmallIccProfile() {
-  constexpr std::size_t kTags = 9;
-  BigBuilder data;
-  std::vector<IccPart> table;
-  Put(data, table, "desc", DescriptionTag("Small profile"), kTags);
-  Put(data, table, "cprt", BigBuilder().Text("text").U32(0).Text("Free to use").U8(0), kTags);
-  Put(data, table, "wtpt", Xyz(0xF6D6, 0x10000, 0xD32D), kTags);
-  Put(data, table, "rXYZ", Xyz(0x6FA2, 0x38F5, 0x0390), kTags);
-  Put(data, table, "gXYZ", Xyz(0x6299, 0xB785, 0x18DA), kTags);
-  Put(data, table, "bXYZ", Xyz(0x24A0, 0x0F84, 0xB6CF), kTags);
-  Put(data, table, "rTRC", BigBuilder().Text("curv").U32(0, 1).U16(0x0233), kTags);
-  table.push_back({"gTRC", table.back().offset, table.back().size});
-  table.push_back({"bTRC", table.back().offset, table.back().size});
-  Bytes profile = IccBytes(table, data, "RGB ");
+  const Bytes curve = BigBuilder().Text("curv").U32(0, 1).U16(0x0233);
+  Bytes profile = IccFile({{"desc", DescriptionTag("Small profile")},
+                           {"cprt", BigBuilder().Text("text").U32(0).Text("Free to use").U8(0)},
+                           {"wtpt", Xyz(0xF6D6, 0x10000, 0xD32D)},
+                           {"rXYZ", Xyz(0x6FA2, 0x38F5, 0x0390)},
+                           {"gXYZ", Xyz(0x6299, 0xB785, 0x18DA)},
+                           {"bXYZ", Xyz(0x24A0, 0x0F84, 0xB6CF)},
+                           {"rTRC", curve},
+                           {"gTRC", curve},
+                           {"bTRC", curve}},
+                          "RGB ");
   std::memcpy(profile.data() + 12, "mntrRGB XYZ ", 12);
   return profile;
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "support/byte_builder.h"
+#include "support/icc_builder.h"
 
 #include <cstdint>
 #include <string>
@@ -84,39 +85,6 @@ inline Bytes MaskStream(std::uint32_t type) {
   stream.U32(type == 6 ? 3 : 1, 0, 1, 0, 0);
   stream.Text("TFEW").U32(24, type, 4 + 4 * values + bytes, values, bytes);
   return stream.Text("DFEW").Fill(7, 4 * values + bytes);
-}
-
-using TagList = std::vector<std::pair<std::string, Bytes>>;
-
-inline void AppendBig(Bytes& bytes, std::uint32_t value) {
-  for (int shift = 24; shift >= 0; shift -= 8) bytes.push_back(static_cast<std::uint8_t>(value >> shift));
-}
-
-inline Bytes DescriptionTag(const std::string& text) {
-  Bytes tag{'d', 'e', 's', 'c', 0, 0, 0, 0};
-  AppendBig(tag, static_cast<std::uint32_t>(text.size() + 1));
-  tag.insert(tag.end(), text.begin(), text.end());
-  tag.resize(tag.size() + 1 + 4 + 4 + 2 + 1 + 67);
-  return tag;
-}
-
-// An ICC profile of nothing but these tags, in this order.
-inline Bytes IccFile(const TagList& tags) {
-  Bytes table, data;
-  AppendBig(table, static_cast<std::uint32_t>(tags.size()));
-  for (const auto& [name, bytes] : tags) {
-    table.insert(table.end(), name.begin(), name.end());
-    AppendBig(table, static_cast<std::uint32_t>(132 + 12 * tags.size() + data.size()));
-    AppendBig(table, static_cast<std::uint32_t>(bytes.size()));
-    const Bytes padded = Padded(bytes);
-    data.insert(data.end(), padded.begin(), padded.end());
-  }
-  Bytes file;
-  AppendBig(file, static_cast<std::uint32_t>(128 + table.size() + data.size()));
-  const Bytes header = ByteBuilder().Text("test").U8(2).Zero(3).Text("prtrCMYKLab ").Zero(12).Text("acsp").Zero(88);
-  for (const Bytes* const part : {&header, &static_cast<const Bytes&>(table), &static_cast<const Bytes&>(data)})
-    file.insert(file.end(), part->begin(), part->end());
-  return file;
 }
 
 }  // namespace nvx::test

@@ -112,20 +112,15 @@ TEST(LargeParameter, ReadsTablesOfBothGenerationsInAnyOrder) {
   ASSERT_TRUE(Parse(entry, LargeParameterForm()));
   CLargeParameterData& data = *entry.GetLargeParameterData();
   ASSERT_EQ(data.GetPropertyCount(), 3);
-  bool more = data.GetHeadPosition();
-  for (const std::uint32_t usedType : {2u, 1u, 2u}) {
-    ASSERT_TRUE(more);
-    CLargeParameterDataEntry& table = *data.GetNext(more);
-    EXPECT_EQ(table.GetUsedType(), usedType);
-    if (usedType == 1) {
-      EXPECT_EQ(ArrayOf(table, 0), ArrayOf(*FixedTable(), 0));
-    } else {
-      EXPECT_EQ(ArrayOf(table, 0), kParameterPatterns);
-      EXPECT_EQ(ArrayOf(table, 1), kParameterStore);
-      EXPECT_EQ(table.GetPatternCount(), 2);
-    }
+  for (const std::uint32_t i : {0u, 2u}) {
+    CLargeParameterDataEntry& table = *data.Entries().At(i);
+    EXPECT_EQ(table.GetUsedType(), 2u);
+    EXPECT_EQ(ArrayOf(table, 0), kParameterPatterns);
+    EXPECT_EQ(ArrayOf(table, 1), kParameterStore);
+    EXPECT_EQ(table.GetPatternCount(), 2);
   }
-  EXPECT_FALSE(more);
+  EXPECT_EQ(data.Entries().At(1)->GetUsedType(), 1u);
+  EXPECT_EQ(ArrayOf(*data.Entries().At(1), 0), ArrayOf(*FixedTable(), 0));
 
   CLargeParameterEntry copy;
   EXPECT_TRUE(copy.DoImport(&entry));
