@@ -1,9 +1,7 @@
 // What a loaded profile answers about its calibrations.
-#include "support/files.h"
+#include "support/entry_bytes.h"
 
 #include <nvxprofile/calibration_history.h>
-#include <nvxprofile/profile_access.h>
-#include <nvxprofile/profile_file.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -21,8 +19,7 @@ class CalibrationAccess : public testing::Test {
  protected:
   // Loads a profile whose history has a target and calibrations of the given times; none at all without `history`.
   void Load(const std::vector<std::int64_t>& times, bool target = true, bool history = true) {
-    CProfileData data;
-    auto* const entry = new CCalibrationHistoryEntry;
+    CCalibrationHistoryEntry entry;
     for (const std::int64_t time : times) {
       NewCalibration calibration;
       calibration.name = u"twenty characters it";
@@ -33,15 +30,10 @@ class CalibrationAccess : public testing::Test {
       AddCurve(*calibration.inkLimit, 12);
       calibration.grayBalance = std::make_unique<CCalibrationGrayBalanceEntry>();
       AddCurve(*calibration.grayBalance, 0);
-      AddCalibration(*entry, std::move(calibration));
+      AddCalibration(entry, std::move(calibration));
     }
-    if (times.empty() && target) entry->SetProfileDataEntry(new CCalibrationTargetEntry);
-    entry->DataToBuffer();
-    data.SetProfileDataEntry(history ? static_cast<CProfileDataEntry*>(entry) : new CCalibrationTargetEntry,
-                             kRouteIccRoot);
-    if (!history) delete entry;
-    ASSERT_TRUE(CProfileFileQCT().SaveData(folder_.WideFile("p.qct").c_str(), &data, kRouteIccRoot));
-    ASSERT_TRUE(access_.Init(folder_.WideFile("p.qct").c_str(), &error_));
+    if (times.empty() && target) entry.SetProfileDataEntry(new CCalibrationTargetEntry);
+    ASSERT_TRUE(history ? InitFromEntry(access_, entry) : InitFromEntries(access_, {{21, 9, {}}}));
   }
 
   static void AddCurve(CProfileCurveEntry& entry, std::uint32_t extendInfo) {
@@ -52,7 +44,6 @@ class CalibrationAccess : public testing::Test {
     entry.GetCurveData()->AddTail(curve);
   }
 
-  TempFolder folder_;
   CProfileAccess access_;
   CError error_;
   int size_ = 7;
@@ -146,8 +137,7 @@ TEST_F(CalibrationAccess, CurvesByCode) {
   EXPECT_EQ(access_.GetCalibrationInkLimit(3, -1, size_, type_, &error_), nullptr);
   EXPECT_EQ(error_.GetErrorReason(), 0u);
   EXPECT_EQ(access_.GetCalibrationLinearization(3, 0, size_, type_, &error_), nullptr);
-  EXPECT_EQ(std::u16string(error_.GetErrorCommentW()), u"Profile:Calibration history entry - none");
-  EXPECT_EQ(error_.GetErrorReason(), kReasonNotFound);
+  ExpectError(error_, kReasonNotFound, u"Profile:Calibration history entry - none");
   error_.Reset();
   EXPECT_EQ(access_.GetCalibrationInkLimit(3, 2, size_, type_, &error_), nullptr);
   EXPECT_EQ(std::u16string(error_.GetErrorCommentW()), u"Profile:Calibration history entry - none");

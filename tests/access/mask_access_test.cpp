@@ -1,9 +1,6 @@
-#include "support/byte_builder.h"
-#include "support/files.h"
+#include "support/entry_bytes.h"
 
 #include <nvxprofile/mask_download.h>
-#include <nvxprofile/profile_access.h>
-#include <nvxprofile/profile_file.h>
 
 #include <gtest/gtest.h>
 
@@ -16,20 +13,12 @@ namespace {
 // A loaded profile with the entries that a test puts into it.
 class MaskAccess : public testing::Test {
  protected:
-  void Load(CProfileDataEntry* entry) {
-    CProfileData data;
-    ASSERT_TRUE(entry->DataToBuffer());
-    data.SetProfileDataEntry(entry, kRouteMaskDownload);
-    ASSERT_TRUE(CProfileFileQCT().SaveData(path_.c_str(), &data, kRouteMaskDownload));
-    ASSERT_TRUE(access_.Init(path_.c_str(), &error_));
-  }
+  void Load(CProfileDataEntry&& entry) { ASSERT_TRUE(InitFromEntry(access_, entry, kRouteMaskDownload)); }
 
   // The comment that a failed call left, which is then reset.
   std::u16string Comment() {
-    const bool wordless = error_.GetErrorReason() == 0;
-    EXPECT_TRUE(wordless || error_.GetErrorReason() == kReasonNotFound);
-    EXPECT_EQ(error_.GetSystemErrorCode(), 0u);
     const std::u16string comment = error_.GetErrorCommentW();
+    ExpectError(error_, comment.empty() ? 0 : std::uint32_t{kReasonNotFound}, comment);
     error_.Reset();
     return comment;
   }
@@ -38,8 +27,6 @@ class MaskAccess : public testing::Test {
     return access_.GetMaskParameterAndPatternBuffer(nullptr, pass, 2, method, colors, nullptr, &error_);
   }
 
-  TempFolder folder_;
-  std::u16string path_ = folder_.WideFile("profile.qct");
   CProfileAccess access_;
   CError error_;
 };
@@ -47,25 +34,25 @@ class MaskAccess : public testing::Test {
 TEST_F(MaskAccess, NothingIsPackedOfWhatIsNotThere) {
   EXPECT_EQ(PackedSize(1, 2, 3), 0u);
   EXPECT_EQ(Comment(), u"");
-  Load(new CMaskDownLoadEntry);
+  Load(CMaskDownLoadEntry());
   EXPECT_EQ(PackedSize(1, 2, 3), 0u);
   EXPECT_EQ(Comment(), u"Profile:There is no specified parameter.");
-  Load(new CMaskDownloadIncludePatternEntry);
+  Load(CMaskDownloadIncludePatternEntry());
   EXPECT_EQ(PackedSize(1, 2, 3), 0u);
   EXPECT_EQ(Comment(), u"Profile:There is no specified condition.");
 }
 
 TEST_F(MaskAccess, VersionAboveFourIsNotSupported) {
-  auto* const entry = new CMaskDownLoadEntry;
-  entry->GetWeftHeader()->VersionMajor = 4;
-  entry->GetWeftHeader()->VersionMinor = 1;
-  Load(entry);
+  CMaskDownLoadEntry entry;
+  entry.GetWeftHeader()->VersionMajor = 4;
+  entry.GetWeftHeader()->VersionMinor = 1;
+  Load(std::move(entry));
   EXPECT_FALSE(access_.IsSupportWeftVersion(&error_));
   EXPECT_EQ(Comment(), u"");
 }
 
 TEST_F(MaskAccess, PacksBlockAndPatternsInTheOrderOfTheRecord) {
-  auto* const entry = new CMaskDownloadIncludePatternEntry;
+  CMaskDownloadIncludePatternEntry entry;
   const auto addRecord = [&](std::uint32_t pass, std::uint32_t method, std::vector<std::uint32_t> ids) {
     CMaskParameterDataEntry* const record = CMaskParameterDataEntry::CreateEntry();
     record->SetPass(pass);
@@ -75,13 +62,13 @@ TEST_F(MaskAccess, PacksBlockAndPatternsInTheOrderOfTheRecord) {
     for (const std::uint32_t id : ids) record->AddUsePatternID(id);
     const Bytes block = ByteBuilder().Text("block");
     record->SetParamDataBuffer(block.data(), 5);
-    entry->GetMaskParameterData()->AddTail(record);
+    entry.GetMaskParameterData()->AddTail(record);
   };
   const auto addPattern = [&](std::uint32_t id, std::uint32_t size) {
     CMaskPatternDataEntry* const pattern = CMaskPatternDataEntry::CreateEntry();
     pattern->SetMaskPatternID(id);
     pattern->SetMaskPatternBuffer(Bytes(size, static_cast<std::uint8_t>(id)).data(), size);
-    entry->GetMaskPatternData()->Add(pattern);
+    entry.GetMaskPatternData()->Add(pattern);
   };
   addRecord(4, 300, {0x10004, 3});
   addRecord(4, 7, {});
@@ -89,7 +76,7 @@ TEST_F(MaskAccess, PacksBlockAndPatternsInTheOrderOfTheRecord) {
   addRecord(16, 300, {3, 3});
   addPattern(3, 10);
   addPattern(0x10004, 20);
-  Load(entry);
+  Load(std::move(entry));
 
   ASSERT_EQ(PackedSize(4, 6, 3), 50u) << "by way of print method 300";
   Bytes buffer(51, 0xEE);
@@ -113,24 +100,19 @@ TEST_F(MaskAccess, PacksBlockAndPatternsInTheOrderOfTheRecord) {
 }
 
 TEST_F(MaskAccess, LoadTakesTheOutputInformation) {
-  auto* const entry = new CMaskDownLoadEntry;
-  entry->Initialize();
-  entry->SetWeftDataParameter(0, 6);
-  const Bytes block = ByteBuilder().U16(0xFEDC).U8(7, 8).Text(std::string(31, 'a') + "bc", 160);
-  std::copy(block.begin(), block.end(), entry->GetWeftData(6)->Bytes);
-  Load(entry);
-  const _tagDeviceProfileInfo& info = *access_.GetProfileInfo();
-  EXPECT_EQ(info.OutputFourthValue, 0xFEDC);
-  EXPECT_EQ(std::u16string(info.OutputText), std::u16string(31, u'a'));
+  const auto load = [&](const Bytes& block) {
+    CMaskDownLoadEntry entry;
+    entry.Initialize();
+    entry.SetWeftDataParameter(0, 6);
+    std::copy(block.begin(), block.end(), entry.GetWeftData(6)->Bytes);
+    Load(std::move(entry));
+    return std::u16string(access_.GetProfileInfo()->OutputText);
+  };
+  EXPECT_EQ(load(ByteBuilder().U16(0xFEDC).U8(7, 8).Text(std::string(31, 'a') + "bc", 160)), std::u16string(31, u'a'));
+  EXPECT_EQ(access_.GetProfileInfo()->OutputFourthValue, 0xFEDC);
+  EXPECT_EQ(load(Bytes(164, 'x')), std::u16string(31, u'x'));
 
-  auto* const full = new CMaskDownLoadEntry;
-  full->Initialize();
-  full->SetWeftDataParameter(0, 6);
-  std::fill_n(full->GetWeftData(6)->Bytes, 164, std::uint8_t{'x'});
-  Load(full);
-  EXPECT_EQ(std::u16string(access_.GetProfileInfo()->OutputText), std::u16string(31, u'x'));
-
-  Load(new CMaskDownLoadEntry);
+  Load(CMaskDownLoadEntry());
   const _tagDeviceProfileInfo& none = *access_.GetProfileInfo();
   EXPECT_EQ(none.OutputFourthValue, -1);
   EXPECT_EQ(none.OutputCodeA, 255);

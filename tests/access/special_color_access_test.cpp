@@ -1,8 +1,7 @@
-#include "support/files.h"
+#include "support/entry_bytes.h"
+#include "support/entry_forms.h"
 
 #include <nvxprofile/large_parameter.h>
-#include <nvxprofile/profile_access.h>
-#include <nvxprofile/profile_file.h>
 #include <nvxprofile/special_color.h>
 
 #include <gtest/gtest.h>
@@ -10,41 +9,41 @@
 #include <string>
 #include <vector>
 
+namespace nvx::test {
 namespace {
-
-using Words = std::vector<std::int32_t>;
 
 // A loaded profile with one entry; tests change its payload in place.
 class ConditionAccess : public testing::Test {
  protected:
-  void Load(CProfileDataEntry* entry) {
-    CProfileData data;
-    ASSERT_TRUE(entry->DataToBuffer());
-    data.SetProfileDataEntry(entry, nvx::kRouteMain);
-    ASSERT_TRUE(CProfileFileQCT().SaveData(path_.c_str(), &data, nvx::kRouteMain));
-    ASSERT_TRUE(access_.Init(path_.c_str(), &error_));
+  void Load(std::uint32_t usedType, const Bytes& form) {
+    ASSERT_TRUE(InitFromEntries(access_, {{usedType, NewEntry(usedType)->GetFormatType(), form}}));
   }
 
-  CSpecialColorInfoData& SpecialColors() {
-    auto* const entry = access_.GetProfileData()->GetProfileDataEntryFromList(30);
-    return *static_cast<CSpecialColorInfoEntry*>(entry)->GetSpecialColorInfoData();
+  template <class Entry>
+  Entry& Loaded(std::uint32_t usedType) {
+    return dynamic_cast<Entry&>(*access_.GetProfileData()->GetProfileDataEntryFromList(usedType));
   }
-  CLargeParameterData& Lamp() {
-    auto* const entry = access_.GetProfileData()->GetProfileDataEntryFromList(28);
-    return *static_cast<CLargeParameterEntry*>(entry)->GetLargeParameterData();
+  CSpecialColorInfoData& SpecialColors() { return *Loaded<CSpecialColorInfoEntry>(30).GetSpecialColorInfoData(); }
+  CLargeParameterData& Lamp() { return *Loaded<CLargeParameterEntry>(28).GetLargeParameterData(); }
+
+  // What the lamp queries but that of the parameters say: result and number of each.
+  Words LampAnswers(std::int32_t a, std::int32_t b, std::int32_t c, std::int32_t d, std::int32_t split = 1) {
+    Words answers{access_.GetUVLamp500ParamCount(count_, a, b, c, d, &error_), static_cast<std::int32_t>(count_)};
+    answers.push_back(access_.GetUVLamp500SplitCount(value_, a, b, c, d, &error_));
+    answers.push_back(value_);
+    answers.push_back(access_.GetUVLamp500SplitParamCount(value_, split, a, b, c, d, &error_));
+    answers.push_back(value_);
+    return answers;
   }
 
-  // Comment and reason that a failed call left, which are then reset.
+  // The comment that a call left which failed for this reason; then it is reset.
   std::u16string Comment(std::uint32_t reason) {
-    EXPECT_EQ(error_.GetErrorReason(), reason);
-    EXPECT_EQ(error_.GetSystemErrorCode(), 0u);
     const std::u16string comment = error_.GetErrorCommentW();
+    ExpectError(error_, reason, comment);
     error_.Reset();
     return comment;
   }
 
-  nvx::test::TempFolder folder_;
-  std::u16string path_ = folder_.WideFile("profile.qct");
   CProfileAccess access_;
   CError error_;
   std::int32_t size_ = 77;
@@ -53,45 +52,26 @@ class ConditionAccess : public testing::Test {
   std::uint32_t count_ = 80;
 };
 
-template <class Table>
-void Fill(Table& table, std::int32_t patterns, const Words& first, const Words& second) {
-  table.SetPatternCount(patterns);
-  for (std::size_t i = 0; i < first.size(); ++i) table.SetParameter(static_cast<std::int32_t>(i), first[i], 0);
-  for (std::size_t i = 0; i < second.size(); ++i) table.SetParameter(static_cast<std::int32_t>(i), second[i], 1);
-}
-
 // Patterns for ink 9, for inks 3 and 7, and for ink 5, under the conditions 1200 to 1299 and 6. Level, density and
 // number of the curve set.
-CSpecialColorInfoEntry* SpecialColorEntry() {
-  auto* const entry = new CSpecialColorInfoEntry;
-  const Words patterns = {100, 0, 0,    0,           //
+Bytes AdviceForm() {
+  const Words patterns = {100, 3, 0,    0,           //
                           0,   0, 1200, 6, 2, 9, 0,  //
                           0,   0, 1200, 6, 2, 3, 7,  //
                           0,   0, 1200, 6, 2, 5, 0};
   const Words advice = {0, 0, 1, 40, 1,  //
                         0, 0, 0, 50, 0,  //
                         0, 0, 9, 60, 7};
-  const std::uint32_t sizes[] = {25, 15};
-  auto* const table = CSpecialColorInfoDataEntry::CreateSpecialColorInfoDataEntry(1, sizes);
-  Fill(*table, 3, patterns, advice);
-  entry->GetSpecialColorInfoData()->AddTail(table);
-  return entry;
+  ByteBuilder form = SpecialColorHeader(0, 1).Append(SpecialColorRecord(1, 4 + 100 + 4 + 60, 3));
+  return form.Append(SpecialColorArrays(patterns, advice));
 }
 
-CLargeParameterDataEntry* LampPatterns() {
-  const Words patterns = {120, 0,                                            //
+Bytes LampForm() {
+  const Words patterns = {120, 2,                                            //
                           0,   0, 1, 2,  3, 100,  0, 0, 0, 0, 2, 5, 11, 12,  //
                           0,   0, 1, -1, 3, 1250, 0, 0, 0, 0, 1, 6, 21, 22};
-  const std::uint32_t sizes[] = {30, 7};
-  auto* const table = CLargeParameterDataEntry::CreateLargeParameterDataEntry(2, sizes);
-  Fill(*table, 2, patterns, {10, 11, 12, 13, 20, 21, 22});
-  return table;
-}
-
-CLargeParameterEntry* LampEntry() {
-  auto* const entry = new CLargeParameterEntry;
-  entry->GetLargeParameterData()->AddTail(LampPatterns());
-  return entry;
+  ByteBuilder form = ByteBuilder().Text("MRAP").U32(16, 1, 0).Text("HMRP").U32(20, 2, 4 + 120 + 4 + 28, 2);
+  return Add(Add(form.Text("HERP"), patterns).Text("EMRP"), {10, 11, 12, 13, 20, 21, 22});
 }
 
 TEST_F(ConditionAccess, WithoutAProfileNothingIsTouched) {
@@ -109,7 +89,7 @@ TEST_F(ConditionAccess, WithoutAProfileNothingIsTouched) {
 }
 
 TEST_F(ConditionAccess, SpecialColoursGetTheirAdvice) {
-  Load(SpecialColorEntry());
+  Load(30, AdviceForm());
   EXPECT_TRUE(access_.GetSpecialColorRecommendDensity(value_, 1234, 6, 5, &error_));
   EXPECT_EQ(value_, 60);
   std::int32_t colors[] = {7, 3, 9};
@@ -117,21 +97,17 @@ TEST_F(ConditionAccess, SpecialColoursGetTheirAdvice) {
   EXPECT_EQ(value_, 0) << "stored levels count from 1";
   EXPECT_TRUE(access_.GetSpecialColorRecommendLevel(value_, 1234, 6, 2, colors, &error_));
   EXPECT_EQ(value_, -1) << "a stored 0 is told as it is";
-  value_ = 79;
-  EXPECT_FALSE(access_.GetSpecialColorRecommendLevel(value_, 1300, 6, 2, colors, &error_));
-  EXPECT_EQ(value_, -1);
-  value_ = 79;
-  EXPECT_FALSE(access_.GetSpecialColorRecommendDensity(value_, 1200, 6, 3, &error_));
-  EXPECT_EQ(value_, -1);
+  Words missing(3, 79);
+  EXPECT_FALSE(access_.GetSpecialColorRecommendLevel(missing[0], 1300, 6, 2, colors, &error_));
+  EXPECT_FALSE(access_.GetSpecialColorRecommendDensity(missing[1], 1200, 6, 3, &error_));
   SpecialColors().DeleteSpecialColorInfo();
-  value_ = 79;
-  EXPECT_FALSE(access_.GetSpecialColorRecommendDensity(value_, 1200, 6, 9, &error_));
-  EXPECT_EQ(value_, -1);
+  EXPECT_FALSE(access_.GetSpecialColorRecommendDensity(missing[2], 1200, 6, 9, &error_));
+  EXPECT_EQ(missing, Words(3, -1));
   EXPECT_EQ(Comment(0), u"");
 }
 
 TEST_F(ConditionAccess, SpecialColoursGetTheirCurves) {
-  Load(SpecialColorEntry());
+  Load(30, AdviceForm());
   const auto find = [&](std::int32_t ink, std::int32_t condition1 = 1200, std::int32_t extendInfo = 0) {
     size_ = 77;
     type_ = 78;
@@ -166,7 +142,7 @@ TEST_F(ConditionAccess, SpecialColoursGetTheirCurves) {
 
   table.SetParameter(4, 1, 1);
   EXPECT_EQ(find(9, 1200, 5), nullptr);
-  EXPECT_EQ(Comment(nvx::kReasonBadArgument), u"Profile: Parameter error InkColorCode = 9");
+  EXPECT_EQ(Comment(kReasonBadArgument), u"Profile: Parameter error InkColorCode = 9");
   EXPECT_EQ((Words{size_, type_}), (Words{0, 0}));
   CCurveDataEntry& curve = *table.CurvesVD().At(0)->FindInkIDEntry(9);
   curve.SetDataType(4);
@@ -174,35 +150,23 @@ TEST_F(ConditionAccess, SpecialColoursGetTheirCurves) {
   EXPECT_EQ(type_, 4);
   curve.SetDataType(5);
   EXPECT_EQ(find(9), nullptr);
-  EXPECT_EQ(Comment(nvx::kReasonNotFound), u"Profile: Parameter error.InkColorCode = 9");
+  EXPECT_EQ(Comment(kReasonNotFound), u"Profile: Parameter error.InkColorCode = 9");
   EXPECT_EQ((Words{size_, type_}), (Words{1, 0}));
   curve.DeleteAllElement();
   EXPECT_EQ(find(9), nullptr);
-  EXPECT_EQ(Comment(nvx::kReasonNotFound), u"Profile: Specify entry size is 0.InkColorCode = 9");
+  EXPECT_EQ(Comment(kReasonNotFound), u"Profile: Specify entry size is 0.InkColorCode = 9");
   EXPECT_EQ((Words{size_, type_}), (Words{0, 0}));
 }
 
 TEST_F(ConditionAccess, TheLampAnswersByPattern) {
-  Load(LampEntry());
-  EXPECT_TRUE(access_.GetUVLamp500ParamCount(count_, 1, 9, 3, 1250, &error_));
-  EXPECT_EQ(count_, 3u);
+  Load(28, LampForm());
   Words parameters(5, 99);
+  EXPECT_EQ(LampAnswers(1, 9, 3, 1250), (Words{true, 3, true, 6, true, 22}));
   EXPECT_TRUE(access_.GetUVLamp500Parameter(parameters.data(), 1, 9, 3, 1250, &error_));
   EXPECT_EQ(parameters, (Words{20, 21, 22, 99, 99}));
-  EXPECT_TRUE(access_.GetUVLamp500SplitCount(value_, 1, 9, 3, 1250, &error_));
-  EXPECT_EQ(value_, 6);
-  EXPECT_TRUE(access_.GetUVLamp500SplitParamCount(value_, 1, 1, 9, 3, 1250, &error_));
-  EXPECT_EQ(value_, 22);
-
-  // No pattern: the splits fall back on the first one.
-  EXPECT_FALSE(access_.GetUVLamp500ParamCount(count_, 7, 7, 7, 7, &error_));
-  EXPECT_EQ(count_, 0u);
+  EXPECT_EQ(LampAnswers(7, 7, 7, 7), (Words{false, 0, false, 5, false, 12})) << "splits fall back on the first pattern";
   EXPECT_FALSE(access_.GetUVLamp500Parameter(parameters.data(), 7, 7, 7, 7, &error_));
   EXPECT_EQ(parameters[0], 20);
-  EXPECT_FALSE(access_.GetUVLamp500SplitCount(value_, 7, 7, 7, 7, &error_));
-  EXPECT_EQ(value_, 5);
-  EXPECT_FALSE(access_.GetUVLamp500SplitParamCount(value_, 1, 7, 7, 7, 7, &error_));
-  EXPECT_EQ(value_, 12);
   EXPECT_EQ(Comment(0), u"");
 
   CLargeParameterDataEntry& table = *Lamp().Find(2);
@@ -211,24 +175,16 @@ TEST_F(ConditionAccess, TheLampAnswersByPattern) {
   EXPECT_FALSE(access_.GetUVLamp500Parameter(parameters.data(), 1, 9, 3, 1250, &error_));
   EXPECT_EQ(parameters, (Words{20, 21, 22, 99, 99})) << "a block that leads outside gives what there is";
   table.SetPatternCount(0);
-  EXPECT_FALSE(access_.GetUVLamp500SplitCount(value_, 1, 9, 3, 1250, &error_));
-  EXPECT_EQ(value_, 0);
-  EXPECT_FALSE(access_.GetUVLamp500SplitParamCount(value_, 0, 1, 9, 3, 1250, &error_));
-  EXPECT_EQ(value_, 0);
+  EXPECT_EQ(LampAnswers(1, 9, 3, 1250, 0), (Words{false, 0, false, 0, false, 0}));
 }
 
 TEST_F(ConditionAccess, AFixedLampTableAnswersWhateverTheConditions) {
-  Load(LampEntry());
+  Load(28, LampForm());
   Lamp().AddTail(CLargeParameterDataEntry::CreateLargeParameterDataEntry(1, nullptr));
-  EXPECT_TRUE(access_.GetUVLamp500ParamCount(count_, 7, 7, 7, 7, &error_));
-  EXPECT_EQ(count_, 264u);
+  EXPECT_EQ(LampAnswers(7, 7, 7, 7, 55), (Words{true, 264, true, 2, true, 131}));
   Words parameters(265, 99);
   EXPECT_TRUE(access_.GetUVLamp500Parameter(parameters.data(), 7, 7, 7, 7, &error_));
   EXPECT_EQ((Words{parameters[132], parameters[133], parameters[134], parameters[264]}), (Words{0, 1, -1, 99}));
-  EXPECT_TRUE(access_.GetUVLamp500SplitCount(value_, 7, 7, 7, 7, &error_));
-  EXPECT_EQ(value_, 2);
-  EXPECT_TRUE(access_.GetUVLamp500SplitParamCount(value_, 55, 7, 7, 7, 7, &error_));
-  EXPECT_EQ(value_, 131);
   EXPECT_EQ(Comment(0), u"");
 }
 
@@ -236,25 +192,27 @@ TEST_F(ConditionAccess, MissingLampTablesAreReported) {
   const auto comments = [&] {
     std::vector<std::u16string> texts;
     EXPECT_FALSE(access_.GetUVLamp500ParamCount(count_, 1, 2, 3, 4, &error_));
-    texts.push_back(Comment(nvx::kReasonNotFound));
+    texts.push_back(Comment(kReasonNotFound));
     EXPECT_FALSE(access_.GetUVLamp500Parameter(&value_, 1, 2, 3, 4, &error_));
-    texts.push_back(Comment(nvx::kReasonNotFound));
+    texts.push_back(Comment(kReasonNotFound));
     EXPECT_FALSE(access_.GetUVLamp500SplitCount(value_, 1, 2, 3, 4, &error_));
-    texts.push_back(Comment(nvx::kReasonNotFound));
+    texts.push_back(Comment(kReasonNotFound));
     EXPECT_FALSE(access_.GetUVLamp500SplitParamCount(value_, 0, 1, 2, 3, 4, &error_));
-    texts.push_back(Comment(nvx::kReasonNotFound));
+    texts.push_back(Comment(kReasonNotFound));
     EXPECT_EQ((Words{value_, static_cast<std::int32_t>(count_)}), (Words{79, 80}));
     return texts;
   };
-  Load(SpecialColorEntry());
-  EXPECT_EQ(comments(), std::vector<std::u16string>(4, u"Profile:Large Parameter Entry - none"));
+  const std::vector<std::u16string> noEntry(4, u"Profile:Large Parameter Entry - none");
+  Load(30, AdviceForm());
+  EXPECT_EQ(comments(), noEntry);
   auto* const impostor = new CProfileDataEntry;
   impostor->SetUsedType(28);
-  access_.GetProfileData()->SetProfileDataEntry(impostor, nvx::kRouteLargeParameter);
-  EXPECT_EQ(comments(), std::vector<std::u16string>(4, u"Profile:Large Parameter Entry - none"));
-  Load(new CLargeParameterEntry);
+  access_.GetProfileData()->SetProfileDataEntry(impostor, kRouteLargeParameter);
+  EXPECT_EQ(comments(), noEntry);
+  Load(28, ByteBuilder().Text("MRAP").U32(16, 0, 0));
   const std::u16string none = u"Profile:Large Parameter Param Count - none";
   EXPECT_EQ(comments(), (std::vector<std::u16string>{none, u"Profile:Large Parameter Param - none", none, none}));
 }
 
 }  // namespace
+}  // namespace nvx::test

@@ -1,4 +1,5 @@
 #include "support/entries.h"
+#include "support/icc_judge.h"
 #include "support/legacy_profile.h"
 #include "support/record_text.h"
 
@@ -10,7 +11,6 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <lcms2.h>
 
 #include <memory>
 #include <string>
@@ -235,23 +235,12 @@ TEST_F(Convert, AnIccEngineOpensTheResult) {
   LoadLegacy({1, 2, 10, 14}, {6});
   converter_.ConvertV2ToV3Profile(&kDatabase);
   converter_.SaveV3Profile(folder_.WideFile("new.icc").c_str());
-  const auto close = [](void* profile) { cmsCloseProfile(profile); };
-  const std::unique_ptr<void, decltype(close)> profile(cmsOpenProfileFromFile(folder_.File("new.icc").c_str(), "r"),
-                                                       close);
-  ASSERT_NE(profile, nullptr);
-  EXPECT_TRUE(cmsIsTag(profile.get(), static_cast<cmsTagSignature>(0x4E565831)));  // NVX1
-  char name[64];
-  cmsGetProfileInfoASCII(profile.get(), cmsInfoDescription, "en", "US", name, sizeof name);
-  EXPECT_STREQ(name, "new.icc");
-  const std::unique_ptr<void, decltype(close)> lab(cmsCreateLab4Profile(nullptr), close);
-  const auto drop = [](void* transform) { cmsDeleteTransform(transform); };
-  const std::unique_ptr<void, decltype(drop)> transform(
-      cmsCreateTransform(profile.get(), TYPE_RGB_8, lab.get(), TYPE_Lab_DBL, INTENT_PERCEPTUAL, 0), drop);
-  ASSERT_NE(transform, nullptr);
-  const std::uint8_t white[3] = {255, 255, 255};
-  double out[3] = {};
-  cmsDoTransform(transform.get(), white, out, 1);
-  EXPECT_NEAR(out[0], 100, 0.5);
+  const IccJudge judge(ReadBytes(folder_.File("new.icc")));
+  ASSERT_TRUE(judge.Opens());
+  EXPECT_THAT(judge.Tags(), testing::Contains(0x4E565831u)) << "NVX1";
+  EXPECT_EQ(judge.Description(), "new.icc");
+  EXPECT_EQ(judge.ColorsInSrgb(), IccJudge(SmallIccProfile()).ColorsInSrgb());
+  EXPECT_TRUE(judge.ColorsInSrgb());
 }
 
 }  // namespace

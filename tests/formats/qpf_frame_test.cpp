@@ -1,7 +1,7 @@
 // Real ICC profiles as frames of profiles of the current generation, with Little CMS as the judge of what came of them.
 #include "support/entries.h"
 #include "support/environment.h"
-#include "support/files.h"
+#include "support/icc_judge.h"
 #include "support/qpf_builder.h"
 #include "support/qpf_reader.h"
 
@@ -9,10 +9,8 @@
 #include <nvxprofile/profile_file_qpf.h>
 
 #include <gtest/gtest.h>
-#include <lcms2.h>
 
 #include <cstring>
-#include <memory>
 
 namespace {
 
@@ -35,29 +33,6 @@ void Wrap(CProfileData& data, const Bytes& frame) {
 bool Save(const TempFolder& folder, const char* name, CProfileData& data, const char* time) {
   const ScopedVariable clock("SOURCE_DATE_EPOCH", time);
   return CProfileFileQPFv3().SaveData(folder.WideFile(name).c_str(), &data, nvx::kSaveReplaceProfile);
-}
-
-// Lab of a grid of device colours, empty if Little CMS makes no transform of the profile.
-std::vector<double> Colours(const Bytes& profile) {
-  const auto close = [](void* handle) { cmsCloseProfile(handle); };
-  const std::unique_ptr<void, decltype(close)> device(
-      cmsOpenProfileFromMem(profile.data(), static_cast<cmsUInt32Number>(profile.size())), close);
-  const std::unique_ptr<void, decltype(close)> lab(cmsCreateLab4Profile(nullptr), close);
-  if (!device) return {};
-  const bool cmyk = ColorSpace(profile) == "CMYK";
-  const auto drop = [](void* handle) { cmsDeleteTransform(handle); };
-  const std::unique_ptr<void, decltype(drop)> transform(
-      cmsCreateTransform(device.get(), cmyk ? TYPE_CMYK_8 : TYPE_RGB_8, lab.get(), TYPE_Lab_DBL, INTENT_PERCEPTUAL, 0),
-      drop);
-  if (!transform) return {};
-  Bytes inks;
-  const std::uint32_t channels = cmyk ? 4 : 3;
-  for (std::uint32_t i = 0; i < 625; ++i) {
-    for (std::uint32_t c = 0, n = i; c < channels; ++c, n /= 5) inks.push_back(static_cast<std::uint8_t>(n % 5 * 63));
-  }
-  std::vector<double> out(625 * 3);
-  cmsDoTransform(transform.get(), inks.data(), out.data(), 625);
-  return out;
 }
 
 // The bytes without the two things in which two saves of one profile may differ.
@@ -92,15 +67,15 @@ TEST(QpfFrames, ServeEveryIccEngineAsBefore) {
     EXPECT_EQ(reader.Entries().at(0).bytes, CurveSet(2, Bytes(512, 3)));
     EXPECT_EQ(reader.Body("NVX3"), Padded(frame));
 
-    const auto colours = Colours(frame);
-    EXPECT_TRUE(Colours(first) == colours);
-    withColours += colours.empty() ? 0 : 1;
+    const auto colours = IccJudge(frame).ColorsInSrgb();
+    EXPECT_TRUE(IccJudge(first).ColorsInSrgb() == colours);
+    withColours += colours ? 1 : 0;
 
     CProfileAccess access;
     CError error;
     ASSERT_TRUE(access.Init(folder.WideFile("a.icc").c_str(), &error));
     CProfileDataEntry* const icc = access.GetProfileData()->GetProfileDataEntry(4, 10);
-    EXPECT_EQ(Colours(BytesOf(*icc)), colours);
+    EXPECT_TRUE(IccJudge(BytesOf(*icc)).ColorsInSrgb() == colours);
     ASSERT_TRUE(Save(folder, "a.icc", *access.GetProfileData(), "1800000000"));
     const Bytes second = ReadBytes(folder.File("a.icc"));
     EXPECT_NE(second, first);

@@ -1,97 +1,17 @@
 // Every real profile of this machine, edited by us and judged by Little CMS.
 #include "icc/icc_image.h"
 #include "support/icc_builder.h"
+#include "support/icc_judge.h"
 
 #include <gtest/gtest.h>
-#include <lcms2.h>
 
 #include <algorithm>
-#include <cstring>
 #include <map>
-#include <optional>
 #include <string>
 #include <vector>
 
 namespace nvx::test {
 namespace {
-
-// What Little CMS sees of an image.
-class Judge {
- public:
-  explicit Judge(const Bytes& image)
-      : profile_(cmsOpenProfileFromMem(image.data(), static_cast<cmsUInt32Number>(image.size()))) {}
-  Judge(const Judge&) = delete;
-  Judge& operator=(const Judge&) = delete;
-  ~Judge() {
-    if (profile_ != nullptr) cmsCloseProfile(profile_);
-  }
-
-  bool Opens() const { return profile_ != nullptr; }
-
-  std::vector<std::uint32_t> Tags() const {
-    std::vector<std::uint32_t> tags;
-    for (cmsInt32Number i = 0; i < cmsGetTagCount(profile_); ++i) {
-      tags.push_back(static_cast<std::uint32_t>(cmsGetTagSignature(profile_, static_cast<cmsUInt32Number>(i))));
-    }
-    return tags;
-  }
-
-  Bytes Raw(std::uint32_t tag) const {
-    const auto signature = static_cast<cmsTagSignature>(tag);
-    Bytes bytes(cmsReadRawTag(profile_, signature, nullptr, 0));
-    if (!bytes.empty()) cmsReadRawTag(profile_, signature, bytes.data(), static_cast<cmsUInt32Number>(bytes.size()));
-    return bytes;
-  }
-
-  std::uint32_t LinkedTo(std::uint32_t tag) const {
-    return static_cast<std::uint32_t>(cmsTagLinkedTo(profile_, static_cast<cmsTagSignature>(tag)));
-  }
-
-  Bytes StoredID() const {
-    Bytes id(16);
-    cmsGetHeaderProfileID(profile_, id.data());
-    return id;
-  }
-
-  Bytes ComputedID() {
-    EXPECT_TRUE(cmsMD5computeID(profile_));
-    return StoredID();
-  }
-
-  // A grid of colours to sRGB; nothing for a profile that carries no transform.
-  std::optional<Bytes> ColorsInSrgb() const {
-    constexpr cmsUInt32Number kPixels = 5 * 5 * 5 * 5;
-    const cmsUInt32Number channels = cmsChannelsOf(cmsGetColorSpace(profile_));
-    const bool named = cmsGetDeviceClass(profile_) == cmsSigNamedColorClass;
-    const cmsUInt32Number format =
-        named ? TYPE_NAMED_COLOR_INDEX : cmsFormatterForColorspaceOfProfile(profile_, 1, FALSE);
-    const cmsHPROFILE srgb = cmsCreate_sRGBProfile();
-    const cmsHTRANSFORM transform =
-        cmsCreateTransform(profile_, format, srgb, TYPE_RGB_8, INTENT_PERCEPTUAL, cmsFLAGS_NOOPTIMIZE);
-    cmsCloseProfile(srgb);
-    if (transform == nullptr) return std::nullopt;
-    Bytes colors(kPixels * 3);
-    if (named) {
-      std::vector<cmsUInt16Number> indices;
-      for (cmsUInt16Number i = 0; i < 20; ++i) indices.push_back(i);
-      cmsDoTransform(transform, indices.data(), colors.data(), 20);
-    } else {
-      Bytes grid;
-      for (cmsUInt32Number pixel = 0; pixel < kPixels; ++pixel) {
-        cmsUInt32Number rest = pixel;
-        for (cmsUInt32Number channel = 0; channel < channels; ++channel, rest /= 5) {
-          grid.push_back(static_cast<std::uint8_t>(rest % 5 * 63));
-        }
-      }
-      cmsDoTransform(transform, grid.data(), colors.data(), kPixels);
-    }
-    cmsDeleteTransform(transform);
-    return colors;
-  }
-
- private:
-  cmsHPROFILE profile_;
-};
 
 Bytes Filled(std::size_t size) {
   Bytes bytes{'t', 'e', 'x', 't', 0, 0, 0, 0};
@@ -108,7 +28,7 @@ TEST_P(RealProfile, SurvivesEdits) {
   const Bytes original = ReadBytes(GetParam());
   const auto image = IccImage::Open(original);
   ASSERT_NE(image, nullptr);
-  const Judge before(original);
+  const IccJudge before(original);
   ASSERT_TRUE(before.Opens());
   ASSERT_EQ(image->Signatures(), before.Tags());
 
@@ -138,7 +58,7 @@ TEST_P(RealProfile, SurvivesEdits) {
   ASSERT_TRUE(image->CopyTo(edited));
   ASSERT_EQ(LoadBig<std::uint32_t>(edited.data()), edited.size());
   ASSERT_EQ(edited.size() % 4, 0u);
-  Judge after(edited);
+  IccJudge after(edited);
   ASSERT_TRUE(after.Opens());
   ASSERT_EQ(after.Tags(), expected);
   for (const std::uint32_t tag : expected) {
@@ -166,12 +86,12 @@ TEST_P(RealProfile, KeepsARightProfileID) {
   const Bytes original = ReadBytes(GetParam());
   const auto image = IccImage::Open(original);
   ASSERT_NE(image, nullptr);
-  Judge before(original);
+  IccJudge before(original);
   const Bytes stored = before.StoredID();
   image->SetTag(Signature("NVX1"), Filled(777));
   Bytes edited(static_cast<std::size_t>(image->Size()), 0xEE);
   ASSERT_TRUE(image->CopyTo(edited));
-  Judge after(edited);
+  IccJudge after(edited);
   if (stored == Bytes(16)) {
     EXPECT_EQ(after.StoredID(), stored);
     return;
@@ -187,7 +107,7 @@ TEST_P(RealProfile, KeepsARightProfileID) {
   Bytes back(static_cast<std::size_t>(image->Size()));
   ASSERT_TRUE(image->CopyTo(back));
   if (std::equal(back.begin() + 100, back.end(), original.begin() + 100, original.end())) {
-    EXPECT_EQ(Judge(back).StoredID(), stored);
+    EXPECT_EQ(IccJudge(back).StoredID(), stored);
   }
 }
 
@@ -208,7 +128,7 @@ TEST(RealProfiles, AreOfAllKinds) {
   const std::vector<std::string> paths = RealProfiles();
   if (paths.empty()) GTEST_SKIP() << "install icc-profiles-free, colord-data and libgs-common";
   for (const std::string& path : paths) {
-    Judge judge(ReadBytes(path));
+    IccJudge judge(ReadBytes(path));
     ASSERT_TRUE(judge.Opens()) << path;
     const std::vector<std::uint32_t> tags = judge.Tags();
     shared += std::any_of(tags.begin(), tags.end(), [&](std::uint32_t tag) { return judge.LinkedTo(tag) != 0; });

@@ -49,6 +49,12 @@ inline bool InitFromEntries(CProfileAccess& access, const std::vector<EntryBytes
   return access.Init(folder.WideFile("profile.qct").c_str(), &error);
 }
 
+// A profile of what an entry holds.
+inline bool InitFromEntry(CProfileAccess& access, CProfileDataEntry& entry, std::uint32_t route = kRouteMain) {
+  return entry.DataToBuffer() &&
+         InitFromEntries(access, {{entry.GetUsedType(), entry.GetFormatType(), BytesOf(entry)}}, route);
+}
+
 // That a query failed for this reason, 0 for one without a word.
 inline void ExpectError(const CError& error, std::uint32_t reason, std::u16string_view comment) {
   EXPECT_EQ(error.GetErrorReason(), reason);
