@@ -79,6 +79,15 @@ class LegacyFile : public ::testing::Test {
     return std::unique_ptr<CProfileFile>(CProfileFile::CreateProfileFile(path_.c_str(), true));
   }
 
+  // The lines of passes in the file.
+  std::size_t PassCodes() const {
+    const Bytes bytes = ReadBytes(folder_.File("a.qpf"));
+    const std::string text(bytes.begin(), bytes.end());
+    std::size_t codes = 0;
+    for (std::size_t at = 0; (at = text.find("Pass_Code:", at)) != text.npos; ++at) ++codes;
+    return codes;
+  }
+
   ScopedLanguage language_{"en_US.UTF-8"};
   LegacyFolder folder_;
   std::u16string path_ = folder_.WideFile("a.qpf");
@@ -135,11 +144,7 @@ TEST_F(LegacyFile, SavesTheExactBytesOfBothVersions) {
   // The field of the codes ends before the number of passes does.
   data.GetProfileInfo()->Text.Pass_Support = 1000;
   ASSERT_TRUE(CProfileFileQPFv2().SaveData(path_.c_str(), &data, 0));
-  const Bytes many = ReadBytes(folder_.File("a.qpf"));
-  std::size_t codes = 0;
-  const std::string text(many.begin(), many.end());
-  for (std::size_t at = 0; (at = text.find("Pass_Code:", at)) != text.npos; ++at) ++codes;
-  EXPECT_EQ(codes, std::size(data.GetProfileInfo()->Text.Pass_Code));
+  EXPECT_EQ(PassCodes(), std::size(data.GetProfileInfo()->Text.Pass_Code));
   data.GetProfileInfo()->Text.Pass_Support = 2;
   data.GetProfileInfo()->LayoutNumber = kNoView;
   ASSERT_TRUE(CProfileFileQPFv2().SaveData(path_.c_str(), &data, 0));
@@ -153,9 +158,8 @@ TEST_F(LegacyFile, SavesTheExactBytesOfBothVersions) {
   EXPECT_TRUE(access.IsICCRoot() && access.IsGrayBalanceRoot());
   access.GetProfileInfo()->Text.Pass_Support = 0;
   ASSERT_TRUE(CProfileFileQPFv2().SaveData(path_.c_str(), access.GetProfileData(), 0));
-  const Bytes again = ReadBytes(folder_.File("a.qpf"));
-  EXPECT_EQ(again.size(), saved.size() - 2 * std::strlen("Pass_Code:4\r\n"));
-  EXPECT_EQ(std::string(again.begin(), again.end()).find("Pass_Code:"), std::string::npos);
+  EXPECT_EQ(ReadBytes(folder_.File("a.qpf")).size(), saved.size() - 2 * std::strlen("Pass_Code:4\r\n"));
+  EXPECT_EQ(PassCodes(), 0u);
 }
 
 TEST_F(LegacyFile, AFailedSaveLeavesTheOldFile) {
@@ -178,16 +182,13 @@ TEST_F(LegacyFile, TakesValuesApart) {
     EXPECT_FALSE(probe.GetOutputSetting(code, scan, feed, dotType)) << code;
   }
   EXPECT_EQ(scan + feed + dotType, 6u);
-  const struct {
-    const char* code;
-    std::uint32_t scan, dotType;
-  } kCodes[] = {{"7201080", 720, 1},   {"07201080", 720, 1},  {"14401080", 1440, 1},
-                {"107201080", 720, 2}, {"007201080", 720, 1}, {"207201080", 720, 1}};
-  for (const auto& item : kCodes) {
-    EXPECT_TRUE(probe.GetOutputSetting(item.code, scan, feed, dotType)) << item.code;
-    EXPECT_EQ(scan, item.scan) << item.code;
-    EXPECT_EQ(feed, 1080u);
-    EXPECT_EQ(dotType, item.dotType) << item.code;
+  using Setting = std::tuple<std::uint32_t, std::uint32_t, std::uint32_t>;
+  const std::pair<const char*, Setting> kCodes[] = {{"7201080", {720, 1080, 1}},   {"07201080", {720, 1080, 1}},
+                                                    {"14401080", {1440, 1080, 1}}, {"107201080", {720, 1080, 2}},
+                                                    {"007201080", {720, 1080, 1}}, {"207201080", {720, 1080, 1}}};
+  for (const auto& [code, setting] : kCodes) {
+    EXPECT_TRUE(probe.GetOutputSetting(code, scan, feed, dotType)) << code;
+    EXPECT_EQ(Setting(scan, feed, dotType), setting) << code;
   }
 
   const auto erased = [&](const char* value) {
@@ -195,13 +196,14 @@ TEST_F(LegacyFile, TakesValuesApart) {
     probe.EraseCountFromMediaName(value, out);
     return std::string(out);
   };
-  EXPECT_EQ(erased("%12%Glossy Paper"), "Glossy Paper");
-  EXPECT_EQ(erased("Plain"), "Plain");
-  EXPECT_EQ(erased("%"), "%");
-  EXPECT_EQ(erased("%%x"), "x");
-  EXPECT_EQ(erased("a%b%c"), "b%c");
-  EXPECT_EQ(erased("%5%"), "");
-  EXPECT_EQ(erased(""), "before");
+  const std::pair<const char*, const char*> kNames[] = {{"%12%Glossy Paper", "Glossy Paper"},
+                                                        {"Plain", "Plain"},
+                                                        {"%", "%"},
+                                                        {"%%x", "x"},
+                                                        {"a%b%c", "b%c"},
+                                                        {"%5%", ""},
+                                                        {"", "before"}};
+  for (const auto& [name, rest] : kNames) EXPECT_EQ(erased(name), rest) << name;
 
   const auto year = [&](const char* text) {
     SYSTEMTIME time{7, 7, 7, 7, 7, 7, 7, 7};
@@ -212,11 +214,10 @@ TEST_F(LegacyFile, TakesValuesApart) {
     EXPECT_EQ(parts, time.wYear == 7 ? 7070707 : 12050314);
     return time.wYear;
   };
-  EXPECT_EQ(year("12:05:09 03/14/99"), 1999);
-  EXPECT_EQ(year("12:05:09 03/14/91"), 1991);
-  EXPECT_EQ(year("12:05:09 03/14/90"), 2090);
-  EXPECT_EQ(year("12:05:09 03/14/100"), 2000);
-  EXPECT_EQ(year("12:05:09 03/14/01"), 2001);
+  const std::pair<const char*, int> kYears[] = {{"99", 1999}, {"91", 1991}, {"90", 2090}, {"100", 2000}, {"01", 2001}};
+  for (const auto& [text, number] : kYears) {
+    EXPECT_EQ(year((std::string("12:05:09 03/14/") + text).c_str()), number) << text;
+  }
   EXPECT_EQ(year("12:05:09 03/14"), 7);
 }
 
@@ -309,18 +310,13 @@ TEST_F(LegacyFile, EachRequiredValueIsNamedWhenItIsMissing) {
   EXPECT_EQ(ReasonAgainst(SimpleProfile(kLines + "Dpi_Code:720\n")), "text header: Dpi_Code has not 7, 8 or 9 digits");
 
   ASSERT_TRUE(Loads(SimpleProfile(kLines)));
+  const char* const kOutput = "Printer.00420713:Scan.720:Feed.1080";
   const struct {
     const char *section, *key;
-  } kKeys[] = {{"Printer.PX", "ModelCode"},
-               {"Printer.PX", "ModelSubCode"},
-               {"Printer.PX", "InternalCode"},
-               {"Inkset.SetA", "Maker"},
-               {"Inkset.SetA", "Ink"},
-               {"Inkset.SetA", "Colorset"},
-               {"Inkset.SetA", "Ver"},
-               {"Printer.00420713:Scan.720:Feed.1080", "Rendering_Scan"},
-               {"Printer.00420713:Scan.720:Feed.1080", "Rendering_Feed"},
-               {"Printer.00420713:Scan.720:Feed.1080", "Expand"}};
+  } kKeys[] = {{"Printer.PX", "ModelCode"}, {"Printer.PX", "ModelSubCode"}, {"Printer.PX", "InternalCode"},
+               {"Inkset.SetA", "Maker"},    {"Inkset.SetA", "Ink"},         {"Inkset.SetA", "Colorset"},
+               {"Inkset.SetA", "Ver"},      {kOutput, "Rendering_Scan"},    {kOutput, "Rendering_Feed"},
+               {kOutput, "Expand"}};
   for (const auto& item : kKeys) {
     const std::string reason = std::string("conversion table: no key ") + item.key + " in [" + item.section + "]";
     const std::string without = TableWithout(ConversionTable(), item.key);
@@ -342,24 +338,23 @@ TEST_F(LegacyFile, RefusesBrokenTextsAndTables) {
   const Bytes end = ByteBuilder().Zero(8);
   const Bytes container = Container(1, {1});
   const auto withTable = [&](const std::vector<Bytes>& blocks) { return Joined(kLines + "@Binary\r\n", blocks); };
-  EXPECT_EQ(ReasonAgainst(Joined(kLines, {})), "text header: no line \"@Binary\"");
-  EXPECT_EQ(ReasonAgainst(Joined(kLines + "@binary\n@Binary\t\n", {})), "text header: no line \"@Binary\"");
-  EXPECT_EQ(ReasonAgainst(SimpleProfile(kLines + std::string(256, 'x') + "\n")),
-            "text header: line of more than 255 characters");
-  EXPECT_TRUE(Loads(SimpleProfile(kLines + std::string(255, 'x') + "\n")));
-  EXPECT_EQ(ReasonAgainst(withTable({})), "section table: no end record");
-  EXPECT_EQ(ReasonAgainst(withTable({Section(1, "a"), Bytes(7, 0)})), "section table: no end record");
-  EXPECT_EQ(ReasonAgainst(withTable({ByteBuilder().U32(1, 257).Zero(600)})),
-            "section table: name of more than 255 characters");
-  EXPECT_EQ(ReasonAgainst(withTable({ByteBuilder().U32(1, 256).Fill('x', 256).Zero(300)})),
-            "section table: name without its end");
-  EXPECT_EQ(ReasonAgainst(withTable({ByteBuilder().U32(1, 100).Zero(50)})), "section table: name cut short");
-  EXPECT_TRUE(Loads(withTable({Section(0, std::string(255, 'n')), end, container})));
   const Bytes huge = Section(0xFFFFFFFF, "x");
-  EXPECT_EQ(ReasonAgainst(withTable({huge, end, container})), "section table: sections beyond the end");
-  EXPECT_EQ(ReasonAgainst(withTable({huge, huge, Section(2, ""), end, container})),
-            "section table: sections beyond the end");
-  EXPECT_EQ(ReasonAgainst(withTable({Section(1, "x"), end, container})), "container header: wrong magic");
+  const std::pair<Bytes, const char*> kCases[] = {
+      {Joined(kLines, {}), "text header: no line \"@Binary\""},
+      {Joined(kLines + "@binary\n@Binary\t\n", {}), "text header: no line \"@Binary\""},
+      {SimpleProfile(kLines + std::string(256, 'x') + "\n"), "text header: line of more than 255 characters"},
+      {SimpleProfile(kLines + std::string(255, 'x') + "\n"), "loads"},
+      {withTable({}), "section table: no end record"},
+      {withTable({Section(1, "a"), Bytes(7, 0)}), "section table: no end record"},
+      {withTable({ByteBuilder().U32(1, 257).Zero(600)}), "section table: name of more than 255 characters"},
+      {withTable({ByteBuilder().U32(1, 256).Fill('x', 256).Zero(300)}), "section table: name without its end"},
+      {withTable({ByteBuilder().U32(1, 100).Zero(50)}), "section table: name cut short"},
+      {withTable({Section(0, std::string(255, 'n')), end, container}), "loads"},
+      {withTable({huge, end, container}), "section table: sections beyond the end"},
+      {withTable({huge, huge, Section(2, ""), end, container}), "section table: sections beyond the end"},
+      {withTable({Section(1, "x"), end, container}), "container header: wrong magic"},
+  };
+  for (const auto& [bytes, reason] : kCases) EXPECT_EQ(ReasonAgainst(bytes), reason);
 
   const Bytes good = SimpleProfile(kLines);
   for (std::size_t size = 0; size < good.size(); ++size) {
@@ -395,12 +390,10 @@ TEST_F(LegacyFile, TheVersionDecidesTheFormat) {
 
 TEST_F(LegacyFile, ABinaryViewMakesRoomForTheText) {
   const auto fillBinary = [](CProfileData& data) {
-    _tagDeviceProfileInfo& info = *data.GetProfileInfo();
-    info.LayoutNumber = 3;
-    info.Binary = {};
-    info.Binary.ModelNumber = 0x41414141;
-    info.Binary.MediaInfoCount = 2;
-    info.Binary.MediaInfo = data.CreateMediaInfoArray(2);
+    data.GetProfileInfo()->LayoutNumber = kBinaryView;
+    data.GetProfileInfo()->Binary = {};
+    data.GetProfileInfo()->Binary.ModelNumber = 0x41414141;
+    data.SetMediaInfo(std::vector<tagMedia>(2));
   };
   CProfileData data;
   fillBinary(data);
@@ -409,11 +402,10 @@ TEST_F(LegacyFile, ABinaryViewMakesRoomForTheText) {
   EXPECT_EQ(data.GetProfileInfo()->Text.Pass_Support, 0u);
   const Bytes before = ReadBytes(folder_.File("a.qpf"));
   fillBinary(data);
+  const std::string binary = TextOf(*data.GetProfileInfo());
   EXPECT_FALSE(CProfileFileQPFv1().SaveData(path_.c_str(), &data, 1)) << "there are no labels to write";
   EXPECT_EQ(ReadBytes(folder_.File("a.qpf")), before);
-  EXPECT_EQ(data.GetProfileInfo()->LayoutNumber, kBinaryView);
-  EXPECT_EQ(data.GetProfileInfo()->Binary.ModelNumber, 0x41414141u);
-  EXPECT_EQ(data.GetProfileInfo()->Binary.MediaInfoCount, 2u);
+  EXPECT_EQ(TextOf(*data.GetProfileInfo()), binary);
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include "core/payload.h"
 #include "support/entries.h"
+#include "support/forms_in_memory.h"
 #include "support/random_model.h"
 
 #include <nvxprofile/calibration_history.h>
@@ -103,22 +104,32 @@ ModelMachine::~ModelMachine() = default;
 std::string ModelMachine::Step() {
   static constexpr std::pair<const char*, Operation> kOperations[] = {
       {"add", &ModelMachine::Add},
-      {"remove", &ModelMachine::Remove},
-      {"damage", &ModelMachine::Damage},
-      {"parse", &ModelMachine::Parse},
-      {"rebuild", &ModelMachine::Rebuild},
-      {"edit", &ModelMachine::Edit},
       {"walk", &ModelMachine::Walk},
       {"save as container", &ModelMachine::SaveContainer},
       {"save as profile", &ModelMachine::SaveProfile},
-      {"clone", &ModelMachine::Clone},
-      {"copy", &ModelMachine::CopyOver},
-      {"import", &ModelMachine::Import},
       {"change history", &ModelMachine::ChangeHistory},
   };
-  const auto& [name, operation] = kOperations[choose_(std::size(kOperations))];
-  const std::string broken = (this->*operation)();
-  return broken.empty() ? broken : std::string(name) + ": " + broken;
+  static constexpr std::pair<const char*, EntryOperation> kEntryOperations[] = {
+      {"remove", &ModelMachine::Remove},   {"damage", &ModelMachine::Damage}, {"parse", &ModelMachine::Parse},
+      {"rebuild", &ModelMachine::Rebuild}, {"edit", &ModelMachine::Edit},     {"clone", &ModelMachine::Clone},
+      {"copy", &ModelMachine::CopyOver},   {"import", &ModelMachine::Import},
+  };
+  const auto said = [](const char* name, const std::string& broken) {
+    return broken.empty() ? broken : std::string(name) + ": " + broken;
+  };
+  const std::uint32_t choice = choose_(std::size(kOperations) + std::size(kEntryOperations));
+  const Picture before = Look();
+  if (choice < std::size(kOperations)) {
+    const auto& [name, operation] = kOperations[choice];
+    return said(name, (this->*operation)(before));
+  }
+  CProfileDataEntry* const entry = Any();
+  if (entry == nullptr) return {};
+  const std::size_t index = IndexOf(entry);
+  const auto& [name, operation] = kEntryOperations[choice - std::size(kOperations)];
+  const std::string broken = (this->*operation)(*entry, before);
+  const bool isRemoved = operation == &ModelMachine::Remove;
+  return said(name, broken.empty() && !isRemoved && !SameBut(before, Look(), index) ? "other entries changed" : broken);
 }
 
 ModelMachine::Picture ModelMachine::Look() const {
@@ -156,10 +167,10 @@ std::uint32_t ModelMachine::AnyRoute() {
   return kRoutes[choose_(std::size(kRoutes))];
 }
 
-std::string ModelMachine::Add() {
+std::string ModelMachine::Add(const Picture& before) {
   std::unique_ptr<CProfileDataEntry> entry = NewEntry(1 + choose_(30));
   if (!entry) return {};
-  Picture expected = Look();
+  Picture expected = before;
   const std::uint32_t route = AnyRoute();
   const auto present = std::find_if(expected.entries.begin(), expected.entries.end(),
                                     [&](const Knowledge& k) { return k.usedType == entry->GetUsedType(); });
@@ -170,85 +181,68 @@ std::string ModelMachine::Add() {
   return Look() == expected ? "" : "the model is another";
 }
 
-std::string ModelMachine::Remove() {
-  const CProfileDataEntry* const entry = Any();
-  if (entry == nullptr) return {};
-  const Picture before = Look();
-  const std::size_t index = IndexOf(entry);
+std::string ModelMachine::Remove(CProfileDataEntry& entry, const Picture& before) {
+  const std::size_t index = IndexOf(&entry);
   const std::uint32_t route = AnyRoute();
-  CProfileDataEntry* const removed = data_->RemoveProfileDataEntry(entry->GetUsedType(), route);
+  CProfileDataEntry* const removed = data_->RemoveProfileDataEntry(entry.GetUsedType(), route);
   if (removed == nullptr) return Look() == before ? "" : "nothing was removed, and yet something is gone";
-  if (removed != entry) return "another entry was removed";
+  if (removed != &entry) return "another entry was removed";
   const Knowledge knowledge = KnowledgeOf(*removed);
   if (IndexOf(removed) == data_->Entries().Count()) delete removed;
   return knowledge == before.entries[index] ? "" : "the removed entry is another";
 }
 
-std::string ModelMachine::Damage() {
-  CProfileDataEntry* const entry = Any();
-  if (entry == nullptr || entry->GetSize() == 0) return {};
-  Contents bytes = BytesOf(*entry);
+std::string ModelMachine::Damage(CProfileDataEntry& entry, const Picture&) {
+  if (entry.GetSize() == 0) return {};
+  Contents bytes = BytesOf(entry);
   if (choose_(2) == 0) {
     bytes.resize(choose_(static_cast<std::uint32_t>(bytes.size())) + 1);
   } else {
     bytes[choose_(static_cast<std::uint32_t>(std::min<std::size_t>(bytes.size(), 512)))] =
         static_cast<std::uint8_t>(choose_(256));
   }
-  const Picture before = Look();
-  SetBytes(*entry, bytes);
-  if (!SameBut(before, Look(), IndexOf(entry))) return "other entries changed";
-  if (BytesOf(*entry) != bytes) return "the bytes are others";
-  return entry->DataToBuffer() ? "bytes that nobody read were replaced" : "";
+  SetBytes(entry, bytes);
+  if (BytesOf(entry) != bytes) return "the bytes are others";
+  return entry.DataToBuffer() ? "bytes that nobody read were replaced" : "";
 }
 
-std::string ModelMachine::Parse() {
-  CProfileDataEntry* const entry = Any();
-  if (entry == nullptr) return {};
-  const Contents bytes = BytesOf(*entry);
-  const Picture before = Look();
-  const bool parsed = entry->BufferToData();
-  if (!SameBut(before, Look(), IndexOf(entry))) return "other entries changed";
-  if (BytesOf(*entry) != bytes) return "the bytes are others";
-  if (!parsed && !bytes.empty() && SaysAll(*entry)) return "a refused form counts as whole";
+std::string ModelMachine::Parse(CProfileDataEntry& entry, const Picture&) {
+  const Contents bytes = BytesOf(entry);
+  const bool parsed = entry.BufferToData();
+  if (BytesOf(entry) != bytes) return "the bytes are others";
+  if (!parsed && !bytes.empty() && SaysAll(entry)) return "a refused form counts as whole";
   return {};
 }
 
-std::string ModelMachine::Rebuild() {
-  CProfileDataEntry* const entry = Any();
-  if (entry == nullptr) return {};
-  const Picture before = Look();
-  const Contents bytes = BytesOf(*entry);
-  const bool whole = SaysAll(*entry);
-  const bool rebuilt = entry->DataToBuffer();
+std::string ModelMachine::Rebuild(CProfileDataEntry& entry, const Picture& before) {
+  const Contents bytes = BytesOf(entry);
+  const bool whole = SaysAll(entry);
+  const bool rebuilt = entry.DataToBuffer();
   if (Look() != before) return "what the entry knows changed";
-  if (!rebuilt) return BytesOf(*entry) == bytes ? "" : "a refusal changed the bytes";
+  if (!rebuilt) return BytesOf(entry) == bytes ? "" : "a refusal changed the bytes";
   if (!whole) return "bytes that the payload does not say were replaced";
-  const std::unique_ptr<CProfileDataEntry> again = Reread(*entry);
-  return KnowledgeOf(*again) == before.entries[IndexOf(entry)] ? "" : "the new buffer says something else";
+  const std::unique_ptr<CProfileDataEntry> again = Reread(entry);
+  return KnowledgeOf(*again) == before.entries[IndexOf(&entry)] ? "" : "the new buffer says something else";
 }
 
-std::string ModelMachine::Edit() {
-  CProfileDataEntry* const entry = Any();
-  if (entry == nullptr) return {};
-  const Picture before = Look();
-  const bool whole = SaysAll(*entry);
+std::string ModelMachine::Edit(CProfileDataEntry& entry, const Picture& before) {
+  const bool whole = SaysAll(entry);
   bool edited = false;
-  if (auto* const curves = dynamic_cast<CProfileCurveEntry*>(entry)) {
+  if (auto* const curves = dynamic_cast<CProfileCurveEntry*>(&entry)) {
     CCurveDataEntry* const curve = curves->GetCurveData()->Curves().At(0);
     if (curve != nullptr) curve->SetSlotNo(curve->GetSlotNo() + 1);
     edited = curve != nullptr;
-  } else if (auto* const media = dynamic_cast<CMediaPropertyEntry*>(entry)) {
+  } else if (auto* const media = dynamic_cast<CMediaPropertyEntry*>(&entry)) {
     media->GetMediaPropertyData()->AddTail(CMediaPropertyDataEntry::CreateMediaPropertyDataEntry(1, 1));
     edited = true;
   }
-  if (!SameBut(before, Look(), IndexOf(entry))) return "other entries changed";
-  const bool differs = KnowledgeOf(*entry) != before.entries[IndexOf(entry)];
+  const bool differs = KnowledgeOf(entry) != before.entries[IndexOf(&entry)];
   if (differs != (edited && whole)) return "an edit of a payload that says all shows, and no other";
-  if (edited && !whole && entry->RenewBuffer()) return "an edit that cannot be written is said to be";
+  if (edited && !whole && entry.RenewBuffer()) return "an edit that cannot be written is said to be";
   return {};
 }
 
-std::string ModelMachine::Walk() {
+std::string ModelMachine::Walk(const Picture&) {
   const auto entries = data_->Entries().Count();
   std::size_t walked = 0;
   bool more = data_->GetEntryStartPos();
@@ -273,17 +267,13 @@ std::string ModelMachine::Walk() {
   return {};
 }
 
-std::string ModelMachine::SaveContainer() {
-  const Picture before = Look();
+std::string ModelMachine::SaveContainer(const Picture& before) {
   const std::uint32_t route = AnyRoute();
-  CNvxMemFile stream;
-  const bool saved = CProfileFileQCT().SaveData(stream, data_.get(), route);
-  const Block block(stream.Buffer);
+  const auto saved = SaveBytes<CProfileFileQCT>(*data_, route);
   if (Look() != before) return "a save changed the model";
   if (!saved) return data_->IsSpecifiedRoute(route) ? "an existing route is not saved" : "";
-  CNvxMemFile form(stream.Buffer, stream.Position);
   CProfileData loaded;
-  if (!CProfileFileQCT().LoadData(form, &loaded, false)) return "what was saved does not load";
+  if (!LoadBytes<CProfileFileQCT>(*saved, loaded)) return "what was saved does not load";
   for (CProfileDataEntry* const entry : data_->GetProfileRoute(route)->Entries()) {
     CProfileDataEntry* const again = loaded.GetProfileDataEntry(route, entry->GetUsedType());
     if (again == nullptr) return "an entry is gone";
@@ -295,11 +285,10 @@ std::string ModelMachine::SaveContainer() {
   return {};
 }
 
-std::string ModelMachine::SaveProfile() {
+std::string ModelMachine::SaveProfile(const Picture& before) {
   for (CProfileDataEntry* const entry : data_->Entries()) {
     if (!entry->RenewBuffer()) return {};
   }
-  const Picture before = Look();
   const _tagDeviceProfileInfo record = *data_->GetProfileInfo();
   const std::u16string path = choose_(4) == 0 ? path_ + u"/none" : path_;
   if (!CProfileFileQPFv3().SaveData(path.c_str(), data_.get(), kSaveCalibration | kSaveReplaceProfile)) {
@@ -326,63 +315,53 @@ std::string ModelMachine::SaveProfile() {
   return {};
 }
 
-std::string ModelMachine::Clone() {
-  CProfileDataEntry* const entry = Any();
-  if (entry == nullptr) return {};
-  const Picture before = Look();
-  const Contents bytes = BytesOf(*entry);
-  const std::unique_ptr<CProfileDataEntry> copy = CloneEntry(*entry);
-  if (Look() != before || BytesOf(*entry) != bytes) return "the source changed";
+std::string ModelMachine::Clone(CProfileDataEntry& entry, const Picture& before) {
+  const Contents bytes = BytesOf(entry);
+  const std::unique_ptr<CProfileDataEntry> copy = CloneEntry(entry);
+  if (Look() != before || BytesOf(entry) != bytes) return "the source changed";
   if (!copy) return "an entry has no copy";
   if (BytesOf(*copy) != bytes) return "the copy has other bytes";
-  return KnowledgeOf(*copy) == before.entries[IndexOf(entry)] ? "" : "the copy knows something else";
+  return KnowledgeOf(*copy) == before.entries[IndexOf(&entry)] ? "" : "the copy knows something else";
 }
 
-std::string ModelMachine::CopyOver() {
-  CProfileDataEntry* const entry = Any();
-  if (entry == nullptr) return {};
-  const Picture before = Look();
-  const std::unique_ptr<CProfileDataEntry> target = NewEntry(entry->GetUsedType());
+std::string ModelMachine::CopyOver(CProfileDataEntry& entry, const Picture& before) {
+  const std::unique_ptr<CProfileDataEntry> target = NewEntry(entry.GetUsedType());
   const Knowledge old = KnowledgeOf(*target);
-  const bool copied = entry->Copy(*target);
+  const bool copied = entry.Copy(*target);
   if (Look() != before) return "the source changed";
   if (!copied) return KnowledgeOf(*target) == old ? "" : "a refusal changed the target";
-  if (entry->GetSize() == 0) return {};
-  if (BytesOf(*target) != BytesOf(*entry)) return "the bytes are others";
+  if (entry.GetSize() == 0) return {};
+  if (BytesOf(*target) != BytesOf(entry)) return "the bytes are others";
   const bool parsed = target->BufferToData();
-  return !SaysAll(*entry) || parsed || entry->GetSize() == 0 ? "" : "the copy of a whole entry does not parse";
+  return !SaysAll(entry) || parsed || entry.GetSize() == 0 ? "" : "the copy of a whole entry does not parse";
 }
 
-std::string ModelMachine::Import() {
-  CProfileDataEntry* const entry = Any();
-  if (entry == nullptr) return {};
-  const std::unique_ptr<CProfileDataEntry> source = NewEntry(entry->GetUsedType());
+std::string ModelMachine::Import(CProfileDataEntry& entry, const Picture& before) {
+  const std::unique_ptr<CProfileDataEntry> source = NewEntry(entry.GetUsedType());
   if (choose_(2) == 0 && source->GetSize() != 0) {
     Contents bytes = BytesOf(*source);
     bytes.resize(choose_(static_cast<std::uint32_t>(bytes.size())) + 1);
     SetBytes(*source, bytes);
     source->BufferToData();
   }
-  const Picture before = Look();
-  const Contents bytes = BytesOf(*entry);
-  const std::size_t index = IndexOf(entry);
-  const bool imported = entry->DoImport(source.get());
+  const Contents bytes = BytesOf(entry);
+  const std::size_t index = IndexOf(&entry);
+  const bool imported = entry.DoImport(source.get());
   const Picture after = Look();
   if (!SameBut(before, after, index)) return "other entries changed";
   // Curves take their samples one after the other until one has no partner.
-  const bool curves = dynamic_cast<CProfileCurveEntry*>(entry) != nullptr;
-  if (!imported && !curves && (after != before || BytesOf(*entry) != bytes)) return "a refusal changed the entry";
-  if (imported && !SaysAll(*entry) && after.entries[index].contents != BytesOf(*source) && after != before) {
+  const bool curves = dynamic_cast<CProfileCurveEntry*>(&entry) != nullptr;
+  if (!imported && !curves && (after != before || BytesOf(entry) != bytes)) return "a refusal changed the entry";
+  if (imported && !SaysAll(entry) && after.entries[index].contents != BytesOf(*source) && after != before) {
     return "what was taken over cannot be written";
   }
   return {};
 }
 
-std::string ModelMachine::ChangeHistory() {
+std::string ModelMachine::ChangeHistory(const Picture& before) {
   auto* const history = dynamic_cast<CCalibrationHistoryEntry*>(
       data_->GetProfileDataEntryFromList(CProfileDataEntry::kCalibrationHistory));
   if (history == nullptr) return {};
-  const Picture before = Look();
   const std::size_t index = IndexOf(history);
   const auto& children = std::as_const(*history).GetChildData().Children();
   const std::size_t count = children.Count();

@@ -45,7 +45,8 @@ class ModelMachine {
     std::map<std::uint32_t, std::vector<std::size_t>> routes;
     bool operator==(const Picture&) const = default;
   };
-  using Operation = std::string (ModelMachine::*)();
+  using Operation = std::string (ModelMachine::*)(const Picture& before);
+  using EntryOperation = std::string (ModelMachine::*)(CProfileDataEntry& entry, const Picture& before);
 
   Picture Look() const;
   CProfileDataEntry* Any();
@@ -55,19 +56,19 @@ class ModelMachine {
   static bool SameBut(Picture a, Picture b, std::size_t index);
   std::size_t IndexOf(const CProfileDataEntry* entry) const;
 
-  std::string Add();
-  std::string Remove();
-  std::string Damage();
-  std::string Parse();
-  std::string Rebuild();
-  std::string Edit();
-  std::string Walk();
-  std::string SaveContainer();
-  std::string SaveProfile();
-  std::string Clone();
-  std::string CopyOver();
-  std::string Import();
-  std::string ChangeHistory();
+  std::string Add(const Picture& before);
+  std::string Remove(CProfileDataEntry& entry, const Picture& before);
+  std::string Damage(CProfileDataEntry& entry, const Picture& before);
+  std::string Parse(CProfileDataEntry& entry, const Picture& before);
+  std::string Rebuild(CProfileDataEntry& entry, const Picture& before);
+  std::string Edit(CProfileDataEntry& entry, const Picture& before);
+  std::string Walk(const Picture& before);
+  std::string SaveContainer(const Picture& before);
+  std::string SaveProfile(const Picture& before);
+  std::string Clone(CProfileDataEntry& entry, const Picture& before);
+  std::string CopyOver(CProfileDataEntry& entry, const Picture& before);
+  std::string Import(CProfileDataEntry& entry, const Picture& before);
+  std::string ChangeHistory(const Picture& before);
 
   Choose choose_;
   std::u16string path_;
