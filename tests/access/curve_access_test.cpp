@@ -10,6 +10,7 @@
 #include <array>
 #include <limits>
 #include <string>
+#include <tuple>
 
 namespace nvx::test {
 namespace {
@@ -49,6 +50,25 @@ Bytes Words(std::initializer_list<std::uint32_t> words) {
   return bytes;
 }
 
+// What a query gave; size and type are as before where it stored none.
+struct Samples {
+  const std::uint8_t* bytes = nullptr;
+  int size = -1;
+  int type = -1;
+  CError error = {};
+};
+
+template <class Get>
+Samples Ask(Get get) {
+  Samples answer;
+  answer.bytes = static_cast<const std::uint8_t*>(get(answer.size, answer.type, &answer.error));
+  return answer;
+}
+
+Samples AskLinearization(CProfileAccess& access, std::uint32_t ink) {
+  return Ask([&](int& size, int& type, CError* error) { return access.GetLinearization(ink, size, type, error); });
+}
+
 // One getter under one signature.
 struct Getter {
   std::uint32_t usedType;
@@ -82,51 +102,40 @@ const Getter kGetters[] = {
 };
 
 TEST(CurveAccess, EachGetterReadsItsEntry) {
+  const Bytes form = CurveSet({{1, 0, 1, {99}}, {0, 8, 1, {8, 8}}, {0, 5, 1, {5}}, {0, 2, 1, {2}}, {0, 1, 2, {1, 0}}});
   for (const Getter& getter : kGetters) {
-    CError error;
-    int size = -1;
-    int type = -1;
-    CProfileAccess without;
-    EXPECT_EQ(getter.get(without, 0, size, type, &error), nullptr);
-    EXPECT_EQ(error.GetErrorReason(), 0u);
-    EXPECT_EQ(size, -1);
-
-    CProfileAccess empty;
+    const auto ask = [&](CProfileAccess& access, std::uint32_t extendInfo = 0) {
+      return Ask([&](int& s, int& t, CError* error) { return getter.get(access, extendInfo, s, t, error); });
+    };
+    CProfileAccess without, empty, access;
+    const Samples nothing = ask(without);
+    EXPECT_EQ(nothing.bytes, nullptr);
+    EXPECT_EQ(nothing.error.GetErrorReason(), 0u);
     ASSERT_TRUE(InitFromEntries(empty, {}));
-    size = type = -1;
-    EXPECT_EQ(getter.get(empty, 0, size, type, &error), nullptr);
-    ExpectError(error, kReasonNotFound, getter.missing);
-    EXPECT_EQ(size, -1);
-    EXPECT_EQ(type, -1);
+    const Samples missing = ask(empty);
+    EXPECT_EQ(missing.bytes, nullptr);
+    ExpectError(missing.error, kReasonNotFound, getter.missing);
+    EXPECT_EQ(std::tuple(nothing.size, missing.size, missing.type), std::tuple(-1, -1, -1));
 
-    const Bytes form =
-        CurveSet({{1, 0, 1, {99}}, {0, 8, 1, {8, 8}}, {0, 5, 1, {5}}, {0, 2, 1, {2}}, {0, 1, 2, {1, 0}}});
-    CProfileAccess access;
     ASSERT_TRUE(InitFromEntries(access, {{getter.usedType, 6, form}}));
-    const auto* samples = static_cast<const std::uint8_t*>(getter.get(access, 0, size, type, &error));
-    ASSERT_NE(samples, nullptr) << getter.usedType;
-    EXPECT_EQ(samples[0], getter.extendInfo == 0 ? 8 : getter.extendInfo);
-    EXPECT_EQ(type, getter.extendInfo == 1 ? 2 : 1);
+    const Samples found = ask(access);
+    ASSERT_NE(found.bytes, nullptr) << getter.usedType;
+    EXPECT_EQ(found.bytes[0], getter.extendInfo == 0 ? 8 : getter.extendInfo);
+    EXPECT_EQ(found.type, getter.extendInfo == 1 ? 2 : 1);
     if (getter.extendInfo == 1 || getter.extendInfo == 2) continue;
-    EXPECT_EQ(size, getter.extendInfo == 0 ? 2 : 1);
+    EXPECT_EQ(found.size, getter.extendInfo == 0 ? 2 : 1);
     const bool takesExtendInfo = getter.usedType == 17 || getter.usedType == 4 || getter.usedType == 3;
-    samples = static_cast<const std::uint8_t*>(getter.get(access, 2, size, type, &error));
-    EXPECT_EQ(samples[0], takesExtendInfo ? 2 : 8);
+    EXPECT_EQ(ask(access, 2).bytes[0], takesExtendInfo ? 2 : 8);
   }
 }
 
 TEST(CurveAccess, BytesThatNobodyHasParsedAnswer) {
   CProfileAccess access;
   ASSERT_TRUE(InitFromEntries(access, {}));
-  auto* const entry = new CLinearizationEntry;
-  SetBytes(*entry, CurveSet({{3, 0, 1, {42}}}));
-  access.GetProfileData()->SetProfileDataEntry(entry, 4);
-  CError error;
-  int size = 0;
-  int type = 0;
-  const auto* const samples = static_cast<std::uint8_t*>(access.GetLinearization(3, size, type, &error));
-  ASSERT_NE(samples, nullptr);
-  EXPECT_EQ(*samples, 42);
+  AddEntry(*access.GetProfileData(), 6, CurveSet({{3, 0, 1, {42}}}));
+  const Samples samples = AskLinearization(access, 3);
+  ASSERT_NE(samples.bytes, nullptr);
+  EXPECT_EQ(*samples.bytes, 42);
 }
 
 TEST(CurveAccess, TellsWhyACurveIsNotThere) {
@@ -190,22 +199,17 @@ TEST(CurveAccess, OldProfilesTranslateTwoInksByTheColorset) {
                         Case{3, 5, 10, 10}, Case{3, 5, 14, 14}, Case{1, 5, 5, 5}}) {
     access.GetProfileInfo()->ProfileMajorVersion = c.major;
     access.GetProfileInfo()->ColorsetCode = c.colorset;
-    int size = 0;
-    int type = 0;
-    CError error;
-    const auto* const samples = static_cast<std::uint8_t*>(access.GetLinearization(c.ink, size, type, &error));
-    ASSERT_NE(samples, nullptr);
-    EXPECT_EQ(samples[0], c.found) << c.major << " " << c.colorset << " " << c.ink;
+    const Samples samples = AskLinearization(access, c.ink);
+    ASSERT_NE(samples.bytes, nullptr);
+    EXPECT_EQ(samples.bytes[0], c.found) << c.major << " " << c.colorset << " " << c.ink;
   }
   CProfileAccess poor;
   ASSERT_TRUE(InitFromEntries(poor, {{6, 6, CurveSet({{10, 0, 1, {10}}})}}));
   poor.GetProfileInfo()->ProfileMajorVersion = 1;
   poor.GetProfileInfo()->ColorsetCode = 4;
-  int size = 0;
-  int type = 0;
-  CError error;
-  EXPECT_EQ(poor.GetLinearization(10, size, type, &error), nullptr);
-  ExpectError(error, kReasonBadArgument, u"Profile: Parameter error InkColorCode = 1, Entry type = 6");
+  const Samples samples = AskLinearization(poor, 10);
+  EXPECT_EQ(samples.bytes, nullptr);
+  ExpectError(samples.error, kReasonBadArgument, u"Profile: Parameter error InkColorCode = 1, Entry type = 6");
 }
 
 // The merge of a gray balance with a linearization of ink 3: the samples as bytes, or nothing if it fails.
@@ -272,14 +276,6 @@ TEST(CurveAccess, MergeArraysCountOutputAndIndices) {
 }
 
 TEST(IccAccess, TheReplacementFallsBackOnTheProfile) {
-  // Entries of any class serve; only their type counts.
-  class BufferEntry : public CProfileDataEntry {
-   public:
-    BufferEntry(std::uint32_t usedType, std::uint32_t size) {
-      SetUsedType(usedType);
-      GetBuffer(size);
-    }
-  };
   CProfileAccess access;
   CError error;
   int size = 77;
@@ -290,12 +286,12 @@ TEST(IccAccess, TheReplacementFallsBackOnTheProfile) {
   EXPECT_EQ(access.GetReplaceProfile(size, &error), nullptr);
   ExpectError(error, kReasonNotFound, u"Profile:ICC profile entry - none");
   EXPECT_EQ(size, 77);
-  access.GetProfileData()->SetProfileDataEntry(new BufferEntry(10, 5), 4);
+  AddEntry(*access.GetProfileData(), 10, Bytes(5, 1));
   std::uint8_t* const profile = access.GetIccProfile(size, &error);
   ASSERT_NE(profile, nullptr);
   EXPECT_EQ(size, 5);
   EXPECT_EQ(access.GetReplaceProfile(size, &error), profile);
-  access.GetProfileData()->SetProfileDataEntry(new BufferEntry(18, 6), 0x100);
+  AddEntry(*access.GetProfileData(), 18, Bytes(6, 1), kRouteReplaceProfile);
   EXPECT_NE(access.GetReplaceProfile(size, &error), profile);
   EXPECT_EQ(size, 6);
   EXPECT_EQ(access.GetIccProfile(size, &error), profile);

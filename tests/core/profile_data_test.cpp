@@ -1,5 +1,7 @@
 #include "core/payload.h"
 #include "core/text.h"
+#include "support/entries.h"
+#include "support/random_model.h"
 
 #include <nvxprofile/profile_data.h>
 
@@ -69,8 +71,7 @@ TEST(ProfileData, WalksEntriesByArrivalAndRoutesByNumber) {
     data.SetProfileDataEntry(new TestEntry(2, &destroyed), 4);
     data.SetProfileDataEntry(new TestEntry(16, &destroyed), 4);
     data.SetProfileDataEntry(data.GetProfileDataEntryFromList(16), 4);
-    std::vector<std::uint32_t> types;
-    std::vector<std::uint32_t> routes;
+    std::vector<std::uint32_t> types, routes;
     bool more = data.GetEntryStartPos();
     while (more) types.push_back(data.GetNextEntry(more)->GetUsedType());
     more = data.GetRouteStartPos();
@@ -120,12 +121,10 @@ TEST(ProfileData, ContentsGoAndTheRecordStays) {
 
 TEST(ProfileData, InnerNamesOfRoutes) {
   char name[17];
-  CProfileRoute(1).GetQctInnerName(name);
-  EXPECT_STREQ(name, "QctIcmForUse.qct");
-  CProfileRoute(2).GetQctInnerName(name);
-  EXPECT_STREQ(name, "QctGryForUse.qct");
-  CProfileRoute(4).GetQctInnerName(name);
-  EXPECT_STREQ(name, "");
+  for (const auto& [route, inner] : {std::pair(1u, "QctIcmForUse.qct"), {2u, "QctGryForUse.qct"}, {4u, ""}}) {
+    CProfileRoute(route).GetQctInnerName(name);
+    EXPECT_STREQ(name, inner);
+  }
 }
 
 TEST(ProfileDataEntry, BuffersAreReplacedAndTextIsCut) {
@@ -149,19 +148,12 @@ TEST(ProfileDataEntry, CopyTakesFlagsAndBytes) {
   source.SetFormatType(9);
   source.SetOptionInfo(77);
   source.SetLabelString("label");
-  std::memcpy(source.GetBuffer(3), "abc", 3);
+  nvx::test::SetBytes(source, {1, 2, 3});
   TestEntry target(1);
   source.Copy(target);
-  EXPECT_EQ(target.GetUsedType(), 6u);
-  EXPECT_EQ(target.GetFormatType(), 9u);
-  EXPECT_EQ(target.GetOptionInfo(), 77u);
-  EXPECT_TRUE(target.IsComplete());
+  EXPECT_EQ(nvx::test::ImageOf(target), (nvx::test::EntryImage{6, 9, true, 77, "label", {1, 2, 3}}));
   EXPECT_TRUE(target.IsDisplayEnable());
-  EXPECT_STREQ(target.GetLabelString(), "label");
-  ASSERT_EQ(target.GetSize(), 3u);
-  EXPECT_EQ(std::memcmp(target.GetRefBuffer(), "abc", 3), 0);
   target.Copy(target);
-  EXPECT_EQ(target.GetSize(), 3u);
   TestEntry(6).Copy(target);
   EXPECT_EQ(target.GetSize(), 3u) << "an empty source leaves the target's bytes";
 }
@@ -213,11 +205,11 @@ TEST(ProfileDataInfo, VersionsAndOrder) {
   EXPECT_EQ(versions(0, 0), std::pair(false, true));
 
   CProfileDataInfo other;
-  const auto set = [](char16_t(&key)[256], std::u16string_view text) { nvx::CopyText(key, text); };
+  const auto set = [](auto& key, std::u16string_view text) { nvx::CopyText(key, text); };
   set(info.Info.ListKeys[0], u"a");
   set(other.Info.ListKeys[0], u"b");
   EXPECT_TRUE(info.IsOrderedBefore(other));
-  nvx::CopyText(info.Info.MediaName, std::u16string_view(u"z"));
+  set(info.Info.MediaName, u"z");
   EXPECT_FALSE(info.IsOrderedBefore(other));
   set(info.Info.ListKeys[4], u"A");
   set(other.Info.ListKeys[4], u"B");

@@ -5,6 +5,7 @@
 #include "support/entry_forms.h"
 #include "support/environment.h"
 #include "support/qpf_builder.h"
+#include "support/record_text.h"
 
 #include <nvxprofile/calibration_history.h>
 #include <nvxprofile/convert.h>
@@ -37,13 +38,7 @@ Bytes DamagedCurves() {
 
 TEST(PayloadState, WhatAReaderPassesOverStaysInTheBuffer) {
   CMaskDownloadIncludePatternEntry entry;
-  const Bytes form = MaskStreamHeader(2, 0, 1)
-                         .Append(MaskBlockHeader(5, 124, 0, 2))
-                         .Text("DFEW")
-                         .Append(MaskTableHeader("HPPM", 0))
-                         .Append(MaskTableHeader("HTPM", 1))
-                         .Text("XXXX")
-                         .Zero(36);
+  const Bytes form = With(MaskPatternsForm(), 88 + 136, 0);
   ASSERT_TRUE(Parse(entry, form));
   EXPECT_EQ(entry.GetPayloadState(), PayloadState::kPart);
   EXPECT_FALSE(entry.DataToBuffer()) << "the record with the strange magic would be gone";
@@ -249,35 +244,26 @@ TEST(Streams, NamesLeaveAloneWhatLiesBehindThem) {
   EXPECT_EQ(room[length + 1], u'#');
 }
 
-// A model of the text-headed generation whose ICC entry a save of the current one would want on route 4.
-void FillTextRecord(_tagDeviceProfileInfo& info) {
-  info.LayoutNumber = kTextView;
-  std::copy_n("Printer", 8, info.Text.Printer_Label);
-  std::copy_n("Glossy", 7, info.Text.Media_Eng);
-  std::copy_n(u"1234", 5, info.ModelCode);
-}
-
 TEST(Saves, AFailedSaveLeavesTheRecordOfTheOtherGeneration) {
   const TempFolder folder;
   const std::u16string path = folder.WideFile("a.icc");
   CProfileData data;
   _tagDeviceProfileInfo& info = *data.GetProfileInfo();
-  FillTextRecord(info);
+  info.LayoutNumber = kTextView;
+  std::copy_n("Printer", 8, info.Text.Printer_Label);
+  std::copy_n("Glossy", 7, info.Text.Media_Eng);
+  std::copy_n(u"1234", 5, info.ModelCode);
   data.SetProfileDataEntry(new CLinearizationEntry, 4);
-  const auto expectAsBefore = [&] {
-    EXPECT_EQ(info.LayoutNumber, kTextView);
-    EXPECT_STREQ(info.Text.Printer_Label, "Printer");
-    EXPECT_EQ(info.UpdateTimeValue, 0);
-    EXPECT_EQ(info.ProfileMajorVersion, 0u);
-  };
+  const std::string before = TextOf(info);
+  const auto expectAsBefore = [&] { EXPECT_EQ(TextOf(info), before); };
   EXPECT_FALSE(CProfileFileQPFv3().SaveData(path.c_str(), &data, 4)) << "there is no ICC entry";
   expectAsBefore();
   CProfileDataEntry* const icc = &AddEntry(data, 10, IccFile({{"desc", DescriptionTag("frame")}}));
   data.SetProfileDataEntry(new CInfoEntry, 4);
   info.HasLargeParameter = true;
   EXPECT_FALSE(CProfileFileQPFv3().SaveData(path.c_str(), &data, 4)) << "there is no such route";
-  expectAsBefore();
   info.HasLargeParameter = false;
+  expectAsBefore();
   EXPECT_FALSE(CProfileFileQPFv3().SaveData(folder.WideFile("none/a.icc").c_str(), &data, 4));
   expectAsBefore();
   EXPECT_EQ(data.GetProfileRoute(4)->Entries().At(1), icc) << "the ICC entry moves in a save that goes through";
@@ -289,8 +275,8 @@ TEST(Saves, AFailedSaveLeavesTheRecordOfTheOtherGeneration) {
   CProfileAccess access;
   CError error;
   ASSERT_TRUE(access.Init(path.c_str(), &error));
-  EXPECT_EQ(std::u16string(access.GetProfileInfo()->ModelCode), u"1234");
-  EXPECT_EQ(std::u16string(access.GetProfileInfo()->MediaName), u"Glossy");
+  EXPECT_EQ(access.GetProfileInfo()->ModelCode, std::u16string(u"1234"));
+  EXPECT_EQ(access.GetProfileInfo()->MediaName, std::u16string(u"Glossy"));
 }
 
 TEST(Record, CopiesOwnNothing) {
@@ -338,16 +324,6 @@ TEST(Walks, LookupsAndRenewalsInsideAWalkLeaveItAlone) {
   EXPECT_THAT(inks, ElementsAre(1, 2));
 }
 
-// A profile of the current generation that holds these curves.
-bool LoadCurves(CProfileAccess& access, const TempFolder& folder, const Bytes& curves) {
-  using namespace nvx::test;
-  WriteBytes(folder.File("p.icc"), IccFile({{"desc", DescriptionTag("frame")},
-                                            {"NVX1", EntryTag({{6, 6, curves}, Placeholder()})},
-                                            {"NVX2", MediaTag({{9, u"Glossy"}})}}));
-  CError error;
-  return access.Init(folder.WideFile("p.icc").c_str(), &error);
-}
-
 TEST(CurrentGeneration, DamagedAndOddCurvesAnswerAs16BitAndSurviveASave) {
   const Bytes odd = CurveSetHeader(6, 2)
                         .Append(CurveHeader({.ink = 1, .type = 1, .size = 3}))
@@ -359,27 +335,29 @@ TEST(CurrentGeneration, DamagedAndOddCurvesAnswerAs16BitAndSurviveASave) {
   for (const Bytes& curves : {odd, DamagedCurves()}) {
     const TempFolder folder;
     CProfileAccess access;
-    ASSERT_TRUE(LoadCurves(access, folder, curves));
-    const std::uint32_t size = access.GetProfileData()->GetProfileDataEntryFromList(6)->GetSize();
-    EXPECT_EQ(size, curves.size());
-    for (int round = 0; round < 2; ++round) {
+    WriteBytes(folder.File("p.icc"), IccFile({{"desc", DescriptionTag("frame")},
+                                              {"NVX1", EntryTag({{6, 6, curves}, Placeholder()})},
+                                              {"NVX2", MediaTag({{9, u"Glossy"}})}}));
+    CError loading;
+    ASSERT_TRUE(access.Init(folder.WideFile("p.icc").c_str(), &loading));
+    const auto expectAnswer = [&] {
+      EXPECT_EQ(access.GetProfileData()->GetProfileDataEntryFromList(6)->GetSize(), curves.size());
       CError error;
       int bytes = 0;
       int type = 0;
-      ASSERT_NE(access.GetLinearization(1, bytes, type, &error), nullptr);
+      EXPECT_NE(access.GetLinearization(1, bytes, type, &error), nullptr);
       EXPECT_EQ(bytes, 3);
       EXPECT_EQ(type, 2);
-      // Whoever looks at the set makes the queries parse it anew.
-      access.GetProfileData()->GetProfileDataEntryFromList(6)->GetFormatData();
-    }
+    };
+    expectAnswer();
+    // Whoever looks at the set makes the queries parse it anew.
+    access.GetProfileData()->GetProfileDataEntryFromList(6)->GetFormatData();
+    expectAnswer();
     const std::u16string path = folder.WideFile("p.icc");
     ASSERT_TRUE(CProfileFileQPFv3().SaveData(path.c_str(), access.GetProfileData(), 4));
     CError error;
     ASSERT_TRUE(access.Init(path.c_str(), &error));
-    EXPECT_EQ(access.GetProfileData()->GetProfileDataEntryFromList(6)->GetSize(), size);
-    int bytes = 0;
-    int type = 0;
-    EXPECT_NE(access.GetLinearization(1, bytes, type, &error), nullptr);
+    expectAnswer();
   }
 }
 

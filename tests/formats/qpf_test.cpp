@@ -73,7 +73,7 @@ TEST(Qpf, LoadsTheHeaderBlockAndTheMediaNames) {
             "MediaNumber=12345678 DefaultMediaName=Default CreateModule=Module MakerText=Maker "
             "StoredRevisionCode=A1B2 0=yes Language=17 Name=日本 1=yes Language=9 Name=English");
   EXPECT_THAT(TypesOn(data, 4), ElementsAre(10));
-  for (const std::uint32_t route : {8u, 256u, 512u, 1024u, 2048u}) EXPECT_FALSE(data.IsSpecifiedRoute(route));
+  EXPECT_EQ(data.Routes().size(), 1u);
 }
 
 TEST(Qpf, ChoosesTheMediaName) {
@@ -423,42 +423,38 @@ TEST(Qpf, LoadsWithoutThePlaceholder) {
   EXPECT_STREQ(flagged.GetProfileDataEntry(4, 10)->GetLabelString(), "icc");
 }
 
-TEST(Qpf, AFailedSaveLeavesTheOldFile) {
-  const TempFolder folder;
-  const Bytes old{1, 2, 3};
-  const auto isUntouched = [&](CProfileData& data) {
-    WriteBytes(folder.File("a.icc"), old);
-    EXPECT_FALSE(CProfileFileQPFv3().SaveData(folder.WideFile("a.icc").c_str(), &data, 0));
-    const auto files = std::distance(std::filesystem::directory_iterator(folder.Path()), {});
-    return files == 1 && ReadBytes(folder.File("a.icc")) == old;
-  };
-  CProfileData none;
-  EXPECT_TRUE(isUntouched(none));
-  CProfileData elsewhere;
-  AddFrame(elsewhere, 1);
-  EXPECT_TRUE(isUntouched(elsewhere)) << "no route 4";
-  AddEntry(elsewhere, 6, {1});
-  EXPECT_TRUE(isUntouched(elsewhere)) << "the ICC entry stands not on route 4";
+TEST(Qpf, WhatIsMissingFailsTheSave) {
+  CProfileData data;
+  AddFrame(data, 1);
+  EXPECT_FALSE(Save(data)) << "no route 4";
+  AddEntry(data, 6, {1});
+  EXPECT_FALSE(Save(data)) << "the ICC entry stands not on route 4";
   CProfileData noProfile;
   AddEntry(noProfile, 10, Bytes(200, 1));
-  EXPECT_TRUE(isUntouched(noProfile));
+  EXPECT_FALSE(Save(noProfile));
   for (bool _tagDeviceProfileInfo::*const flag :
        {&_tagDeviceProfileInfo::HasMaskDownload, &_tagDeviceProfileInfo::HasLargeParameter,
         &_tagDeviceProfileInfo::HasSpecialColor}) {
-    CProfileData data;
-    AddFrame(data);
-    data.GetProfileInfo()->*flag = true;
-    EXPECT_TRUE(isUntouched(data)) << "a flag without its route";
+    CProfileData flagged;
+    AddFrame(flagged);
+    flagged.GetProfileInfo()->*flag = true;
+    EXPECT_FALSE(Save(flagged)) << "a flag without its route";
   }
-  CProfileData good;
+}
+
+TEST(Qpf, ASaveNamesTheProfileAfterItsFileOrLeavesTheOldOne) {
+  const TempFolder folder;
+  CProfileData good, none;
   AddFrame(good);
   EXPECT_FALSE(CProfileFileQPFv3().SaveData(u"/dev/full", &good, 0));
-  EXPECT_FALSE(CProfileFileQPFv3().SaveData(folder.WideFile("no/such.icc").c_str(), &good, 0));
   EXPECT_FALSE(CProfileFileQPFv3().SaveData(folder.WideFile("a.icc").c_str(), nullptr, 0));
   EXPECT_TRUE(CProfileFileQPFv3().SaveData(folder.WideFile("a.icc").c_str(), &good, 0));
   const Bytes saved = ReadBytes(folder.File("a.icc"));
   const Bytes description = QpfReader(saved).Tag("desc");
   EXPECT_EQ(Bytes(description.begin() + 12, description.begin() + 18), Bytes({'a', '.', 'i', 'c', 'c', 0}));
+  EXPECT_FALSE(CProfileFileQPFv3().SaveData(folder.WideFile("a.icc").c_str(), &none, 0));
+  EXPECT_EQ(ReadBytes(folder.File("a.icc")), saved);
+  EXPECT_EQ(folder.FileCount(), 1u);
 }
 
 }  // namespace

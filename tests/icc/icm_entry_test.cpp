@@ -4,40 +4,24 @@
 #include <gtest/gtest.h>
 #include <nvxprofile/icm_entry.h>
 
-#include <memory>
-
 namespace nvx::test {
 namespace {
-
-TEST(IcmEntry, ComesOutOfTheTableOfTypes) {
-  const std::unique_ptr<CProfileDataEntry> icm(CProfileDataEntry::CreateDataEntry(CProfileDataEntry::kIcm));
-  const std::unique_ptr<CProfileDataEntry> other(
-      CProfileDataEntry::CreateDataEntry(CProfileDataEntry::kReplaceProfile));
-  ASSERT_NE(dynamic_cast<CICMEntry*>(icm.get()), nullptr);
-  ASSERT_NE(dynamic_cast<CReplaceProfileEntry*>(other.get()), nullptr);
-  for (CProfileDataEntry* const entry : {icm.get(), other.get()}) {
-    EXPECT_FALSE(entry->IsComplete());
-    EXPECT_EQ(entry->GetFormatData(), nullptr);
-    EXPECT_FALSE(entry->DataToBuffer());
-  }
-}
 
 TEST(IcmEntry, WorksOutTheOptionInfo) {
   const std::vector<std::pair<std::vector<std::string>, std::uint32_t>> cases{
       {{"desc"}, 0}, {{"agfa"}, 2}, {{"AGFA"}, 2}, {{"agfa", "AGFA"}, 2}, {{"Agfa"}, 0}};
   CICMEntry entry;
-  EXPECT_FALSE(entry.BufferToData());
+  EXPECT_FALSE(entry.IsComplete());
+  EXPECT_FALSE(entry.BufferToData() || entry.DataToBuffer());
   EXPECT_EQ(entry.GetColors(), 0u);
   for (const auto& [tags, option] : cases) {
-    SetBytes(entry, IccWithTags(tags));
     entry.SetOptionInfo(9);
-    EXPECT_TRUE(entry.BufferToData());
+    EXPECT_TRUE(Parse(entry, IccWithTags(tags)));
     EXPECT_EQ(entry.GetOptionInfo(), option) << tags[0];
   }
   EXPECT_EQ(entry.GetColors(), 4u);
   entry.SetOptionInfo(9);
-  SetBytes(entry, Bytes(200, 1));
-  EXPECT_FALSE(entry.BufferToData());
+  EXPECT_FALSE(Parse(entry, Bytes(200, 1)));
   EXPECT_EQ(entry.GetOptionInfo(), 9u);
   EXPECT_EQ(entry.GetColors(), 0u);
 }
@@ -73,9 +57,8 @@ TEST(IcmEntry, LoadsAndSavesFilesAsTheyStand) {
 
 TEST(IcmEntry, ImportTakesOverTheType) {
   CReplaceProfileEntry source;
-  SetBytes(source, IccWithTags({"AGFA"}));
+  ASSERT_TRUE(Parse(source, IccWithTags({"AGFA"})));
   source.SetLabelString("label");
-  source.BufferToData();
   CICMEntry target;
   EXPECT_FALSE(target.DoImport(nullptr));
   ASSERT_TRUE(target.DoImport(&source));

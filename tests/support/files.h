@@ -31,6 +31,9 @@ class TempFolder {
   }
 
   const std::filesystem::path& Path() const { return path_; }
+  std::size_t FileCount() const {
+    return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(path_), {}));
+  }
   std::string File(const std::string& name) const { return (path_ / name).string(); }
   std::u16string WideFile(const std::string& name) const { return platform::Utf8ToWide(File(name)); }
 

@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <limits>
 #include <string>
 
@@ -78,10 +79,9 @@ TEST(Curve, MaxValueChkCutsAndTruncates) {
   CCurveDataEntry16 wide;
   EXPECT_EQ(narrow.MaxValueChk(300.7f), 255u);
   EXPECT_EQ(narrow.MaxValueChk(12.9f), 12u);
-  EXPECT_EQ(wide.MaxValueChk(300.7f), 300u);
-  EXPECT_EQ(wide.MaxValueChk(1e30f), 65535u);
-  EXPECT_EQ(wide.MaxValueChk(-1.0f), 0u);
-  EXPECT_EQ(wide.MaxValueChk(std::numeric_limits<float>::quiet_NaN()), 0u);
+  for (const auto& [value, cut] : {std::pair(300.7f, 300u), {1e30f, 65535u}, {-1.0f, 0u}, {std::nanf(""), 0u}}) {
+    EXPECT_EQ(wide.MaxValueChk(value), cut) << value;
+  }
 }
 
 TEST(Curve, AttributesAreCutWhereTheyAreShownAndWholeWhereTheyAreCopied) {
