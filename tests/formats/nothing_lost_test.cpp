@@ -38,7 +38,7 @@ Bytes DamagedCurves() {
 
 TEST(PayloadState, WhatAReaderPassesOverStaysInTheBuffer) {
   CMaskDownloadIncludePatternEntry entry;
-  const Bytes form = With(MaskPatternsForm(), 88 + 136, 0);
+  const Bytes form = With(MaskPatternsForm(), 413 + 2 * 40, 0);
   ASSERT_TRUE(Parse(entry, form));
   EXPECT_EQ(entry.GetPayloadState(), PayloadState::kPart);
   EXPECT_FALSE(entry.DataToBuffer()) << "the record with the strange magic would be gone";
