@@ -1,4 +1,5 @@
 #include "support/entry_bytes.h"
+#include "support/entry_forms.h"
 
 #include <nvxprofile/lut.h>
 #include <nvxprofile/model_info.h>
@@ -20,11 +21,8 @@ class Access : public CProfileAccess {
 
 // 2 inputs, 3 outputs, grid 2.
 Bytes Form() {
-  ByteBuilder form;
-  form.Text(" TUL").U32(280, 0x00010000, 2, 3, 2).Zero(256);
-  for (const std::uint32_t code : {0x101u, 2u, 30u, 31u, 0xFFFFFFu}) {
-    form.Text("HTUL").U32(336, code, 0).Zero(320);
-  }
+  ByteBuilder form = LutHeader(2, 3, 2);
+  for (const std::uint32_t code : {0x101u, 2u, 30u, 31u, 0xFFFFFFu}) form.Append(LutChannel(code, 0, ""));
   for (std::uint32_t i = 1; i <= 12; ++i) form.U8(i * 10);
   return form;
 }
@@ -82,11 +80,8 @@ TEST(ChromaAccess, StaysInsideATableThatACallerChanged) {
 }
 
 TEST(ChromaAccess, FailsWithOneMessage) {
-  CProfileAccess none;
-  CProfileAccess missing;
-  ASSERT_TRUE(InitFromEntries(missing, {{14, 7, {}}}));
-  CProfileAccess foreign;
-  ASSERT_TRUE(InitFromEntries(foreign, {{14, 7, {}}}));
+  CProfileAccess none, missing, foreign;
+  ASSERT_TRUE(InitFromEntries(missing, {{14, 7, {}}}) && InitFromEntries(foreign, {{14, 7, {}}}));
   auto* const other = new CModelEntry;
   other->SetUsedType(8);
   foreign.GetProfileData()->SetProfileDataEntry(other, 4);

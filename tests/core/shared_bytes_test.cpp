@@ -1,5 +1,6 @@
 // Bytes that several objects refer to: whoever writes changes nobody else's.
 #include "core/payload.h"
+#include "support/entries.h"
 #include "support/sample_profile.h"
 
 #include <nvxprofile/calibration_history.h>
@@ -47,9 +48,7 @@ TEST(SharedBytes, EachHasItsOwnBytesOnceItWrites) {
 template <class Entry>
 std::unique_ptr<Entry> Reloaded(CProfileDataEntry& source) {
   auto entry = std::make_unique<Entry>();
-  const Bytes form = BytesOf(source.Bytes());
-  std::copy(form.begin(), form.end(), entry->GetBuffer(source.GetSize()));
-  EXPECT_TRUE(entry->BufferToData());
+  EXPECT_TRUE(nvx::test::Parse(*entry, BytesOf(source.Bytes())));
   return entry;
 }
 

@@ -1,5 +1,6 @@
 #include "support/entries.h"
 #include "support/icc_builder.h"
+#include "support/qpf_reader.h"
 
 #include <gtest/gtest.h>
 #include <nvxprofile/icc_profile.h>
@@ -45,28 +46,18 @@ TEST(ProfileFileIcc, LoadsTheWholeFileAsOneEntry) {
 
 TEST(ProfileFileIcc, SavesUnderTheNewName) {
   const TempFolder folder;
-  Bytes data = DescriptionTag("old");
-  const auto size = static_cast<std::uint32_t>(data.size());
-  while (data.size() % 4 != 0) data.push_back(0);
-  const auto next = static_cast<std::uint32_t>(156 + data.size());
-  data.insert(data.end(), {'t', 'e', 'x', 't'});
-  WriteBytes(folder.File("a.icc"), IccBytes({{"desc", 156, size}, {"cprt", next, 4}}, data));
+  const Bytes text{'t', 'e', 'x', 't'};
+  WriteBytes(folder.File("a.icc"), IccFile({{"desc", DescriptionTag("old")}, {"cprt", text}}));
   CProfileData model;
   CProfileFileICC format;
   ASSERT_TRUE(format.LoadData(folder.WideFile("a.icc").c_str(), &model, false));
   ASSERT_TRUE(format.SaveData(folder.WideFile("new.icc").c_str(), &model, 99));
-  CICCProfile saved;
-  ASSERT_TRUE(saved.OpenPath(folder.WideFile("new.icc").c_str(), false));
-  std::uint32_t tagSize = 0;
-  const std::uint8_t* const tag = saved.GetRefTag("desc", tagSize);
-  CICCTextDescription description;
-  description.Parse(tag, tagSize);
-  EXPECT_EQ(description.GetAsciiDescription(), "new.icc");
-  EXPECT_EQ(description.GetUnicodeDescription(), std::u16string(u"new.icc\0", 8));
-  std::uint8_t text[4];
-  tagSize = sizeof text;
-  EXPECT_TRUE(saved.GetTag("cprt", text, tagSize));
-  EXPECT_EQ(std::string(text, text + 4), "text");
+  const Bytes saved = ReadBytes(folder.File("new.icc"));
+  const QpfReader reader(saved);
+  BigBuilder description;
+  description.Text("desc").U32(0, 8).Text("new.icc").U8(0).U32(0, 8).Wide(u"new.icc").U16(0, 0).U8(0).Zero(67);
+  EXPECT_EQ(reader.Tag("desc"), static_cast<const Bytes&>(description));
+  EXPECT_EQ(reader.Tag("cprt"), text);
 
   CNvxMemFile none;
   CProfileDataEntry* const entry = model.RemoveProfileDataEntry(10, 1);

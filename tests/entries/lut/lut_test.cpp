@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <climits>
 #include <memory>
 #include <string>
@@ -31,9 +32,6 @@ TEST(LutData, InitialisesNodesOfZerosAndLeavesNoTraceOfTheTableBefore) {
   EXPECT_EQ(table.GetSize(), 0);
   EXPECT_EQ(table.GetLutDataSize(), 0u);
   table.Initialize(4, 17);
-  EXPECT_EQ(table.GetInputChannelCount(), 3u);
-  EXPECT_EQ(table.GetOutputChannelCount(), 4u);
-  EXPECT_EQ(table.GetGridCount(), 17u);
   EXPECT_EQ(table.GetSize(), 4913);
   EXPECT_EQ(table.GetLutDataSize(), 19652u);
   EXPECT_EQ(SamplesOf(table, 19652), Bytes(19652));
@@ -58,14 +56,15 @@ TEST(LutData, InitialisesNodesOfZerosAndLeavesNoTraceOfTheTableBefore) {
 }
 
 TEST(LutData, CountsNodesAsAPower) {
-  EXPECT_EQ(CLutData(3, 4, 0).GetSize(), 0);
-  EXPECT_EQ(CLutData(3, 4, 0).GetLutDataSize(), 0u);
-  EXPECT_EQ(CLutData(0, 4, 5).GetSize(), 1);
-  EXPECT_EQ(CLutData(0, 0, 0).GetSize(), 1);
-  EXPECT_EQ(CLutData(1000, 4, 1).GetSize(), 1);
-  EXPECT_EQ(CLutData(4, 1, 9).GetSize(), 6561);
-  EXPECT_EQ(CLutData(1, 0, INT_MAX).GetSize(), INT_MAX);
-  EXPECT_EQ(CLutData(1, 0, INT_MAX).GetLutDataSize(), 0u);
+  const std::array<int, 5> kCases[] = {// inputs, outputs, grid, nodes, bytes
+                                       {3, 4, 0, 0, 0},    {0, 4, 5, 1, 4},       {0, 0, 0, 1, 0},
+                                       {1000, 4, 1, 1, 4}, {4, 1, 9, 6561, 6561}, {1, 0, INT_MAX, INT_MAX, 0}};
+  for (const auto& [inputs, outputs, grid, nodes, bytes] : kCases) {
+    const auto count = [](int number) { return static_cast<std::uint32_t>(number); };
+    CLutData table(count(inputs), count(outputs), count(grid));
+    EXPECT_EQ(table.GetSize(), nodes) << inputs << " " << grid;
+    EXPECT_EQ(table.GetLutDataSize(), count(bytes)) << inputs << " " << grid;
+  }
   // More than the results can tell: counts without nodes.
   for (const std::uint32_t inputs : {4u, 100u}) {
     CLutData table(inputs, 4, 0xFFFFFFFF);
@@ -192,21 +191,13 @@ TEST(ChromaEntry, RefusesWhatTheStreamDoesNotHold) {
   CSeparateChromaEntry entry;
   ASSERT_TRUE(Parse(entry, whole));
   EXPECT_FALSE(Parse(entry, First(whole, whole.size() - 1)));
-  struct Counts {
-    std::uint32_t inputs, outputs, grid;
-  };
   constexpr std::uint32_t kHuge = 0xFFFFFFFF;
-  for (const Counts& c : std::initializer_list<Counts>{{kHuge, 4, 2},
-                                                       {3, kHuge, 2},
-                                                       {kHuge, kHuge, 1},
-                                                       {3, 4, kHuge},
-                                                       {3, 4, 3},
-                                                       {7, 0, kHuge},
-                                                       {2, 5, 65536},
-                                                       {3, 0, 1291}}) {
-    ByteBuilder form = LutHeader(c.inputs, c.outputs, c.grid);
+  const std::array<std::uint32_t, 3> kCounts[] = {{kHuge, 4, 2}, {3, kHuge, 2}, {kHuge, kHuge, 1}, {3, 4, kHuge},
+                                                  {3, 4, 3},     {7, 0, kHuge}, {2, 5, 65536},     {3, 0, 1291}};
+  for (const auto& [inputs, outputs, grid] : kCounts) {
+    ByteBuilder form = LutHeader(inputs, outputs, grid);
     for (int i = 0; i < 7; ++i) form.Append(LutChannel(1, 1, "x"));
-    EXPECT_FALSE(Parse(entry, form.Zero(32)));
+    EXPECT_FALSE(Parse(entry, form.Zero(32))) << inputs << " " << outputs << " " << grid;
   }
   // All of that left the table alone.
   EXPECT_EQ(entry.GetLutData()->GetSize(), 8);
