@@ -8,8 +8,6 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <limits>
-#include <string>
 #include <tuple>
 
 namespace nvx::test {

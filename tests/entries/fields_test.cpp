@@ -16,10 +16,8 @@
 #include <gtest/gtest.h>
 
 #include <map>
-#include <memory>
 #include <stdexcept>
 #include <string>
-#include <vector>
 
 namespace {
 

@@ -7,12 +7,10 @@
 #include <nvxprofile/curve_entry.h>
 #include <nvxprofile/model_info.h>
 #include <nvxprofile/profile_access.h>
-#include <nvxprofile/profile_file.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <memory>
 #include <string>
 #include <vector>
 

@@ -11,7 +11,6 @@
 
 #include <chrono>
 #include <csignal>
-#include <filesystem>
 #include <random>
 #include <thread>
 

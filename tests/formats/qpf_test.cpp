@@ -9,7 +9,6 @@
 #include <nvxprofile/diagnosis.h>
 #include <nvxprofile/icc_profile.h>
 #include <nvxprofile/icm_entry.h>
-#include <nvxprofile/profile_access.h>
 #include <nvxprofile/profile_file_qpf.h>
 
 #include <gmock/gmock.h>

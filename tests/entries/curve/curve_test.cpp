@@ -139,6 +139,7 @@ TEST(Curve, AnOddRawByteStopsTheConversion) {
 TEST(Curve, CopyNeverNarrowsAndLeavesTheTypeOfTheTarget) {
   const auto wide = MakeCurve(CCurveDataEntry::kSamples16, 0x123, {1, 2}, 9);
   wide->SetMax(50);
+  wide->SetMin(40);
   wide->SetInkName("Red");
   const auto narrow = MakeCurve(CCurveDataEntry::kSamples8, 1, {7, 8});
   wide->CopyData(narrow.get());
@@ -146,9 +147,8 @@ TEST(Curve, CopyNeverNarrowsAndLeavesTheTypeOfTheTarget) {
   wide->Copy(*narrow);
   EXPECT_EQ(narrow->GetCount(), 0u);
   EXPECT_STREQ(narrow->GetInkName(), "Red");
-  EXPECT_EQ(narrow->GetMax(), 50u);
-  EXPECT_EQ(narrow->GetExtendInfo(), 9u);
-  EXPECT_EQ(narrow->GetDataType(), 1u);
+  EXPECT_THAT((std::vector{narrow->GetMax(), narrow->GetMin(), narrow->GetExtendInfo(), narrow->GetDataType()}),
+              ElementsAre(50, 40, 9, 1));
   wide->Copy(*wide);
   EXPECT_THAT(SamplesOf(*wide), ElementsAre(1, 2));
 }

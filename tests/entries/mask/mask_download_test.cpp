@@ -1,7 +1,6 @@
 #include "support/entry_bytes.h"
 #include "support/entry_forms.h"
 
-#include <nvxprofile/diagnosis.h>
 #include <nvxprofile/mask_download.h>
 
 #include <gtest/gtest.h>
