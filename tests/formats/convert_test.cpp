@@ -1,3 +1,4 @@
+#include "support/curve_builder.h"
 #include "support/entries.h"
 #include "support/icc_judge.h"
 #include "support/legacy_profile.h"
@@ -21,27 +22,12 @@ using testing::ElementsAre;
 
 constexpr _tagDBDeviceProfileInfo kDatabase{{11, 12, 13, 14, 15}, 77};
 
-struct Curve {
-  std::uint32_t ink, extendInfo, max, min, slot, rgb;
-  std::string name;
-  std::vector<std::uint32_t> samples;
-};
-
-std::vector<Curve> CurvesOf(CProfileDataEntry* entry) {
-  std::vector<Curve> curves;
-  auto* const curveEntry = dynamic_cast<CProfileCurveEntry*>(entry);
-  if (curveEntry == nullptr || !curveEntry->BufferToData()) return curves;
-  CCurveData& set = *curveEntry->GetCurveData();
-  bool more = set.GetHeadPosition();
-  while (more) {
-    CCurveDataEntry& from = *set.GetNext(more);
-    EXPECT_EQ(from.GetDataType(), 2u);
-    Curve curve{from.GetInkID(),  from.GetExtendInfo(), from.GetMax(),     from.GetMin(),
-                from.GetSlotNo(), from.GetDisplayRGB(), from.GetInkName(), {}};
-    for (std::uint32_t i = 0, value = 0; from.GetAt(i, value); ++i) curve.samples.push_back(value);
-    curves.push_back(std::move(curve));
-  }
-  return curves;
+// The entry keeps them.
+std::vector<CCurveDataEntry*> CurvesOf(CProfileDataEntry* entry) {
+  auto* const curves = dynamic_cast<CProfileCurveEntry*>(entry);
+  if (curves == nullptr || !curves->BufferToData()) return {};
+  const auto& list = curves->GetCurveData()->Curves();
+  return {list.begin(), list.end()};
 }
 
 std::vector<std::uint32_t> Widened(std::uint32_t ink) {
@@ -56,10 +42,13 @@ std::vector<std::uint32_t> Line() {
   return samples;
 }
 
-// "ink/ExtendInfo" of each curve in turn.
-std::string KeysOf(const std::vector<Curve>& curves) {
+// "ink/ExtendInfo" of each curve in turn, all of 16 bits.
+std::string KeysOf(const std::vector<CCurveDataEntry*>& curves) {
   std::string keys;
-  for (const Curve& curve : curves) keys += " " + std::to_string(curve.ink) + "/" + std::to_string(curve.extendInfo);
+  for (CCurveDataEntry* const curve : curves) {
+    EXPECT_EQ(curve->GetDataType(), 2u);
+    keys += " " + std::to_string(curve->GetInkID()) + "/" + std::to_string(curve->GetExtendInfo());
+  }
   return keys;
 }
 
@@ -89,29 +78,29 @@ TEST_F(Convert, EachEntryBecomesWhatItShall) {
   EXPECT_EQ(converter_.GetProfileDataEntry_V3(6), nullptr);
   converter_.ConvertV2ToV3Profile(&kDatabase);
 
-  const std::vector<Curve> limit = CurvesOf(converter_.GetProfileDataEntry_V3(17));
+  const auto limit = CurvesOf(converter_.GetProfileDataEntry_V3(17));
   ASSERT_EQ(KeysOf(limit), " 1/12 2/12 1/14 2/14");
-  EXPECT_EQ(limit[0].samples, Widened(1));
-  EXPECT_EQ(limit[1].samples, Widened(2));
-  EXPECT_EQ(limit[0].max, 200u * 257);
-  EXPECT_EQ(limit[0].min, 257u);
-  EXPECT_EQ(limit[3].samples, Line());
-  EXPECT_EQ(limit[3].max, 65535u);
-  EXPECT_EQ(limit[3].min, 0u);
-  for (const Curve& curve : limit) {
-    EXPECT_EQ(curve.name, curve.ink == 1 ? "Cyan" : "Magenta");
-    EXPECT_EQ(curve.slot, curve.ink + 10);
-    EXPECT_EQ(curve.rgb, 0x00FF00FF + curve.ink);
+  EXPECT_EQ(SamplesOf(*limit[0]), Widened(1));
+  EXPECT_EQ(SamplesOf(*limit[1]), Widened(2));
+  EXPECT_EQ(limit[0]->GetMax(), 200u * 257);
+  EXPECT_EQ(limit[0]->GetMin(), 257u);
+  EXPECT_EQ(SamplesOf(*limit[3]), Line());
+  EXPECT_EQ(limit[3]->GetMax(), 65535u);
+  EXPECT_EQ(limit[3]->GetMin(), 0u);
+  for (CCurveDataEntry* const curve : limit) {
+    EXPECT_STREQ(curve->GetInkName(), curve->GetInkID() == 1 ? "Cyan" : "Magenta");
+    EXPECT_EQ(curve->GetSlotNo(), curve->GetInkID() + 10);
+    EXPECT_EQ(curve->GetDisplayRGB(), 0x00FF00FF + curve->GetInkID());
   }
   for (const std::uint32_t type : {4u, 5u}) {
-    const std::vector<Curve> widened = CurvesOf(converter_.GetProfileDataEntry_V3(type));
+    const auto widened = CurvesOf(converter_.GetProfileDataEntry_V3(type));
     ASSERT_EQ(KeysOf(widened), " 1/7 2/3");
-    EXPECT_EQ(widened[1].samples, Widened(2));
+    EXPECT_EQ(SamplesOf(*widened[1]), Widened(2));
   }
   for (const std::uint32_t type : {6u, 7u}) {
-    const std::vector<Curve> straight = CurvesOf(converter_.GetProfileDataEntry_V3(type));
+    const auto straight = CurvesOf(converter_.GetProfileDataEntry_V3(type));
     ASSERT_EQ(KeysOf(straight), " 1/7 2/3");
-    EXPECT_EQ(straight[0].samples, Line());
+    EXPECT_EQ(SamplesOf(*straight[0]), Line());
   }
   for (const std::uint32_t type : {8u, 9u, 2u}) EXPECT_EQ(converter_.GetProfileDataEntry_V3(type), nullptr) << type;
   for (const std::uint32_t type : {1u, 10u, 14u}) {
@@ -125,7 +114,7 @@ TEST_F(Convert, EachEntryBecomesWhatItShall) {
   SaveAndLoad(access);
   // The ICC entry stands last after a save.
   EXPECT_THAT(TypesOn(*access.GetProfileData(), 4), ElementsAre(1, 17, 6, 14, 16, 7, 4, 5, 10));
-  EXPECT_EQ(CurvesOf(access.GetProfileData()->GetProfileDataEntry(4, 17))[1].samples, Widened(2));
+  EXPECT_EQ(SamplesOf(*CurvesOf(access.GetProfileData()->GetProfileDataEntry(4, 17))[1]), Widened(2));
   for (const std::uint32_t route : {1u, 2u, 8u, 0x100u, 0x200u}) EXPECT_FALSE(access.IsSpecifiedRoute(route)) << route;
 }
 
