@@ -219,8 +219,8 @@ class NVX_EXPORT CSeparateChromaEntry : public CProfileDataEntry {
   ~CSeparateChromaEntry() override;
 
   CDataObject* GetFormatData() override;
-  // Takes neither samples nor label from the source, which is another entry of this class: reduces the channel codes
-  // of its own table to their low 8 bits. False for a source of another class and for null.
+  // Takes nothing from the source, which is another entry of this class; its own table has 8-bit channel codes as ever.
+  // False for a source of another class and for null.
   bool DoImport(CProfileDataEntry* source) override;
   bool BufferToData() override;
   bool DataToBuffer() override;

@@ -38,8 +38,8 @@ class SparseFile : public CNvxFile {
   std::uint32_t GetPosition() override { return position_; }
   std::uint32_t SeekToBegin() override { return position_ = 0; }
   std::uint32_t SeekToEnd() override { return position_ = GetLength(); }
+  // Readers count from the begin and from where they are.
   std::uint32_t Seek(std::uint32_t offset, std::uint32_t origin) override {
-    if (origin == kFromEnd) SeekToEnd();
     return position_ = origin == kFromBegin ? offset : position_ + offset;
   }
 

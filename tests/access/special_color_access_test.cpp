@@ -135,8 +135,10 @@ TEST_F(ConditionAccess, SpecialColoursGetTheirCurves) {
   EXPECT_EQ(*find(5, 1200, 12), 22) << "of fewer sets than its number the last stands";
   EXPECT_EQ(find(5, 1300), nullptr);
   EXPECT_EQ((Words{size_, type_}), (Words{0, 0}));
-  table.SetParameter(4, 0, 1);
-  EXPECT_EQ(find(9), nullptr) << "no curve is recommended";
+  for (const std::int32_t number : {0, -1}) {
+    table.SetParameter(4, number, 1);
+    EXPECT_EQ(find(9), nullptr) << "no curve is recommended";
+  }
   EXPECT_EQ((Words{size_, type_}), (Words{77, 78}));
   EXPECT_EQ(Comment(0), u"");
 

@@ -270,8 +270,9 @@ TEST(CalibrationEntries, RecordsOfTargetAndInfo) {
   EXPECT_EQ(info.GetCalibrationInfoEx()->Data[511], 7);
   EXPECT_TRUE(info.DataToBuffer());
   EXPECT_EQ(BytesOf(info), Bytes(ByteBuilder().Fill(1, 512).Zero(511).U8(7)));
-  EXPECT_TRUE(Parse(info, Bytes(1024, 2)));
-  EXPECT_EQ(info.GetCalibrationInfoEx()->Data[511], 2);
+  EXPECT_TRUE(Parse(info, Bytes(ByteBuilder().Fill(3, 512).Fill(2, 512))));
+  EXPECT_EQ(std::as_const(info).GetCalibrationInfo()->Data[511], 3);
+  EXPECT_EQ(std::as_const(info).GetCalibrationInfoEx()->Data[511], 2);
 }
 
 TEST(CalibrationHistory, ImportReplacesAHistoryOfEqualCount) {

@@ -11,6 +11,7 @@
 #include <nvxprofile/mask_download.h>
 #include <nvxprofile/media_property.h>
 #include <nvxprofile/model_info.h>
+#include <nvxprofile/text_conversion.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -168,6 +169,32 @@ TEST(Fields, ReplaceAPayloadAndKeepUnreadBytes) {
   *target.GetBuffer(1) = 7;
   EXPECT_NE(Refusal(target, {{{"createTime", std::int64_t{1}}}, {}}), "");
   EXPECT_EQ(BytesOf(target), ByteList{7});
+}
+
+TEST(Fields, OfARecordComeBackEachInItsPlace) {
+  for (const std::uint32_t layout : {nvx::kTextView, nvx::kBinaryView}) {
+    CProfileData data;
+    data.GetProfileInfo()->LayoutNumber = layout;
+    Recorder before;
+    nvx::TellFields(*data.GetProfileInfo(), before);
+    Told given = std::move(before.told);
+    std::int64_t next = 1;
+    for (auto& [place, value] : given.values) {
+      if (place == "LayoutNumber") continue;
+      if (std::holds_alternative<bool>(value)) value = true;
+      if (std::holds_alternative<std::int64_t>(value)) value = next++;
+      if (std::holds_alternative<std::string>(value)) value = std::to_string(next++);
+      if (std::holds_alternative<std::u16string>(value)) value = nvx::AnsiToWide(std::to_string(next++));
+      if (auto* const numbers = std::get_if<NumberList>(&value)) {
+        for (std::int64_t& number : *numbers) number = next++;
+      }
+    }
+    Player player(given);
+    nvx::FillRecord(data, player);
+    Recorder after;
+    nvx::TellFields(*data.GetProfileInfo(), after);
+    EXPECT_EQ(after.told.values, given.values);
+  }
 }
 
 TEST(Fields, OfARecordAreOptional) {

@@ -369,6 +369,8 @@ TEST(Serializers, NullDataGiveFalse) {
   EXPECT_FALSE(CMaskParameterFile().SaveFile(stream, nullptr) || CMaskPatternFile().SaveFile(stream, nullptr));
   EXPECT_FALSE(CLargeParameterFile().SaveFile(stream, nullptr) || CLargeParameterFile().LoadFile(stream, nullptr));
   EXPECT_FALSE(CSpecialColorInfoFile().SaveFile(stream, nullptr) || CSpecialColorInfoFile().LoadFile(stream, nullptr));
+  EXPECT_FALSE(CProfileFileQPFv3().SaveData(stream, nullptr, 0) ||
+               CProfileFileQPFv3().LoadData(stream, nullptr, false));
   EXPECT_EQ(stream.Buffer, nullptr);
   std::int32_t count = 0;
   CError error;

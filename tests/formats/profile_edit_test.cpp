@@ -108,8 +108,15 @@ TEST_F(Edit, RefusesTablesThatDoNotHold) {
     for (std::uint32_t type = 0; type < 31; ++type) edit.SetEntryBytes(type, BytesOf(edit, type));
     EXPECT_EQ(edit.Image(), broken);
   }
+  ProfileEdit edit;
+  Open(ReadBytes(NVXPROFILE_SOURCE_FOLDER "/fuzz/corpus/container/curves"), edit);
+  Bytes container(edit.Image().begin(), edit.Image().end());
+  container[32] = 0xEE;  // of the magic of an entry header
+  WriteBytes(folder_.File("p.qct"), container);
+  EXPECT_FALSE(edit.Open(folder_.WideFile("p.qct").c_str()));
   nvx::Diagnosis diagnosis;
-  EXPECT_FALSE(ProfileEdit().Open(u"/no/such/file", &diagnosis));
+  EXPECT_FALSE(edit.Open(u"/no/such/file", &diagnosis));
+  EXPECT_TRUE(edit.Image().empty());
   EXPECT_TRUE(diagnosis.HasErrors());
 }
 

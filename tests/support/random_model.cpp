@@ -75,6 +75,7 @@ class Maker {
     if (auto* const large = dynamic_cast<CLargeParameterEntry*>(&entry)) Fill(*large->GetLargeParameterData());
     if (auto* const special = dynamic_cast<CSpecialColorInfoEntry*>(&entry)) Fill(*special->GetSpecialColorInfoData());
     if (auto* const history = dynamic_cast<CCalibrationHistoryEntry*>(&entry)) Fill(*history);
+    if (auto* const info = dynamic_cast<CCalibrationInfoEntry*>(&entry)) Fill(*info);
     entry.SetComplete(Below(2) == 0);
     if (entry.GetFormatType() != CProfileDataEntry::kFormatIcc) entry.SetOptionInfo(Word());
     entry.SetLabelString(Text(255).c_str());
@@ -185,6 +186,15 @@ class Maker {
       if (Below(2) == 0) calibration.inkLimit = std::make_unique<CCalibrationInklimitEntry>();
       AddCalibration(history, std::move(calibration));
     }
+  }
+
+  void Fill(CCalibrationInfoEntry& info) {
+    tag_CalibrationInfo records[2];
+    for (tag_CalibrationInfo& record : records) {
+      for (std::uint8_t& byte : record.Data) byte = static_cast<std::uint8_t>(Word());
+    }
+    info.SetCalibrationInfo(&records[0]);
+    info.SetCalibrationInfoEx(&records[1]);
   }
 
   std::mt19937& random_;

@@ -7,13 +7,6 @@ namespace {
 
 constexpr std::uint32_t kOptionInfo = 6;
 
-// A code is 8 bits wide, whatever was set.
-void ReduceCodes(CLutData& data, CLutChannelInf* (CLutData::*channelAt)(int)) {
-  for (int i = 0; CLutChannelInf* const channel = (data.*channelAt)(i); ++i) {
-    channel->SetChannelCode(channel->GetChannelCode());
-  }
-}
-
 }  // namespace
 
 CSeparateChromaEntry::CSeparateChromaEntry() : CProfileDataEntry(kSeparateChroma, kFormatLut, true) {
@@ -29,12 +22,9 @@ CLutData3D* CSeparateChromaEntry::GetLutData() {
   return &data_;
 }
 
+// Nothing of the source comes over.
 bool CSeparateChromaEntry::DoImport(CProfileDataEntry* source) {
-  if (dynamic_cast<CSeparateChromaEntry*>(source) == nullptr) return false;
-  OpenPayload();
-  ReduceCodes(data_, &CLutData::GetAtInputChannelInf);
-  ReduceCodes(data_, &CLutData::GetAtOutputChannelInf);
-  return true;
+  return dynamic_cast<CSeparateChromaEntry*>(source) != nullptr;
 }
 
 bool CSeparateChromaEntry::BufferToData() {

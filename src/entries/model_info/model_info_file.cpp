@@ -13,11 +13,12 @@ namespace {
 
 // Shorter records are in use: what the stream lacks is zero.
 template <std::size_t N>
-void ReadFromBegin(CNvxFile& file, std::array<std::uint8_t, N>& bytes) {
-  bytes.fill(0);
+void ReadFromBegin(CNvxFile& file, std::array<std::uint8_t, N>& record) {
+  std::array<std::uint8_t, N> bytes{};
   file.SeekToBegin();
   const std::uint32_t done = file.Read(bytes.data(), static_cast<std::uint32_t>(N));
   if (done < N) nvx::Warn(file, done, "record: cut short, the rest reads as zero");
+  record = bytes;
 }
 
 }  // namespace

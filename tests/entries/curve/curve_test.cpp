@@ -141,6 +141,9 @@ TEST(Curve, CopyNeverNarrowsAndLeavesTheTypeOfTheTarget) {
   wide->SetMax(50);
   wide->SetMin(40);
   wide->SetInkName("Red");
+  CCurveDataEntry16 limits;
+  wide->CopyData(&limits);
+  EXPECT_THAT((std::vector{limits.GetMax(), limits.GetMin(), limits.GetCount()}), ElementsAre(50, 40, 2));
   const auto narrow = MakeCurve(CCurveDataEntry::kSamples8, 1, {7, 8});
   wide->CopyData(narrow.get());
   EXPECT_THAT(SamplesOf(*narrow), ElementsAre(7, 8));
@@ -194,6 +197,9 @@ TEST(CurveSet, CopiesDeeplyAndSkips) {
   EXPECT_THAT(InksOf(target), ElementsAre(1, 3, 5, 7));
   set.Copy(set);
   EXPECT_EQ(set.GetCount(), 4);
+  raw->SetDataType(3);
+  set.Copy(target);
+  EXPECT_THAT(InksOf(target), ElementsAre(1, 3, 5)) << "no curve is of that type";
 }
 
 TEST(CurveSet, LetsBorrowedCurvesGoAlive) {

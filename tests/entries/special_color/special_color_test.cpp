@@ -1,6 +1,7 @@
 #include "support/entry_bytes.h"
 #include "support/entry_forms.h"
 
+#include <nvxprofile/diagnosis.h>
 #include <nvxprofile/special_color.h>
 
 #include <gtest/gtest.h>
@@ -179,6 +180,17 @@ TEST(SpecialColor, RefusesToSaveWhatCannotBeReadBack) {
     set->AddTail(curve);
     EXPECT_EQ(isSaved({16, 0, 1, 169}, {set}), type == 2) << type;
   }
+}
+
+TEST(SpecialColor, SaysWhereASetOfCurvesIsBroken) {
+  constexpr std::size_t kSecondSet = 200 + 32 + 132 + 4 + 6;
+  CSpecialColorInfoEntry entry;
+  nvx::Diagnosis diagnosis;
+  entry.SetDiagnosis(&diagnosis);
+  EXPECT_FALSE(Parse(entry, With(SpecialColorForm(), kSecondSet + 8, 0)));
+  ASSERT_EQ(diagnosis.Findings().size(), 1u);
+  EXPECT_EQ(diagnosis.Findings()[0].rule, "curve set header: wrong version");
+  EXPECT_EQ(diagnosis.Findings()[0].offset, kSecondSet + 8);
 }
 
 TEST(SpecialColor, AWrongArrayMagicSparesTheOtherTable) {
