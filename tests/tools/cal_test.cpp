@@ -3,16 +3,13 @@
 #include "tools/profile_maker.h"
 #include "tools/run_tool.h"
 
-#include <nvxprofile/profile_access.h>
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
-#include <fstream>
+#include <map>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -37,7 +34,7 @@ std::vector<json> PowerCurves(std::size_t count, double power) {
 
 // Everything in the file but the curves of one entry.
 json AllBut(const std::string& path, const std::string& className) {
-  json document = json::parse(RunTool({"dump", path}).out);
+  json document = ToolJson({"dump", path});
   for (json& entry : document["entries"]) {
     if (entry["class"] == className) entry["payload"] = nullptr;
   }
@@ -53,20 +50,24 @@ class Cal : public testing::Test {
         {"containerData", {{"time", 9}, {"name", "kept"}}},
         {"payload", {{"entries", {{{"type", "calibration-linearization"}, {"bytes", "AAECAwQFBgc="}}}}}}};
     history_ = {{"type", "calibration-history"}, {"payload", {{"nextID", 5}, {"entries", {calibration}}}}};
-    Build("p.icc", 256, 1);
+    Make("p.icc", 256, 1);
   }
 
-  void Build(const std::string& name, std::size_t count, double power) {
-    BuildProfile(folder_, name,
-                 {EntryDocument("linearization", PowerCurves(count, power)),
-                  EntryDocument("ink-limit", PowerCurves(16, 1)),
-                  {{"type", "replacement-icc"}, {"file", kFrameProfile}},
-                  history_});
+  void Make(const std::string& name, std::size_t count, double power) {
+    const json document = ProfileDocument({EntryDocument("linearization", PowerCurves(count, power)),
+                                           EntryDocument("ink-limit", PowerCurves(16, 1)),
+                                           {{"type", "replacement-icc"}, {"file", kFrameProfile}},
+                                           history_});
+    ASSERT_THAT(Build(document, folder_.File(name)), Succeeds());
   }
 
   ToolResult Apply(const std::string& cal, std::vector<std::string> more) {
     more.insert(more.begin(), {"apply-cal", folder_.File("p.icc"), folder_.File(cal)});
     return RunTool(more);
+  }
+
+  ToolResult WriteCal(const std::string& profile, const std::string& cal) {
+    return RunTool({"curves", folder_.File(profile), "--entry", "linearization", "--cal", folder_.File(cal)});
   }
 
   TempFolder folder_;
@@ -76,15 +77,12 @@ class Cal : public testing::Test {
 TEST_F(Cal, CurvesGoOutAndComeBack) {
   for (const std::size_t count : {2u, 33u, 256u, 1024u}) {
     SCOPED_TRACE(count);
-    Build("from.icc", count, 1.3);
-    Build("p.icc", count, 1);
+    Make("from.icc", count, 1.3);
+    Make("p.icc", count, 1);
     const json before = AllBut(folder_.File("p.icc"), "CLinearizationEntry");
     const Bytes bytesBefore = ReadBytes(folder_.File("p.icc"));
-    const ToolResult out =
-        RunTool({"curves", folder_.File("from.icc"), "--entry", "linearization", "--cal", folder_.File("l.cal")});
-    ASSERT_EQ(out.status, 0) << out.err;
-    const ToolResult in = Apply("l.cal", {"--entry", "linearization"});
-    ASSERT_EQ(in.status, 0) << in.err;
+    ASSERT_THAT(WriteCal("from.icc", "l.cal"), Succeeds());
+    ASSERT_THAT(Apply("l.cal", {"--entry", "linearization"}), Succeeds());
     const auto wanted = SamplesIn(folder_.File("from.icc"), "linearization");
     const auto got = SamplesIn(folder_.File("p.icc"), "linearization");
     ASSERT_EQ(got.size(), 4u);
@@ -103,10 +101,8 @@ TEST_F(Cal, CurvesGoOutAndComeBack) {
 }
 
 TEST_F(Cal, ArgyllTakesWhatIsWritten) {
-  Build("from.icc", 33, 1.3);
-  ASSERT_EQ(
-      RunTool({"curves", folder_.File("from.icc"), "--entry", "linearization", "--cal", folder_.File("l.cal")}).status,
-      0);
+  Make("from.icc", 33, 1.3);
+  ASSERT_THAT(WriteCal("from.icc", "l.cal"), Succeeds());
   const auto samples = SamplesIn(folder_.File("from.icc"), "linearization");
   const std::string command = "printf '0.25 0.5 0.75 1\\n' | xicclu -v 0 -ir " + folder_.File("l.cal");
   const ToolResult looked = RunProgram({"sh", "-c", command});
@@ -116,14 +112,14 @@ TEST_F(Cal, ArgyllTakesWhatIsWritten) {
     ASSERT_TRUE(values >> value) << looked.out << looked.err;
     EXPECT_NEAR(value, samples.at(ink)[static_cast<std::size_t>(8 * ink)] / 65535.0, 2e-6);
   }
-  EXPECT_EQ(RunProgram({"applycal", folder_.File("l.cal"), kFrameProfile, folder_.File("calibrated.icc")}).status, 0);
+  EXPECT_THAT(RunProgram({"applycal", folder_.File("l.cal"), kFrameProfile, folder_.File("calibrated.icc")}),
+              Succeeds());
 }
 
 TEST_F(Cal, FilesOfSynthcalComeIn) {
-  ASSERT_EQ(RunProgram({"synthcal", "-t", "o", "-d", "4", "-r", "65", "-p", "1.5,1.2,1,0.8", folder_.File("s")}).status,
-            0);
-  const ToolResult in = Apply("s.cal", {"--entry", "linearization"});
-  ASSERT_EQ(in.status, 0) << in.err;
+  ASSERT_THAT(RunProgram({"synthcal", "-t", "o", "-d", "4", "-r", "65", "-p", "1.5,1.2,1,0.8", folder_.File("s")}),
+              Succeeds());
+  ASSERT_THAT(Apply("s.cal", {"--entry", "linearization"}), Succeeds());
   const auto got = SamplesIn(folder_.File("p.icc"), "linearization");
   const std::vector<double> powers{1.5, 1.2, 1, 0.8};
   for (int ink = 1; ink <= 4; ++ink) {
@@ -152,11 +148,10 @@ TEST_F(Cal, InkLimitsAreTakenAsStated) {
   EXPECT_EQ(SamplesIn(folder_.File("p.icc"), "linearization").at(1).back(), 58982u);
   EXPECT_EQ(SamplesIn(folder_.File("p.icc"), "linearization").at(2).back(), 65535u);
 
-  const json before = json::parse(RunTool({"dump", folder_.File("p.icc")}).out)["entries"];
-  const ToolResult appended = Apply("a.cal", {"--new-calibration", "Monday"});
-  ASSERT_EQ(appended.status, 0) << appended.err;
-  EXPECT_THAT(appended.out, HasSubstr("calibration 5 \"Monday\" appended, with 4 curves and ink limits"));
-  json after = json::parse(RunTool({"dump", folder_.File("p.icc")}).out)["entries"];
+  const json before = ToolJson({"dump", folder_.File("p.icc")})["entries"];
+  EXPECT_THAT(Apply("a.cal", {"--new-calibration", "Monday"}).out,
+              HasSubstr("calibration 5 \"Monday\" appended, with 4 curves and ink limits"));
+  const json after = ToolJson({"dump", folder_.File("p.icc")})["entries"];
   // The calibration whose bytes do not parse is as it was, and so are all other entries.
   for (std::size_t i = 0; i < before.size(); ++i) {
     if (before[i]["class"] == "CCalibrationHistoryEntry") {
@@ -166,30 +161,24 @@ TEST_F(Cal, InkLimitsAreTakenAsStated) {
     }
   }
 
-  CProfileAccess access;
-  CError error;
-  ASSERT_TRUE(access.Init(folder_.WideFile("p.icc").c_str(), &error));
-  int size = 0;
-  int type = 0;
-  const auto* const limit = static_cast<const std::uint16_t*>(access.GetCalibrationInkLimit(1, 5, size, type, &error));
-  ASSERT_NE(limit, nullptr);
-  ASSERT_EQ(size, 512);
-  EXPECT_EQ(limit[128], 128 * 257);
-  EXPECT_EQ(limit[255], 58982);
-  const auto* const curve =
-      static_cast<const std::uint16_t*>(access.GetCalibrationLinearization(1, 5, size, type, &error));
-  ASSERT_NE(curve, nullptr);
-  EXPECT_EQ(curve[255], 65535);
+  const auto curvesOf = [&](const std::string& code) {
+    std::map<std::string, std::map<int, Samples>> curves;
+    const json history = ToolJson({"history", folder_.File("p.icc"), "--curves", code, "--json"})["calibrations"];
+    for (const json& entry : history.back()["curves"]) {
+      for (const json& curve : entry["curves"]) curves[entry["name"]][curve["inkID"]] = curve["samples"].get<Samples>();
+    }
+    return curves;
+  };
+  const Samples limit = curvesOf("5")["calibration-ink-limit"][1];
+  ASSERT_EQ(limit.size(), 256u);
+  EXPECT_EQ(limit[128], 128u * 257);
+  EXPECT_EQ(limit[255], 58982u);
+  EXPECT_EQ(curvesOf("5")["calibration-linearization"][1].back(), 65535u);
 
   // The calibration goes out again with its limits.
-  ASSERT_EQ(RunTool({"history", folder_.File("p.icc"), "--curves", "5", "--cal", folder_.File("b.cal")}).status, 0);
-  ASSERT_EQ(Apply("b.cal", {"--new-calibration", "Tuesday"}).status, 0);
-  const json history = json::parse(RunTool({"history", folder_.File("p.icc"), "--curves", "6", "--json"}).out);
-  const json copy = history["calibrations"].back();
-  ASSERT_TRUE(access.Init(folder_.WideFile("p.icc").c_str(), &error));
-  const auto* const again = static_cast<const std::uint16_t*>(access.GetCalibrationInkLimit(4, 6, size, type, &error));
-  ASSERT_NE(again, nullptr) << copy;
-  EXPECT_NEAR(again[255], 45875, 1);
+  ASSERT_THAT(RunTool({"history", folder_.File("p.icc"), "--curves", "5", "--cal", folder_.File("b.cal")}), Succeeds());
+  ASSERT_THAT(Apply("b.cal", {"--new-calibration", "Tuesday"}), Succeeds());
+  EXPECT_NEAR(curvesOf("6")["calibration-ink-limit"][4].back(), 45875, 1);
 }
 
 TEST_F(Cal, WhatDoesNotFitIsRefusedWithTheLine) {
@@ -224,31 +213,28 @@ TEST_F(Cal, WhatDoesNotFitIsRefusedWithTheLine) {
     std::string text = good;
     text.replace(text.rfind(mistake.from), mistake.from.size(), mistake.to);
     WriteText(folder_.File("bad.cal"), text);
-    const ToolResult result = Apply("bad.cal", {"--entry", "linearization"});
-    EXPECT_EQ(result.status, 1) << mistake.message;
-    EXPECT_THAT(result.err, HasSubstr(mistake.message));
+    EXPECT_THAT(Apply("bad.cal", {"--entry", "linearization"}), Fails(mistake.message));
     EXPECT_EQ(ReadBytes(folder_.File("p.icc")), before);
   }
-  EXPECT_EQ(Apply("none.cal", {"--entry", "linearization"}).status, 1);
-  EXPECT_EQ(Apply("p.icc", {"--entry", "linearization"}).status, 1);
+  EXPECT_THAT(Apply("none.cal", {"--entry", "linearization"}), Fails());
+  EXPECT_THAT(Apply("p.icc", {"--entry", "linearization"}), Fails());
   WriteText(folder_.File("good.cal"), good);
-  EXPECT_EQ(Apply("good.cal", {}).status, 2);
-  EXPECT_EQ(Apply("good.cal", {"--entry", "gray-balance"}).status, 1);
-  EXPECT_EQ(Apply("good.cal", {"--new-calibration", std::string(21, 'x')}).status, 1);
-  EXPECT_EQ(Apply("good.cal", {"--entry", "linearization", "-o", folder_.File("none/p.icc")}).status, 1);
-  EXPECT_EQ(RunTool({"apply-cal", kFrameProfile, folder_.File("good.cal"), "--new-calibration", "x", "-o",
-                     folder_.File("o.icc")})
-                .status,
-            1);
+  EXPECT_THAT(Apply("good.cal", {}), IsWrongUsage());
+  EXPECT_THAT(Apply("good.cal", {"--entry", "gray-balance"}), Fails());
+  EXPECT_THAT(Apply("good.cal", {"--new-calibration", std::string(21, 'x')}), Fails());
+  EXPECT_THAT(Apply("good.cal", {"--entry", "linearization", "-o", folder_.File("none/p.icc")}), Fails());
+  EXPECT_THAT(RunTool({"apply-cal", kFrameProfile, folder_.File("good.cal"), "--new-calibration", "x", "-o",
+                       folder_.File("o.icc")}),
+              Fails());
   EXPECT_EQ(ReadBytes(folder_.File("p.icc")), before);
 }
 
 TEST_F(Cal, InksAreKnownByTheirNamesOrByWhatTheUserSays) {
   const Samples straight = Sampled(5, [](double x) { return x; });
   const auto curves = [&](const std::string& third) {
-    BuildProfile(folder_, "p.icc",
-                 {EntryDocument("linearization", {CurveDocument(7, "Light Cyan", straight),
-                                                  CurveDocument(4, "", straight), CurveDocument(9, third, straight)})});
+    const std::vector<json> inks{CurveDocument(7, "Light Cyan", straight), CurveDocument(4, "", straight),
+                                 CurveDocument(9, third, straight)};
+    ASSERT_THAT(Build(ProfileDocument({EntryDocument("linearization", inks)}), folder_.File("p.icc")), Succeeds());
   };
   const auto write = [&](std::vector<std::string> more = {}) {
     more.insert(more.begin(), {"curves", folder_.File("p.icc"), "--cal", "-"});

@@ -1,13 +1,12 @@
 // The tool on calibration histories and adjust files.
 #include "support/files.h"
-#include "tools/run_tool.h"
+#include "tools/profile_maker.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -17,39 +16,38 @@ namespace {
 using nlohmann::json;
 using testing::HasSubstr;
 
-constexpr const char* kFrame = "/usr/share/color/icc/ghostscript/default_cmyk.icc";
-
 json Calibration(int code, const std::string& name, int time) {
-  const json curves = {{"curves", {{{"inkID", 3}, {"extendInfo", 12}, {"samples", {0, 100 * code, 65535}}}}}};
   return {{"type", "calibration"},
           {"optionInfo", code},
           {"containerData", {{"value", -code}, {"time", time}, {"name", name}}},
-          {"payload", {{"entries", {{{"type", "calibration-ink-limit"}, {"payload", curves}}}}}}};
+          {"payload",
+           {{"entries",
+             {EntryDocument("calibration-ink-limit",
+                            {CurveDocument(3, "", {0, static_cast<std::uint32_t>(100 * code), 65535}, 12)})}}}}};
 }
 
 class CalibrationTool : public testing::Test {
  protected:
   // Builds a profile of the current generation; without calibrations it has no history.
-  void Build(const std::string& name, const std::vector<json>& calibrations, int nextId = 0, int minor = 0) {
-    json entries = {{{"type", "icc"}, {"file", kFrame}}};
+  void Make(const std::string& name, const std::vector<json>& calibrations, int nextId = 0, int minor = 0) {
+    std::vector<json> entries;
     if (!calibrations.empty()) {
-      json children = {{{"type", "calibration-target"}, {"payload", {{"createTime", 77}, {"rest", "AQI="}}}}};
-      for (const json& calibration : calibrations) children.push_back(calibration);
+      std::vector<json> children{{{"type", "calibration-target"}, {"payload", {{"createTime", 77}, {"rest", "AQI="}}}}};
+      children.insert(children.end(), calibrations.begin(), calibrations.end());
       entries.push_back({{"type", "calibration-history"}, {"payload", {{"nextID", nextId}, {"entries", children}}}});
     }
-    const json document = {{"nvxprofile", 1},
-                           {"format", "printer-profile"},
-                           {"record", {{"SaveVersion5", minor == 5}}},
-                           {"entries", entries}};
-    const std::string text = document.dump();
-    WriteBytes(folder_.File("d.json"), Bytes(text.begin(), text.end()));
-    const ToolResult built = RunTool({"build", folder_.File("d.json"), "-o", folder_.File(name)});
-    ASSERT_EQ(built.status, 0) << built.err;
+    json document = ProfileDocument(entries);
+    document["record"]["SaveVersion5"] = minor == 5;
+    ASSERT_THAT(Build(document, folder_.File(name)), Succeeds());
   }
 
   json History(const std::string& name, std::vector<std::string> more = {}) {
     more.insert(more.begin(), {"history", folder_.File(name), "--json"});
-    return json::parse(RunTool(more).out);
+    return ToolJson(more);
+  }
+
+  json MinorVersion(const std::string& name) {
+    return ToolJson({"info", "--json", folder_.File(name)})["info"]["ProfileMinorVersion"];
   }
 
   std::vector<std::string> Names(const std::string& name) {
@@ -70,8 +68,8 @@ class CalibrationTool : public testing::Test {
   TempFolder folder_;
 };
 
-TEST_F(CalibrationTool, HistoryAndDocuments) {
-  Build("a.icc", {Calibration(0, "first", 5), Calibration(4, "second", 9)}, 5);
+TEST_F(CalibrationTool, HistoryTellsCodesAndCurves) {
+  Make("a.icc", {Calibration(0, "first", 5), Calibration(4, "second", 9)}, 5);
   const json history = History("a.icc", {"--curves", "4"});
   EXPECT_EQ(history["targetCreateTime"], 77);
   EXPECT_EQ(history["nextID"], 5);
@@ -81,50 +79,35 @@ TEST_F(CalibrationTool, HistoryAndDocuments) {
   EXPECT_EQ(history["calibrations"][1]["curves"][0]["curves"][0]["samples"], json({0, 400, 65535}));
   EXPECT_FALSE(history["calibrations"][0].contains("curves"));
   const ToolResult shown = RunTool({"history", folder_.File("a.icc"), "--curves", "0"});
-  EXPECT_EQ(shown.status, 0);
-  EXPECT_THAT(shown.out, HasSubstr("second"));
-  EXPECT_THAT(shown.out, HasSubstr("calibration-ink-limit (type 23)"));
-  EXPECT_EQ(RunTool({"history", folder_.File("a.icc"), "--curves", "3"}).status, 1);
-
-  const ToolResult dump = RunTool({"dump", folder_.File("a.icc")});
-  EXPECT_FALSE(json::parse(dump.out)["entries"][1].contains("bytes"));
-  std::filesystem::create_directory(folder_.Path() / "copy");
-  WriteBytes(folder_.File("dump.json"), Bytes(dump.out.begin(), dump.out.end()));
-  ASSERT_EQ(RunTool({"build", folder_.File("dump.json"), "-o", folder_.File("copy/a.icc")}).status, 0);
-  EXPECT_EQ(RunTool({"diff", folder_.File("a.icc"), folder_.File("copy/a.icc")}).status, 0);
-
-  Build("none.icc", {});
-  EXPECT_EQ(RunTool({"history", folder_.File("none.icc")}).status, 1);
+  EXPECT_THAT(shown.out, AllOf(HasSubstr("second"), HasSubstr("calibration-ink-limit (type 23)")));
+  EXPECT_THAT(RunTool({"history", folder_.File("a.icc"), "--curves", "3"}), Fails());
 }
 
 TEST_F(CalibrationTool, ImportNeverLosesACalibration) {
-  Build("from.icc", {Calibration(0, "x", 1), Calibration(2, "y", 2)}, 3);
-  Build("into.icc", {Calibration(0, "a", 3), Calibration(1, "b", 4)}, 2, 5);
+  Make("from.icc", {Calibration(0, "x", 1), Calibration(2, "y", 2)}, 3);
+  Make("into.icc", {Calibration(0, "a", 3), Calibration(1, "b", 4)}, 2, 5);
   const Bytes before = ReadBytes(folder_.File("into.icc"));
 
   // Equal counts would replace the history, equal codes would merge two calibrations.
-  const ToolResult stopped = Import("from.icc", "into.icc");
-  EXPECT_EQ(stopped.status, 1);
-  EXPECT_THAT(stopped.err, HasSubstr("1 of 2 calibrations have codes that are taken"));
+  EXPECT_THAT(Import("from.icc", "into.icc"), Fails("1 of 2 calibrations have codes that are taken"));
   EXPECT_EQ(ReadBytes(folder_.File("into.icc")), before);
 
-  const ToolResult imported = Import("from.icc", "into.icc", true);
-  EXPECT_EQ(imported.status, 0) << imported.err;
-  EXPECT_THAT(imported.out, HasSubstr("code 0 became 3"));
+  EXPECT_THAT(Import("from.icc", "into.icc", true).out, HasSubstr("code 0 became 3"));
   EXPECT_THAT(Names("into.icc"), testing::ElementsAre("3 x", "2 y", "0 a", "1 b"));
   EXPECT_EQ(History("into.icc")["nextID"], 4);
-  EXPECT_EQ(json::parse(RunTool({"info", "--json", folder_.File("into.icc")}).out)["info"]["ProfileMinorVersion"], 5);
+  EXPECT_EQ(MinorVersion("into.icc"), 5);
 
-  Build("empty.icc", {});
-  EXPECT_EQ(Import("empty.icc", "into.icc").status, 1);
-  EXPECT_EQ(Import("from.icc", "empty.icc").status, 0);
+  Make("empty.icc", {});
+  EXPECT_THAT(RunTool({"history", folder_.File("empty.icc")}), Fails());
+  EXPECT_THAT(Import("empty.icc", "into.icc"), Fails());
+  EXPECT_THAT(Import("from.icc", "empty.icc"), Succeeds());
   EXPECT_THAT(Names("empty.icc"), testing::ElementsAre("0 x", "2 y"));
-  EXPECT_EQ(RunTool({"import-history", folder_.File("from.icc"), kFrame}).status, 1);
+  EXPECT_THAT(RunTool({"import-history", folder_.File("from.icc"), kFrameProfile}), Fails());
 }
 
 TEST_F(CalibrationTool, TheTimelineTellsTheGreatestChangeOfEachInk) {
   // The history is not in the order of time.
-  Build("a.icc", {Calibration(9, "new", 30), Calibration(0, "old", 10), Calibration(4, "middle", 20)}, 10);
+  Make("a.icc", {Calibration(9, "new", 30), Calibration(0, "old", 10), Calibration(4, "middle", 20)}, 10);
   const json timeline = History("a.icc", {"--timeline"})["timeline"];
   ASSERT_EQ(timeline.size(), 3u);
   EXPECT_EQ(timeline[0]["name"], "old");
@@ -135,53 +118,44 @@ TEST_F(CalibrationTool, TheTimelineTellsTheGreatestChangeOfEachInk) {
   EXPECT_EQ(change["ink"], 3);
   EXPECT_NEAR(change["percent"].get<double>(), 100 * 500 / 65535.0, 1e-9);
   EXPECT_EQ(change["input"], 50);
-  const ToolResult shown = RunTool({"history", folder_.File("a.icc"), "--timeline"});
-  EXPECT_THAT(shown.out, HasSubstr("+0.76 % at 50 %"));
+  EXPECT_THAT(RunTool({"history", folder_.File("a.icc"), "--timeline"}).out, HasSubstr("+0.76 % at 50 %"));
 }
 
 TEST_F(CalibrationTool, RemoveAndRenameLeaveAllElseAlone) {
   json damaged = Calibration(1, "damaged", 1);
   damaged["payload"]["entries"][0] = {{"type", "calibration-ink-limit"}, {"bytes", "AAECAw=="}};
-  Build("a.icc", {Calibration(0, "x", 5), damaged, Calibration(2, "y", 6)}, 3, 5);
-  const auto entries = [&] {
-    const json dump = json::parse(RunTool({"dump", folder_.File("a.icc")}).out);
-    return dump["entries"][1]["payload"]["entries"];
-  };
+  Make("a.icc", {Calibration(0, "x", 5), damaged, Calibration(2, "y", 6)}, 3, 5);
+  const auto entries = [&] { return ToolJson({"dump", folder_.File("a.icc")})["entries"][1]["payload"]["entries"]; };
   json wanted = entries();
-  const ToolResult renamed = RunTool({"rename-calibration", folder_.File("a.icc"), "2", "\u6708\u66dc"});
-  ASSERT_EQ(renamed.status, 0) << renamed.err;
+  ASSERT_THAT(RunTool({"rename-calibration", folder_.File("a.icc"), "2", "\u6708\u66dc"}), Succeeds());
   wanted[3]["containerData"]["name"] = "\u6708\u66dc";
   EXPECT_EQ(entries(), wanted);
-  ASSERT_EQ(RunTool({"remove-calibration", folder_.File("a.icc"), "0"}).status, 0);
+  ASSERT_THAT(RunTool({"remove-calibration", folder_.File("a.icc"), "0"}), Succeeds());
   wanted.erase(1);
   EXPECT_EQ(entries(), wanted);
   EXPECT_EQ(History("a.icc")["nextID"], 3);
-  EXPECT_EQ(json::parse(RunTool({"info", "--json", folder_.File("a.icc")}).out)["info"]["ProfileMinorVersion"], 5);
+  EXPECT_EQ(MinorVersion("a.icc"), 5);
 
   const Bytes before = ReadBytes(folder_.File("a.icc"));
   // One of the codes is not there: none is removed.
-  const ToolResult removed = RunTool({"remove-calibration", folder_.File("a.icc"), "2", "7"});
-  EXPECT_EQ(removed.status, 1);
-  EXPECT_THAT(removed.err, HasSubstr("no calibration has the code 7"));
-  EXPECT_EQ(RunTool({"rename-calibration", folder_.File("a.icc"), "2", std::string(21, 'x')}).status, 1);
-  EXPECT_EQ(RunTool({"rename-calibration", folder_.File("a.icc"), "2", ""}).status, 1);
-  EXPECT_EQ(RunTool({"remove-calibration", kFrame, "2"}).status, 1);
+  EXPECT_THAT(RunTool({"remove-calibration", folder_.File("a.icc"), "2", "7"}), Fails("no calibration has the code 7"));
+  EXPECT_THAT(RunTool({"rename-calibration", folder_.File("a.icc"), "2", std::string(21, 'x')}), Fails());
+  EXPECT_THAT(RunTool({"rename-calibration", folder_.File("a.icc"), "2", ""}), Fails());
+  EXPECT_THAT(RunTool({"remove-calibration", kFrameProfile, "2"}), Fails());
   EXPECT_EQ(ReadBytes(folder_.File("a.icc")), before);
 }
 
 TEST_F(CalibrationTool, CalibrateAppendsMeasuredCurves) {
-  Build("a.icc", {Calibration(0, "x", 5)}, 0);
+  Make("a.icc", {Calibration(0, "x", 5)}, 0);
   const auto calibrate = [&](const std::string& csv, std::vector<std::string> more = {}) {
-    WriteBytes(folder_.File("c.csv"), Bytes(csv.begin(), csv.end()));
+    WriteText(folder_.File("c.csv"), csv);
     more.insert(more.begin(), {"calibrate", folder_.File("a.icc"), "--csv", folder_.File("c.csv"), "--name", "Monday"});
     return RunTool(more);
   };
   const std::string good =
       "entry,ink,extend,name,index,sample\r\nlinearization,3,0,\"Yellow, new\",0,5\r\n"
       "linearization,3,0,\"Yellow, new\",1,65535\r\nink-limit,3,12,,0,0\r\nink-limit,3,12,,1,60000\r\n";
-  const ToolResult done = calibrate(good, {"--time", "99", "--value", "-3"});
-  ASSERT_EQ(done.status, 0) << done.err;
-  EXPECT_THAT(done.out, HasSubstr("calibration 1 \"Monday\" appended"));
+  EXPECT_THAT(calibrate(good, {"--time", "99", "--value", "-3"}).out, HasSubstr("calibration 1 \"Monday\" appended"));
   const json history = History("a.icc", {"--curves", "1"});
   EXPECT_EQ(history["nextID"], 2);
   const json added = history["calibrations"][1];
@@ -207,16 +181,14 @@ TEST_F(CalibrationTool, CalibrateAppendsMeasuredCurves) {
        "line 2: an ink limit of a calibration has the extend 12"},
       {"ink,index,sample,name\n1,0,0,\"x\n", "line 2: a quote is not closed"}};
   for (const auto& [csv, message] : mistakes) {
-    const ToolResult result = calibrate(csv);
-    EXPECT_EQ(result.status, 1) << csv;
-    EXPECT_THAT(result.err, HasSubstr(message));
+    EXPECT_THAT(calibrate(csv), Fails(message));
   }
   EXPECT_EQ(ReadBytes(folder_.File("a.icc")), before);
 }
 
 // Of two calibrations with one code the payload has the second alone: built anew, the first would be gone.
 TEST_F(CalibrationTool, ATwinIsNeverWrittenAway) {
-  Build("twins.icc", {Calibration(1, "first", 1), Calibration(2, "second", 2)}, 3);
+  Make("twins.icc", {Calibration(1, "first", 1), Calibration(2, "second", 2)}, 3);
   Bytes bytes = ReadBytes(folder_.File("twins.icc"));
   const Bytes second{'H', 'E', 'A', 'C', 88, 0, 0, 0};
   std::size_t patched = 0;
@@ -229,49 +201,43 @@ TEST_F(CalibrationTool, ATwinIsNeverWrittenAway) {
   }
   ASSERT_EQ(patched, 1U);
   WriteBytes(folder_.File("twins.icc"), bytes);
-  const std::string curves = "ink,index,sample\n1,0,0\n1,1,65535\n";
-  WriteBytes(folder_.File("c.csv"), Bytes(curves.begin(), curves.end()));
+  WriteText(folder_.File("c.csv"), "ink,index,sample\n1,0,0\n1,1,65535\n");
   const std::vector<std::vector<std::string>> changes{
       {"calibrate", folder_.File("twins.icc"), "--csv", folder_.File("c.csv"), "--name", "third"},
       {"remove-calibration", folder_.File("twins.icc"), "1"},
       {"rename-calibration", folder_.File("twins.icc"), "1", "other"}};
   for (const std::vector<std::string>& change : changes) {
-    const ToolResult result = RunTool(change);
-    EXPECT_EQ(result.status, 1) << change[0] << result.out << result.err;
+    EXPECT_THAT(RunTool(change), Fails()) << change[0];
     EXPECT_EQ(ReadBytes(folder_.File("twins.icc")), bytes) << change[0];
   }
-  Build("from.icc", {Calibration(5, "x", 1)}, 6);
-  EXPECT_EQ(Import("from.icc", "twins.icc").status, 1);
+  Make("from.icc", {Calibration(5, "x", 1)}, 6);
+  EXPECT_THAT(Import("from.icc", "twins.icc"), Fails());
   EXPECT_EQ(ReadBytes(folder_.File("twins.icc")), bytes);
 }
 
 TEST_F(CalibrationTool, ImportLeavesADamagedHistoryAlone) {
   json damaged = Calibration(1, "damaged", 1);
   damaged["payload"]["entries"][0] = {{"type", "calibration-ink-limit"}, {"bytes", "AAECAw=="}};
-  Build("from.icc", {Calibration(0, "x", 1)}, 1);
-  Build("into.icc", {damaged}, 2);
+  Make("from.icc", {Calibration(0, "x", 1)}, 1);
+  Make("into.icc", {damaged}, 2);
   const Bytes before = ReadBytes(folder_.File("into.icc"));
-  const ToolResult result = Import("from.icc", "into.icc");
-  EXPECT_EQ(result.status, 1);
-  EXPECT_THAT(result.err, HasSubstr("calibration 1, calibration-ink-limit 0"));
+  EXPECT_THAT(Import("from.icc", "into.icc"), Fails("calibration 1, calibration-ink-limit 0"));
   EXPECT_EQ(ReadBytes(folder_.File("into.icc")), before);
   // The document carries the bytes that do not parse.
-  const json dump = json::parse(RunTool({"dump", folder_.File("into.icc")}).out);
+  const json dump = ToolJson({"dump", folder_.File("into.icc")});
   EXPECT_EQ(dump["entries"][1]["payload"]["entries"][1]["payload"]["entries"][0]["bytes"], "AAECAw==");
 }
 
 TEST_F(CalibrationTool, AdjustFiles) {
-  const auto adjust = [&](std::string_view text, std::vector<std::string> more = {}) {
-    WriteBytes(folder_.File("a.txt"), Bytes(text.begin(), text.end()));
+  const auto adjust = [&](const std::string& text, std::vector<std::string> more = {}) {
+    WriteText(folder_.File("a.txt"), text);
     more.insert(more.begin(), {"adjust", folder_.File("a.txt")});
     return RunTool(more);
   };
   const std::string special =
       "SpecialInkset=2\nSpecialInkCount=1\nSpecialInk=12\ng_SpecialDensity_0012=80\nVDApplyWay_0012=1\n"
       "VD02Curve_0012=5,6\nLimitCurve_0012=7\nlast=1";
-  const ToolResult result = adjust(special, {"--json"});
-  EXPECT_EQ(result.status, 0) << result.err;
-  const json document = json::parse(result.out);
+  const json document = json::parse(adjust(special, {"--json"}).out);
   EXPECT_EQ(document["kind"], "special");
   EXPECT_EQ(document["values"]["inks"][0]["density"], 80);
   EXPECT_EQ(document["curves"]["VD02Curve_0012"][1], 6);
@@ -279,13 +245,10 @@ TEST_F(CalibrationTool, AdjustFiles) {
   EXPECT_EQ(document["remarks"].size(), 3u);
   EXPECT_THAT(adjust(special).out, HasSubstr("the last line has no line end and is dropped"));
 
-  const ToolResult incomplete = adjust("Heater1[Value]=1\n");
-  EXPECT_EQ(incomplete.status, 1);
-  EXPECT_THAT(incomplete.err, HasSubstr("Adjust file:Parameter none (key = FeedAdjust[WhichUse])"));
+  EXPECT_THAT(adjust("Heater1[Value]=1\n"), Fails("Adjust file:Parameter none (key = FeedAdjust[WhichUse])"));
   EXPECT_THAT(adjust(special, {"--kind", "device"}).out, HasSubstr("nothing reads this key"));
-  EXPECT_EQ(adjust("x=1\n").status, 1);
-  EXPECT_EQ(adjust("x=1\n", {"--kind", "paper"}).status, 2);
-  EXPECT_EQ(RunTool({"adjust", folder_.File("none")}).status, 1);
+  EXPECT_THAT(adjust("x=1\n"), Fails());
+  EXPECT_THAT(adjust("x=1\n", {"--kind", "paper"}), IsWrongUsage());
 }
 
 }  // namespace

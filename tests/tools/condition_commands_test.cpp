@@ -1,6 +1,6 @@
-// The commands that ask by printing condition, and the way of their payloads through a document.
+// The commands that ask by printing condition.
 #include "support/byte_builder.h"
-#include "tools/run_tool.h"
+#include "tools/profile_maker.h"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -11,6 +11,7 @@ namespace {
 
 using nlohmann::json;
 using namespace nvx::test;
+using testing::HasSubstr;
 
 // A container with the seeds of the fuzzers as entries, padded as a rebuilt buffer is.
 class ConditionCommands : public testing::Test {
@@ -32,9 +33,7 @@ class ConditionCommands : public testing::Test {
 
   json Ask(const std::string& command, std::vector<std::string> arguments) {
     arguments.insert(arguments.begin(), {command, path_, "--json"});
-    const ToolResult result = RunTool(arguments);
-    EXPECT_EQ(result.status, 0) << result.err;
-    return json::parse(result.out, nullptr, false);
+    return ToolJson(arguments);
   }
 
   nvx::test::TempFolder folder_;
@@ -46,13 +45,10 @@ TEST_F(ConditionCommands, LampTablesByCondition) {
   EXPECT_EQ(answer["parameters"], json({20, 21, 22}));
   EXPECT_EQ(answer["splitParamCounts"], json({21}));
   EXPECT_EQ(Ask("lamp", {})["entries"][0]["patternCount"], 2);
-  const ToolResult text = RunTool({"lamp", path_});
-  EXPECT_NE(text.out.find("any"), std::string::npos) << text.out;
-  const ToolResult none = RunTool({"lamp", path_, "--condition", "7,7,7,7"});
-  EXPECT_EQ(none.status, 1);
-  EXPECT_NE(none.err.find("no pattern passes"), std::string::npos);
-  EXPECT_EQ(RunTool({"lamp", path_, "--condition", "1,2,3"}).status, 2);
-  EXPECT_EQ(RunTool({"lamp", path_, "--condition=-1,2,3,4"}).status, 1);
+  EXPECT_THAT(RunTool({"lamp", path_}).out, HasSubstr("any"));
+  EXPECT_THAT(RunTool({"lamp", path_, "--condition", "7,7,7,7"}), Fails("no pattern passes"));
+  EXPECT_THAT(RunTool({"lamp", path_, "--condition", "1,2,3"}), IsWrongUsage());
+  EXPECT_THAT(RunTool({"lamp", path_, "--condition=-1,2,3,4"}), Fails());
 }
 
 TEST_F(ConditionCommands, SpecialColoursByCondition) {
@@ -60,32 +56,18 @@ TEST_F(ConditionCommands, SpecialColoursByCondition) {
   EXPECT_EQ(answer["level"], 0);
   EXPECT_EQ(answer["inks"][0], json({{"ink", 7}, {"density", nullptr}, {"curveVD", nullptr}}));
   EXPECT_EQ(answer["inks"][1]["density"], 60) << "ink 3 alone takes the second pattern";
-  const json all = Ask("special", {});
-  EXPECT_EQ(all["entries"][0]["curvesVD"][0]["curves"][0]["samples"], json({1, 2, 0x1234}));
-  EXPECT_NE(RunTool({"special", path_}).out.find("VD curve sets, 2"), std::string::npos);
-  EXPECT_EQ(RunTool({"special", path_, "--condition", "1,1", "--colors", "3"}).status, 1);
-  EXPECT_EQ(RunTool({"special", path_, "--colors", "3"}).status, 2);
+  EXPECT_EQ(Ask("special", {})["entries"][0]["curvesVD"][0]["curves"][0]["samples"], json({1, 2, 0x1234}));
+  EXPECT_THAT(RunTool({"special", path_}).out, HasSubstr("VD curve sets, 2"));
+  EXPECT_THAT(RunTool({"special", path_, "--condition", "1,1", "--colors", "3"}), Fails());
+  EXPECT_THAT(RunTool({"special", path_, "--colors", "3"}), IsWrongUsage());
 }
 
-TEST_F(ConditionCommands, DocumentsRebuildTheBytes) {
-  const std::string document = folder_.File("profile.json");
-  const ToolResult dump = RunTool({"dump", path_});
-  ASSERT_EQ(dump.status, 0) << dump.err;
-  const json entries = json::parse(dump.out)["entries"];
-  for (const json& entry : entries) {
-    EXPECT_TRUE(entry.contains("payload") && !entry.contains("bytes")) << entry;
-  }
-  nvx::test::WriteBytes(document, Bytes(dump.out.begin(), dump.out.end()));
-  const std::string rebuilt = folder_.File("rebuilt.qct");
-  const ToolResult build = RunTool({"build", document, "-o", rebuilt});
-  ASSERT_EQ(build.status, 0) << build.err;
-  EXPECT_EQ(nvx::test::ReadBytes(rebuilt), nvx::test::ReadBytes(path_));
-
-  json wrong = json::parse(dump.out);
+// A table whose start of the second array lies elsewhere than it does would not be what a load reads.
+TEST_F(ConditionCommands, ADocumentThatContradictsItselfIsRefused) {
+  json wrong = ToolJson({"dump", path_});
+  EXPECT_EQ(BuiltAgain(path_), ReadBytes(path_));
   wrong["entries"][0]["payload"]["entries"][0]["parameters"][0][0] = 4;
-  const std::string text = wrong.dump();
-  nvx::test::WriteBytes(document, Bytes(text.begin(), text.end()));
-  EXPECT_EQ(RunTool({"build", document, "-o", rebuilt}).status, 1);
+  EXPECT_THAT(Build(wrong, folder_.File("wrong.qct")), Fails("/entries/0/payload"));
 }
 
 }  // namespace

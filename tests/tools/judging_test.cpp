@@ -42,7 +42,7 @@ json TableDocument() {
 class Judging : public testing::Test {
  protected:
   // A profile in which nothing is wrong but what is put in the place of its parts.
-  void Build(const std::string& name, const json& replacement = nullptr) {
+  void Make(const std::string& name, const std::vector<json>& replacements = {}) {
     std::vector<json> entries{
         EntryDocument("linearization", {CurveDocument(1, "Cyan", kStraight), CurveDocument(2, "Magenta", kStraight)}),
         EntryDocument("gray-balance",
@@ -51,25 +51,32 @@ class Judging : public testing::Test {
                       {CurveDocument(1, "Cyan", kStraight, 12), CurveDocument(2, "Magenta", kStraight, 12)}),
         TableDocument()};
     for (json& entry : entries) {
-      if (replacement.is_object() && entry["type"] == replacement["type"]) entry = replacement;
+      for (const json& replacement : replacements) {
+        if (entry["type"] == replacement["type"]) entry = replacement;
+      }
     }
-    BuildProfile(folder_, name, entries);
+    ASSERT_THAT(Build(ProfileDocument(entries), folder_.File(name)), Succeeds());
   }
 
-  json Diff(const std::string& a, const std::string& b) {
-    return json::parse(RunTool({"diff", "--json", folder_.File(a), folder_.File(b)}).out);
+  ToolResult Diff(const std::string& a, const std::string& b) {
+    return RunTool({"diff", "--json", folder_.File(a), folder_.File(b)});
   }
 
   TempFolder folder_;
 };
 
-TEST_F(Judging, DifferencesOfCurvesAreToldInPercentOfTheRange) {
-  Build("a.icc");
+TEST_F(Judging, DifferencesAreToldInPercentOfTheRangeWithTheirPlace) {
+  Make("a.icc");
   Samples changed = kStraight;
   changed[3] += 656;
-  Build("b.icc", EntryDocument("linearization",
-                               {CurveDocument(1, "Cyan", changed), CurveDocument(2, "Magenta", {0, 32768, 65535})}));
-  const json differences = Diff("a.icc", "b.icc")["differences"];
+  json table = TableDocument();
+  table["payload"]["samples"] = "/wD/Af8C/wMABAAFMwYABw==";  // node 6: 33 06
+  Make("b.icc", {EntryDocument("linearization",
+                               {CurveDocument(1, "Cyan", changed), CurveDocument(2, "Magenta", {0, 32768, 65535})}),
+                 table});
+  const ToolResult different = Diff("a.icc", "b.icc");
+  EXPECT_EQ(different.status, 3);
+  const json differences = json::parse(different.out)["differences"];
   const auto find = [&](const std::string& place) {
     for (const json& item : differences) {
       if (item["place"].get<std::string>().starts_with(place)) return item;
@@ -84,38 +91,26 @@ TEST_F(Judging, DifferencesOfCurvesAreToldInPercentOfTheRange) {
   EXPECT_EQ(find("entry 6 linearization/ink 2 extend 0/count")["b"], 3);
   const json resampled = find("entry 6 linearization/ink 2 extend 0/samples");
   EXPECT_TRUE(resampled.is_null() || resampled["percent"].get<double>() < 0.001) << resampled;
+  const json node = find("entry 8");
+  EXPECT_EQ(node["greatest"], 0x33) << differences;
+  EXPECT_NEAR(node["percent"].get<double>(), 20, 1e-9);
+  EXPECT_EQ(node["at"], "100/100/0 %, output 0");
   EXPECT_THAT(RunTool({"diff", folder_.File("a.icc"), folder_.File("b.icc")}).out, HasSubstr("+1.00 %"));
-}
-
-TEST_F(Judging, DifferencesOfTablesNameTheNode) {
-  Build("a.icc");
-  json table = TableDocument();
-  table["payload"]["samples"] = "/wD/Af8C/wMABAAFMwYABw==";  // node 6: 33 06
-  Build("b.icc", table);
-  const json differences = Diff("a.icc", "b.icc")["differences"];
-  for (const json& item : differences) {
-    if (!item.contains("greatest")) continue;
-    EXPECT_EQ(item["greatest"], 0x33);
-    EXPECT_NEAR(item["percent"].get<double>(), 20, 1e-9);
-    EXPECT_EQ(item["at"], "100/100/0 %, output 0");
-    return;
-  }
-  FAIL() << differences;
+  EXPECT_THAT(Diff("a.icc", "a.icc"), Succeeds());
+  EXPECT_THAT(Diff("a.icc", "none.icc"), Fails());
 }
 
 TEST_F(Judging, FoldersAreComparedFileByFile) {
-  for (const char* const name : {"a", "b", "a/deep", "b/deep"})
-    std::filesystem::create_directory(folder_.Path() / name);
-  Build("a/same.icc");
+  for (const char* const name : {"a/deep", "b/deep"}) std::filesystem::create_directories(folder_.Path() / name);
+  Make("a/same.icc");
   std::filesystem::copy(folder_.File("a/same.icc"), folder_.File("b/same.icc"));
   WriteText(folder_.File("a/readme"), "no profile");
   WriteText(folder_.File("b/readme"), "no profile");
-  const auto diff = [&] { return RunTool({"diff", "--json", folder_.File("a"), folder_.File("b")}); };
-  EXPECT_EQ(diff().status, 0) << diff().err;
-  Build("a/deep/p.icc");
-  Build("b/deep/p.icc", EntryDocument("gray-balance", {CurveDocument(1, "Cyan", {0, 1, 2, 3, 3})}));
-  Build("b/new.icc");
-  const ToolResult different = diff();
+  EXPECT_THAT(Diff("a", "b"), Succeeds());
+  Make("a/deep/p.icc");
+  Make("b/deep/p.icc", {EntryDocument("gray-balance", {CurveDocument(1, "Cyan", {0, 1, 2, 3, 3})})});
+  Make("b/new.icc");
+  const ToolResult different = Diff("a", "b");
   EXPECT_EQ(different.status, 3);
   const json files = json::parse(different.out)["files"];
   ASSERT_EQ(files.size(), 2u) << files;
@@ -123,12 +118,12 @@ TEST_F(Judging, FoldersAreComparedFileByFile) {
   EXPECT_FALSE(files[0]["differences"].empty());
   EXPECT_EQ(files[1], json({{"file", "new.icc"}, {"what", "only in B"}}));
   WriteText(folder_.File("b/readme"), "no profile either");
-  EXPECT_EQ(diff().status, 1);
-  EXPECT_EQ(RunTool({"diff", folder_.File("a"), folder_.File("b/new.icc")}).status, 1);
+  EXPECT_THAT(Diff("a", "b"), Fails());
+  EXPECT_THAT(Diff("a", "b/new.icc"), Fails());
 }
 
 TEST_F(Judging, TablesShowSlicesNeutralsAndTotalInk) {
-  Build("p.icc");
+  Make("p.icc");
   const auto lut = [&](std::vector<std::string> more) {
     more.insert(more.begin(), {"lut", folder_.File("p.icc")});
     return RunTool(more);
@@ -145,18 +140,18 @@ TEST_F(Judging, TablesShowSlicesNeutralsAndTotalInk) {
   EXPECT_EQ(slice[1]["samples"], json({0, 6}));
   EXPECT_THAT(lut({"--slice", "0=1"}).out, HasSubstr("100/100/0 %"));
   for (const char* const wrong : {"3=0", "0=2", "0", "=1", "0=", "0=1x", "-1=0"}) {
-    EXPECT_EQ(lut({std::string("--slice=") + wrong}).status, 1) << wrong;
+    EXPECT_THAT(lut({std::string("--slice=") + wrong}), Fails()) << wrong;
   }
 }
 
 TEST_F(Judging, WhatPrintsWrongIsFound) {
-  const auto findings = [&](const json& replacement) {
-    Build("p.icc", replacement);
+  const auto findings = [&](const std::vector<json>& replacement) {
+    Make("p.icc", replacement);
     const ToolResult result = RunTool({"validate", "--semantic", "--json", folder_.File("p.icc")});
     const json report = json::parse(result.out);
     EXPECT_EQ(result.status, report["sound"] ? 0 : 4);
     // It loads all the same.
-    EXPECT_EQ(RunTool({"validate", folder_.File("p.icc")}).status, 0);
+    EXPECT_THAT(RunTool({"validate", folder_.File("p.icc")}), Succeeds());
     std::string text;
     for (const json& finding : report["findings"]) {
       text += finding["severity"].get<std::string>() + " " + finding["place"].get<std::string>() + ": " +
@@ -164,28 +159,28 @@ TEST_F(Judging, WhatPrintsWrongIsFound) {
     }
     return text;
   };
-  EXPECT_EQ(findings(nullptr), "");
-  EXPECT_THAT(findings(EntryDocument("gray-balance", {CurveDocument(1, "Cyan", {0, 4, 5, 9, 65535}),
-                                                      CurveDocument(2, "Magenta", {0, 1, 2, 3, 4})})),
+  const auto curves = [&](const std::string& type, const Samples& cyan, const Samples& magenta, int extendInfo = 0) {
+    std::vector<json> inks{CurveDocument(1, "Cyan", cyan, extendInfo)};
+    if (!magenta.empty()) inks.push_back(CurveDocument(2, "Magenta", magenta, extendInfo));
+    return findings({EntryDocument(type, inks)});
+  };
+  EXPECT_EQ(findings({}), "");
+  EXPECT_THAT(curves("gray-balance", {0, 4, 5, 9, 65535}, {0, 1, 2, 3, 4}),
               testing::AllOf(testing::StartsWith("error entry 7 gray-balance/ink 1: 3 of 5 samples, the first at 50 %"),
                              testing::Not(HasSubstr("ink 2"))));
-  EXPECT_THAT(findings(EntryDocument("linearization", {CurveDocument(1, "Cyan", {0, 9, 8, 9, 65535}),
-                                                       CurveDocument(2, "Magenta", kStraight)})),
+  EXPECT_THAT(curves("linearization", {0, 9, 8, 9, 65535}, kStraight),
               testing::StartsWith("error entry 6 linearization/ink 1: the curve falls from 9 to 8 behind 25 %"));
-  EXPECT_EQ(findings(EntryDocument("linearization", {CurveDocument(1, "Cyan", kStraight)})),
-            "error entry 6 linearization: the ink 2 has no linearization\n");
-  EXPECT_EQ(findings(EntryDocument("gray-balance", {CurveDocument(1, "Cyan", {0, 1, 2, 3, 4})})),
+  EXPECT_EQ(curves("linearization", kStraight, {}), "error entry 6 linearization: the ink 2 has no linearization\n");
+  EXPECT_EQ(curves("gray-balance", {0, 1, 2, 3, 4}, {}),
             "warning entry 7 gray-balance: the ink 2 has no gray balance curve\n");
-  EXPECT_EQ(findings(EntryDocument("multi-ink-limit", {CurveDocument(1, "Cyan", {0, 16384, 32768}, 12),
-                                                       CurveDocument(2, "Magenta", kStraight, 12)})),
+  EXPECT_EQ(curves("multi-ink-limit", {0, 16384, 32768}, kStraight, 12),
             "error entry 8 chroma/ink 1: 4 of 8 nodes go beyond the ink limit of 50.0 %, at 0/0/0 % to 100.0 %\n");
 }
 
 // What the merge of the examples gives is what the check promises.
 TEST_F(Judging, TheExamplesMergeToMoreThanTwoAmounts) {
-  const std::string example = std::string(NVXPROFILE_SOURCE_FOLDER) + "/examples/printer_profile.json";
-  ASSERT_EQ(RunTool({"build", example, "-o", folder_.File("e.icc")}).status, 0);
-  EXPECT_EQ(RunTool({"validate", "--semantic", folder_.File("e.icc")}).status, 0);
+  ASSERT_THAT(BuildExample("printer_profile.json", folder_.File("e.icc")), Succeeds());
+  EXPECT_THAT(RunTool({"validate", "--semantic", folder_.File("e.icc")}), Succeeds());
   CProfileAccess access;
   CError error;
   ASSERT_TRUE(access.Init(folder_.WideFile("e.icc").c_str(), &error));
@@ -203,11 +198,9 @@ TEST_F(Judging, TheExamplesMergeToMoreThanTwoAmounts) {
 
 // An entry on both routes stands in both tables of the file, which takes nothing from anybody.
 TEST_F(Judging, AnEntryOnTwoRoutesIsSound) {
-  const std::string examples = std::string(NVXPROFILE_SOURCE_FOLDER) + "/examples/text_headed";
-  const ScopedVariable table("NVXPROFILE_PROFILE_DIR", examples.c_str());
-  ASSERT_EQ(RunTool({"build", examples + "/glossy.json", "-o", folder_.File("e.qpf")}).status, 0);
-  const ToolResult same = RunTool({"validate", folder_.File("e.qpf")});
-  EXPECT_THAT(same.out, testing::EndsWith("sound\n"));
+  const ScopedVariable table("NVXPROFILE_PROFILE_DIR", kExamples + "/text_headed");
+  ASSERT_THAT(BuildExample("text_headed/glossy.json", folder_.File("e.qpf")), Succeeds());
+  EXPECT_THAT(RunTool({"validate", folder_.File("e.qpf")}).out, testing::EndsWith("sound\n"));
   Bytes bytes = ReadBytes(folder_.File("e.qpf"));
   bytes.back() ^= 1;
   WriteBytes(folder_.File("e.qpf"), bytes);
@@ -215,7 +208,7 @@ TEST_F(Judging, AnEntryOnTwoRoutesIsSound) {
 }
 
 TEST_F(Judging, PlotsShowWhereTheyCanBeSeen) {
-  Build("p.icc");
+  Make("p.icc");
   const std::vector<std::string> words{"curves", folder_.File("p.icc"), "--entry", "linearization", "--ink", "1"};
   const auto curves = [&](const std::string& option) {
     std::vector<std::string> more = words;
@@ -223,7 +216,7 @@ TEST_F(Judging, PlotsShowWhereTheyCanBeSeen) {
     return RunTool(more).out;
   };
   const auto onTerminal = [&](const std::string& locale, const std::string& option) {
-    std::string command = "LC_ALL=" + locale + " " + nvx::test::ShellWord(nvx::test::ToolPath());
+    std::string command = "LC_ALL=" + locale + " " + ShellWord(ToolPath());
     for (const std::string& word : words) command += " " + word;
     return RunProgram({"script", "-qec", command + " " + option, "/dev/null"}).out;
   };
@@ -236,7 +229,7 @@ TEST_F(Judging, PlotsShowWhereTheyCanBeSeen) {
   EXPECT_THAT(onTerminal("C.UTF-8", ""), HasSubstr(braille));
   EXPECT_THAT(onTerminal("C.UTF-8", "--no-plot"), testing::Not(HasSubstr(braille)));
   EXPECT_THAT(onTerminal("C", ""), testing::Not(testing::AnyOf(HasSubstr(braille), HasSubstr("*\r\n"))));
-  EXPECT_EQ(RunTool({"curves", folder_.File("p.icc"), "--plot", "crayon"}).status, 2);
+  EXPECT_THAT(RunTool({"curves", folder_.File("p.icc"), "--plot", "crayon"}), IsWrongUsage());
 }
 
 }  // namespace

@@ -1,7 +1,7 @@
-// Print masks through the tool: documents both ways, and the printer's buffer.
+// Print masks through the tool: as JSON, and as the printer's buffer.
 #include "support/byte_builder.h"
 #include "support/files.h"
-#include "tools/run_tool.h"
+#include "tools/profile_maker.h"
 
 #include <nvxprofile/mask_download.h>
 #include <nvxprofile/profile_file.h>
@@ -49,19 +49,6 @@ void WriteMasks(const std::u16string& path) {
   ASSERT_TRUE(CProfileFileQCT().SaveData(path.c_str(), &data, nvx::kRouteMaskDownload));
 }
 
-TEST(ToolMasks, DocumentsBuildTheSameProfile) {
-  const TempFolder folder;
-  WriteMasks(folder.WideFile("masks.qct"));
-  const auto dump = RunTool({"dump", folder.File("masks.qct")});
-  ASSERT_EQ(dump.status, 0) << dump.err;
-  EXPECT_NE(dump.out.find("\"weftData\""), std::string::npos) << "payloads travel as such, not as raw bytes";
-  EXPECT_NE(dump.out.find("\"usePatternIDs\""), std::string::npos);
-  nvx::test::WriteBytes(folder.File("masks.json"), {dump.out.begin(), dump.out.end()});
-  const auto build = RunTool({"build", folder.File("masks.json"), "-o", folder.File("built.qct")});
-  ASSERT_EQ(build.status, 0) << build.err;
-  EXPECT_EQ(ReadBytes(folder.File("built.qct")), ReadBytes(folder.File("masks.qct")));
-}
-
 TEST(ToolMasks, PacksForThePrinterAndTellsWhyNot) {
   const TempFolder folder;
   const std::string file = folder.File("masks.qct");
@@ -75,14 +62,12 @@ TEST(ToolMasks, PacksForThePrinterAndTellsWhyNot) {
   // The table counts layer colours and does not compare them.
   const auto others = RunTool({"masks", file, "--pack", "4,2,1,5,8", out});
   EXPECT_EQ(others.status, 0);
-  EXPECT_NE(others.err.find("warning: the mask is that of the layer colours 5,9"), std::string::npos) << others.err;
-  const auto none = RunTool({"masks", file, "--pack", "4,2,200", out});
-  EXPECT_EQ(none.status, 1);
-  EXPECT_NE(none.err.find("Profile:There is no specified condition."), std::string::npos);
-  EXPECT_EQ(RunTool({"masks", file, "--pack", "4,2", out}).status, 2);
-  EXPECT_EQ(RunTool({"masks", file, "--pack", "4,2,200,", out}).status, 2);
+  EXPECT_THAT(others.err, testing::HasSubstr("warning: the mask is that of the layer colours 5,9"));
+  EXPECT_THAT(RunTool({"masks", file, "--pack", "4,2,200", out}), Fails("Profile:There is no specified condition."));
+  EXPECT_THAT(RunTool({"masks", file, "--pack", "4,2", out}), IsWrongUsage());
+  EXPECT_THAT(RunTool({"masks", file, "--pack", "4,2,200,", out}), IsWrongUsage());
 
-  const auto document = nlohmann::json::parse(RunTool({"masks", file, "--json"}).out);
+  const auto document = ToolJson({"masks", file, "--json"});
   EXPECT_EQ(document["maskDownload"]["weftData"][0]["values"][1], 0xFFFFFFFF);
   EXPECT_EQ(document["maskPatterns"]["maskParameters"][0]["layerColors"], (nlohmann::json{5, 9}));
 }

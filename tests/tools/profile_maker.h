@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include <filesystem>
 #include <map>
 #include <string>
 #include <vector>
@@ -14,6 +15,7 @@
 namespace nvx::test {
 
 inline constexpr const char* kFrameProfile = "/usr/share/color/icc/ghostscript/default_cmyk.icc";
+inline const std::string kExamples = NVXPROFILE_SOURCE_FOLDER "/examples";
 
 using Samples = std::vector<std::uint32_t>;
 
@@ -36,24 +38,50 @@ inline nlohmann::json EntryDocument(const std::string& type, const std::vector<n
   return {{"type", type}, {"payload", {{"curves", curves}}}};
 }
 
-// Builds a profile of the current generation of these entries.
-inline void BuildProfile(const TempFolder& folder, const std::string& name, std::vector<nlohmann::json> entries) {
+// A profile of the current generation of these entries.
+inline nlohmann::json ProfileDocument(std::vector<nlohmann::json> entries) {
   entries.insert(entries.begin(), nlohmann::json{{"type", "icc"}, {"file", kFrameProfile}});
-  const std::string text =
-      nlohmann::json{{"nvxprofile", 1}, {"format", "printer-profile"}, {"entries", entries}}.dump();
-  WriteBytes(folder.File("document.json"), Bytes(text.begin(), text.end()));
-  const ToolResult built = RunTool({"build", folder.File("document.json"), "-o", folder.File(name)});
-  ASSERT_EQ(built.status, 0) << built.err;
+  return {{"nvxprofile", 1}, {"format", "printer-profile"}, {"entries", entries}};
 }
 
 inline void WriteText(const std::string& path, const std::string& text) {
   WriteBytes(path, Bytes(text.begin(), text.end()));
 }
 
+// Builds a profile of the text of a document, which stands beside it for no longer than that.
+inline ToolResult BuildText(const std::string& document, const std::string& path) {
+  const std::string text = path + ".document";
+  WriteText(text, document);
+  const ToolResult result = RunTool({"build", text, "-o", path});
+  std::filesystem::remove(text);
+  return result;
+}
+inline ToolResult Build(const nlohmann::json& document, const std::string& path) {
+  return BuildText(document.dump(), path);
+}
+
+// Builds the document of that name among the examples.
+inline ToolResult BuildExample(const std::string& name, const std::string& path) {
+  return RunTool({"build", kExamples + "/" + name, "-o", path});
+}
+
+// What the tool prints as JSON for these arguments.
+inline nlohmann::json ToolJson(const std::vector<std::string>& arguments) {
+  return nlohmann::json::parse(RunTool(arguments).out);
+}
+
+// The profile that comes out of the dump of another.
+inline Bytes BuiltAgain(const std::string& path) {
+  const TempFolder folder;
+  const std::string copy = folder.File(std::filesystem::path(path).filename().string());
+  EXPECT_THAT(BuildText(RunTool({"dump", path}).out, copy), Succeeds());
+  return ReadBytes(copy);
+}
+
 // The samples of each ink of an entry.
 inline std::map<int, Samples> SamplesIn(const std::string& path, const std::string& entry) {
   std::map<int, Samples> samples;
-  const nlohmann::json document = nlohmann::json::parse(RunTool({"curves", path, "--entry", entry, "--json"}).out);
+  const nlohmann::json document = ToolJson({"curves", path, "--entry", entry, "--json"});
   for (const nlohmann::json& curve : document["entries"][0]["curves"]) {
     samples[curve["inkID"]] = curve["samples"].get<Samples>();
   }

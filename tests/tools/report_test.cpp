@@ -1,6 +1,6 @@
 // Reports as files; tests/report looks at them in a browser.
 #include "support/files.h"
-#include "tools/run_tool.h"
+#include "tools/profile_maker.h"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -12,19 +12,16 @@ namespace {
 using nlohmann::json;
 using namespace nvx::test;
 
-Bytes BytesOf(const std::string& text) { return Bytes(text.begin(), text.end()); }
-
 class ToolReport : public testing::Test {
  protected:
   void SetUp() override {
-    const ToolResult built = RunTool({"build", NVXPROFILE_SOURCE_FOLDER "/examples/container.json", "-o", profile_});
-    ASSERT_EQ(built.status, 0) << built.err;
+    ASSERT_THAT(BuildExample("container.json", profile_), Succeeds());
     const ToolResult report = RunTool({"report", profile_, "-o", page_});
     if (report.err.find("node-d3") != std::string::npos) {
       EXPECT_EQ(report.status, 1);
       GTEST_SKIP() << report.err;
     }
-    ASSERT_EQ(report.status, 0) << report.err;
+    ASSERT_THAT(report, Succeeds());
   }
 
   std::string Text() const {
@@ -53,19 +50,19 @@ TEST_F(ToolReport, NothingOfAProfileReachesThePageAsMarkup) {
 
 TEST_F(ToolReport, FilesThatDoNotLoadAreNamed) {
   const std::string broken = folder_.File("broken.icc");
-  WriteBytes(broken, BytesOf("no profile"));
-  EXPECT_EQ(RunTool({"report", broken, profile_, "-o", page_}).status, 1);
+  WriteText(broken, "no profile");
+  EXPECT_THAT(RunTool({"report", broken, profile_, "-o", page_}), Fails());
   EXPECT_NE(Data("index")["profiles"][0]["failure"], "");
   EXPECT_EQ(Data("index")["profiles"][1]["file"], "two <inks>.qct");
 
-  const Bytes before = ReadBytes(page_);
-  EXPECT_EQ(RunTool({"report", broken, "-o", page_}).status, 1);
-  EXPECT_EQ(ReadBytes(page_), before) << "a report on nothing leaves what was there";
+  const std::string before = Text();
+  EXPECT_THAT(RunTool({"report", broken, "-o", page_}), Fails());
+  EXPECT_EQ(Text(), before) << "a report on nothing leaves what was there";
 }
 
 TEST_F(ToolReport, ComparesTwo) {
-  EXPECT_EQ(RunTool({"report", profile_, "--compare", "-o", page_}).status, 2);
-  EXPECT_EQ(RunTool({"report", profile_, profile_, "--compare", "-o", page_}).status, 0);
+  EXPECT_THAT(RunTool({"report", profile_, "--compare", "-o", page_}), IsWrongUsage());
+  EXPECT_THAT(RunTool({"report", profile_, profile_, "--compare", "-o", page_}), Succeeds());
   EXPECT_EQ(Data("index")["compare"], true);
 }
 

@@ -3,6 +3,9 @@
 
 #include "support/files.h"
 
+#include <gmock/gmock.h>
+
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -12,7 +15,22 @@ struct ToolResult {
   int status = -1;
   std::string out;
   std::string err;
+
+  friend std::ostream& operator<<(std::ostream& stream, const ToolResult& result) {
+    return stream << "status " << result.status << "\n" << result.out << result.err;
+  }
 };
+
+inline auto Succeeds() { return testing::Field("status", &ToolResult::status, 0); }
+
+// Ends with status 1 and a message that has `part` in it.
+inline auto Fails(const std::string& part = "") {
+  return testing::AllOf(testing::Field("status", &ToolResult::status, 1),
+                        testing::Field("err", &ToolResult::err, testing::HasSubstr(part)));
+}
+
+// Ends with status 2: the command line is wrong.
+inline auto IsWrongUsage() { return testing::Field("status", &ToolResult::status, 2); }
 
 // Runs a program, found as a shell finds it, and waits for it.
 ToolResult RunProgram(std::vector<std::string> words);
