@@ -9,9 +9,11 @@
 
 #include <algorithm>
 #include <array>
-#include <numeric>
+#include <span>
 #include <string>
 #include <string_view>
+#include <tuple>
+#include <vector>
 
 namespace nvx::test {
 namespace {
@@ -19,19 +21,20 @@ namespace {
 using testing::Each;
 using testing::ElementsAre;
 
-// A table of one text, with getters that give a mark where nothing is found.
+using Ints = std::vector<int>;
+
+constexpr int kNone = -99;
+
+// A table of one text.
 class Table {
  public:
   explicit Table(std::string_view text) { analyzer_.LoadText(text); }
 
-  int Number(const char* key) {
-    int value = -99;
-    analyzer_.GetIntValue(key, &value, error_);
-    return value;
-  }
-  bool Has(const char* key) {
-    int value = 0;
-    return analyzer_.GetIntValue(key, &value, error_);
+  // The numbers of these keys, kNone for a key that has none.
+  Ints Numbers(const std::vector<const char*>& keys) {
+    Ints numbers(keys.size(), kNone);
+    for (std::size_t i = 0; i < keys.size(); ++i) analyzer_.GetIntValue(keys[i], &numbers[i], error_);
+    return numbers;
   }
   CAdjustFileAnalyzer& operator*() { return analyzer_; }
   CError& Error() { return error_; }
@@ -50,57 +53,26 @@ std::string Lines(int first, int last) {
 
 TEST(AdjustSyntax, LinesEndAtCrAndLf) {
   Table table("\n\ra=1\rb=2\r\n\r\n\r\r\nc=3\n\nlast=4");
-  EXPECT_EQ(table.Number("a"), 1);
-  EXPECT_EQ(table.Number("b"), 2);
-  EXPECT_EQ(table.Number("c"), 3);
-  EXPECT_FALSE(table.Has("last"));
-}
-
-TEST(AdjustSyntax, Byte1AEndsTheInput) {
-  Table table("a=1\nb=2\x1A\nc=3\n");
-  EXPECT_TRUE(table.Has("a"));
-  EXPECT_FALSE(table.Has("b"));
-  EXPECT_FALSE(table.Has("c"));
-}
-
-TEST(AdjustSyntax, AHundredLinesThatAreNotEmpty) {
-  Table table("#\n\n" + Lines(1, 98) + "\n\r\n" + Lines(99, 120));
-  EXPECT_TRUE(table.Has("k99"));
-  EXPECT_FALSE(table.Has("k100"));
+  EXPECT_THAT(table.Numbers({"a", "b", "c", "last"}), ElementsAre(1, 2, 3, kNone));
+  Table ended("a=1\nb=2\x1A\nc=3\n");
+  EXPECT_THAT(ended.Numbers({"a", "b", "c"}), ElementsAre(1, kNone, kNone)) << "byte 0x1A ends the input";
+  Table many("#\n\n" + Lines(1, 98) + "\n\r\n" + Lines(99, 120));
+  EXPECT_THAT(many.Numbers({"k99", "k100"}), ElementsAre(99, kNone)) << "a hundred lines that are not empty";
 }
 
 TEST(AdjustSyntax, KeysAndValues) {
   Table table("a=1\na=2\nb=c=d\n=5\ne=\nnovalue\n12\n#\n#f=1\ng =\t7\n h=1\nA=9\n");
-  EXPECT_EQ(table.Number("a"), 2);
   bool truth = false;
   EXPECT_FALSE((*table).GetBoolValue("b", &truth, table.Error()));
-  EXPECT_EQ(table.Number("b"), 0);
-  EXPECT_EQ(table.Number(""), 5);
-  EXPECT_FALSE(table.Has("e"));
-  EXPECT_EQ(table.Number("novalue"), 0);
-  EXPECT_TRUE(table.Has("novalue"));
-  EXPECT_EQ(table.Number("12"), 12);
-  EXPECT_FALSE(table.Has("#"));
-  EXPECT_FALSE(table.Has("f"));
-  EXPECT_TRUE(table.Has("#f"));
-  EXPECT_FALSE(table.Has("g"));
-  EXPECT_EQ(table.Number("g "), 7);
-  EXPECT_FALSE(table.Has("h"));
+  EXPECT_THAT(table.Numbers({"a", "b", "", "e", "novalue", "12", "#", "f", "#f", "g", "g ", "h"}),
+              ElementsAre(2, 0, 5, kNone, 0, 12, kNone, kNone, 1, kNone, 7, kNone));
 }
 
 TEST(AdjustSyntax, Numbers) {
   Table table(
       "a= +12x\nb=-7\nc=- 7\nd=x\ne=2147483648\nf=-2147483649\ng=99999999999999999999\nh=-2147483648\ni=+-3\nj=1.9\n");
-  EXPECT_EQ(table.Number("a"), 12);
-  EXPECT_EQ(table.Number("b"), -7);
-  EXPECT_EQ(table.Number("c"), 0);
-  EXPECT_EQ(table.Number("d"), 0);
-  EXPECT_EQ(table.Number("e"), INT32_MAX);
-  EXPECT_EQ(table.Number("f"), INT32_MIN);
-  EXPECT_EQ(table.Number("g"), INT32_MAX);
-  EXPECT_EQ(table.Number("h"), INT32_MIN);
-  EXPECT_EQ(table.Number("i"), 0);
-  EXPECT_EQ(table.Number("j"), 1);
+  EXPECT_THAT(table.Numbers({"a", "b", "c", "d", "e", "f", "g", "h", "i", "j"}),
+              ElementsAre(12, -7, 0, 0, INT32_MAX, INT32_MIN, INT32_MAX, INT32_MIN, 0, 1));
 
   const auto plain = [](std::string_view text) { return adjust::ParseNumber(text).plain; };
   EXPECT_TRUE(plain("2147483647") && plain("-2147483648") && plain(" +7"));
@@ -136,16 +108,13 @@ TEST(AdjustSyntax, Lists) {
   std::array<std::uint8_t, 257> bytes;
   bytes.fill(9);
   EXPECT_TRUE((*table).GetCurve8("b", bytes.data(), table.Error()));
-  EXPECT_EQ(bytes[0], 44);
-  EXPECT_EQ(bytes[2], 255);
-  EXPECT_EQ(bytes[3], 9);
+  EXPECT_THAT(std::span(bytes).first(4), ElementsAre(44, 112, 255, 9));
   EXPECT_TRUE((*table).GetCurve8("many", bytes.data(), table.Error()));
-  EXPECT_EQ(bytes[255], 1);
-  EXPECT_EQ(bytes[256], 9);
+  EXPECT_THAT(std::span(bytes).last(2), ElementsAre(1, 9));
   std::array<std::uint16_t, 257> words;
   words.fill(9);
   EXPECT_TRUE((*table).GetCurve16("b", words.data(), table.Error()));
-  EXPECT_THAT(std::vector(words.begin(), words.begin() + 4), ElementsAre(300, 4464, 65535, 9));
+  EXPECT_THAT(std::span(words).first(4), ElementsAre(300, 4464, 65535, 9));
   EXPECT_TRUE((*table).GetCurve16("many", words.data(), table.Error()));
   EXPECT_EQ(words[256], 9);
   EXPECT_FALSE((*table).GetCurve16("none", words.data(), table.Error()));
@@ -160,15 +129,11 @@ TEST(AdjustSyntax, CurvesByAPartOfTheirKeys) {
   EXPECT_TRUE((*table).GetCurves8("Curve", curves.data(), -1, table.Error()));
   EXPECT_THAT(curves, Each(7));
   EXPECT_TRUE((*table).GetCurves8("Curve", curves.data(), 4, table.Error()));
-  EXPECT_EQ(curves[0], 9);
-  EXPECT_EQ(curves[1], 7);
-  EXPECT_EQ(curves[256], 10);
-  EXPECT_EQ(curves[512], 2);
-  EXPECT_EQ(curves[768 + 200], 200);
-  EXPECT_EQ(curves[1024], 7);
+  EXPECT_EQ((Ints{curves[0], curves[1], curves[256], curves[512], curves[768 + 200], curves[1024]}),
+            (Ints{9, 7, 10, 2, 200, 7}));
 
   // What was asked for and not found stays in the table, without a value; too late to hurt if enough stand before it.
-  EXPECT_FALSE(table.Has("yCurve"));
+  EXPECT_THAT(table.Numbers({"yCurve"}), ElementsAre(kNone));
   EXPECT_TRUE((*table).GetCurves8("Curve", curves.data(), 3, table.Error()));
   EXPECT_FALSE((*table).GetCurves8("Curve", curves.data(), 4, table.Error()));
   EXPECT_EQ(table.Message(), u"Adjust file:Parameter none (key = yCurve)");
@@ -277,15 +242,13 @@ TEST_F(AdjustFiles, ColorBlocks) {
   COLOR_ADJUST data;
   Open(file, ColorText());
   ASSERT_TRUE(file.GetColorAdjustData(&data, error_));
-  EXPECT_EQ(data.ProfileCode, 1);
-  EXPECT_EQ(data.TotalDensity, 2);
-  EXPECT_EQ(data.V.Contrast, 10);
-  EXPECT_EQ(data.V.CyanType, 12);
-  EXPECT_EQ(data.V.Black, 17);
-  EXPECT_TRUE(data.V.InkRatio);
-  EXPECT_EQ(data.V.KCurve[0], 18);
-  EXPECT_EQ(data.R.Magenta, 23);
-  EXPECT_EQ(data.R.MixCurve[0], 29);
+  EXPECT_EQ((Ints{data.ProfileCode, data.TotalDensity}), (Ints{1, 2}));
+  const auto block = [](const auto& b) {
+    return Ints{b.Contrast,   b.Cyan,  b.CyanType,  b.Magenta,     b.MagentaType, b.Yellow,
+                b.YellowType, b.Black, b.KCurve[0], b.MixCurve[0], b.InkRatio};
+  };
+  EXPECT_THAT(block(data.V), ElementsAre(10, 11, 12, 13, 14, 15, 16, 17, 18, 19, true));
+  EXPECT_THAT(block(data.R), ElementsAre(20, 21, 22, 23, 24, 25, 26, 27, 28, 29, true));
   EXPECT_EQ(error_.GetErrorReason(), 0u);
 
   CColorAdjustFileV3 fileV3;
@@ -336,15 +299,9 @@ TEST_F(AdjustFiles, ColorCurves) {
   EXPECT_TRUE(file.GetInkLimitCurves(curves.data(), 0, error_));
   EXPECT_THAT(curves, Each(9));
   EXPECT_TRUE(file.GetInkLimitCurves(curves.data(), 3, error_));
-  EXPECT_EQ(curves[0], 5);
-  EXPECT_EQ(curves[1], 0);
-  EXPECT_EQ(curves[256], 6);
-  EXPECT_EQ(curves[2 * 256 + 255], 255);
-  EXPECT_EQ(curves[3 * 256], 9);
+  EXPECT_EQ((Ints{curves[0], curves[1], curves[256], curves[2 * 256 + 255], curves[3 * 256]}), (Ints{5, 0, 6, 255, 9}));
   EXPECT_TRUE(file.GetGrayBalanceCurves(curves.data(), error_));
-  EXPECT_EQ(curves[1], 4);
-  EXPECT_EQ(curves[3 * 256 + 100], 100);
-  EXPECT_EQ(curves[4 * 256], 9);
+  EXPECT_EQ((Ints{curves[1], curves[3 * 256 + 100], curves[4 * 256]}), (Ints{4, 100, 9}));
   EXPECT_FALSE(file.GetGrayBalanceCurves(nullptr, error_));
   EXPECT_TRUE(file.GetGrayBalanceCurve(curves.data() + 512, 1, error_));
   EXPECT_EQ(curves[513], 4);
@@ -363,12 +320,9 @@ TEST_F(AdjustFiles, DeviceParameters) {
   param.Heater3Value = 99;
   ASSERT_TRUE(file.GetDeviceAdjustParam(&param, error_));
   EXPECT_EQ(Message(), NoKey(u"UvMode[WhichUse]"));
-  EXPECT_EQ(param.FeedAdjustWhichUse, 1);
-  EXPECT_EQ(param.Heater2Value, 6);
-  EXPECT_EQ(param.Heater3Value, 0);
-  EXPECT_EQ(param.Heater4Value, 10);
-  EXPECT_EQ(param.MediaFeedSpeedWhichUse, 11);
-  EXPECT_EQ(param.UvModeValue, 14);
+  EXPECT_EQ((Ints{param.FeedAdjustWhichUse, param.Heater2Value, param.Heater3Value, param.Heater4Value,
+                  param.MediaFeedSpeedWhichUse, param.UvModeValue}),
+            (Ints{1, 6, 0, 10, 11, 14}));
 
   Open(file, required + "Heater3[Value]=8\n");
   param = {};
@@ -385,34 +339,25 @@ TEST_F(AdjustFiles, SpecialInks) {
   Open(file, "SpecialInkset=4\nSpecialInkCount=3\nSpecialInk=12,13\ng_SpecialDensity_0012=-5\n");
   ASSERT_TRUE(file.GetColorAdjustData(&data, error_));
   EXPECT_EQ(error_.GetErrorReason(), 0u);
-  EXPECT_EQ(data.Inkset, 4);
-  EXPECT_EQ(data.InkCount, 3);
-  EXPECT_EQ(data.Inks[1].InkCode, 13);
-  EXPECT_EQ(data.Inks[2].InkCode, 0);
+  EXPECT_EQ((Ints{data.Inkset, data.InkCount, data.Inks[1].InkCode, data.Inks[2].InkCode}), (Ints{4, 3, 13, 0}));
   data.Inks[1].Density = 8;
   data.Inks[3].Density = 8;
   ASSERT_TRUE(file.GetSpecialDensity(&data, error_));
-  EXPECT_EQ(data.Inks[0].Density, -5);
-  EXPECT_EQ(data.Inks[1].Density, 0);
-  EXPECT_EQ(data.Inks[3].Density, 8);
-  EXPECT_EQ(data.Inks[0].Reserved[0], 7);
+  EXPECT_EQ((Ints{data.Inks[0].Density, data.Inks[1].Density, data.Inks[3].Density, data.Inks[0].Reserved[0]}),
+            (Ints{-5, 0, 8, 7}));
   EXPECT_EQ(Message(), NoKey(u"g_SpecialDensity_0000"));
 
-  Open(file, "SpecialInkset=4\nSpecialInkCount=9\nSpecialInk=1,2,3,4,5,6,7,8,9\n");
-  ASSERT_TRUE(file.GetColorAdjustData(&data, error_));
-  EXPECT_EQ(data.InkCount, 8);
-  EXPECT_EQ(data.Inks[7].InkCode, 8);
-  data.InkCount = 1000;
-  EXPECT_TRUE(file.GetSpecialDensity(&data, error_));
-  Open(file, "SpecialInkset=4\nSpecialInkCount=8\nSpecialInk=1,2,3,4,5,6,7,8,9\n");
-  ASSERT_TRUE(file.GetColorAdjustData(&data, error_));
-  EXPECT_EQ(data.Inks[7].InkCode, 8);
-  Open(file, "SpecialInkset=4\nSpecialInkCount=0\nSpecialInk=5\n");
-  ASSERT_TRUE(file.GetColorAdjustData(&data, error_));
-  EXPECT_EQ(data.Inks[0].InkCode, 1);
+  for (const auto& [count, inks, kept] :
+       {std::tuple("9", "1,2,3,4,5,6,7,8,9", 8), {"8", "1,2,3,4,5,6,7,8,9", 8}, {"0", "5", 0}}) {
+    Open(file, "SpecialInkset=4\nSpecialInkCount=" + std::string(count) + "\nSpecialInk=" + inks + "\n");
+    ASSERT_TRUE(file.GetColorAdjustData(&data, error_));
+    EXPECT_EQ((Ints{data.InkCount, data.Inks[0].InkCode, data.Inks[7].InkCode}), (Ints{kept, 1, 8})) << count;
+  }
   data.Inks[0].Density = 6;
   EXPECT_TRUE(file.GetSpecialDensity(&data, error_));
   EXPECT_EQ(data.Inks[0].Density, 6);
+  data.InkCount = 1000;
+  EXPECT_TRUE(file.GetSpecialDensity(&data, error_));
 }
 
 TEST_F(AdjustFiles, VariableCurves) {
@@ -424,12 +369,8 @@ TEST_F(AdjustFiles, VariableCurves) {
     std::uint16_t samples[256] = {};
     return file.GetVariableCurve(ink, dotSize, samples, error_) ? samples[0] : 0;
   };
-  EXPECT_EQ(curve(1, 3), 11);
-  EXPECT_EQ(curve(1, 4), 12);
-  EXPECT_EQ(curve(1, 5), 13);
-  EXPECT_EQ(curve(1, 0), 13);
-  EXPECT_EQ(curve(2, 0), 23);
-  EXPECT_EQ(curve(3, 0), 0);
+  EXPECT_EQ((Ints{curve(1, 3), curve(1, 4), curve(1, 5), curve(1, 0), curve(2, 0), curve(3, 0)}),
+            (Ints{11, 12, 13, 13, 23, 0}));
   EXPECT_EQ(error_.GetErrorReason(), 0u);
   EXPECT_EQ(curve(4, 0), 0);
   EXPECT_EQ(Message(), NoKey(u"VDApplyWay_0004"));
