@@ -1,11 +1,14 @@
 // Printer profiles made through nvx::Profile.
 #pragma once
 
+#include "support/qpf_builder.h"
 #include "support/sample_profile.h"
 
 #include <nvxprofile/profile.h>
 
+#include <chrono>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 namespace nvx::test {
@@ -27,6 +30,21 @@ inline Curve CurveOfInk(std::uint8_t ink, std::uint32_t extendInfo, const std::v
   curve.samples = Samples16(samples);
   return curve;
 }
+
+// A printer profile written down by hand, of these entries and a placeholder of the ICC profile.
+inline Bytes PrinterFile(std::vector<StoredEntry> entries) {
+  entries.push_back(Placeholder());
+  return IccFile({{"NVX1", EntryTag(entries)}, {"NVX2", MediaTag({})}});
+}
+
+inline std::chrono::sys_seconds At(int seconds) { return std::chrono::sys_seconds(std::chrono::seconds(seconds)); }
+
+inline Bytes CopyOf(std::span<const std::uint8_t> bytes) { return {bytes.begin(), bytes.end()}; }
+
+inline Bytes BytesOf(const Profile& profile, EntryKind kind) { return CopyOf(profile.FindEntry(kind)->bytes); }
+
+// The profile out of its own bytes.
+inline Profile Again(Profile& profile) { return Profile::FromBytes(profile.ToBytes()); }
 
 inline Profile NewProfile() { return Profile::Create(SampleIccProfile(100)); }
 

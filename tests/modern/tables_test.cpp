@@ -19,8 +19,6 @@ nvx::LampPattern Pattern(std::array<Condition, 4> conditions, std::vector<std::v
   return {conditions, {{static_cast<std::int32_t>(splits.size()), -1}, std::move(splits), {}}};
 }
 
-Profile Again(Profile& profile) { return Profile::FromBytes(profile.ToBytes()); }
-
 TEST(ModernLamp, PatternsAnswerByCondition) {
   Profile profile = NewProfile();
   const auto any = Condition::Any();
