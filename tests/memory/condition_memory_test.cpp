@@ -17,11 +17,7 @@ constexpr std::int32_t kPatterns = 10'000;
 // Allocations of a lookup that looks at all patterns and takes the last.
 template <class Table, class Find>
 std::size_t AllocationsOf(Table& table, Find find) {
-  heap::ResetCount();
-  const std::int32_t found = find(table);
-  const std::size_t count = heap::Count();
-  EXPECT_EQ(found, kPatterns - 1);
-  return count;
+  return heap::CountOf([&] { EXPECT_EQ(find(table), kPatterns - 1); });
 }
 
 TEST(ConditionMemory, ALookupAllocatesAtMostOnce) {

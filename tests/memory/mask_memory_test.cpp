@@ -36,10 +36,7 @@ TEST(MaskMemory, LoadTakesOneMoreCopy) {
     ASSERT_TRUE(entry.DataToBuffer());
     CMaskDownloadIncludePatternEntry loaded;
     std::copy_n(entry.GetRefBuffer(), entry.GetSize(), loaded.GetBuffer(entry.GetSize()));
-    const std::size_t before = heap::InUse();
-    heap::ResetPeak();
-    ASSERT_TRUE(loaded.BufferToData());
-    EXPECT_LE(heap::Peak() - before, 2u * entry.GetSize()) << "patterns of " << size << " bytes";
+    EXPECT_LE(heap::PeakOf([&] { ASSERT_TRUE(loaded.BufferToData()); }), 2u * entry.GetSize()) << size;
   }
 }
 
@@ -57,9 +54,10 @@ TEST(MaskMemory, LookupAllocatesOnce) {
   ASSERT_TRUE(access.Init(path.c_str(), &error));
 
   std::uint8_t buffer[3 + 15 * (6 + 16)];
-  heap::ResetCount();
-  EXPECT_EQ(access.GetMaskParameterAndPatternBuffer(buffer, 0, 0, 0, 0, nullptr, &error), sizeof buffer);
-  EXPECT_LE(heap::Count(), 1u);
+  EXPECT_LE(heap::CountOf([&] {
+              EXPECT_EQ(access.GetMaskParameterAndPatternBuffer(buffer, 0, 0, 0, 0, nullptr, &error), sizeof buffer);
+            }),
+            1u);
 }
 
 }  // namespace

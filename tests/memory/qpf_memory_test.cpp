@@ -37,12 +37,6 @@ TEST_P(QpfMemory, LoadQueriesAndSaveOfAWholeProfile) {
     ASSERT_TRUE(CProfileFileQPFv4().SaveData(path.c_str(), &data, kFlags));
   }
   const std::size_t size = std::filesystem::file_size(folder.File("a.icc"));
-  const auto peakOf = [](auto run) {
-    const std::size_t before = heap::InUse();
-    heap::ResetPeak();
-    run();
-    return heap::Peak() - before;
-  };
   CProfileAccess access;
   CError error;
   const std::size_t readBefore = BytesRead();
@@ -50,9 +44,9 @@ TEST_P(QpfMemory, LoadQueriesAndSaveOfAWholeProfile) {
   // What /proc itself says takes some bytes as well.
   EXPECT_LE(BytesRead() - readBefore, size + 1024) << "a load reads each byte once";
   // The bytes of the file, and the payloads of curves and table.
-  EXPECT_LE(peakOf([&] { ASSERT_TRUE(access.Init(path.c_str(), &error)); }), size * 8 / 5 + 256 * 1024);
+  EXPECT_LE(heap::PeakOf([&] { ASSERT_TRUE(access.Init(path.c_str(), &error)); }), size * 8 / 5 + 256 * 1024);
   // Nothing.
-  EXPECT_EQ(peakOf([&] {
+  EXPECT_EQ(heap::PeakOf([&] {
               int bytes = 0;
               int type = 0;
               EXPECT_NE(access.GetLinearization(3, bytes, type, &error), nullptr);
@@ -62,8 +56,9 @@ TEST_P(QpfMemory, LoadQueriesAndSaveOfAWholeProfile) {
             }),
             0u);
   // The tags and the image.
-  EXPECT_LE(peakOf([&] { ASSERT_TRUE(CProfileFileQPFv4().SaveData(path.c_str(), access.GetProfileData(), kFlags)); }),
-            2 * size + size / 10);
+  EXPECT_LE(
+      heap::PeakOf([&] { ASSERT_TRUE(CProfileFileQPFv4().SaveData(path.c_str(), access.GetProfileData(), kFlags)); }),
+      2 * size + size / 10);
 }
 
 INSTANTIATE_TEST_SUITE_P(Sizes, QpfMemory,

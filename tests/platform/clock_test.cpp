@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <ctime>
+#include <tuple>
 
 namespace nvx::test {
 namespace {
@@ -27,13 +28,8 @@ TEST(Clock, LocalTimeFollowsTheZone) {
     const ScopedVariable variable("TZ", zone);
     const auto local = LocalTime(time);
     ASSERT_TRUE(local);
-    EXPECT_EQ(local->wYear, 2023);
-    EXPECT_EQ(local->wMonth, 12);
-    EXPECT_EQ(local->wDay, day);
-    EXPECT_EQ(local->wHour, hour);
-    EXPECT_EQ(local->wMinute, 59);
-    EXPECT_EQ(local->wSecond, 59);
-    EXPECT_EQ(local->wDayOfWeek, 0);
+    EXPECT_EQ(std::tuple(local->wYear, local->wMonth, local->wDay, local->wDayOfWeek), std::tuple(2023, 12, day, 0));
+    EXPECT_EQ(std::tuple(local->wHour, local->wMinute, local->wSecond), std::tuple(hour, 59, 59));
   }
   EXPECT_FALSE(LocalTime(-1));
   EXPECT_TRUE(LocalTime(32'535'215'999));

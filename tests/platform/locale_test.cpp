@@ -6,6 +6,7 @@
 
 #include <sstream>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -77,19 +78,16 @@ TEST(Locale, FirstVariableThatIsSetDecides) {
   EXPECT_EQ(AnsiCodePage(), 932u);
 }
 
-TEST(Locale, ShiftJisBothWays) {
-  const ScopedVariable page("NVXPROFILE_CODEPAGE", "932");
+TEST(Locale, BothWays) {
   // Half-width katakana, characters whose second byte is a backslash, and an extension of the vendor code page.
-  const std::u16string wide = u"光沢紙 ソ表 ｱｲ ①～ A4";
-  const std::string narrow = "\x8C\xF5\x91\xF2\x8E\x86 \x83\x5C\x95\x5C \xB1\xB2 \x87\x40\x81\x60 A4";
-  EXPECT_EQ(WideToAnsi(wide), narrow);
-  EXPECT_EQ(AnsiToWide(narrow), wide);
-}
-
-TEST(Locale, WesternBothWays) {
-  const ScopedVariable page("NVXPROFILE_CODEPAGE", "1252");
-  EXPECT_EQ(AnsiToWide("Pap\xEAter \x80 5\x85 \x93hi\x94 \xDF"), u"Papêter € 5… “hi” ß");
-  EXPECT_EQ(WideToAnsi(u"Papêter € 5… “hi” ß"), "Pap\xEAter \x80 5\x85 \x93hi\x94 \xDF");
+  for (const auto& [number, wide, narrow] :
+       {std::tuple("932", u"光沢紙 ソ表 ｱｲ ①～ A4",
+                   "\x8C\xF5\x91\xF2\x8E\x86 \x83\x5C\x95\x5C \xB1\xB2 \x87\x40\x81\x60 A4"),
+        {"1252", u"Papêter € 5… “hi” ß", "Pap\xEAter \x80 5\x85 \x93hi\x94 \xDF"}}) {
+    const ScopedVariable page("NVXPROFILE_CODEPAGE", number);
+    EXPECT_EQ(AnsiToWide(narrow), wide);
+    EXPECT_EQ(WideToAnsi(wide), narrow);
+  }
 }
 
 TEST(Locale, WhatDoesNotConvertBecomesASubstitute) {
@@ -203,21 +201,18 @@ TEST(Locale, AreasOfTheUserComeBack) {
 
 TEST(Locale, CutsBetweenCharacters) {
   const std::string_view text = "a\x8C\xF5\x91\xF2";
-  {
-    const ScopedVariable page("NVXPROFILE_CODEPAGE", "932");
-    EXPECT_EQ(CutAnsi(text, 5), text);
-    EXPECT_EQ(CutAnsi(text, 4), text.substr(0, 3));
-    EXPECT_EQ(CutAnsi(text, 3), text.substr(0, 3));
-    EXPECT_EQ(CutAnsi(text, 2), text.substr(0, 1));
-    EXPECT_EQ(CutAnsi(text, 0), "");
+  const std::string_view utf8 = "aé光";
+  for (const auto& [number, whole, most, kept] : {std::tuple("932", text, 5u, 5u),
+                                                  {"932", text, 4u, 3u},
+                                                  {"932", text, 3u, 3u},
+                                                  {"932", text, 2u, 1u},
+                                                  {"932", text, 0u, 0u},
+                                                  {"65001", utf8, 5u, 3u},
+                                                  {"65001", utf8, 2u, 1u},
+                                                  {"1252", text, 4u, 4u}}) {
+    const ScopedVariable page("NVXPROFILE_CODEPAGE", number);
+    EXPECT_EQ(CutAnsi(whole, most), whole.substr(0, kept)) << number << ' ' << most;
   }
-  {
-    const ScopedVariable page("NVXPROFILE_CODEPAGE", "65001");
-    EXPECT_EQ(CutAnsi("aé光", 5), "aé");
-    EXPECT_EQ(CutAnsi("aé光", 2), "a");
-  }
-  const ScopedVariable page("NVXPROFILE_CODEPAGE", "1252");
-  EXPECT_EQ(CutAnsi(text, 4), text.substr(0, 4));
 }
 
 TEST(Locale, Utf8BothWays) {

@@ -1,4 +1,4 @@
-// The commands that ask by printing condition.
+// The commands that ask by printing condition: lamp tables, special colours and masks.
 #include "support/byte_builder.h"
 #include "tools/profile_maker.h"
 
@@ -68,6 +68,29 @@ TEST_F(ConditionCommands, ADocumentThatContradictsItselfIsRefused) {
   EXPECT_EQ(BuiltAgain(path_), ReadBytes(path_));
   wrong["entries"][0]["payload"]["entries"][0]["parameters"][0][0] = 4;
   EXPECT_THAT(Build(wrong, folder_.File("wrong.qct")), Fails("/entries/0/payload"));
+}
+
+TEST(Masks, ArePackedForThePrinter) {
+  const TempFolder folder;
+  const std::string file = folder.File("p.icc");
+  ASSERT_THAT(BuildExample("uv_film.json", file), Succeeds());
+  const std::string out = folder.File("packed");
+  const auto pack = [&](const std::string& condition) { return RunTool({"masks", file, "--pack", condition, out}); };
+  const ToolResult packed = pack("8,2,200,9,5");
+  EXPECT_THAT(packed, Succeeds());
+  EXPECT_EQ(packed.err, "") << "the order of layer colours means nothing";
+  const Bytes bytes = ReadBytes(out);
+  ASSERT_EQ(bytes.size(), 21u + 24 + 3 * 512);
+  EXPECT_EQ(First(bytes, 21), ByteBuilder().U16(24).U8(3).U16(1).U32(512).U16(3).U32(512).U16(5).U32(512).Take());
+
+  // The table counts layer colours and does not compare them.
+  const ToolResult others = pack("8,2,200,5,8");
+  EXPECT_THAT(others, Succeeds());
+  EXPECT_THAT(others.err, HasSubstr("warning: the mask is that of the layer colours 5,9"));
+  EXPECT_THAT(pack("4,2,200"), Fails("Profile:There is no specified condition."));
+  EXPECT_THAT(pack("4,2"), IsWrongUsage());
+  EXPECT_THAT(pack("4,2,200,"), IsWrongUsage());
+  EXPECT_EQ(ToolJson({"masks", file, "--json"})["maskPatterns"]["maskParameters"][1]["layerColors"], json({5, 9}));
 }
 
 }  // namespace

@@ -134,6 +134,9 @@ TEST_F(ToolValues, KeepForeignBytesOfFilesThatOthersWrote) {
   ASSERT_THAT(Set({"linearization/ink/1/samples/2=200"}), Succeeds());
   ASSERT_THAT(Set({"record/HalftoneCode=9"}), Succeeds());
   ASSERT_THAT(Set({"mask-download/weftHeader/reserved/0=1"}), Succeeds());
+  const json masks = ToolJson({"masks", file_, "--json"})["maskDownload"];
+  EXPECT_EQ(masks["weftHeader"]["reserved"], json({1, 0}));
+  EXPECT_EQ(masks["weftData"][0]["blockType"], 6);
   EXPECT_EQ(Differences(before, ReadBytes(file_)).size(), 3u);
   // The name whose field holds letters behind its end is written anew, and nothing else.
   ASSERT_THAT(Set({"record/MediaName=Matte"}), Succeeds());
