@@ -3,6 +3,7 @@
 #include "support/environment.h"
 #include "support/files.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -14,6 +15,7 @@ namespace {
 using nvx::platform::IniFile;
 using nvx::platform::IniInteger;
 using namespace nvx::test;
+using testing::ElementsAre;
 
 class Ini : public ::testing::Test {
  protected:
@@ -46,26 +48,18 @@ TEST_F(Ini, FindsKeysBySectionWithoutRegardToCase) {
 
 TEST_F(Ini, DropsOnePairOfQuotes) {
   Write("[q]\na=\" blank \"\nb='x'\nc=\"\"\"\nd=\"open\ne='\"both\"'\nf=\"\n");
-  EXPECT_EQ(Text("q", "a"), " blank ");
-  EXPECT_EQ(Text("q", "b"), "x");
-  EXPECT_EQ(Text("q", "c"), "\"");
-  EXPECT_EQ(Text("q", "d"), "\"open");
-  EXPECT_EQ(Text("q", "e"), "\"both\"");
-  EXPECT_EQ(Text("q", "f"), "\"");
+  EXPECT_THAT(IniFile(path_).Texts("q", {"a", "b", "c", "d", "e", "f"}),
+              ElementsAre(" blank ", "x", "\"", "\"open", "\"both\"", "\""));
 }
 
 TEST_F(Ini, ReadsNumbersOfText) {
   Write(
       "[numbers]\na=42\nb= -7x\nc=\"+3\"\nd=abc\ne=\nf=4294967295\ng=4294967296\nh=-2147483648\ni=-2147483649\nj=- "
       "1\n");
-  EXPECT_EQ(Integer("a"), 42);
-  EXPECT_EQ(Integer("b"), -7);
-  EXPECT_EQ(Integer("c"), 3);
-  EXPECT_EQ(Integer("d"), 0);
-  EXPECT_EQ(Integer("h"), std::numeric_limits<std::int32_t>::min());
-  EXPECT_EQ(Integer("j"), 0);
+  std::vector<std::int32_t> numbers;
+  for (const char* const key : {"a", "b", "c", "d", "f", "h", "j"}) numbers.push_back(Integer(key));
+  EXPECT_THAT(numbers, ElementsAre(42, -7, 3, 0, -1, std::numeric_limits<std::int32_t>::min(), 0));
   EXPECT_EQ(IniInteger(IniFile(path_).Text("numbers", "e"), 5), 5);
-  EXPECT_EQ(Integer("f"), -1);
   for (const char* const beyond : {"g", "i", "none"})
     EXPECT_EQ(IniInteger(IniFile(path_).Text("numbers", beyond), 9), 9);
 }

@@ -223,9 +223,6 @@ TEST_F(CalibrationTool, ImportLeavesADamagedHistoryAlone) {
   const Bytes before = ReadBytes(folder_.File("into.icc"));
   EXPECT_THAT(Import("from.icc", "into.icc"), Fails("calibration 1, calibration-ink-limit 0"));
   EXPECT_EQ(ReadBytes(folder_.File("into.icc")), before);
-  // The document carries the bytes that do not parse.
-  const json dump = ToolJson({"dump", folder_.File("into.icc")});
-  EXPECT_EQ(dump["entries"][1]["payload"]["entries"][1]["payload"]["entries"][0]["bytes"], "AAECAw==");
 }
 
 TEST_F(CalibrationTool, AdjustFiles) {

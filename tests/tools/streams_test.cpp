@@ -63,15 +63,6 @@ TEST(ToolStreams, StandardInputIsAFileLikeAnyOther) {
   EXPECT_THAT(Shell(convert + kTool + " info -").out, HasSubstr("ICC-based printer profile"));
 }
 
-TEST(ToolStreams, SeveralFilesMakeOneDocument) {
-  const std::string other = "/usr/share/color/icc/ghostscript/default_rgb.icc";
-  const json array = ToolJson({"info", "--json", kFrameProfile, other});
-  EXPECT_EQ(array, json::array({ToolJson({"info", "--json", kFrameProfile}), ToolJson({"info", "--json", other})}));
-  const std::string lines = RunTool({"info", "--json-lines", kFrameProfile, other}).out;
-  const std::size_t end = lines.find('\n');
-  EXPECT_EQ(array, json::array({json::parse(lines.substr(0, end)), json::parse(lines.substr(end))}));
-}
-
 TEST(ToolStreams, EveryCommandNamesTheFileAndTheCause) {
   const TempFolder folder;
   ASSERT_EQ(::mkfifo(folder.File("fifo").c_str(), 0600), 0);
@@ -136,6 +127,8 @@ TEST(ToolStreams, NamesThatAreNoUtf8AreKept) {
 }
 
 TEST(ToolStreams, AMisspeltCommandGetsASuggestion) {
+  EXPECT_THAT(RunTool({}), IsWrongUsage());
+  EXPECT_THAT(RunTool({"info"}), IsWrongUsage());
   const ToolResult result = RunTool({"infos", "x"});
   EXPECT_EQ(result.status, 2);
   EXPECT_EQ(result.err, "nvxprofile: there is no command \"infos\"; did you mean \"info\"?\n");

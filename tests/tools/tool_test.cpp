@@ -37,17 +37,6 @@ Bytes PrinterProfile() {
                   {"NVX5", Padded(ByteBuilder(Opening()).Append(MaskStream(6)))}});
 }
 
-TEST(Tool, WrongUsageAndUnreadableFiles) {
-  EXPECT_THAT(RunTool({}), IsWrongUsage());
-  EXPECT_THAT(RunTool({"info"}), IsWrongUsage());
-  EXPECT_THAT(RunTool({"--version"}), Succeeds());
-  EXPECT_THAT(RunTool({"--help"}), Succeeds());
-  const ToolResult result = RunTool({"info", "/no/such/file", kFrameProfile});
-  EXPECT_EQ(result.status, 1);
-  EXPECT_EQ(result.err, "nvxprofile: /no/such/file: No such file or directory\n");
-  EXPECT_THAT(result.out, HasSubstr("plain ICC profile"));
-}
-
 TEST(Tool, InfoDescribesEveryRealProfile) {
   for (const std::string& file : RealProfiles()) {
     const json document = ToolJson({"info", "--json", file});
@@ -85,7 +74,8 @@ TEST(Tool, JsonIsWrittenAsItsLibraryWritesIt) {
   const std::string text = RunTool({"info", "--json", file}).out;
   const ordered_json info = ordered_json::parse(text);
   EXPECT_EQ(info.dump(2) + "\n", text);
-  EXPECT_EQ(info.dump() + "\n", RunTool({"info", "--json-lines", file}).out);
+  const std::string line = info.dump() + "\n";
+  EXPECT_EQ(line + line, RunTool({"info", "--json-lines", file, file}).out);
   EXPECT_EQ("[\n" + text + ",\n" + text + "]\n", RunTool({"info", "--json", file, file}).out);
   const std::string whole = RunTool({"dump", file}).out;
   const ordered_json document = ordered_json::parse(whole);
