@@ -49,8 +49,10 @@ TEST_P(QpfMemory, LoadQueriesAndSaveOfAWholeProfile) {
   EXPECT_EQ(heap::PeakOf([&] {
               int bytes = 0;
               int type = 0;
-              EXPECT_NE(access.GetLinearization(3, bytes, type, &error), nullptr);
-              EXPECT_NE(access.GetGrayBalance(3, bytes, type, &error), nullptr);
+              for (std::uint32_t ink = 0; ink < 16; ++ink) {
+                EXPECT_NE(access.GetLinearization(ink, bytes, type, &error), nullptr);
+                EXPECT_NE(access.GetGrayBalance(ink, bytes, type, &error), nullptr);
+              }
               EXPECT_NE(access.GetIccProfile(bytes, &error), nullptr);
               EXPECT_NE(access.GetReplaceProfile(bytes, &error), nullptr);
             }),

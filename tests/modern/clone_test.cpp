@@ -35,6 +35,7 @@ TEST(ModernClone, SaysTheSameAndIsAnother) {
 
   Profile clone = profile.Clone();
   EXPECT_EQ(EntriesOf(clone), EntriesOf(profile));
+  EXPECT_EQ(clone.Format(), profile.Format());
   EXPECT_NE(clone.IccProfile()->data(), profile.IccProfile()->data());
   EXPECT_EQ(clone.Info().mediaNames, info.mediaNames);
   EXPECT_TRUE(clone.HasRoute(nvx::Route::kReplaceIcc));

@@ -17,33 +17,22 @@ using nlohmann::json;
 using testing::HasSubstr;
 
 json Calibration(int code, const std::string& name, int time) {
-  return {{"type", "calibration"},
-          {"optionInfo", code},
-          {"containerData", {{"value", -code}, {"time", time}, {"name", name}}},
-          {"payload",
-           {{"entries",
-             {EntryDocument("calibration-ink-limit",
-                            {CurveDocument(3, "", {0, static_cast<std::uint32_t>(100 * code), 65535}, 12)})}}}}};
+  const json curve = CurveDocument(3, "", {0, static_cast<std::uint32_t>(100 * code), 65535}, 12);
+  return CalibrationDocument(code, -code, time, name, {EntryDocument("calibration-ink-limit", {curve})});
 }
 
 class CalibrationTool : public testing::Test {
  protected:
   // Builds a profile of the current generation; without calibrations it has no history.
   void Make(const std::string& name, const std::vector<json>& calibrations, int nextId = 0, int minor = 0) {
-    std::vector<json> entries;
-    if (!calibrations.empty()) {
-      std::vector<json> children{{{"type", "calibration-target"}, {"payload", {{"createTime", 77}, {"rest", "AQI="}}}}};
-      children.insert(children.end(), calibrations.begin(), calibrations.end());
-      entries.push_back({{"type", "calibration-history"}, {"payload", {{"nextID", nextId}, {"entries", children}}}});
-    }
-    json document = ProfileDocument(entries);
+    json document = ProfileDocument({});
+    if (!calibrations.empty()) document["entries"].push_back(HistoryDocument(calibrations, nextId));
     document["record"]["SaveVersion5"] = minor == 5;
     ASSERT_THAT(Build(document, folder_.File(name)), Succeeds());
   }
 
-  json History(const std::string& name, std::vector<std::string> more = {}) {
-    more.insert(more.begin(), {"history", folder_.File(name), "--json"});
-    return ToolJson(more);
+  json History(const std::string& name, const std::vector<std::string>& more = {}) {
+    return ToolJson({"history", folder_.File(name), "--json"}, more);
   }
 
   json MinorVersion(const std::string& name) {
@@ -147,10 +136,9 @@ TEST_F(CalibrationTool, RemoveAndRenameLeaveAllElseAlone) {
 
 TEST_F(CalibrationTool, CalibrateAppendsMeasuredCurves) {
   Make("a.icc", {Calibration(0, "x", 5)}, 0);
-  const auto calibrate = [&](const std::string& csv, std::vector<std::string> more = {}) {
+  const auto calibrate = [&](const std::string& csv, const std::vector<std::string>& more = {}) {
     WriteText(folder_.File("c.csv"), csv);
-    more.insert(more.begin(), {"calibrate", folder_.File("a.icc"), "--csv", folder_.File("c.csv"), "--name", "Monday"});
-    return RunTool(more);
+    return RunTool({"calibrate", folder_.File("a.icc"), "--csv", folder_.File("c.csv"), "--name", "Monday"}, more);
   };
   const std::string good =
       "entry,ink,extend,name,index,sample\r\nlinearization,3,0,\"Yellow, new\",0,5\r\n"
@@ -226,10 +214,9 @@ TEST_F(CalibrationTool, ImportLeavesADamagedHistoryAlone) {
 }
 
 TEST_F(CalibrationTool, AdjustFiles) {
-  const auto adjust = [&](const std::string& text, std::vector<std::string> more = {}) {
+  const auto adjust = [&](const std::string& text, const std::vector<std::string>& more = {}) {
     WriteText(folder_.File("a.txt"), text);
-    more.insert(more.begin(), {"adjust", folder_.File("a.txt")});
-    return RunTool(more);
+    return RunTool({"adjust", folder_.File("a.txt")}, more);
   };
   const std::string special =
       "SpecialInkset=2\nSpecialInkCount=1\nSpecialInk=12\ng_SpecialDensity_0012=80\nVDApplyWay_0012=1\n"

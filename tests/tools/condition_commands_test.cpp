@@ -31,9 +31,8 @@ class ConditionCommands : public testing::Test {
     nvx::test::WriteBytes(path_, file.Append(bodies));
   }
 
-  json Ask(const std::string& command, std::vector<std::string> arguments) {
-    arguments.insert(arguments.begin(), {command, path_, "--json"});
-    return ToolJson(arguments);
+  json Ask(const std::string& command, const std::vector<std::string>& more) {
+    return ToolJson({command, path_, "--json"}, more);
   }
 
   nvx::test::TempFolder folder_;

@@ -75,9 +75,8 @@ TEST_F(ToolConvert, RefusesWhatWouldLoseAFile) {
   const std::string a = Old("a.qpf");
   std::filesystem::create_directories(folder_.Path() / "sub");
   const std::string twin = Old("sub/a.qpf");
-  const auto convert = [&](std::vector<std::string> arguments) {
-    arguments.insert(arguments.begin(), {"convert", "--module-version", "1"});
-    return RunTool(arguments);
+  const auto convert = [&](const std::vector<std::string>& more) {
+    return RunTool({"convert", "--module-version", "1"}, more);
   };
   const ToolResult twice = convert({a, twin, "-o", folder_.File("out")});
   EXPECT_THAT(twice, IsWrongUsage());

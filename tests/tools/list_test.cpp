@@ -27,28 +27,17 @@ class ToolList : public ::testing::Test {
   ToolList() {
     std::filesystem::create_directories(folder_.Path() / "deep/er");
     Make("a.icc", "Matte paper", 720, 1750000000);
-    Make("deep/b.icc", "Glossy film", 360, 1760000000, {{3, 1755000000}, {1, 1758000000}, {2, 0}});
+    Make("deep/b.icc", "Glossy film", 360, 1760000000,
+         {CalibrationDocument(3, 7, 1755000000, "cal 3"), CalibrationDocument(1, 7, 1758000000, "cal 1"),
+          CalibrationDocument(2, 7, 0, "cal 2")});
     Make("deep/er/c.icc", "Glossy paper", 1440, 1770000000);
     WriteText(folder_.File("notes.txt"), "no profile");
   }
 
-  struct Calibration {
-    int code;
-    std::int64_t time;
-  };
-
   void Make(const std::string& name, const std::string& media, int scan, std::int64_t time,
-            const std::vector<Calibration>& calibrations = {}) {
-    std::vector<json> children{{{"type", "calibration-target"}, {"payload", {{"createTime", time}}}}};
-    for (const auto& [code, made] : calibrations) {
-      children.push_back({{"type", "calibration"},
-                          {"optionInfo", code},
-                          {"containerData", {{"value", 7}, {"time", made}, {"name", "cal " + std::to_string(code)}}},
-                          {"payload", {{"entries", json::array()}}}});
-    }
-    std::vector<json> entries;
-    if (!calibrations.empty()) entries = {{{"type", "calibration-history"}, {"payload", {{"entries", children}}}}};
-    json document = ProfileDocument(entries);
+            const std::vector<json>& calibrations = {}) {
+    json document = ProfileDocument({});
+    if (!calibrations.empty()) document["entries"].push_back(HistoryDocument(calibrations));
     const json names = {{{"Language", 9}, {"Name", media}}, {{"Language", 7}, {"Name", "auf Deutsch"}}};
     document["record"] = {{"ScanResolution", scan},
                           {"FeedResolution", 1080},
@@ -59,9 +48,8 @@ class ToolList : public ::testing::Test {
   }
 
   // The file names of a list, in its order.
-  std::vector<std::string> Listed(std::vector<std::string> arguments, int status = 0) {
-    arguments.insert(arguments.begin(), {"list", "-r", folder_.Path().string(), "--json"});
-    const ToolResult result = RunTool(arguments);
+  std::vector<std::string> Listed(const std::vector<std::string>& arguments, int status = 0) {
+    const ToolResult result = RunTool({"list", "-r", folder_.Path().string(), "--json"}, arguments);
     EXPECT_EQ(result.status, status) << result.err;
     std::vector<std::string> names;
     std::istringstream lines(result.out);

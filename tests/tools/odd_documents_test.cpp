@@ -92,11 +92,11 @@ TEST_F(OddDocuments, TimesComeBackAsTheyAre) {
 TEST_F(OddDocuments, FilesAreNamedAsSeenFromTheDocument) {
   ASSERT_THAT(BuildExample("printer_profile.json", File("p.icc")), Succeeds());
   for (const char* const name : {"documents", "parts", "made"}) fs::create_directory(File(name));
-  const std::string tool = ShellWord(ToolPath());
-  const std::string commands = "cd " + folder_.Path().string() + " && " + tool +
-                               " dump p.icc --files parts -o documents/p.json && cd made && " + tool +
-                               " build ../documents/p.json -o p.icc && grep '\"file\"' ../documents/p.json";
-  EXPECT_THAT(RunProgram({"bash", "-c", commands}).out, HasSubstr("\"../parts/icc.icc\""));
+  EXPECT_THAT(Shell("cd " + folder_.Path().string() + " && " + kTool +
+                    " dump p.icc --files parts -o documents/p.json && cd made && " + kTool +
+                    " build ../documents/p.json -o p.icc && grep '\"file\"' ../documents/p.json")
+                  .out,
+              HasSubstr("\"../parts/icc.icc\""));
   EXPECT_EQ(ReadBytes(File("made/p.icc")), ReadBytes(File("p.icc")));
 }
 

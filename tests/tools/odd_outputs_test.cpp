@@ -18,10 +18,6 @@ namespace {
 namespace fs = std::filesystem;
 using namespace nvx::test;
 
-const std::string kTool = ShellWord(ToolPath());
-
-ToolResult Shell(const std::string& command) { return RunProgram({"timeout", "60", "bash", "-c", command}); }
-
 class OddOutputs : public ::testing::Test {
  protected:
   void SetUp() override { ASSERT_THAT(Make("p.icc"), Succeeds()); }

@@ -38,6 +38,21 @@ inline nlohmann::json EntryDocument(const std::string& type, const std::vector<n
   return {{"type", type}, {"payload", {{"curves", curves}}}};
 }
 
+inline nlohmann::json CalibrationDocument(int code, int value, std::int64_t time, const std::string& name,
+                                          const std::vector<nlohmann::json>& entries = {}) {
+  return {{"type", "calibration"},
+          {"optionInfo", code},
+          {"containerData", {{"value", value}, {"time", time}, {"name", name}}},
+          {"payload", {{"entries", entries}}}};
+}
+
+// A history, with a target that was made at 77.
+inline nlohmann::json HistoryDocument(std::vector<nlohmann::json> calibrations, int nextId = 0) {
+  calibrations.insert(calibrations.begin(), nlohmann::json{{"type", "calibration-target"},
+                                                           {"payload", {{"createTime", 77}, {"rest", "AQI="}}}});
+  return {{"type", "calibration-history"}, {"payload", {{"nextID", nextId}, {"entries", calibrations}}}};
+}
+
 // A profile of the current generation of these entries.
 inline nlohmann::json ProfileDocument(std::vector<nlohmann::json> entries) {
   entries.insert(entries.begin(), nlohmann::json{{"type", "icc"}, {"file", kFrameProfile}});
@@ -66,8 +81,8 @@ inline ToolResult BuildExample(const std::string& name, const std::string& path)
 }
 
 // What the tool prints as JSON for these arguments.
-inline nlohmann::json ToolJson(const std::vector<std::string>& arguments) {
-  return nlohmann::json::parse(RunTool(arguments).out);
+inline nlohmann::json ToolJson(const std::vector<std::string>& arguments, const std::vector<std::string>& more = {}) {
+  return nlohmann::json::parse(RunTool(arguments, more).out);
 }
 
 // The profile that comes out of the dump of another.

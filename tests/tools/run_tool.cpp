@@ -50,9 +50,12 @@ std::string ShellWord(const std::string& text) {
   return word + "'";
 }
 
-ToolResult RunTool(const std::vector<std::string>& arguments) {
+ToolResult Shell(const std::string& command) { return RunProgram({"timeout", "60", "bash", "-c", command}); }
+
+ToolResult RunTool(const std::vector<std::string>& arguments, const std::vector<std::string>& more) {
   std::vector<std::string> words{ToolPath()};
   words.insert(words.end(), arguments.begin(), arguments.end());
+  words.insert(words.end(), more.begin(), more.end());
   return RunProgram(std::move(words));
 }
 

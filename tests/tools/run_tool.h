@@ -41,7 +41,13 @@ std::string ToolPath();
 // A text as one word of a shell's command: there are sources in folders with blanks.
 std::string ShellWord(const std::string& text);
 
-// Runs the tool with these arguments and waits for it.
-ToolResult RunTool(const std::vector<std::string>& arguments);
+// Runs the tool with these arguments, and with more behind them, and waits for it.
+ToolResult RunTool(const std::vector<std::string>& arguments, const std::vector<std::string>& more = {});
+
+// Runs a command of a shell, which is stopped if it does not end.
+ToolResult Shell(const std::string& command);
+
+// The tool as a word of such a command.
+inline const std::string kTool = ShellWord(ToolPath());
 
 }  // namespace nvx::test

@@ -18,11 +18,6 @@ using nlohmann::json;
 using namespace nvx::test;
 using testing::HasSubstr;
 
-const std::string kTool = ShellWord(ToolPath());
-
-// A shell command, which is stopped if it does not end.
-ToolResult Shell(const std::string& command) { return RunProgram({"timeout", "20", "bash", "-c", command}); }
-
 TEST(ToolStreams, LostOutputIsAnError) {
   const std::string frame = std::string(" ") + kFrameProfile;
   for (const std::string& command : {std::string("--help"), std::string("--version"), "info" + frame, "dump" + frame,

@@ -29,10 +29,7 @@ class ToolValues : public ::testing::Test {
     return result.status == 0 ? result.out.substr(0, result.out.size() - 1) : result.err;
   }
   json Dump() { return ToolJson({"dump", file_}); }
-  ToolResult Set(std::vector<std::string> assignments) {
-    assignments.insert(assignments.begin(), {"set", file_});
-    return RunTool(assignments);
-  }
+  ToolResult Set(const std::vector<std::string>& assignments) { return RunTool({"set", file_}, assignments); }
 
   const ScopedLanguage language_{"en_US.UTF-8"};
   nvx::test::TempFolder folder_;
