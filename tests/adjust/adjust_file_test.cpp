@@ -156,6 +156,10 @@ class AdjustFiles : public testing::Test {
 
   TempFolder folder_;
   CError error_;
+  CColorAdjustFile color_;
+  CColorAdjustFileV3 colorV3_;
+  CDeviceAdjustFile device_;
+  CSpecialColorAdjustFile special_;
 };
 
 // All keys of both blocks but those in `without`, numbered in the order of the fields.
@@ -188,29 +192,21 @@ TEST_F(AdjustFiles, WhatCannotBeOpened) {
     EXPECT_NE(error_.GetSystemErrorCode(), 0u);
     EXPECT_EQ(Message(), u"Adjust file: Cannot open file (file name:" + directory + u")");
   };
-  CColorAdjustFile color;
-  CColorAdjustFileV3 colorV3;
-  CDeviceAdjustFile device;
-  CSpecialColorAdjustFile special;
-  check(color, u"Color adjust file: File not found. (file name:");
-  check(colorV3, u"Color adjust file: File not found. (file name:");
-  check(device, u"Device adjust file: File not found.(file name:");
-  check(special, u"Special Color adjust file: File not found. (file name:");
+  check(color_, u"Color adjust file: File not found. (file name:");
+  check(colorV3_, u"Color adjust file: File not found. (file name:");
+  check(device_, u"Device adjust file: File not found.(file name:");
+  check(special_, u"Special Color adjust file: File not found. (file name:");
 
   // A file that is not there leaves the old table, one that cannot be opened an empty one.
-  Open(special, "VDApplyWay_0001=2\n");
-  EXPECT_FALSE(special.Initialize(none.c_str(), error_));
-  EXPECT_EQ(special.GetVDApplyWay(1, error_), 2);
-  EXPECT_FALSE(special.Initialize(directory.c_str(), error_));
-  EXPECT_EQ(special.GetVDApplyWay(1, error_), 0);
+  Open(special_, "VDApplyWay_0001=2\n");
+  EXPECT_FALSE(special_.Initialize(none.c_str(), error_));
+  EXPECT_EQ(special_.GetVDApplyWay(1, error_), 2);
+  EXPECT_FALSE(special_.Initialize(directory.c_str(), error_));
+  EXPECT_EQ(special_.GetVDApplyWay(1, error_), 0);
   EXPECT_EQ(Message(), NoKey(u"VDApplyWay_0001"));
 }
 
 TEST_F(AdjustFiles, NothingReadNothingReported) {
-  CColorAdjustFile color;
-  CColorAdjustFileV3 colorV3;
-  CDeviceAdjustFile device;
-  CSpecialColorAdjustFile special;
   COLOR_ADJUST data;
   COLOR_ADJUST_V3 dataV3;
   DEVICE_ADJUST_PARAM param;
@@ -219,29 +215,28 @@ TEST_F(AdjustFiles, NothingReadNothingReported) {
   std::uint16_t words[256];
   for (int pass = 0; pass < 2; ++pass) {
     const bool opened = pass == 1;
-    EXPECT_FALSE(color.GetColorAdjustData(opened ? nullptr : &data, error_));
-    EXPECT_FALSE(color.GetInkLimitCurve(opened ? nullptr : bytes, 1, error_));
-    EXPECT_FALSE(colorV3.GetColorAdjustData(opened ? nullptr : &dataV3, error_));
-    EXPECT_FALSE(colorV3.GetLinearizationCurve(opened ? nullptr : words, 1, error_));
-    EXPECT_FALSE(device.GetDeviceAdjustParam(opened ? nullptr : &param, error_));
-    EXPECT_FALSE(special.GetColorAdjustData(opened ? nullptr : &inks, error_));
-    EXPECT_FALSE(special.GetSpecialDensity(opened ? nullptr : &inks, error_));
-    EXPECT_FALSE(special.GetInkLimitCurve(opened ? nullptr : words, 1, error_));
+    EXPECT_FALSE(color_.GetColorAdjustData(opened ? nullptr : &data, error_));
+    EXPECT_FALSE(color_.GetInkLimitCurve(opened ? nullptr : bytes, 1, error_));
+    EXPECT_FALSE(colorV3_.GetColorAdjustData(opened ? nullptr : &dataV3, error_));
+    EXPECT_FALSE(colorV3_.GetLinearizationCurve(opened ? nullptr : words, 1, error_));
+    EXPECT_FALSE(device_.GetDeviceAdjustParam(opened ? nullptr : &param, error_));
+    EXPECT_FALSE(special_.GetColorAdjustData(opened ? nullptr : &inks, error_));
+    EXPECT_FALSE(special_.GetSpecialDensity(opened ? nullptr : &inks, error_));
+    EXPECT_FALSE(special_.GetInkLimitCurve(opened ? nullptr : words, 1, error_));
     EXPECT_EQ(error_.GetErrorReason(), 0u);
-    Open(color, "VDApplyWay_0001=1\n");
-    Open(colorV3, "VDApplyWay_0001=1\n");
-    Open(device, "VDApplyWay_0001=1\n");
-    Open(special, "VDApplyWay_0001=1\n");
+    Open(color_, "VDApplyWay_0001=1\n");
+    Open(colorV3_, "VDApplyWay_0001=1\n");
+    Open(device_, "VDApplyWay_0001=1\n");
+    Open(special_, "VDApplyWay_0001=1\n");
   }
-  EXPECT_FALSE(special.GetVariableCurve(1, 3, nullptr, error_));
+  EXPECT_FALSE(special_.GetVariableCurve(1, 3, nullptr, error_));
   EXPECT_EQ(error_.GetErrorReason(), 0u);
 }
 
 TEST_F(AdjustFiles, ColorBlocks) {
-  CColorAdjustFile file;
   COLOR_ADJUST data;
-  Open(file, ColorText());
-  ASSERT_TRUE(file.GetColorAdjustData(&data, error_));
+  Open(color_, ColorText());
+  ASSERT_TRUE(color_.GetColorAdjustData(&data, error_));
   EXPECT_EQ((Ints{data.ProfileCode, data.TotalDensity}), (Ints{1, 2}));
   const auto block = [](const auto& b) {
     return Ints{b.Contrast,   b.Cyan,  b.CyanType,  b.Magenta,     b.MagentaType, b.Yellow,
@@ -251,38 +246,36 @@ TEST_F(AdjustFiles, ColorBlocks) {
   EXPECT_THAT(block(data.R), ElementsAre(20, 21, 22, 23, 24, 25, 26, 27, 28, 29, true));
   EXPECT_EQ(error_.GetErrorReason(), 0u);
 
-  CColorAdjustFileV3 fileV3;
   COLOR_ADJUST_V3 dataV3;
-  Open(fileV3, ColorText({"r_YellowType"}) +
-                   "r_YellowType=26\nr_KCurve=40000\nLinearCurve_0007=1,65535\n"
-                   "LimitCurve_03_0012=8\n");
-  ASSERT_TRUE(fileV3.GetColorAdjustData(&dataV3, error_));
+  Open(colorV3_, ColorText({"r_YellowType"}) +
+                     "r_YellowType=26\nr_KCurve=40000\nLinearCurve_0007=1,65535\n"
+                     "LimitCurve_03_0012=8\n");
+  ASSERT_TRUE(colorV3_.GetColorAdjustData(&dataV3, error_));
   EXPECT_EQ(dataV3.R.YellowType, 26);
   EXPECT_EQ(dataV3.R.KCurve[0], 40000);
   std::uint16_t curve[256] = {};
-  EXPECT_TRUE(fileV3.GetLinearizationCurve(curve, 7, error_));
+  EXPECT_TRUE(colorV3_.GetLinearizationCurve(curve, 7, error_));
   EXPECT_EQ(curve[1], 65535);
-  EXPECT_TRUE(fileV3.GetMultiInkLimitCurve(curve, 12, 3, error_));
+  EXPECT_TRUE(colorV3_.GetMultiInkLimitCurve(curve, 12, 3, error_));
   EXPECT_EQ(curve[0], 8);
   EXPECT_EQ(curve[1], 65535);
-  EXPECT_FALSE(fileV3.GetMultiInkLimitCurve(curve, 12345, 123, error_));
+  EXPECT_FALSE(colorV3_.GetMultiInkLimitCurve(curve, 12345, 123, error_));
   EXPECT_EQ(Message(), NoKey(u"LimitCurve_123_12345"));
 }
 
 TEST_F(AdjustFiles, AMissingColorKeyEndsAfterItsBlock) {
-  CColorAdjustFile file;
   COLOR_ADJUST data;
-  Open(file, ColorText({"v_Black"}));
-  EXPECT_FALSE(file.GetColorAdjustData(&data, error_));
+  Open(color_, ColorText({"v_Black"}));
+  EXPECT_FALSE(color_.GetColorAdjustData(&data, error_));
   EXPECT_EQ(Message(), NoKey(u"v_Black"));
   EXPECT_EQ(data.V.MixCurve[0], 19);
   EXPECT_EQ(data.R.Contrast, 0);
-  Open(file, ColorText({"v_Black", "v_MixCurve", "r_Cyan"}));
-  EXPECT_FALSE(file.GetColorAdjustData(&data, error_));
+  Open(color_, ColorText({"v_Black", "v_MixCurve", "r_Cyan"}));
+  EXPECT_FALSE(color_.GetColorAdjustData(&data, error_));
   EXPECT_EQ(Message(), NoKey(u"v_MixCurve"));
-  Open(file, "ProfileCode=4\nv_Contrast=5\n");
+  Open(color_, "ProfileCode=4\nv_Contrast=5\n");
   data = {};
-  EXPECT_FALSE(file.GetColorAdjustData(&data, error_));
+  EXPECT_FALSE(color_.GetColorAdjustData(&data, error_));
   EXPECT_EQ(Message(), NoKey(u"g_TotalDensity"));
   EXPECT_EQ(data.ProfileCode, 4);
   EXPECT_EQ(data.V.Contrast, 0);
@@ -314,60 +307,57 @@ TEST_F(AdjustFiles, ColorCurves) {
 TEST_F(AdjustFiles, DeviceParameters) {
   const std::string required =
       "FeedAdjust[WhichUse]=1\nFeedAdjust[Value]=2\nHeater1[WhichUse]=3\nHeater1[Value]=4\nHeater2[WhichUse]=5\n";
-  CDeviceAdjustFile file;
   DEVICE_ADJUST_PARAM param;
-  Open(file, required + "Heater2[Value]=6\nHeater4[Value]=10\nMediaFeedSpeed[WhichUse]=11\nUvMode[Value]=14\n");
+  Open(device_, required + "Heater2[Value]=6\nHeater4[Value]=10\nMediaFeedSpeed[WhichUse]=11\nUvMode[Value]=14\n");
   param.Heater3Value = 99;
-  ASSERT_TRUE(file.GetDeviceAdjustParam(&param, error_));
+  ASSERT_TRUE(device_.GetDeviceAdjustParam(&param, error_));
   EXPECT_EQ(Message(), NoKey(u"UvMode[WhichUse]"));
   EXPECT_EQ((Ints{param.FeedAdjustWhichUse, param.Heater2Value, param.Heater3Value, param.Heater4Value,
                   param.MediaFeedSpeedWhichUse, param.UvModeValue}),
             (Ints{1, 6, 0, 10, 11, 14}));
 
-  Open(file, required + "Heater3[Value]=8\n");
+  Open(device_, required + "Heater3[Value]=8\n");
   param = {};
-  EXPECT_FALSE(file.GetDeviceAdjustParam(&param, error_));
+  EXPECT_FALSE(device_.GetDeviceAdjustParam(&param, error_));
   EXPECT_EQ(Message(), NoKey(u"Heater2[Value]"));
   EXPECT_EQ(param.Heater2WhichUse, 5);
   EXPECT_EQ(param.Heater3Value, 0);
 }
 
 TEST_F(AdjustFiles, SpecialInks) {
-  CSpecialColorAdjustFile file;
   SPECIAL_COLOR_ADJUST data;
   data.Inks[0].Reserved[0] = 7;
-  Open(file, "SpecialInkset=4\nSpecialInkCount=3\nSpecialInk=12,13\ng_SpecialDensity_0012=-5\n");
-  ASSERT_TRUE(file.GetColorAdjustData(&data, error_));
+  Open(special_, "SpecialInkset=4\nSpecialInkCount=3\nSpecialInk=12,13\ng_SpecialDensity_0012=-5\n");
+  ASSERT_TRUE(special_.GetColorAdjustData(&data, error_));
   EXPECT_EQ(error_.GetErrorReason(), 0u);
   EXPECT_EQ((Ints{data.Inkset, data.InkCount, data.Inks[1].InkCode, data.Inks[2].InkCode}), (Ints{4, 3, 13, 0}));
   data.Inks[1].Density = 8;
   data.Inks[3].Density = 8;
-  ASSERT_TRUE(file.GetSpecialDensity(&data, error_));
+  ASSERT_TRUE(special_.GetSpecialDensity(&data, error_));
   EXPECT_EQ((Ints{data.Inks[0].Density, data.Inks[1].Density, data.Inks[3].Density, data.Inks[0].Reserved[0]}),
             (Ints{-5, 0, 8, 7}));
   EXPECT_EQ(Message(), NoKey(u"g_SpecialDensity_0000"));
 
   for (const auto& [count, inks, kept] :
        {std::tuple("9", "1,2,3,4,5,6,7,8,9", 8), {"8", "1,2,3,4,5,6,7,8,9", 8}, {"0", "5", 0}}) {
-    Open(file, "SpecialInkset=4\nSpecialInkCount=" + std::string(count) + "\nSpecialInk=" + inks + "\n");
-    ASSERT_TRUE(file.GetColorAdjustData(&data, error_));
+    Open(special_, "SpecialInkset=4\nSpecialInkCount=" + std::string(count) + "\nSpecialInk=" + inks + "\n");
+    ASSERT_TRUE(special_.GetColorAdjustData(&data, error_));
     EXPECT_EQ((Ints{data.InkCount, data.Inks[0].InkCode, data.Inks[7].InkCode}), (Ints{kept, 1, 8})) << count;
   }
   data.Inks[0].Density = 6;
-  EXPECT_TRUE(file.GetSpecialDensity(&data, error_));
+  EXPECT_TRUE(special_.GetSpecialDensity(&data, error_));
   EXPECT_EQ(data.Inks[0].Density, 6);
   data.InkCount = 1000;
-  EXPECT_TRUE(file.GetSpecialDensity(&data, error_));
+  EXPECT_TRUE(special_.GetSpecialDensity(&data, error_));
 }
 
 TEST_F(AdjustFiles, VariableCurves) {
-  CSpecialColorAdjustFile file;
-  Open(file,
+  Open(special_,
        "VDApplyWay_0001=1\nVDApplyWay_0002=2\nVDApplyWay_0003=3\nVD01Curve_0001=11\nVD02Curve_0001=12\n"
        "VD03Curve_0001=13\nVD03Curve_0002=23\nVD03Curve_0003=33\nVD03Curve_0004=43\nLimitCurve_0001=50\n");
   const auto curve = [&](int ink, std::uint32_t dotSize) {
     std::uint16_t samples[256] = {};
-    return file.GetVariableCurve(ink, dotSize, samples, error_) ? samples[0] : 0;
+    return special_.GetVariableCurve(ink, dotSize, samples, error_) ? samples[0] : 0;
   };
   EXPECT_EQ((Ints{curve(1, 3), curve(1, 4), curve(1, 5), curve(1, 0), curve(2, 0), curve(3, 0)}),
             (Ints{11, 12, 13, 13, 23, 0}));
@@ -377,7 +367,7 @@ TEST_F(AdjustFiles, VariableCurves) {
   EXPECT_EQ(curve(2, 3), 0);
   EXPECT_EQ(Message(), NoKey(u"VD01Curve_0002"));
   std::uint16_t limit[256] = {};
-  EXPECT_TRUE(file.GetInkLimitCurve(limit, 1, error_));
+  EXPECT_TRUE(special_.GetInkLimitCurve(limit, 1, error_));
   EXPECT_EQ(limit[0], 50);
 }
 

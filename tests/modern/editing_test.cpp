@@ -222,10 +222,8 @@ TEST(ModernCalibrations, AddFindAndRemove) {
   EXPECT_FALSE(read.CalibrationCurve(0xFFFFFFFF, CalibrationCurves::kInkLimit, 1));
   EXPECT_EQ(read.CurvesOfCalibration(second, CalibrationCurves::kLinearization).size(), 1u);
 
-  EXPECT_THAT(WhatFails([&] {
-                read.AddCalibration({std::string(21, 'x'), 0, At(1), {}, {}, {}});
-              }),
-              HasSubstr("calibration name"));
+  const nvx::CalibrationData tooLong{std::string(21, 'x'), 0, At(1), {}, {}, {}};
+  EXPECT_THAT(WhatFails([&] { read.AddCalibration(tooLong); }), HasSubstr("calibration name"));
   EXPECT_TRUE(read.RemoveCalibration(first));
   EXPECT_FALSE(read.RemoveCalibration(first));
   EXPECT_EQ(read.Calibrations().size(), 1u);

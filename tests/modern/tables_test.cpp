@@ -53,10 +53,8 @@ TEST(ModernLamp, PatternsAnswerByCondition) {
   EXPECT_TRUE(read.Access().GetUVLamp500SplitParamCount(split, 1, 1, 0, 0, 345, &error));
   EXPECT_EQ(split, 3);
 
-  EXPECT_THAT(WhatFails([&] {
-                profile.SetLampPatterns(std::array{Pattern({Condition::Is(-2), any, any, any}, {})});
-              }),
-              HasSubstr("condition"));
+  const std::array wrong{Pattern({Condition::Is(-2), any, any, any}, {})};
+  EXPECT_THAT(WhatFails([&] { profile.SetLampPatterns(wrong); }), HasSubstr("condition"));
   EXPECT_EQ(profile.LampPatterns().size(), 3u);
 }
 
@@ -116,8 +114,7 @@ TEST(ModernSpecialColors, RecommendationsByCondition) {
   profile.SetSpecialColors(table);
   EXPECT_EQ(profile.Info().separateWayCode, 3);
   Profile read = Again(profile);
-  EXPECT_EQ(read.RecommendedLevel({299, 4}, std::array{3, 7}), 0);
-  EXPECT_EQ(read.RecommendedLevel({299, 4}, std::array{7, 3}), 0);
+  for (const auto& colors : {std::array{3, 7}, {7, 3}}) EXPECT_EQ(read.RecommendedLevel({299, 4}, colors), 0);
   EXPECT_EQ(read.RecommendedLevel({1, 1}, std::array{5}), 2);
   EXPECT_EQ(read.RecommendedLevel({1, 1}, std::array{6, 200}), 3);
   EXPECT_FALSE(read.RecommendedLevel({1, 1}, std::array{1, 2, 3}));
@@ -171,10 +168,8 @@ TEST(ModernMasks, RulesAndPatterns) {
   EXPECT_EQ(packed->size(), read.Access().GetMaskParameterAndPatternBuffer(nullptr, 4, 0, 1, 2, colors, &error));
   EXPECT_FALSE(read.PackedMask({5, 0, 1, {}}));
 
-  EXPECT_THAT(WhatFails([&] {
-                profile.SetMaskBlocks(std::array{nvx::MaskBlock{3, {1}, {}}});
-              }),
-              HasSubstr("another entry"));
+  const std::array block{nvx::MaskBlock{3, {1}, {}}};
+  EXPECT_THAT(WhatFails([&] { profile.SetMaskBlocks(block); }), HasSubstr("another entry"));
   masks.rules[0].patterns = {8};
   EXPECT_THAT(WhatFails([&] { profile.SetMasks(masks); }), HasSubstr("no pattern 8"));
   masks.rules[0].patterns = std::vector<std::uint32_t>(16, 7);
@@ -198,10 +193,8 @@ TEST(ModernMasks, Blocks) {
   EXPECT_TRUE(profile.RemoveEntry(nvx::EntryKind::kMaskBlocks));
   EXPECT_EQ(profile.Info().outputFourthValue, -1);
   EXPECT_EQ(Again(profile).Info().minorVersion, 0u);
-  EXPECT_THAT(WhatFails([&] {
-                profile.SetMaskBlocks(std::array{nvx::MaskBlock{3, {1, 2}, {}}});
-              }),
-              HasSubstr("has 1 values"));
+  const std::array tooMany{nvx::MaskBlock{3, {1, 2}, {}}};
+  EXPECT_THAT(WhatFails([&] { profile.SetMaskBlocks(tooMany); }), HasSubstr("has 1 values"));
   EXPECT_THAT(WhatFails([&] { profile.SetMaskBlocks(std::array{nvx::MaskBlock{7, {}, {}}}); }), HasSubstr("no such"));
 }
 

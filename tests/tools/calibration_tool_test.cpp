@@ -155,19 +155,18 @@ TEST_F(CalibrationTool, CalibrateAppendsMeasuredCurves) {
   EXPECT_EQ(added["curves"][0]["curves"][0]["samples"], json({0, 60000}));
 
   const Bytes before = ReadBytes(folder_.File("a.icc"));
-  const std::vector<std::pair<std::string, std::string>> mistakes{
-      {"", "line 1: the text is empty"},
-      {"ink,index\n1,0\n", "line 1: the column \"sample\" is missing"},
-      {"ink,index,sample\n", "there are no curves"},
-      {"ink,index,sample\n1,0,0\n1,2,5\n", "line 3: the samples of a curve stand together"},
-      {"ink,index,sample\n1,0,0\n\n1,1,65536\n", "line 4: the sample is \"65536\""},
-      {"ink,index,sample\n300,0,0\n", "line 2: the ink is \"300\""},
-      {"ink,index,sample\n1,0\n", "line 2: 2 fields stand where 3 are named"},
-      {"ink,index,sample\n1,0,0\n2,0,0\n1,0,0\n", "line 4: the ink 1 has this curve already"},
-      {"ink,index,sample,entry\n1,0,0,ucr\n", "line 2: a calibration has linearization"},
-      {"ink,index,sample,entry,extend\n1,0,0,ink-limit,14\n",
-       "line 2: an ink limit of a calibration has the extend 12"},
-      {"ink,index,sample,name\n1,0,0,\"x\n", "line 2: a quote is not closed"}};
+  const TextPairs mistakes{{"", "line 1: the text is empty"},
+                           {"ink,index\n1,0\n", "line 1: the column \"sample\" is missing"},
+                           {"ink,index,sample\n", "there are no curves"},
+                           {"ink,index,sample\n1,0,0\n1,2,5\n", "line 3: the samples of a curve stand together"},
+                           {"ink,index,sample\n1,0,0\n\n1,1,65536\n", "line 4: the sample is \"65536\""},
+                           {"ink,index,sample\n300,0,0\n", "line 2: the ink is \"300\""},
+                           {"ink,index,sample\n1,0\n", "line 2: 2 fields stand where 3 are named"},
+                           {"ink,index,sample\n1,0,0\n2,0,0\n1,0,0\n", "line 4: the ink 1 has this curve already"},
+                           {"ink,index,sample,entry\n1,0,0,ucr\n", "line 2: a calibration has linearization"},
+                           {"ink,index,sample,entry,extend\n1,0,0,ink-limit,14\n",
+                            "line 2: an ink limit of a calibration has the extend 12"},
+                           {"ink,index,sample,name\n1,0,0,\"x\n", "line 2: a quote is not closed"}};
   for (const auto& [csv, message] : mistakes) {
     EXPECT_THAT(calibrate(csv), Fails(message));
   }

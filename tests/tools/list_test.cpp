@@ -137,14 +137,13 @@ TEST_F(ToolList, NamesWhatItCannotReadAndGoesOn) {
 }
 
 TEST_F(ToolList, RefusesWhatItDoesNotUnderstand) {
-  for (const auto& [option, value] :
-       std::vector<std::pair<std::string, std::string>>{{"--columns", "model,weight"},
-                                                        {"--sort", "-weight"},
-                                                        {"--older-than", "d"},
-                                                        {"--older-than", "90"},
-                                                        {"--older-than", "90m"},
-                                                        {"--older-than", "x90d"},
-                                                        {"--older-than", "2024-13-01x"}}) {
+  for (const auto& [option, value] : TextPairs{{"--columns", "model,weight"},
+                                               {"--sort", "-weight"},
+                                               {"--older-than", "d"},
+                                               {"--older-than", "90"},
+                                               {"--older-than", "90m"},
+                                               {"--older-than", "x90d"},
+                                               {"--older-than", "2024-13-01x"}}) {
     EXPECT_THAT(RunTool({"list", folder_.Path().string(), option, value}), IsWrongUsage()) << option << value;
   }
 }

@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace nvx::test {
@@ -18,6 +19,7 @@ inline constexpr const char* kFrameProfile = "/usr/share/color/icc/ghostscript/d
 inline const std::string kExamples = NVXPROFILE_SOURCE_FOLDER "/examples";
 
 using Samples = std::vector<std::uint32_t>;
+using TextPairs = std::vector<std::pair<std::string, std::string>>;
 
 // Samples of 16 bits of a function from 0..1 to 0..1.
 template <class Function>

@@ -65,14 +65,13 @@ TEST(ToolStreams, EveryCommandNamesTheFileAndTheCause) {
   const ScopedVariable table("NVXPROFILE_PROFILE_DIR", nullptr);
   const ScopedVariable home("XDG_CONFIG_HOME", folder.Path().string());
   const std::string longName = folder.File(std::string(300, 'x'));
-  const std::vector<std::pair<std::string, std::string>> cases{
-      {folder.File("none"), "No such file or directory"},
-      {folder.Path().string(), "is a folder"},
-      {folder.File("fifo"), "is a pipe"},
-      {"/dev/null", "is a device"},
-      {longName, "File name too long"},
-      {folder.File("text"), "ICC profile: ends inside the header"},
-      {kExamples + "/legacy/glossy.qpf", "conversion table: no folder is set for it"}};
+  const TextPairs cases{{folder.File("none"), "No such file or directory"},
+                        {folder.Path().string(), "is a folder"},
+                        {folder.File("fifo"), "is a pipe"},
+                        {"/dev/null", "is a device"},
+                        {longName, "File name too long"},
+                        {folder.File("text"), "ICC profile: ends inside the header"},
+                        {kExamples + "/legacy/glossy.qpf", "conversion table: no folder is set for it"}};
   for (const auto& [file, cause] : cases) {
     for (const char* const command :
          {"info", "media", "lut", "masks", "lamp", "special", "history", "curves", "dump"}) {

@@ -60,20 +60,17 @@ TEST_F(ToolValues, AreNamedByPointerAndByShortName) {
     EXPECT_EQ(json::parse(line), wanted[count]) << arguments[count + 3];
   EXPECT_EQ(count, wanted.size());
 
-  for (const auto& [path, value] :
-       std::vector<std::pair<std::string, std::string>>{{"record/MediaName", "Glossy film"},
-                                                        {"record/ModelNumber", Get("/record/Binary/ModelNumber")},
-                                                        {"media/heater/0", "45"},
-                                                        {"linearization/ink/1/samples/0", "0"},
-                                                        {"6/optionInfo", "0"}}) {
-    EXPECT_EQ(Get(path), value);
-  }
-  for (const auto& [path, message] : std::vector<std::pair<std::string, std::string>>{
-           {"linearization/ink/77/samples", "there is no curve of ink 77"},
-           {"media/heater/16", "/parameters: there is no item \"16\" here, but 0 to"},
-           {"heater/0", "\"heater\" is nothing that the profile has"},
-           {"/entries/99", "/entries: the position of an entry is expected"},
-           {"", "nothing that the profile has"}}) {
+  EXPECT_EQ(Get("record/MediaName"), "Glossy film");
+  EXPECT_EQ(Get("record/ModelNumber"), Get("/record/Binary/ModelNumber"));
+  EXPECT_EQ(Get("media/heater/0"), "45");
+  EXPECT_EQ(Get("linearization/ink/1/samples/0"), "0");
+  EXPECT_EQ(Get("6/optionInfo"), "0");
+  for (const auto& [path, message] :
+       TextPairs{{"linearization/ink/77/samples", "there is no curve of ink 77"},
+                 {"media/heater/16", "/parameters: there is no item \"16\" here, but 0 to"},
+                 {"heater/0", "\"heater\" is nothing that the profile has"},
+                 {"/entries/99", "/entries: the position of an entry is expected"},
+                 {"", "nothing that the profile has"}}) {
     EXPECT_THAT(RunTool({"get", file_, path}), Fails(message));
   }
 }
