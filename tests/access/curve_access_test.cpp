@@ -271,12 +271,12 @@ TEST(CurveAccess, MergeArraysCountOutputAndIndices) {
   EXPECT_THAT(out, ElementsAre(9, 9, 9));
   access.MergeArrayDWORD(out.data(), first.data(), second.data(), 2);
   EXPECT_THAT(out, ElementsAre(200000, 100000, 9));
-  std::uint8_t bytes[] = {0, 1, 7, 8};
-  access.MergeArrayBYTE(bytes, bytes, bytes + 2, 2);
-  EXPECT_THAT(bytes, ElementsAre(7, 8, 7, 8));
-  std::uint16_t words[] = {1, 0, 700, 800};
-  access.MergeArrayWORD(words, words, words + 2, 2);
-  EXPECT_THAT(words, ElementsAre(800, 700, 700, 800));
+  std::uint8_t bytes[] = {9, 9, 1, 0, 7, 8};
+  access.MergeArrayBYTE(bytes, bytes + 2, bytes + 4, 2);
+  EXPECT_THAT(bytes, ElementsAre(8, 7, 1, 0, 7, 8));
+  std::uint16_t words[] = {9, 9, 1, 0, 700, 800};
+  access.MergeArrayWORD(words, words + 2, words + 4, 2);
+  EXPECT_THAT(words, ElementsAre(800, 700, 1, 0, 700, 800));
 }
 
 TEST(IccAccess, TheReplacementFallsBackOnTheProfile) {

@@ -63,6 +63,9 @@ TEST(Container, AnEmptyTableLoadsWithoutARoute) {
   CProfileData data;
   EXPECT_TRUE(Load(Container({}), data));
   EXPECT_FALSE(data.GetRouteStartPos());
+  CNvxMemFile file;
+  EXPECT_FALSE(CProfileFileQCT().SaveData(file, &data, 1));
+  EXPECT_EQ(file.Buffer, nullptr) << "nothing is written of a route that is not there";
 }
 
 TEST(Container, RefusesWhatIsBrokenAndSaysWhere) {

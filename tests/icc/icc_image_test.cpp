@@ -312,6 +312,28 @@ TEST(IccImage, TagsThatAreOpenedApartLeaveTheSameImage) {
 }
 
 // The three ways to take an image out are held against each other as well.
+// Tags side by side at odd offsets move up where each is placed at a multiple of 4, although one has been taken out.
+TEST(IccImage, TagsThatMoveUpAreNotWrittenOverEachOther) {
+  constexpr std::uint32_t kTags = 8, kSize = 5, kStart = 132 + 12 * (kTags + 1);
+  std::vector<IccPart> table;
+  std::string data;
+  for (std::uint32_t i = 0; i < kTags; ++i) {
+    table.push_back({std::string("tag") + static_cast<char>('0' + i), kStart + kSize * i, kSize});
+    data += std::string(kSize, static_cast<char>('0' + i));
+  }
+  table.push_back({"last", kStart + kSize * kTags, 100});
+  auto image = IccImage::Open(IccBytes(table, BigBuilder().Text(data + std::string(100, 'x'))));
+  ASSERT_NE(image, nullptr);
+  image->RemoveTag(Signature("last"));
+  std::uint32_t size = 0;
+  const Block released = std::move(*image).Release(size);
+  const auto again = IccImage::Open(Bytes(released.get(), released.get() + size));
+  ASSERT_NE(again, nullptr);
+  for (std::uint32_t i = 0; i < kTags; ++i) {
+    EXPECT_EQ(TagText(*again, Signature("tag0") + i), std::string(kSize, static_cast<char>('0' + i)));
+  }
+}
+
 TEST(IccImage, AgreesWithAMapOfTagsUnderRandomEdits) {
   std::mt19937 random(20240229);
   for (int round = 0; round < 300; ++round) {

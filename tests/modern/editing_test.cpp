@@ -40,7 +40,8 @@ TEST(ModernCurves, ReplaceAppendAndRemove) {
   EXPECT_THAT(KeysOf(profile.Curves(CurveKind::kVariable)), ElementsAre(Key(4, 2), Key(2, 1)));
 
   const nvx::Curve read = Again(profile).Curves(CurveKind::kVariable).front();
-  EXPECT_EQ(std::tuple(read.slot, read.displayRgb, read.max, read.name), std::tuple(5u, 0x112233u, 65535u, "Ink"));
+  EXPECT_EQ(std::tuple(read.slot, read.displayRgb, read.min, read.max, read.name),
+            std::tuple(5u, 0x112233u, 17u, 65535u, "Ink"));
 
   // A set made of the profile's own curves.
   auto curves = profile.Curves(CurveKind::kVariable);

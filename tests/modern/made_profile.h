@@ -25,6 +25,7 @@ inline Curve CurveOfInk(std::uint8_t ink, std::uint32_t extendInfo, const std::v
   curve.extendInfo = extendInfo;
   curve.slot = ink + 1u;
   curve.displayRgb = 0x112233;
+  curve.min = 17;
   curve.max = 65535;
   curve.name = "Ink";
   curve.samples = Samples16(samples);

@@ -135,6 +135,13 @@ TEST(ModernProfile, SavesWhatThePublishedClassesChanged) {
   profile.RemoveEntry(EntryKind::kMasks);
   entry->GetCurveData()->FindInkIDEntry(1)->SetDataType(7);
   EXPECT_THAT(WhatFails([&] { profile.ToBytes(); }), HasSubstr("entry ink-limit"));
+
+  // A frame that stands elsewhere; its route is gone with it.
+  Profile astray = NewProfile();
+  CProfileData& routes = *astray.Access().GetProfileData();
+  routes.SetProfileDataEntry(routes.RemoveProfileDataEntry(CProfileDataEntry::kIcm, nvx::kRouteMain),
+                             nvx::kRouteReplaceProfile);
+  EXPECT_THAT(WhatFails([&] { astray.ToBytes(); }), HasSubstr("no ICC profile"));
 }
 
 TEST(ModernProfile, RandomProfilesComeBackWhole) {

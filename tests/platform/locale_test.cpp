@@ -100,6 +100,7 @@ TEST(Locale, WhatDoesNotConvertBecomesASubstitute) {
   const ScopedVariable page("NVXPROFILE_CODEPAGE", "1252");
   EXPECT_EQ(WideToAnsi(u"光x\xD83Dy\xDE00z\xD83D"), "?x?y?z?");
   EXPECT_EQ(WideToAnsi(u"\x80|\xF8F1"), "?|?") << "a control whose byte has a character, a private one of another page";
+  EXPECT_EQ(WideToAnsi(u"\x80"), "?");
   EXPECT_EQ(AnsiToWide(std::string(3000, '\x81')), std::u16string(3000, u'\x81'));
   EXPECT_EQ(AnsiToWide(std::string(3000, 'e')), std::u16string(3000, u'e'));
   EXPECT_EQ(AnsiToWide(""), u"");
@@ -180,9 +181,9 @@ TEST(Locale, AreasOfTheUserComeBack) {
   const struct {
     std::uint32_t page;
     char16_t last;
-    std::vector<std::pair<std::string, char16_t>> starts;
+    std::vector<std::pair<std::string, char16_t>> ends;
   } kPages[] = {
-      {936, 0xE864, {{"\xAA\xA1", 0xE000}, {"\xF8\xA1", 0xE234}, {"\xA1\x40", 0xE4C6}}},
+      {936, 0xE864, {{"\xAA\xA1", 0xE000}, {"\xF8\xA1", 0xE234}, {"\xFE\xFE", 0xE4C5}, {"\xA1\x40", 0xE4C6}}},
       {949, 0xE0BB, {{"\xC9\xA1", 0xE000}, {"\xFE\xA1", 0xE05E}}},
       {950, 0xF6B0, {{"\xFA\x40", 0xE000}, {"\x8E\x40", 0xE311}, {"\x81\x40", 0xEEB8}}},
   };
@@ -193,7 +194,7 @@ TEST(Locale, AreasOfTheUserComeBack) {
     const std::string narrow = WideToAnsi(all);
     EXPECT_EQ(narrow.size(), 2 * all.size()) << item.page;
     EXPECT_EQ(AnsiToWide(narrow), all) << item.page;
-    for (const auto& [bytes, character] : item.starts) {
+    for (const auto& [bytes, character] : item.ends) {
       EXPECT_EQ(AnsiToWide(bytes), std::u16string(1, character)) << item.page;
     }
   }
