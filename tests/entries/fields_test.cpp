@@ -171,6 +171,19 @@ TEST(Fields, ReplaceAPayloadAndKeepUnreadBytes) {
   EXPECT_EQ(BytesOf(target), ByteList{7});
 }
 
+TEST(Fields, ChildrenAreCompleteUnlessToldOtherwise) {
+  CCalibrationHistoryEntry history;
+  Told told;
+  told.values = {{"containerData", true},
+                 {"entries", std::size_t{1}},
+                 {"entries/0", true},
+                 {"entries/0/usedType", std::int64_t{CProfileDataEntry::kCalibrationTarget}},
+                 {"entries/0/payload", ByteList(8)}};
+  EXPECT_EQ(Refusal(history, told), "");
+  ASSERT_EQ(history.GetChildData().Children().Count(), 1u);
+  EXPECT_TRUE(history.GetChildData().Children().At(0)->IsComplete());
+}
+
 TEST(Fields, OfARecordComeBackEachInItsPlace) {
   for (const std::uint32_t layout : {nvx::kTextView, nvx::kBinaryView}) {
     CProfileData data;

@@ -135,6 +135,7 @@ TEST_F(Summary, RefusesHeadersThatLieAndNamesThem) {
       {IccFile({{"NVX1", First(entries, 396)}, {"NVX2", media}}), "header block: cut short"},
       {IccFile({{"NVX1", entries}}), "private tag: missing"},
       {IccFile({{"NVX1", entries}, {"NVX2", lying}}), "media names: count beyond the end"},
+      {IccFile({{"NVX1", entries}, {"NVX2", First(media, 8)}}), "media names: cut short"},
       {ByteBuilder().U8(0x20).Text("TCQ").U32(32, 7).Zero(20), "container header: wrong version"},
   };
   for (const auto& [bytes, rule] : cases) {

@@ -239,6 +239,12 @@ TEST(ModernProfile, Information) {
   info.scanResolution = 720;
   info.feedResolution = 1440;
   info.colorsetCode = 4;
+  info.inkTypeCode = 5;
+  info.inkMakerCode = 6;
+  info.inkVersion = 7;
+  info.dotType = 8;
+  info.halftoneCode = 9;
+  info.separateWayCode = 10;
   info.databaseKey = {1, 2, 3, 4, 5};
   info.outputThirdValue = 300;
   info.created = At(1'600'000'000);
@@ -247,11 +253,13 @@ TEST(ModernProfile, Information) {
   const nvx::ProfileInfo read = Profile::FromBytes(profile.ToBytes("a.icc"), "a.icc").Info();
   // What follows from the others.
   info.mediaName = "光沢紙";
+  info.renderingScan = 720;
   info.renderingFeed = 1440;
   const auto fields = [](const nvx::ProfileInfo& i) {
     return std::tie(i.modelCode, i.modelSubCode, i.internalCode, i.mediaCode, i.mediaName, i.defaultMediaName,
                     i.mediaNames, i.revision, i.createModule, i.maker, i.scanResolution, i.feedResolution,
-                    i.renderingFeed, i.colorsetCode, i.databaseKey, i.outputThirdValue, i.created);
+                    i.renderingScan, i.renderingFeed, i.colorsetCode, i.inkTypeCode, i.inkMakerCode, i.inkVersion,
+                    i.dotType, i.halftoneCode, i.separateWayCode, i.databaseKey, i.outputThirdValue, i.created);
   };
   EXPECT_TRUE(fields(read) == fields(info));
 
