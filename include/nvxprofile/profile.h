@@ -150,7 +150,7 @@ struct Curve {
   std::uint32_t displayRgb = 0;
   std::uint32_t min = 0;
   std::uint32_t max = 0;
-  std::string name;  // at most 91 bytes in the ANSI code page are written
+  std::string name;  // at most 91 bytes in the ANSI code page; one that is as it was read keeps its bytes
   Samples samples;
 };
 
@@ -158,7 +158,7 @@ struct Curve {
 struct TableChannel {
   std::uint8_t code = 0;
   std::uint32_t attribute = 0;
-  std::string name;  // at most 127 bytes in the ANSI code page
+  std::string name;  // at most 127 bytes in the ANSI code page; one that is as it was read keeps its bytes
 };
 
 // The colour separation table: grid points to the power of the inputs are its nodes, in one flat order whose axes are
@@ -181,14 +181,14 @@ struct MediaName {
 struct ProfileInfo {
   std::string fileName;                               // of the loaded file
   std::uint32_t majorVersion = 0, minorVersion = 0;   // worked out by a save
-  std::optional<std::chrono::sys_seconds> created;    // kept by a save
+  std::optional<std::chrono::sys_seconds> created;    // kept by a save, which puts the present for none
   std::optional<std::chrono::sys_seconds> updated;    // the time of the last save
-  std::string modelCode, modelSubCode, internalCode;  // digits, at most 4, 2 and 2
-  std::string mediaCode;                              // digits, at most 9
+  std::string modelCode, modelSubCode, internalCode;  // 4, 2 and 2 digits; zeros in front may be left out
+  std::string mediaCode;                              // 9 digits, likewise
   std::string mediaName;                              // in the language of the system
   std::string defaultMediaName;                       // where no name fits the language; at most 64 UTF-16 units
   std::vector<MediaName> mediaNames;
-  std::string revision;                                  // at most 4 units
+  std::string revision;                                  // at most 4 units; without any it is read as FFFF
   std::string createModule, maker;                       // at most 32 units each
   std::string printerComment;                            // of the conversion table
   std::uint32_t scanResolution = 0, feedResolution = 0;  // output, dots per inch across and along the medium
@@ -238,8 +238,9 @@ struct LampPattern {
 // What is recommended for special colours that are printed together.
 struct SpecialColorPattern {
   std::array<Condition, 2> conditions{Condition::Any(), Condition::Any()};
-  std::vector<Condition> colors;  // ink codes, or any; a hundred does not stand for its values here
-  std::int32_t level = 0;         // counts from 0
+  // Ink codes, or any, which are read in ascending order with any last; a hundred does not stand for its values here.
+  std::vector<Condition> colors;
+  std::int32_t level = 0;  // counts from 0
   std::int32_t density = 0;
   std::optional<std::size_t> curveSet;  // index into the curve sets of the table
 };
@@ -248,7 +249,7 @@ struct SpecialColorPattern {
 struct SpecialColorTable {
   std::uint32_t profileColorType = 0;
   std::vector<SpecialColorPattern> patterns;
-  std::vector<std::vector<Curve>> curveSets;  // all curves of a set have equally many samples of one width
+  std::vector<std::vector<Curve>> curveSets;  // the samples of all curves of a set take equally many bytes
 };
 
 // What masks are chosen by.
@@ -256,7 +257,7 @@ struct MaskCondition {
   std::uint32_t pass = 0;
   std::uint32_t specialColorset = 0;
   std::uint32_t printMethod = 0;
-  std::vector<std::uint32_t> layerColors;  // at most 10; a lookup goes by their number
+  std::vector<std::uint32_t> layerColors;  // at most 10, read in ascending order; a lookup goes by their number
 };
 
 // What the printer gets under one condition: a block of its own, and patterns of the set by ID.
@@ -306,7 +307,9 @@ struct Entry {
   bool complete = false;
   std::uint32_t optionInfo = 0;
   std::string label;
-  bool isUnderstood = false;  // the parsed form says all that the bytes say; true for kinds that have none
+  // The parsed form says all that the bytes say, but for reserved ones and those behind the form, which no reader looks
+  // at; true for kinds that have none.
+  bool isUnderstood = false;
 };
 
 struct ProfileState;
@@ -363,7 +366,7 @@ class NVX_EXPORT Profile {
   ProfileInfo Info() const;
   // Printer profiles alone. What their files do not store or a save works out is passed over: file name, versions,
   // update time, mediaName (which follows from the names), rendering resolutions, expand, printer comment and the
-  // fourth output value. Throws for a text that its field does not hold whole.
+  // fourth output value. Throws for a text that its field does not hold whole, and for a new time of creation of 0.
   void SetInfo(const ProfileInfo& info);
 
   // --- Curves ---
@@ -457,6 +460,7 @@ class NVX_EXPORT Profile {
   std::vector<Calibration> Calibrations() const;
   // The one with the greatest time above 0.
   std::optional<Calibration> NewestCalibration() const;
+  // Nothing for codes from 2^31 on, which print jobs cannot ask for.
   std::optional<Samples> CalibrationCurve(std::uint32_t code, CalibrationCurves kind, std::uint32_t ink) const;
   std::vector<Curve> CurvesOfCalibration(std::uint32_t code, CalibrationCurves kind) const;
   // Gives the new code.
@@ -468,7 +472,8 @@ class NVX_EXPORT Profile {
   // In the order of arrival.
   std::vector<Entry> Entries() const;
   std::optional<Entry> FindEntry(EntryKind kind) const;
-  // The bytes must be a whole form of the kind; those of ICC profiles are looked at when the profile is saved.
+  // The bytes must be a whole form of the kind, or an ICC profile whose tags lie inside. What stands behind the form
+  // says nothing: it may go with the next change, save or load.
   void SetEntryBytes(EntryKind kind, std::span<const std::uint8_t> bytes);
   bool RemoveEntry(EntryKind kind);
 

@@ -10,16 +10,24 @@
 
 #include <algorithm>
 #include <cstring>
+#include <map>
 #include <set>
 
 namespace nvx {
 
-std::optional<Samples> SamplesAt(const void* samples, int size, int dataType) {
-  if (samples == nullptr || size <= 0) return std::nullopt;
-  const auto bytes = static_cast<std::size_t>(size);
+namespace {
+
+std::optional<Samples> SamplesOf(const void* samples, std::size_t bytes, int dataType) {
   if (dataType == CCurveDataEntry::kSamples8) return Samples8(static_cast<const std::uint8_t*>(samples), bytes);
   if (dataType == CCurveDataEntry::kSamples16) return Samples16(static_cast<const std::uint16_t*>(samples), bytes / 2);
   return std::nullopt;
+}
+
+}  // namespace
+
+std::optional<Samples> SamplesAt(const void* samples, int size, int dataType) {
+  if (samples == nullptr || size <= 0) return std::nullopt;
+  return SamplesOf(samples, static_cast<std::size_t>(size), dataType);
 }
 
 Curve CurveOf(CCurveDataEntry& entry) {
@@ -31,9 +39,9 @@ Curve CurveOf(CCurveDataEntry& entry) {
   curve.min = entry.GetMin();
   curve.max = entry.GetMax();
   curve.name = Utf8OfAnsi(entry.GetInkName());
+  // One without samples has a width as well, without which it could not be written again.
   curve.samples =
-      SamplesAt(entry.GetRefBuffer(), static_cast<int>(entry.GetSize()), static_cast<int>(entry.GetDataType()))
-          .value_or(Samples());
+      SamplesOf(entry.GetRefBuffer(), entry.GetSize(), static_cast<int>(entry.GetDataType())).value_or(Samples());
   return curve;
 }
 
@@ -54,20 +62,45 @@ void CopySamples(std::span<const Sample> samples, CCurveDataEntry& curve) {
   if (!samples.empty()) std::memcpy(target, samples.data(), samples.size_bytes());
 }
 
-bool HasKeys(const CCurveDataEntry& entry, const Curve& curve) {
-  return entry.GetInkID() == curve.ink && entry.GetExtendInfo() == curve.extendInfo;
+using CurveKeys = std::pair<std::uint32_t, std::uint32_t>;
+
+CurveKeys KeysOf(const CCurveDataEntry& entry) { return {entry.GetInkID(), entry.GetExtendInfo()}; }
+CurveKeys KeysOf(const Curve& curve) { return {curve.ink, curve.extendInfo}; }
+
+// A text of the ANSI code page for a field that has this one already. One that says the same keeps its bytes: text of
+// another code page than that of the system would be lost, or be in the way of all other changes.
+std::string KeptField(std::string_view text, std::size_t most, const char* what, const char* former) {
+  if (former != nullptr && Utf8OfAnsi(former) == text) return former;
+  return AnsiField(text, most, what);
 }
 
-// The same curves with one replaced, added or, for null, left out.
-bool ChangeCurve(CCurveData& set, const Curve& keys, std::unique_ptr<CCurveDataEntry> changed) {
+// A curve of the published classes with copies of the samples, in the place of another one unless that is null.
+std::unique_ptr<CCurveDataEntry> NewCurve(const Curve& curve, const CCurveDataEntry* former) {
+  const bool is16Bit = std::holds_alternative<Samples16>(curve.samples);
+  std::unique_ptr<CCurveDataEntry> entry(
+      CCurveDataEntry::CreateCurveDataEntry(is16Bit ? CCurveDataEntry::kSamples16 : CCurveDataEntry::kSamples8));
+  entry->SetInkID(curve.ink);
+  entry->SetExtendInfo(curve.extendInfo);
+  entry->SetSlotNo(curve.slot);
+  entry->SetDisplayRGB(curve.displayRgb);
+  entry->SetMin(curve.min);
+  entry->SetMax(curve.max);
+  const char* const formerName = former != nullptr ? former->GetInkName() : nullptr;
+  entry->SetInkName(KeptField(curve.name, kInkNameBytes, "ink name", formerName).c_str());
+  std::visit([&](auto samples) { CopySamples(samples, *entry); }, curve.samples);
+  return entry;
+}
+
+// The same curves with one replaced, added or, without `changed`, left out.
+bool ChangeCurve(CCurveData& set, const CurveKeys& keys, const Curve* changed) {
   std::vector<CCurveDataEntry*> curves(set.Curves().begin(), set.Curves().end());
   const auto place =
-      std::find_if(curves.begin(), curves.end(), [&](const CCurveDataEntry* entry) { return HasKeys(*entry, keys); });
+      std::find_if(curves.begin(), curves.end(), [&](const CCurveDataEntry* entry) { return KeysOf(*entry) == keys; });
   const bool isThere = place != curves.end();
-  if (!isThere && !changed) return false;
-  if (!isThere) return set.AddTail(changed.release());
+  if (!isThere) return changed != nullptr && set.AddTail(NewCurve(*changed, nullptr).release());
+  std::unique_ptr<CCurveDataEntry> next = changed != nullptr ? NewCurve(*changed, *place) : nullptr;
   const std::unique_ptr<CCurveDataEntry> former(*place);
-  changed ? void(*place = changed.release()) : void(curves.erase(place));
+  next ? void(*place = next.release()) : void(curves.erase(place));
   set.SetAutoDelete(false);
   set.DeleteContents();
   set.SetAutoDelete(true);
@@ -91,29 +124,17 @@ std::optional<Samples> Ask(CProfileAccess& access, Method method, Keys... keys) 
 
 }  // namespace
 
-std::unique_ptr<CCurveDataEntry> NewCurve(const Curve& curve) {
-  const bool is16Bit = std::holds_alternative<Samples16>(curve.samples);
-  std::unique_ptr<CCurveDataEntry> entry(
-      CCurveDataEntry::CreateCurveDataEntry(is16Bit ? CCurveDataEntry::kSamples16 : CCurveDataEntry::kSamples8));
-  entry->SetInkID(curve.ink);
-  entry->SetExtendInfo(curve.extendInfo);
-  entry->SetSlotNo(curve.slot);
-  entry->SetDisplayRGB(curve.displayRgb);
-  entry->SetMin(curve.min);
-  entry->SetMax(curve.max);
-  entry->SetInkName(AnsiField(curve.name, kInkNameBytes, "ink name").c_str());
-  std::visit([&](auto samples) { CopySamples(samples, *entry); }, curve.samples);
-  return entry;
-}
-
 void FillCurves(CCurveData& set, std::span<const Curve> curves) {
-  std::set<std::pair<std::uint32_t, std::uint32_t>> keys;
+  std::map<CurveKeys, const CCurveDataEntry*> formers;
+  for (const CCurveDataEntry* const curve : set.Curves()) formers.emplace(KeysOf(*curve), curve);
+  std::set<CurveKeys> keys;
   std::vector<std::unique_ptr<CCurveDataEntry>> entries;
   for (const Curve& curve : curves) {
-    if (!keys.emplace(curve.ink, curve.extendInfo).second) {
+    if (!keys.insert(KeysOf(curve)).second) {
       Fail("two curves of ink " + std::to_string(curve.ink) + " and ExtendInfo " + std::to_string(curve.extendInfo));
     }
-    entries.push_back(NewCurve(curve));
+    const auto former = formers.find(KeysOf(curve));
+    entries.push_back(NewCurve(curve, former != formers.end() ? former->second : nullptr));
   }
   set.DeleteContents();
   for (std::unique_ptr<CCurveDataEntry>& entry : entries) set.AddTail(entry.release());
@@ -173,7 +194,7 @@ std::vector<Curve> Profile::Curves(CurveKind kind) const {
 
 void Profile::SetCurve(CurveKind kind, const Curve& curve) {
   const auto entry = state_->EditableCopy<CProfileCurveEntry>(KindOf(kind));
-  ChangeCurve(*entry->GetCurveData(), curve, NewCurve(curve));
+  ChangeCurve(*entry->GetCurveData(), KeysOf(curve), &curve);
   state_->Store(*entry);
 }
 
@@ -186,10 +207,7 @@ void Profile::SetCurves(CurveKind kind, std::span<const Curve> curves) {
 bool Profile::RemoveCurve(CurveKind kind, std::uint8_t ink, std::uint32_t extendInfo) {
   if (!Has(KindOf(kind))) return false;
   const auto entry = state_->EditableCopy<CProfileCurveEntry>(KindOf(kind));
-  Curve keys;
-  keys.ink = ink;
-  keys.extendInfo = extendInfo;
-  if (!ChangeCurve(*entry->GetCurveData(), keys, nullptr)) return false;
+  if (!ChangeCurve(*entry->GetCurveData(), {ink, extendInfo}, nullptr)) return false;
   state_->Store(*entry);
   return true;
 }
@@ -208,10 +226,17 @@ std::vector<TableChannel> ChannelsOf(std::span<const CLutChannelInf> channels) {
   return list;
 }
 
-void SetChannel(CLutChannelInf& channel, const TableChannel& wanted) {
+// The channel of a table in the place of the one that the former table has there.
+void SetChannel(CLutChannelInf& channel, const TableChannel& wanted, const std::vector<CLutChannelInf>& formers,
+                std::size_t place) {
+  const char* const formerName = place < formers.size() ? formers[place].GetChannelName() : nullptr;
   channel.SetChannelCode(wanted.code);
   channel.SetChannelAttribute(wanted.attribute);
-  channel.SetChannelName(AnsiField(wanted.name, kChannelNameBytes, "channel name").c_str());
+  channel.SetChannelName(KeptField(wanted.name, kChannelNameBytes, "channel name", formerName).c_str());
+}
+
+std::vector<CLutChannelInf> CopiesOf(std::span<const CLutChannelInf> channels) {
+  return {channels.begin(), channels.end()};
 }
 
 }  // namespace
@@ -237,15 +262,18 @@ void Profile::SetTable(const SeparationTable& table) {
   }
   const auto entry = state_->EditableCopy<CSeparateChromaEntry>(EntryKind::kSeparationTable);
   CLutData& data = *entry->GetLutData();
+  const std::vector<CLutChannelInf> formerInputs = CopiesOf(std::as_const(data).InputChannels());
+  const std::vector<CLutChannelInf> formerOutputs = CopiesOf(std::as_const(data).OutputChannels());
   // Its samples may be those of this profile.
   data.Initialize(inputs, outputs, table.gridPoints);
   const SampleRun run = data.GetRun(0);
   if (run.size != table.samples.size()) Fail("separation table: too large");
   std::memcpy(run.samples, table.samples.data(), run.size);
-  for (std::uint32_t i = 0; i < inputs; ++i)
-    SetChannel(*data.GetAtInputChannelInf(static_cast<int>(i)), table.inputs[i]);
+  for (std::uint32_t i = 0; i < inputs; ++i) {
+    SetChannel(*data.GetAtInputChannelInf(static_cast<int>(i)), table.inputs[i], formerInputs, i);
+  }
   for (std::uint32_t i = 0; i < outputs; ++i) {
-    SetChannel(*data.GetAtOutputChannelInf(static_cast<int>(i)), table.outputs[i]);
+    SetChannel(*data.GetAtOutputChannelInf(static_cast<int>(i)), table.outputs[i], formerOutputs, i);
   }
   state_->Store(*entry);
 }

@@ -105,6 +105,8 @@ class RecordChange {
   void Values() const {
     if (after_.created != before_.created) {
       record_.CreateTimeValue = after_.created ? after_.created->time_since_epoch().count() : 0;
+      // As a time it would be none, and a save would put the present in its place.
+      if (after_.created && record_.CreateTimeValue == 0) Fail("time of creation: 0");
     }
     record_.ScanResolution = after_.scanResolution;
     record_.FeedResolution = after_.feedResolution;
@@ -125,6 +127,17 @@ class RecordChange {
 };
 
 }  // namespace
+
+void WorkOut(_tagDeviceProfileInfo& record) {
+  const std::u16string_view revision = FieldText(record.Binary.StoredRevisionCode);
+  // Of none a load makes this.
+  CopyText(record.RevisionCode, revision.empty() ? std::u16string_view(u"FFFF") : revision);
+  CProfileFileQPFv3 format;
+  format.SetPrinterFileToData(&record);
+  format.SetupMediaFileToData(&record);
+  record.CreateTime = {};
+  if (record.CreateTimeValue != 0) format.ConvertTime64ToSYSTEMTIME(record.CreateTimeValue, &record.CreateTime);
+}
 
 ProfileInfo Profile::Info() const {
   const _tagDeviceProfileInfo& record = state_->Record();
@@ -171,11 +184,7 @@ void Profile::SetInfo(const ProfileInfo& info) {
     record.Binary.MediaInfo = state_->Record().Binary.MediaInfo;
     record.Binary.MediaInfoCount = state_->Record().Binary.MediaInfoCount;
   }
-  CopyText(record.RevisionCode, FieldText(record.Binary.StoredRevisionCode));
-  CProfileFileQPFv3 format;
-  format.SetPrinterFileToData(&record);
-  format.SetupMediaFileToData(&record);
-  format.ConvertTime64ToSYSTEMTIME(record.CreateTimeValue, &record.CreateTime);
+  WorkOut(record);
   state_->Record() = record;
 }
 

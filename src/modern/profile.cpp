@@ -13,6 +13,7 @@
 #include <nvxprofile/icm_entry.h>
 #include <nvxprofile/mask_download.h>
 #include <nvxprofile/profile_file_qpf.h>
+#include <nvxprofile/special_color.h>
 #include <nvxprofile/text_conversion.h>
 
 #include <algorithm>
@@ -34,10 +35,19 @@ std::u16string WideOfPath(const std::basic_string<Unit>& path) {
   }
 }
 
+bool HoldsZero(std::u16string_view path) { return path.find(u'\0') != path.npos; }
+
+// The system would take what stands before a zero for all of it.
+std::u16string WideName(std::string_view name) {
+  std::u16string wide = PathToWide(name);
+  if (HoldsZero(wide)) Fail("a name that holds a zero");
+  return wide;
+}
+
 // A block of memory that is written and read as the file of a name.
 class NamedMemory : public CNvxMemFile {
  public:
-  explicit NamedMemory(std::string_view name) { Attach(-1, PathToWide(name)); }
+  explicit NamedMemory(std::string_view name) { Attach(-1, WideName(name)); }
   NamedMemory(std::span<const std::uint8_t> bytes, std::string_view name) : NamedMemory(name) {
     Buffer = const_cast<std::uint8_t*>(bytes.data());
     Length = static_cast<std::uint32_t>(bytes.size());
@@ -276,6 +286,13 @@ void ProfileState::Take(std::unique_ptr<CProfileDataEntry> entry) {
     model.SetProfileDataEntry(entry.release(), model.Routes().empty() ? kRouteIccRoot : model.Routes().begin()->first);
   }
   RenewRecord();
+  if (type.usedType == CProfileDataEntry::kSpecialColorInfo) TakeSeparateWay();
+}
+
+void ProfileState::TakeSeparateWay() {
+  const auto* const colors = Payload<CSpecialColorInfoEntry>(EntryKind::kSpecialColors);
+  const bool decides = colors != nullptr && colors->GetSpecialColorInfoData()->GetProfileColorType() == 1;
+  if (decides) Record().SeparateWayCode = 3;
 }
 
 void ProfileState::RenewRecord() {
@@ -374,6 +391,7 @@ std::variant<std::unique_ptr<ProfileState>, ProfileError> StateOf(CNvxFile& file
 
 std::variant<std::unique_ptr<ProfileState>, ProfileError> StateOf(const fs::path& path) {
   const std::u16string wide = WideOfPath(path.native());
+  if (HoldsZero(wide)) return ProfileError("a path that holds a zero");
   CNvxFile file;
   if (!file.Open(wide.c_str(), kGenericRead, kShareRead, kOpenExisting)) return NotOpened(wide);
   return StateOf(file);
@@ -407,6 +425,7 @@ Profile Profile::Create(std::span<const std::uint8_t> iccProfile) {
   auto model = std::make_unique<CProfileData>();
   SelectBinaryView(*model->GetProfileInfo());
   model->GetProfileInfo()->ProfileMajorVersion = 3;
+  WorkOut(*model->GetProfileInfo());
   state->access.Serve(std::move(model), kPrinterProfile);
   Profile profile(std::move(state));
   profile.SetIccProfile(iccProfile);
@@ -414,8 +433,9 @@ Profile Profile::Create(std::span<const std::uint8_t> iccProfile) {
 }
 
 void Profile::Save(const fs::path& path) {
-  Prepare(*state_);
   const std::u16string wide = WideOfPath(path.native());
+  if (HoldsZero(wide)) Fail("a path that holds a zero");
+  Prepare(*state_);
   const char16_t* const target = wide.c_str();
   std::uint32_t ignored = 0;
   const bool isWritten = Format() == kPlainIcc

@@ -64,7 +64,12 @@ struct ProfileState {
 
   // Makes the record say of the entries what a load would.
   void RenewRecord();
+  // The same of a table of special colours that has just come.
+  void TakeSeparateWay();
 };
+
+// Makes what a load works out of a printer profile's record: codes as texts, and the time of creation in parts.
+void WorkOut(_tagDeviceProfileInfo& record);
 
 [[noreturn]] void Fail(const std::string& message);
 // As "entry ink-limit".
@@ -84,8 +89,6 @@ std::string Utf8OfAnsi(std::string_view text);
 std::optional<Samples> SamplesAt(const void* samples, int size, int dataType);
 Curve CurveOf(CCurveDataEntry& entry);
 std::vector<Curve> CurvesOf(const CCurveData& set);
-// A curve of the published classes with copies of the samples.
-std::unique_ptr<CCurveDataEntry> NewCurve(const Curve& curve);
 // Makes these the curves of a set. Throws for two of one ink and ExtendInfo.
 void FillCurves(CCurveData& set, std::span<const Curve> curves);
 

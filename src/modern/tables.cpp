@@ -601,8 +601,6 @@ void Profile::SetSpecialColors(const SpecialColorTable& table) {
   entry.GetSpecialColorInfoData()->SetProfileColorType(table.profileColorType);
   entry.GetSpecialColorInfoData()->AddTail(stored.release());
   state_->Store(entry);
-  // As a load does.
-  if (table.profileColorType == 1) state_->Record().SeparateWayCode = 3;
 }
 
 }  // namespace nvx
