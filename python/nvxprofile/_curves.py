@@ -19,7 +19,7 @@ from typing import (
 import numpy as np
 import numpy.typing as npt
 
-from ._arrays import Samples, samples_of
+from ._arrays import Samples, need, samples_of
 
 if TYPE_CHECKING:
     from . import _core
@@ -115,14 +115,21 @@ def curves_of(curves: Union[Iterable[Curve], Mapping[Any, npt.ArrayLike]], exten
             Curve(key[0], samples, key[1]) if isinstance(key, tuple) else Curve(key, samples, extend_info)
             for key, samples in curves.items()
         ]
-    return [curve._tuple() for curve in curves]
+    return [need(curve, Curve)._tuple() for curve in curves]
+
+
+def _plain(key: object) -> object:
+    """A key in numbers of Python: those of NumPy make an array of a pair that they are compared with."""
+    if isinstance(key, tuple):
+        return tuple(map(_plain, key))
+    return key.item() if isinstance(key, np.generic) else key
 
 
 class CurveMap(Mapping[Key, Samples]):
     """The curves of a set as views of their samples, by ``ink`` or by ``(ink, extend_info)``.
 
-    An ink alone means its first curve, as in the queries of a print job. The keys that it is walked by are pairs, in
-    the order of the profile. What is not there is a KeyError.
+    An ink alone means its first curve, as in the queries of a print job, but for ``Profile.variable_ink_limit``. The
+    keys that it is walked by are pairs, in the order of the profile. What is not there is a KeyError.
     """
 
     __slots__ = ("_read",)
@@ -142,6 +149,7 @@ class CurveMap(Mapping[Key, Samples]):
         return found
 
     def _find(self, key: object) -> Optional[Curve]:
+        key = _plain(key)
         for fields in self._read():
             if key == fields[0] or key == fields[:2]:
                 return Curve._of(fields)
@@ -171,7 +179,8 @@ class CurveSet(CurveMap, MutableMapping[Key, Samples]):
 
     ``curves[1] = samples`` copies the samples into the profile: into the place of the curve of that key, whose name and
     other fields stay, or behind all others. The entry comes into being with its first curve. ``del curves[1]`` removes
-    one; the entry stays. Printer profiles take samples of 16 bits alone (ProfileError).
+    one; the entry stays. Printer profiles take samples of 16 bits alone (ProfileError). ``update`` is a change for each
+    key, ``replace`` is one for all.
     """
 
     __slots__ = ("_core", "_kind")
@@ -183,7 +192,7 @@ class CurveSet(CurveMap, MutableMapping[Key, Samples]):
 
     def put(self, curve: Curve) -> None:
         """Writes a curve with all its fields in the place of the one with its ink and extend_info, or at the end."""
-        self._core.set_curve(self._kind, curve._tuple())
+        self._core.set_curve(self._kind, need(curve, Curve)._tuple())
 
     def replace(self, curves: Union[Iterable[Curve], Mapping[Any, npt.ArrayLike]]) -> None:
         """Makes these the curves of the set, in this order. Two of one ink and extend_info are a ProfileError."""

@@ -27,14 +27,16 @@ class Entry(NamedTuple):
     option_info: int
     label: str
     is_understood: bool
-    """The parsed form says all that the bytes say; true for kinds that have none."""
+    """The parsed form says all that the bytes say, but for reserved ones and those behind the form, which no reader
+    looks at; true for kinds that have none."""
 
 
 class Entries(MutableMapping[str, Entry]):
     """The entries of a profile by name (``nvxprofile.ENTRY_KINDS``), in the order of their arrival.
 
     ``entries["linearization"].data`` is a view of the bytes. ``entries["linearization"] = data`` replaces them by a
-    whole form of the kind (ProfileError), or adds the entry; ``del`` removes it.
+    whole form of the kind (ProfileError), or adds the entry; ``del`` removes it. Bytes behind the form say nothing, and
+    may go with the next change, save or load.
     """
 
     __slots__ = ("_core",)

@@ -43,22 +43,34 @@ class CalibrationCurves(Mapping[str, CurveMap]):
 
 
 class Calibration:
-    """A calibration of the history. What it is called does not follow later changes; its curves are looked up by its
-    code when they are asked for."""
+    """A calibration of the history, read-only. What it is called does not follow later changes; its curves are looked
+    up by its code when they are asked for."""
 
-    __slots__ = ("_core", "code", "name", "value", "time")
-
-    code: int
-    """Names the calibration for as long as it is in the history."""
-    name: str
-    value: int
-    time: Optional[datetime.datetime]
-    """In UTC; None for a time outside of the years 1 to 9999."""
+    __slots__ = ("_core", "_fields")
 
     def __init__(self, core: "_core.Profile", fields: Tuple[int, str, int, int]) -> None:
         self._core = core
-        self.code, self.name, self.value, seconds = fields
-        self.time = time_of(seconds)
+        self._fields = fields
+
+    @property
+    def code(self) -> int:
+        """Names the calibration for as long as it is in the history."""
+        return self._fields[0]
+
+    @property
+    def name(self) -> str:
+        """What it is called."""
+        return self._fields[1]
+
+    @property
+    def value(self) -> int:
+        """A number that its maker gave it."""
+        return self._fields[2]
+
+    @property
+    def time(self) -> Optional[datetime.datetime]:
+        """In UTC; None for a time outside of the years 1 to 9999."""
+        return time_of(self._fields[3])
 
     @property
     def curves(self) -> CalibrationCurves:
@@ -66,7 +78,9 @@ class Calibration:
         return CalibrationCurves(self._core, self.code)
 
     def query(self, kind: str, ink: int) -> Optional[Samples]:
-        """The curve that a print job takes of the kind for the ink, as a view; None if there is none."""
+        """The curve that a print job takes of the kind for the ink, as a view; None if there is none, and for codes of
+        2**31 or more, which print jobs cannot ask for.
+        """
         if kind not in CALIBRATION_KINDS:
             raise KeyError(kind)
         return self._core.calibration_curve(self.code, kind, ink)
@@ -109,6 +123,8 @@ class History(Sequence[Calibration]):
 
     def __delitem__(self, index: int) -> None:
         """Removes the calibration at a position; IndexError if there is none."""
+        if isinstance(index, slice):
+            raise TypeError("calibrations are removed one by one")
         self._core.remove_calibration(self[index].code)
 
     @property
@@ -136,9 +152,9 @@ class History(Sequence[Calibration]):
     ) -> Calibration:
         """Adds a calibration and gives it back.
 
-        ``name`` has at most 20 characters, ``time`` a time zone. Curves are lists of ``Curve``, or samples by ink
-        or by (ink, extend_info); ink limits by ink alone get the extend_info 12, which queries look for. Sets without
-        curves are left out.
+        ``name`` has at most 20 characters, ``time`` a time zone and whole seconds: what is less is cut off. Curves are
+        lists of ``Curve``, or samples by ink or by (ink, extend_info); ink limits by ink alone get the extend_info 12,
+        which queries look for. Sets without curves are left out.
         """
         code = self._core.add_calibration(
             name,

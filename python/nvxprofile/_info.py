@@ -31,7 +31,7 @@ def _from_core(name: str, value: Any) -> Any:
 
 
 def _to_core(name: str, value: Any) -> Any:
-    return seconds_of(value) if isinstance(value, datetime.datetime) else value
+    return seconds_of(value) if name == "created" and value is not None else value
 
 
 class _Fact(Generic[T]):
@@ -65,6 +65,8 @@ class Info:
 
     Printer profiles alone are written to (ProfileError), by a text that its field holds whole (ProfileError) and a
     number that its field can have (TypeError). ``update`` changes several fields at once, or none if one is refused.
+    The codes of model and medium are read with all their digits, zeros in front. ``created`` has whole seconds: what is
+    less is cut off. None is no time, and makes a save take the present.
     """
 
     __slots__ = ("_core",)

@@ -11,7 +11,7 @@ import numpy as np
 import numpy.typing as npt
 
 from . import _core, _pictures
-from ._arrays import BytesLike, Samples, bytes_of
+from ._arrays import BytesLike, Samples, array_of, bytes_of, need
 from ._curves import Curve, Curves, curves_of
 from ._entries import Entries
 from ._errors import ProfileError
@@ -45,10 +45,11 @@ def _channels(channels: Sequence[Union[Channel, int]]) -> List[Channel]:
     return [channel if isinstance(channel, tuple) else Channel(channel) for channel in channels]
 
 
-def _plain_name(name: str) -> str:
-    if name != os.path.basename(name) or name in ("", os.curdir, os.pardir) or "\0" in name:
+def _plain_name(name: str) -> bytes:
+    """As files have it, which may be any bytes."""
+    if need(name, str) != os.path.basename(name) or name in ("", os.curdir, os.pardir) or "\0" in name:
         raise ValueError(f"{name!r} is no name of a file")
-    return name
+    return os.fsencode(name)
 
 
 class Profile:
@@ -90,7 +91,7 @@ class Profile:
     @classmethod
     def from_bytes(cls, data: BytesLike, name: str = "profile") -> "Profile":
         """Loads a file that is in memory. A name that ends in ".icc" is taken for that of an ICC profile."""
-        return cls(_core.from_bytes(bytes_of(data).tobytes(), name))
+        return cls(_core.from_bytes(bytes_of(data).tobytes(), os.fsencode(name)))
 
     @classmethod
     def create(cls, icc: BytesLike) -> "Profile":
@@ -100,8 +101,9 @@ class Profile:
     def save(self, path: PathLike) -> None:
         """Writes all of the profile in its format: beside the target, and over it at the end.
 
-        Printer profiles keep their time of creation and get the present as that of their update. ProfileError, with the
-        old file as it was, for what no file can carry, a text-headed profile, and a profile of which the load left
+        Printer profiles keep their time of creation and get the present as that of their update, and in the file their
+        ICC profile takes its name as description; plain ICC profiles stay as they are byte for byte. ProfileError, with
+        the old file as it was, for what no file can carry, a text-headed profile, and a profile of which the load left
         something out (``is_whole``).
         """
         self._core.save(os.fspath(path))
@@ -273,11 +275,11 @@ class Profile:
         """Makes this the separation table: ``uint8`` of shape grid x ... x grid x outputs, an axis for each input.
         Channels are ``Channel``s or codes. ValueError for a shape that does not fit them, TypeError for other numbers.
         """
-        array: npt.NDArray[Any] = np.asarray(samples)
+        array = array_of(samples)
         if array.dtype != np.uint8:
             raise TypeError(f"a table has samples of 8 bits, not {array.dtype}")
         grid = array.shape[0] if array.ndim > 1 else 0
-        if array.shape != (grid,) * len(inputs) + (len(outputs),) or array.size == 0:
+        if array.shape != (grid,) * len(inputs) + (len(outputs),) or array.size == 0 or grid == 0:
             raise ValueError(
                 f"shape {array.shape} is not one axis of equal length for each of {len(inputs)} inputs, and one of "
                 f"{len(outputs)} outputs"
@@ -310,14 +312,15 @@ class Profile:
         return Media(self._core)
 
     @property
-    def mask_blocks(self) -> List[MaskBlock]:
+    def mask_blocks(self) -> Sequence[MaskBlock]:
         """The mask blocks of fixed shape; empty without. Assigning a list replaces them. A printer profile has either
         these or ``masks``."""
-        return [MaskBlock(*fields) for fields in self._core.mask_blocks()]
+        return tuple(MaskBlock(*fields) for fields in self._core.mask_blocks())
 
     @mask_blocks.setter
     def mask_blocks(self, blocks: Sequence[MaskBlock]) -> None:
-        self._core.set_mask_blocks([(block.type, list(block.values), bytes(block.data)) for block in blocks])
+        blocks = [need(block, MaskBlock) for block in blocks]
+        self._core.set_mask_blocks([(block.type, list(block.values), block.data) for block in blocks])
 
     @property
     def masks(self) -> Optional[Masks]:
@@ -327,8 +330,10 @@ class Profile:
 
     @masks.setter
     def masks(self, masks: Masks) -> None:
-        rules = [(rule._condition(), bytes(rule.parameters), list(rule.patterns)) for rule in masks.rules]
-        self._core.set_masks(rules, [(id, bytes(data)) for id, data in masks.patterns.items()])
+        rules = [need(rule, MaskRule) for rule in need(masks, Masks).rules]
+        self._core.set_masks(
+            [(rule._condition(), rule.parameters, list(rule.patterns)) for rule in rules], list(masks.patterns.items())
+        )
 
     def packed_mask(
         self, pass_count: int, special_colorset: int = 0, print_method: int = 0, layer_colors: Sequence[int] = ()
@@ -349,21 +354,24 @@ class Profile:
         return None if fields is None else LampSettings._of(fields)
 
     @property
-    def lamp_patterns(self) -> List[LampPattern]:
+    def lamp_patterns(self) -> Sequence[LampPattern]:
         """The patterns of the lamp, of which the first that fits wins; empty for a fixed table, which answers under all
         conditions. Assigning a list replaces all tables of the lamp."""
-        return [
+        return tuple(
             LampPattern((first, second, third, fourth), LampSettings._of(settings))
             for (first, second, third, fourth), settings in self._core.lamp_patterns()
-        ]
+        )
 
     @lamp_patterns.setter
     def lamp_patterns(self, patterns: Sequence[LampPattern]) -> None:
-        self._core.set_lamp_patterns([(pattern.conditions, pattern.settings._tuple()) for pattern in patterns])
+        patterns = [need(pattern, LampPattern) for pattern in patterns]
+        self._core.set_lamp_patterns(
+            [(pattern.conditions, need(pattern.settings, LampSettings)._tuple()) for pattern in patterns]
+        )
 
     def set_fixed_lamp(self, settings: LampSettings) -> None:
         """Replaces all tables of the lamp by the fixed one: two splits of 131 values (ProfileError)."""
-        self._core.set_fixed_lamp(settings._tuple())
+        self._core.set_fixed_lamp(need(settings, LampSettings)._tuple())
 
     @property
     def special_colors(self) -> Optional[SpecialColors]:
@@ -373,7 +381,7 @@ class Profile:
 
     @special_colors.setter
     def special_colors(self, table: SpecialColors) -> None:
-        patterns = [pattern._tuple() for pattern in table.patterns]
+        patterns = [need(pattern, SpecialColorPattern)._tuple() for pattern in need(table, SpecialColors).patterns]
         sets = [curves_of(curves) for curves in table.curve_sets]
         self._core.set_special_colors(table.profile_color_type, patterns, sets)
 
@@ -429,4 +437,4 @@ def build(document: Mapping[str, Any], folder: PathLike = ".", name: Optional[st
     JSON cannot say TypeError or ValueError.
     """
     text = json.dumps(document, allow_nan=False)
-    return Profile(_core.build(text, os.fspath(folder) or ".", "" if name is None else _plain_name(name)))
+    return Profile(_core.build(text, os.fspath(folder) or ".", b"" if name is None else _plain_name(name)))

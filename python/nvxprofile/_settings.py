@@ -3,11 +3,12 @@
 from __future__ import annotations
 
 from dataclasses import dataclass, field
-from typing import TYPE_CHECKING, Any, Dict, Iterator, MutableMapping, Optional, Sequence, Tuple
+from typing import TYPE_CHECKING, Any, Dict, Iterator, Mapping, MutableMapping, NoReturn, Optional, Sequence, Tuple
 
 import numpy as np
 import numpy.typing as npt
 
+from ._arrays import array_of, bytes_of
 from ._curves import Curve
 
 if TYPE_CHECKING:
@@ -51,7 +52,7 @@ class Media(MutableMapping[str, "npt.NDArray[np.int32]"]):
         return values
 
     def __setitem__(self, name: str, values: npt.ArrayLike) -> None:
-        array: npt.NDArray[Any] = np.atleast_1d(np.asarray(values))
+        array: npt.NDArray[Any] = np.atleast_1d(array_of(values))
         if array.ndim != 1:
             raise ValueError("a setting is one row of numbers")
         if array.dtype.kind not in "ui":
@@ -83,14 +84,31 @@ def _freeze(value: Any) -> Any:
 
 
 class _Frozen:
+    # Fields that are bytes, out of whatever holds some.
+    _BYTES: Tuple[str, ...] = ()
+
     def __post_init__(self) -> None:
         for name, value in vars(self).items():
-            object.__setattr__(self, name, _freeze(value))
+            object.__setattr__(self, name, bytes_of(value).tobytes() if name in self._BYTES else _freeze(value))
+
+
+class _FrozenDict(Dict[int, bytes]):
+    """What has been read does not take what would not be written."""
+
+    def _refuse(self, *_: Any, **__: Any) -> NoReturn:
+        raise TypeError("it is a copy, and takes no changes: make a dictionary of it, and write that")
+
+    __setitem__ = __delitem__ = __ior__ = update = setdefault = pop = popitem = clear = _refuse  # type: ignore
+
+    def __reduce__(self) -> Any:
+        return type(self), (dict(self),)
 
 
 @dataclass(frozen=True)
 class MaskBlock(_Frozen):
     """A mask block of fixed shape: a type from 1 to 6, and as many values and bytes as the type has."""
+
+    _BYTES = ("data",)
 
     type: int
     values: Sequence[int] = ()
@@ -101,11 +119,13 @@ class MaskBlock(_Frozen):
 class MaskRule(_Frozen):
     """The masks of one printing condition. Of several rules with one condition the first wins."""
 
+    _BYTES = ("parameters",)
+
     pass_count: int = 0
     special_colorset: int = 0
     print_method: int = 0
     layer_colors: Sequence[int] = ()
-    """At most 10."""
+    """At most 10, read in ascending order."""
     parameters: bytes = b""
     patterns: Sequence[int] = ()
     """IDs of patterns, at most 15."""
@@ -119,7 +139,12 @@ class Masks(_Frozen):
     """Print masks with their patterns by ID."""
 
     rules: Sequence[MaskRule] = ()
-    patterns: Dict[int, bytes] = field(default_factory=dict)
+    patterns: Mapping[int, bytes] = field(default_factory=dict)
+
+    def __post_init__(self) -> None:
+        super().__post_init__()
+        patterns = {number: bytes_of(data).tobytes() for number, data in self.patterns.items()}
+        object.__setattr__(self, "patterns", _FrozenDict(patterns))
 
     @classmethod
     def _of(cls, fields: Tuple[Any, Any]) -> "Masks":
@@ -165,7 +190,7 @@ class SpecialColorPattern(_Frozen):
 
     conditions: Tuple[int, int] = (ANY, ANY)
     colors: Sequence[int] = ()
-    """Ink codes, or ``ANY``."""
+    """Ink codes, or ``ANY``; read in ascending order, ``ANY`` last."""
     level: int = 0
     """Counts from 0."""
     density: int = 0
@@ -178,7 +203,7 @@ class SpecialColorPattern(_Frozen):
 
 @dataclass(frozen=True)
 class SpecialColors(_Frozen):
-    """The table of special colours. All curves of a set have equally many samples of one width."""
+    """The table of special colours. The samples of all curves of a set take equally many bytes (ProfileError)."""
 
     profile_color_type: int = 0
     patterns: Sequence[SpecialColorPattern] = ()

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "shared_profile.h"
+#include "whole_numbers.h"
 
 #include <pybind11/numpy.h>
 

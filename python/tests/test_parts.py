@@ -171,7 +171,7 @@ def test_masks_lamp_and_special_colours_come_back_as_they_were_written(profile: 
 
     again.set_fixed_lamp(nvxprofile.LampSettings((1, 2), [[3] * 131, [4] * 131]))
     fixed = reloaded(again).lamp(9, 9, 9, 9)
-    assert fixed == nvxprofile.LampSettings((1, 2), [[3] * 131, [4] * 131]) and again.lamp_patterns == []
+    assert fixed == nvxprofile.LampSettings((1, 2), [[3] * 131, [4] * 131]) and again.lamp_patterns == ()
 
 
 def test_entries_are_bytes_by_name(profile: Profile) -> None:
