@@ -423,7 +423,7 @@ class NVX_EXPORT Profile {
   std::optional<MaskBlock> FindMaskBlock(std::uint32_t type) const;
   std::vector<MaskBlock> MaskBlocks() const;
   // Each replaces all that its entry holds. A printer profile holds blocks or masks with patterns: whichever comes
-  // second is refused.
+  // second is refused. So is a single block of type 5, which would load as masks without any.
   void SetMaskBlocks(std::span<const MaskBlock> blocks);
   std::optional<MaskSet> Masks() const;
   void SetMasks(const MaskSet& masks);

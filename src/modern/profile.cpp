@@ -146,6 +146,16 @@ void CheckSampleWidth(const CProfileCurveEntry& entry) {
   }
 }
 
+// A load takes a tag of one such block for masks with their patterns.
+void CheckLoadsAsBlocks(const CMaskDownLoadEntry& entry) {
+  constexpr std::uint32_t kPatternBlock = 5;
+  const auto blocks = entry.GetWeftBlocks();
+  // Bytes that were read in part hold more, and are kept as they are.
+  if (PayloadKeeper::SaysAll(entry) && blocks.size() == 1 && blocks.front().BlockType == kPatternBlock) {
+    Fail(TitleOf(entry.GetUsedType()) + ": a printer profile does not keep a single block of type 5");
+  }
+}
+
 // --- What a save of a printer profile needs ---
 
 void CheckRoutes(const CProfileData& model) {
@@ -188,6 +198,9 @@ void Prepare(ProfileState& state) {
     case kPrinterProfile:
       CheckFrame(state);
       CheckRoutes(state.Model());
+      if (const auto* const blocks = state.Payload<CMaskDownLoadEntry>(EntryKind::kMaskBlocks)) {
+        CheckLoadsAsBlocks(*blocks);
+      }
       state.RenewRecord();
       state.Record().SaveVersion5 |= state.Record().ProfileMinorVersion == 5;
       return;
@@ -271,6 +284,8 @@ void ProfileState::Take(std::unique_ptr<CProfileDataEntry> entry) {
       curves != nullptr && IsPrinterProfile() && type.route == kRouteMain) {
     CheckSampleWidth(*curves);
   }
+  const bool isBlocks = type.usedType == CProfileDataEntry::kMaskDownload && IsPrinterProfile();
+  if (isBlocks) CheckLoadsAsBlocks(dynamic_cast<const CMaskDownLoadEntry&>(*entry));
   CProfileData& model = Model();
   if (CProfileDataEntry* const former = Find(static_cast<EntryKind>(type.usedType))) {
     CopyHeader(*former, *entry);

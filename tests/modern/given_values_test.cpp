@@ -3,6 +3,10 @@
 #include "support/environment.h"
 #include "support/files.h"
 
+#include <nvxprofile/mask_download.h>
+#include <nvxprofile/profile_access.h>
+#include <nvxprofile/profile_data.h>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -84,6 +88,35 @@ TEST(ModernGivenValues, TheRecordSaysWhatAFileOfItWould) {
   Profile other = NewProfile();
   other.SetEntryBytes(EntryKind::kSpecialColors, bytes);
   EXPECT_EQ(other.Info().separateWayCode, 3);
+}
+
+// Alone it is what masks with patterns begin with.
+TEST(ModernGivenValues, ABlockThatWouldLoadAsMasksIsRefused) {
+  Profile profile = NewProfile();
+  const MaskBlock block{5, {}, {1, 2}};
+  const auto refusal = [](auto run) { EXPECT_THAT(WhatFails(run), HasSubstr("single block of type 5")); };
+  refusal([&] { profile.SetMaskBlocks(std::span(&block, 1)); });
+  EXPECT_FALSE(profile.Has(EntryKind::kMaskBlocks));
+  profile.SetMaskBlocks(std::vector{block, block});
+  EXPECT_THAT(Again(profile).MaskBlocks(), SizeIs(2));
+
+  // Where the second block is broken, one is there, and the bytes of both.
+  Bytes file = profile.ToBytes("a.icc");
+  const auto bytes = profile.FindEntry(EntryKind::kMaskBlocks)->bytes;
+  const auto place = std::search(file.begin(), file.end(), bytes.begin(), bytes.end());
+  ASSERT_NE(place, file.end());
+  constexpr int kTypeOfSecond = 20 + 24 + 8;
+  place[kTypeOfSecond] = 0xEE;
+  Profile broken = Profile::FromBytes(file, "a.icc");
+  EXPECT_THAT(broken.MaskBlocks(), SizeIs(1));
+  EXPECT_THAT(Again(broken).MaskBlocks(), SizeIs(1));
+
+  CProfileDataEntry* const entry =
+      profile.Access().GetProfileData()->GetProfileDataEntryFromList(CProfileDataEntry::kMaskDownload);
+  auto& blocks = dynamic_cast<CMaskDownLoadEntry&>(*entry);
+  blocks.Initialize(1);
+  blocks.SetWeftDataParameter(0, 5);
+  refusal([&] { profile.ToBytes(); });
 }
 
 TEST(ModernGivenValues, APathIsNotCutAtAZero) {
