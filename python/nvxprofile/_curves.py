@@ -221,7 +221,7 @@ class Curves(MutableMapping[str, CurveSet]):
 
     It is walked by the kinds that the profile holds. Every kind can be asked for: one that is missing is an empty set,
     and appears with the first curve that is put into it. Assigning a list of curves, or a dictionary of samples by ink,
-    makes these the curves of the set; ``del`` removes the entry.
+    makes these the curves of the set; ``del`` removes the entry, and so does ``pop``, whose set is empty from then on.
     """
 
     __slots__ = ("_core",)

@@ -43,6 +43,11 @@ def _title(curve: Curve) -> str:
     return f"{name} ({curve.extend_info})" if curve.extend_info else name
 
 
+def _label(curve: Curve) -> str:
+    """The title for matplotlib, which sets what stands between dollars as formulas and leaves out what begins with _."""
+    return " " * curve.name.startswith("_") + _title(curve).replace("$", r"\$")
+
+
 def _points(curve: Curve) -> str:
     count = len(curve.samples)
     shown = np.unique(np.linspace(0, count - 1, min(count, _MOST_POINTS)).round().astype(int))
@@ -99,7 +104,7 @@ def plot_of(profile: "Profile", kinds: Sequence[str]) -> Any:
         for position, curve in enumerate(profile.curves[kind].curves()):
             level = np.linspace(0, 1, len(curve.samples))
             whole = np.iinfo(curve.samples.dtype).max
-            place.plot(level, curve.samples / whole, color=_color(curve, position), label=_title(curve))
+            place.plot(level, curve.samples / whole, color=_color(curve, position), label=_label(curve))
         place.set_title(kind)
         place.set_xlim(0, 1)
         place.set_ylim(0, 1)

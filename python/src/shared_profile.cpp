@@ -58,7 +58,11 @@ SharedProfile FromBytes(const py::bytes& bytes, std::string_view name) {
   return SharedProfile(nvx::Profile::FromBytes(span, name));
 }
 
-SharedProfile Create(const py::bytes& iccProfile) { return SharedProfile(nvx::Profile::Create(SpanOf(iccProfile))); }
+SharedProfile Create(const py::bytes& iccProfile) {
+  const auto span = SpanOf(iccProfile);
+  const py::gil_scoped_release unlocked;
+  return SharedProfile(nvx::Profile::Create(span));
+}
 
 SharedProfile Build(const std::string& text, const std::filesystem::path& folder, std::string name) {
   const py::gil_scoped_release unlocked;

@@ -156,13 +156,18 @@ def test_a_notebook_shows_curves_and_no_foreign_markup(profile: Profile) -> None
     assert "film.icc" in repr(profile) and "linearization" in repr(profile)
 
 
-def test_plots_show_each_kind(profile: Profile, monkeypatch: pytest.MonkeyPatch) -> None:
+def test_plots_show_each_kind(profile: Profile, monkeypatch: pytest.MonkeyPatch, tmp_path: pathlib.Path) -> None:
     pyplot = pytest.importorskip("matplotlib.pyplot")
     pyplot.switch_backend("agg")
     figure = profile.plot(["linearization", "gray-balance"])
     assert [axes.get_title() for axes in figure.axes] == ["linearization", "gray-balance"]
     assert len(figure.axes[0].lines) == len(profile.curves["linearization"])
-    pyplot.close(figure)
+    for ink, name in ((1, r"$\frac$"), (2, "_hidden")):
+        profile.curves["linearization"].put(nvxprofile.Curve(ink, [0, 65535], name=name))
+    strange = profile.plot(["linearization"])
+    strange.savefig(tmp_path / "strange.png")
+    assert len(strange.axes[0].get_legend().get_texts()) == len(profile.curves["linearization"])
+    pyplot.close("all")
     monkeypatch.setitem(__import__("sys").modules, "matplotlib.pyplot", None)
     with pytest.raises(ImportError, match="install"):
         profile.plot()

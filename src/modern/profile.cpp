@@ -286,6 +286,7 @@ void ProfileState::Take(std::unique_ptr<CProfileDataEntry> entry) {
   }
   const bool isBlocks = type.usedType == CProfileDataEntry::kMaskDownload && IsPrinterProfile();
   if (isBlocks) CheckLoadsAsBlocks(dynamic_cast<const CMaskDownLoadEntry&>(*entry));
+  CheckRecordSource(static_cast<EntryKind>(type.usedType));
   CProfileData& model = Model();
   if (CProfileDataEntry* const former = Find(static_cast<EntryKind>(type.usedType))) {
     CopyHeader(*former, *entry);
@@ -302,6 +303,10 @@ void ProfileState::Take(std::unique_ptr<CProfileDataEntry> entry) {
   }
   RenewRecord();
   if (type.usedType == CProfileDataEntry::kSpecialColorInfo) TakeSeparateWay();
+}
+
+void ProfileState::CheckRecordSource(EntryKind changing) {
+  if (changing != EntryKind::kMedia) Asked(EntryKind::kMedia);
 }
 
 void ProfileState::TakeSeparateWay() {
@@ -535,6 +540,7 @@ void Profile::SetEntryBytes(EntryKind kind, std::span<const std::uint8_t> bytes)
 bool Profile::RemoveEntry(EntryKind kind) {
   CProfileDataEntry* const entry = state_->Find(kind);
   if (entry == nullptr) return false;
+  state_->CheckRecordSource(kind);
   CProfileData& model = state_->Model();
   const std::vector<std::uint32_t> routes = RoutesOf(model, entry);
   for (const std::uint32_t route : routes) {

@@ -66,6 +66,8 @@ struct ProfileState {
   void RenewRecord();
   // The same of a table of special colours that has just come.
   void TakeSeparateWay();
+  // Throws, before an entry is changed, if the one that RenewRecord asks then has changes that cannot be written.
+  void CheckRecordSource(EntryKind changing);
 };
 
 // Makes what a load works out of a printer profile's record: codes as texts, and the time of creation in parts.

@@ -4,11 +4,15 @@
 #include "support/files.h"
 
 #include <nvxprofile/mask_download.h>
+#include <nvxprofile/media_property.h>
 #include <nvxprofile/profile_access.h>
 #include <nvxprofile/profile_data.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
 
 namespace {
 
@@ -88,6 +92,28 @@ TEST(ModernGivenValues, TheRecordSaysWhatAFileOfItWould) {
   Profile other = NewProfile();
   other.SetEntryBytes(EntryKind::kSpecialColors, bytes);
   EXPECT_EQ(other.Info().separateWayCode, 3);
+}
+
+// Every change renews the record, which asks for the settings of the medium.
+TEST(ModernGivenValues, ARefusedChangeIsNotMade) {
+  Profile made = NewProfile();
+  made.SetMedia(MediaSetting::kHeater, std::array{45, 46});
+  made.SetCurve(CurveKind::kLinearization, CurveOfInk(1, 0, Ramp(1)));
+  Bytes file = made.ToBytes("a.icc");
+  const auto settings = made.FindEntry(EntryKind::kMedia)->bytes;
+  const auto place = std::search(file.begin(), file.end(), settings.begin(), settings.end());
+  ASSERT_NE(place, file.end());
+  *place = 0xFF;
+  Profile profile = Profile::FromBytes(file, "a.icc");
+  CProfileDataEntry* const entry =
+      profile.Access().GetProfileData()->GetProfileDataEntryFromList(CProfileDataEntry::kMediaProperty);
+  dynamic_cast<CMediaPropertyEntry&>(*entry).GetMediaPropertyData();  // open to changes, and not understood
+  const auto refusal = [](auto run) { EXPECT_THAT(WhatFails(run), HasSubstr("media-property")); };
+  refusal([&] { profile.SetCurve(CurveKind::kLinearization, CurveOfInk(2, 0, Ramp(1))); });
+  refusal([&] { profile.RemoveEntry(EntryKind::kLinearization); });
+  EXPECT_THAT(profile.Curves(CurveKind::kLinearization), SizeIs(1));
+  EXPECT_TRUE(profile.RemoveEntry(EntryKind::kMedia));
+  EXPECT_TRUE(profile.RemoveEntry(EntryKind::kLinearization));
 }
 
 // Alone it is what masks with patterns begin with.
