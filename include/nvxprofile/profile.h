@@ -298,7 +298,8 @@ struct CalibrationData {
   std::vector<Curve> grayBalance;
 };
 
-// An entry as it stands in the profile.
+// An entry as it stands in the profile. Files of printer profiles keep flag, option info and label of those on the main
+// route; the others come back complete, with those of a new entry.
 struct Entry {
   EntryKind kind{};
   std::string_view name;  // such as "ink-limit"
@@ -308,7 +309,7 @@ struct Entry {
   std::uint32_t optionInfo = 0;
   std::string label;
   // The parsed form says all that the bytes say, but for reserved ones and those behind the form, which no reader looks
-  // at; true for kinds that have none.
+  // at, and can be written; true for kinds that have none.
   bool isUnderstood = false;
 };
 
@@ -479,7 +480,8 @@ class NVX_EXPORT Profile {
 
   // The published classes, for what has no word here. Whoever changes the model through them ends all spans. What was
   // changed shows in all that this object is asked from then on, and Save keeps it, without DataToBuffer; only the
-  // queries of CProfileAccess itself answer from the buffers.
+  // queries of CProfileAccess itself answer from the buffers. Asking then brings the buffers up to date: a profile of
+  // which something was opened to changes is for one thread at a time, its Clone for many.
   CProfileAccess& Access();
 
  private:

@@ -177,12 +177,14 @@ void CheckFrame(ProfileState& state) {
   DirectoryOf(icc->Bytes());
 }
 
-// Changes that were made through the published classes reach the buffers here.
-void RenewBytes(CProfileDataEntry& entry) {
+// Changes that were made through the published classes reach the buffers here. False if they cannot be written.
+bool TryRenewBytes(CProfileDataEntry& entry) {
   const bool mayBeChanged = PayloadKeeper::IsStale(entry) && entry.GetPayloadState() != PayloadState::kUnread;
-  if (mayBeChanged && !entry.RenewBuffer()) {
-    Fail(TitleOf(entry.GetUsedType()) + ": what was changed cannot be written");
-  }
+  return !mayBeChanged || entry.RenewBuffer();
+}
+
+void RenewBytes(CProfileDataEntry& entry) {
+  if (!TryRenewBytes(entry)) Fail(TitleOf(entry.GetUsedType()) + ": what was changed cannot be written");
 }
 
 std::uint32_t OnlyRoute(const CProfileData& model) {
@@ -510,11 +512,12 @@ Entry ViewOf(const CProfileData& model, CProfileDataEntry& entry) {
   view.kind = static_cast<EntryKind>(entry.GetUsedType());
   if (const EntryType* const type = FindEntryType(entry.GetUsedType())) view.name = type->name;
   for (const std::uint32_t route : RoutesOf(model, &entry)) view.routes.push_back(static_cast<Route>(route));
+  const bool isRenewed = TryRenewBytes(entry);
   view.bytes = entry.Bytes();
   view.complete = entry.IsComplete();
   view.optionInfo = entry.GetOptionInfo();
   view.label = Utf8OfAnsi(entry.GetLabelString());
-  view.isUnderstood = IsUnderstood(entry);
+  view.isUnderstood = isRenewed && IsUnderstood(entry);
   return view;
 }
 

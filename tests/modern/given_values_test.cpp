@@ -3,6 +3,7 @@
 #include "support/environment.h"
 #include "support/files.h"
 
+#include <nvxprofile/curve_entry.h>
 #include <nvxprofile/mask_download.h>
 #include <nvxprofile/media_property.h>
 #include <nvxprofile/profile_access.h>
@@ -92,6 +93,20 @@ TEST(ModernGivenValues, TheRecordSaysWhatAFileOfItWould) {
   Profile other = NewProfile();
   other.SetEntryBytes(EntryKind::kSpecialColors, bytes);
   EXPECT_EQ(other.Info().separateWayCode, 3);
+}
+
+TEST(ModernGivenValues, BytesOfEntriesSayWhatWasChangedThroughAccess) {
+  Profile profile = NewProfile();
+  profile.SetCurve(CurveKind::kInkLimit, CurveOfInk(1, 0, Ramp(1)));
+  CProfileDataEntry* const entry =
+      profile.Access().GetProfileData()->GetProfileDataEntryFromList(CProfileDataEntry::kInkLimit);
+  CCurveDataEntry& curve = *dynamic_cast<CInkLimitEntry&>(*entry).GetCurveData()->FindInkIDEntry(1);
+  curve.SetAt(5, 4321);
+  Profile other = NewProfile();
+  other.SetEntryBytes(EntryKind::kInkLimit, profile.FindEntry(EntryKind::kInkLimit)->bytes);
+  EXPECT_EQ(Words(other.InkLimit(1))[5], 4321);
+  curve.SetDataType(7);  // which no form has
+  EXPECT_FALSE(profile.FindEntry(EntryKind::kInkLimit)->isUnderstood);
 }
 
 // Every change renews the record, which asks for the settings of the medium.
