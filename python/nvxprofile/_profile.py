@@ -436,5 +436,5 @@ def build(document: Mapping[str, Any], folder: PathLike = ".", name: Optional[st
     by default one that suits the format. For a wrong document ProfileError, whose ``place`` is a JSON pointer; for what
     JSON cannot say TypeError or ValueError.
     """
-    text = json.dumps(document, allow_nan=False)
+    text = json.dumps(document, allow_nan=False, ensure_ascii=False).encode()
     return Profile(_core.build(text, os.fspath(folder) or ".", b"" if name is None else _plain_name(name)))

@@ -61,8 +61,9 @@ def test_documents_go_both_ways(document: Dict[str, Any], profile: Profile) -> N
     for name in ("../outside.icc", "", "..", "a\0b"):
         with pytest.raises(ValueError):
             nvxprofile.build(document, SOURCES / "examples", name)
-    with pytest.raises(ValueError):
-        nvxprofile.build({"nvxprofile": float("nan")})
+    for strange in (float("nan"), "\ud800"):
+        with pytest.raises(ValueError):
+            nvxprofile.build({"nvxprofile": strange})
 
 
 def look_at_all(profile: Profile) -> List[object]:
