@@ -129,7 +129,8 @@ class CurveMap(Mapping[Key, Samples]):
     """The curves of a set as views of their samples, by ``ink`` or by ``(ink, extend_info)``.
 
     An ink alone means its first curve, as in the queries of a print job, but for ``Profile.variable_ink_limit``. The
-    keys that it is walked by are pairs, in the order of the profile. What is not there is a KeyError.
+    keys that it is walked by are pairs, in the order of the profile. What is not there is a KeyError. Sets are equal if
+    their curves are, with all that is said of them and in the same order.
     """
 
     __slots__ = ("_read",)
@@ -168,6 +169,12 @@ class CurveMap(Mapping[Key, Samples]):
 
     def __len__(self) -> int:
         return len(self._read())
+
+    def __eq__(self, other: object) -> bool:
+        # Arrays have no truth that dictionaries of them could be compared by.
+        if not isinstance(other, CurveMap):
+            return NotImplemented
+        return self.curves() == other.curves()
 
     def __repr__(self) -> str:
         inks = ", ".join(str(key[0]) if key[1] == 0 else str(key) for key in (fields[:2] for fields in self._read()))

@@ -30,6 +30,20 @@ class Entry(NamedTuple):
     """The parsed form says all that the bytes say, but for reserved ones and those behind the form, which no reader
     looks at; true for kinds that have none."""
 
+    def _values(self) -> Tuple[object, ...]:
+        return (*self[:3], self.data.tobytes(), *self[4:])
+
+    def __eq__(self, other: object) -> bool:
+        if not isinstance(other, Entry):
+            return NotImplemented
+        return self._values() == other._values()
+
+    def __ne__(self, other: object) -> bool:
+        return not self == other
+
+    def __hash__(self) -> int:
+        return hash(self._values())
+
 
 class Entries(MutableMapping[str, Entry]):
     """The entries of a profile by name (``nvxprofile.ENTRY_KINDS``), in the order of their arrival.

@@ -44,7 +44,7 @@ def _title(curve: Curve) -> str:
 
 
 def _label(curve: Curve) -> str:
-    """The title for matplotlib, which sets what stands between dollars as formulas and leaves out what begins with _."""
+    """The title for matplotlib, which sets formulas between dollars and leaves out what begins with an underscore."""
     return " " * curve.name.startswith("_") + _title(curve).replace("$", r"\$")
 
 

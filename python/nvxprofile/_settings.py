@@ -3,7 +3,19 @@
 from __future__ import annotations
 
 from dataclasses import dataclass, field
-from typing import TYPE_CHECKING, Any, Dict, Iterator, Mapping, MutableMapping, NoReturn, Optional, Sequence, Tuple
+from typing import (
+    TYPE_CHECKING,
+    Any,
+    Dict,
+    Iterator,
+    List,
+    Mapping,
+    MutableMapping,
+    NoReturn,
+    Optional,
+    Sequence,
+    Tuple,
+)
 
 import numpy as np
 import numpy.typing as npt
@@ -74,8 +86,16 @@ class Media(MutableMapping[str, "npt.NDArray[np.int32]"]):
     def __len__(self) -> int:
         return sum(name in self for name in MEDIA_SETTINGS)
 
+    def __eq__(self, other: object) -> bool:
+        if not isinstance(other, Media):
+            return NotImplemented
+        return self._lists() == other._lists()
+
+    def _lists(self) -> Dict[str, List[int]]:
+        return {name: values.tolist() for name, values in self.items()}
+
     def __repr__(self) -> str:
-        return f"<Media: {', '.join(f'{name} {values.tolist()}' for name, values in self.items()) or 'none'}>"
+        return f"<Media: {', '.join(f'{name} {values}' for name, values in self._lists().items()) or 'none'}>"
 
 
 def _freeze(value: Any) -> Any:

@@ -174,6 +174,22 @@ def test_masks_lamp_and_special_colours_come_back_as_they_were_written(profile: 
     assert fixed == nvxprofile.LampSettings((1, 2), [[3] * 131, [4] * 131]) and again.lamp_patterns == ()
 
 
+def test_mappings_are_compared_by_what_they_hold(profile: Profile) -> None:
+    other = profile.copy()
+    parts = ("curves", "media", "entries")
+    assert all(getattr(profile, part) == getattr(other, part) for part in parts)
+    assert profile.history[0].curves == other.history[0].curves
+    curve = other.curves["linearization"].curve(1)
+    curve.slot += 1
+    other.curves["linearization"].put(curve)
+    other.media["heater"] = [1]
+    assert not any(getattr(profile, part) == getattr(other, part) for part in parts)
+    assert profile.curves["linearization"] != other.curves["linearization"]
+    assert profile.entries["linearization"] != other.entries["linearization"] != 5
+    assert profile.entries["chroma"] == other.entries["chroma"]
+    assert profile.curves["variable"] == other.curves["variable"]
+
+
 def test_entries_are_bytes_by_name(profile: Profile) -> None:
     other = profile.copy()
     data = profile.entries["linearization"].data
