@@ -27,10 +27,9 @@ inline bool IsRight(const RecordConstant& constant, const std::uint8_t* bytes) {
 // True if the bytes of a record have the constants of its form.
 template <class Record>
 bool HasConstants(const std::uint8_t* bytes) {
-  for (const RecordConstant& constant : kRecordFields<Record>.Constants()) {
-    if (!IsRight(constant, bytes)) return false;
-  }
-  return true;
+  const auto constants = kRecordFields<Record>.Constants();
+  return std::all_of(constants.begin(), constants.end(),
+                     [=](const auto& constant) { return IsRight(constant, bytes); });
 }
 
 // Refuses a record that has not, by the first that is wrong; it starts at `start` of the stream.

@@ -252,7 +252,8 @@ using RecordBytes = std::array<std::uint8_t, kRecordSize<Record>>;
 
 template <class Record>
 void EncodeRecord(const Record& record, std::uint8_t* out) {
-  RecordEncoder encoder(out, kRecordSize<Record>);
+  constexpr std::uint32_t kSize = kRecordSize<Record>;
+  RecordEncoder encoder(out, kSize);
   Record::Describe(record, encoder);
 }
 
