@@ -94,7 +94,7 @@ class RecordTable {
     for (std::uint32_t i = 0; i < count_; ++i) records.push_back(At(i));
     return records;
   }
-  const std::uint8_t* BytesAt(std::uint32_t index) const { return bytes_->Data() + std::size_t{index} * kSize; }
+  const std::uint8_t* BytesAt(std::uint32_t index) const { return &bytes_->Data()[std::size_t{index} * kSize]; }
   // Where a record stands in the stream.
   std::uint64_t OffsetOf(std::uint32_t index) const { return start_ + std::uint64_t{index} * kSize; }
 

@@ -43,7 +43,7 @@ void DescribeCurveSet(FieldCodec& codec, CCurveData& set, std::uint32_t usedType
 // Tells the arrays of a table. Where a source gives them, `count` of them come back, for the caller to shape a table
 // by.
 using GivenArrays = std::vector<std::vector<std::int32_t>>;
-GivenArrays DescribeWordArrays(FieldCodec& codec, const WordArrays* told, std::size_t count);
+GivenArrays DescribeWordArrays(FieldCodec& codec, const WordArrays& told, std::size_t count);
 // Stores the words in arrays of these lengths.
 void SetWords(WordArrays& arrays, const GivenArrays& given);
 

@@ -2,10 +2,10 @@
 
 namespace nvx {
 
-GivenArrays DescribeWordArrays(FieldCodec& codec, const WordArrays* told, std::size_t count) {
+GivenArrays DescribeWordArrays(FieldCodec& codec, const WordArrays& told, std::size_t count) {
   std::vector<std::span<const std::int32_t>> words;
-  for (std::size_t i = 0; told != nullptr && i < told->Count(); ++i) {
-    words.push_back(told->Words(static_cast<std::int64_t>(i)));
+  for (std::size_t i = 0; i < told.Count(); ++i) {
+    words.push_back(told.Words(static_cast<std::int64_t>(i)));
   }
   GivenArrays given;
   const auto wanted = static_cast<std::int64_t>(count);

@@ -13,14 +13,18 @@ using Table = CLargeParameterDataEntry;
 constexpr Field kUsedType = {.name = "usedType", .values = {kFixedTable, kPatternTable}};
 constexpr Field kPatternCount = {"patternCount", Presence::kSometimes};
 
-// Tells a table; null stands for one that is made of what the source gives.
-std::unique_ptr<Table> DescribeTable(FieldCodec& codec, Table* told) {
-  std::uint32_t usedType = told != nullptr ? told->GetUsedType() : kFixedTable;
-  std::int32_t patternCount = told != nullptr ? told->GetPatternCount() : 0;
+std::unique_ptr<Table> MakeTable(std::uint32_t usedType, const std::uint32_t* sizes) {
+  return std::unique_ptr<Table>(Table::CreateLargeParameterDataEntry(usedType, sizes));
+}
+
+// Tells a table, or makes one of what the source gives, in the place of a blank one.
+std::unique_ptr<Table> DescribeTable(FieldCodec& codec, Table& told) {
+  std::uint32_t usedType = told.GetUsedType();
+  std::int32_t patternCount = told.GetPatternCount();
   codec.Number(kUsedType, usedType);
   if (usedType == kPatternTable) codec.Number(kPatternCount, patternCount);
   const std::size_t count = usedType == kFixedTable ? 1 : 2;
-  const auto arrays = DescribeWordArrays(codec, told != nullptr ? &told->Arrays() : nullptr, count);
+  const auto arrays = DescribeWordArrays(codec, told.Arrays(), count);
   if (!codec.Fills()) return nullptr;
   if (usedType == kFixedTable && arrays[0].size() != CLargeParameterID001Entry::kWordCount) {
     codec.Refuse("parameters",
@@ -29,7 +33,7 @@ std::unique_ptr<Table> DescribeTable(FieldCodec& codec, Table* told) {
   std::uint32_t sizes[2] = {};
   std::transform(arrays.begin(), arrays.end(), sizes,
                  [](const auto& words) { return static_cast<std::uint32_t>(words.size()); });
-  std::unique_ptr<Table> table(Table::CreateLargeParameterDataEntry(usedType, sizes));
+  std::unique_ptr<Table> table = MakeTable(usedType, sizes);
   if (usedType == kPatternTable) table->SetPatternCount(patternCount);
   SetWords(table->Arrays(), arrays);
   return table;
@@ -42,8 +46,8 @@ void Describe(FieldCodec& codec, CLargeParameterEntry& entry) {
   CLargeParameterData& data = codec.PayloadOf(entry, &Entry::GetLargeParameterData, &Entry::GetLargeParameterData);
   if (codec.Fills()) data.DeleteLargeParameter();
   codec.Groups(
-      {"entries"}, data.Entries(), [&](Table* table) { DescribeTable(codec, table); },
-      [&](std::size_t) { data.AddTail(DescribeTable(codec, nullptr).release()); });
+      {"entries"}, data.Entries(), [&](Table* table) { DescribeTable(codec, *table); },
+      [&](std::size_t) { data.AddTail(DescribeTable(codec, *MakeTable(kFixedTable, nullptr)).release()); });
   codec.Rebuild(entry, "word 0 of each pattern table must be the byte length of its array");
 }
 
