@@ -84,13 +84,13 @@ bool ReadWordTables(CNvxFile& file, std::int32_t count, Find find, Read read) {
   for (std::uint32_t i = 0; i < records.Count(); ++i) {
     const auto found = find(records.At(i), end);
     if (!found) return false;
-    if (found->table != nullptr) tables.push_back(*found);
+    tables.push_back(*found);
     end += found->blockSize;
   }
   bool complete = true;
   std::uint64_t block = start;
   for (const Found& found : tables) {
-    complete = SeekTo(file, block) && read(*found.table) && complete;
+    if (found.table != nullptr) complete = SeekTo(file, block) && read(*found.table) && complete;
     block += found.blockSize;
   }
   return SeekTo(file, end) && complete;

@@ -23,8 +23,6 @@ using testing::HasSubstr;
 using testing::SizeIs;
 using Seconds = std::chrono::sys_seconds;
 
-Profile Again(Profile& profile) { return Profile::FromBytes(profile.ToBytes("a.icc"), "a.icc"); }
-
 TEST(ModernGivenValues, ACurveWithoutSamplesKeepsItsWidth) {
   Profile profile = NewProfile();
   profile.SetCurve(CurveKind::kLinearization, CurveOfInk(1, 0, {}));

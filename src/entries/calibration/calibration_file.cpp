@@ -65,7 +65,7 @@ class ChildLoader {
       if (found->second.parsed && header.bodySize > CalibrationEntryHeader::kBodyMagicSize) {
         nvx::PassOver(file_, "calibration entry header: an entry before has this used type and option info");
       }
-      return Fill(header, found->second);
+      return nvx::CheckForm(file_, header, found->second.entry) && Fill(header, found->second);
     }
 
     std::unique_ptr<CProfileDataEntry> entry(
@@ -91,7 +91,6 @@ class ChildLoader {
 
   bool Fill(const CalibrationEntryHeader& header, Child& child) {
     CProfileDataEntry& entry = *child.entry;
-    if (!nvx::CheckForm(file_, header, &entry)) return false;
     entry.SetComplete(header.complete != 0);
     const std::uint32_t offset = file_.GetDiagnosis() != nullptr ? file_.GetPosition() : 0;
     if (!ReadBody(header, child)) return false;
